@@ -1,0 +1,63 @@
+// Binary sequential files: each record is framed by its 4-byte little-endian length before and after it.
+#pragma once
+
+#include "base/types.hpp"
+
+#include <cstddef>
+#include <cstdio>
+#include <initializer_list>
+#include <string>
+
+// A run of bytes that goes into a record or is taken from one.
+struct Bytes {
+    const void *data = nullptr;
+    std::size_t size = 0;
+};
+template <class T> Bytes bytes_of(const T *data, std::int64_t n) {
+    return {data, static_cast<std::size_t>(n) * sizeof(T)};
+}
+template <class T> Bytes bytes_of(const T &value) {
+    return {&value, sizeof(T)};
+}
+
+// One open file of records, known by its unit number. Every call returns false when the system refuses, a short
+// disk included; error() then tells why. Closing is implied.
+class RecordFile {
+public:
+    explicit RecordFile(int unit) : unit_(unit) {}
+    RecordFile(const RecordFile &) = delete;
+    RecordFile &operator=(const RecordFile &) = delete;
+    ~RecordFile() { close(); }
+
+    // A new file of that name, emptied if it exists.
+    [[nodiscard]] bool create(const std::string &path);
+    // An existing file, to be read.
+    [[nodiscard]] bool open(const std::string &path);
+    // An unnamed file in the folder of the run, gone with its close.
+    [[nodiscard]] bool open_scratch();
+
+    // One record of all parts in order.
+    [[nodiscard]] bool write(std::initializer_list<Bytes> parts);
+    // Reads the next record into the parts; false at the end of the file or when its length differs.
+    struct Target {
+        void *data;
+        std::size_t size;
+    };
+    [[nodiscard]] bool read(std::initializer_list<Target> parts);
+    // Length of the next record without reading it; -1 at the end of the file or for a broken frame.
+    [[nodiscard]] std::int64_t next_length();
+    [[nodiscard]] bool rewind();
+    // Writes out what is buffered; false when the disk has no room for it.
+    [[nodiscard]] bool flush();
+    // False when the last buffered bytes could not be written.
+    bool close();
+
+    int unit() const { return unit_; }
+    const std::string &error() const { return error_; }
+
+private:
+    bool complain();
+    int unit_;
+    std::FILE *file_ = nullptr;
+    std::string error_;
+};

@@ -1,0 +1,143 @@
+#include "run/messages.hpp"
+
+#include "base/platform.hpp"
+#include "base/text.hpp"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <unistd.h>
+
+namespace {
+
+constexpr const char *VERSION = "1.0.0     ";
+constexpr const char *RELEASE_DATE = "24-Nov-2026";
+
+struct ListFile {
+    std::FILE *file = nullptr;
+    std::string first_fault;
+    bool write_failed = false;
+    std::mutex lock;
+};
+ListFile list;
+
+void write_locked(std::string_view line) {
+    if (list.file == nullptr)
+        return;
+    // Written through line by line, so that nothing is lost whatever ends the process.
+    const bool good = std::fwrite(line.data(), 1, line.size(), list.file) == line.size() &&
+                      std::fputc('\n', list.file) != EOF && std::fflush(list.file) == 0;
+    if (!good && !list.write_failed) {
+        list.write_failed = true;
+        std::fprintf(stderr, "vorda: the list file cannot be written: %s\n", std::strerror(errno));
+    }
+}
+
+int value_width(int v) {
+    if (v < 0)
+        return 6;
+    return v < 10 ? 1 : v < 100 ? 2 : v < 1000 ? 3 : v < 10000 ? 4 : 5;
+}
+
+std::string with_value(std::string_view text, int value) {
+    return value == 0 ? std::string(text) : std::string(text) + int_in(value_width(value), value);
+}
+
+void write_message(const std::string &text) {
+    write_locked(" ");
+    write_locked(" " + text);
+    write_locked(" ");
+}
+
+void write_head_block() {
+    static const char *const banner[] = {
+        "   V     V   OOO   RRRR   DDDD     A   ",
+        "   V     V  O   O  R   R  D   D   A A  ",
+        "    V   V   O   O  RRRR   D   D  A   A ",
+        "     V V    O   O  R  R   D   D  AAAAA ",
+        "      V      OOO   R   R  DDDD   A   A ",
+    };
+    const DateTime now = DATTIM();
+    list_line(" ");
+    for (const char *line : banner)
+        list_line(std::string(" ") + line);
+    list_line(" ");
+    list_line(std::string(" Program id   : VORDA ") + VERSION);
+    list_line(" Velocity potentials of ships and offshore structures in waves, by a panel method");
+    list_line(std::string(" Release date : ") + RELEASE_DATE);
+    list_line(" Access time  : " + now.date + " " + now.time);
+    list_line(" User id      : " + user_name());
+    list_line(" Computer         : " + computer_name());
+    list_line(" Operating system : " + system_name());
+    list_line(" CPU id           : " + processor_name());
+    list_line(" ");
+}
+
+} // namespace
+
+Status LISOPN(const std::string &name) {
+    if (access(name.c_str(), F_OK) == 0 && std::rename(name.c_str(), (name + ".bak").c_str()) != 0) {
+        ALERT("RENAME FILE as .BAK FAILED: " + name);
+        return Status::failed;
+    }
+    list.file = std::fopen(name.c_str(), "wx");
+    if (list.file == nullptr) {
+        ALERT("Error opening " + name + ": " + std::strerror(errno));
+        return Status::failed;
+    }
+    write_head_block();
+    return Status::ok;
+}
+
+void list_line(std::string_view line) {
+    const std::lock_guard hold(list.lock);
+    write_locked(line);
+}
+
+Status MSGOUT(std::string_view text, int value) {
+    const std::lock_guard hold(list.lock);
+    const std::string full = with_value(text, value);
+    if (list.first_fault.empty())
+        list.first_fault = full;
+    write_message(full);
+    return Status::failed;
+}
+
+void message(std::string_view text, int value) {
+    const std::lock_guard hold(list.lock);
+    write_message(with_value(text, value));
+}
+
+void message_detail(std::string_view text) {
+    if (!text.empty())
+        list_line(" (" + std::string(text) + ")");
+}
+
+Status MSGOUT_with(std::string_view text, int value, std::string_view detail) {
+    const Status status = MSGOUT(text, value);
+    message_detail(detail);
+    return status;
+}
+
+void ALERT(std::string_view text) {
+    std::fprintf(stderr, "%s\n", trimmed(text).c_str());
+}
+
+std::string first_fault() {
+    const std::lock_guard hold(list.lock);
+    return list.first_fault;
+}
+
+void STOPRN(int code) {
+    {
+        const std::lock_guard hold(list.lock);
+        if (list.file != nullptr)
+            std::fclose(list.file);
+        list.file = nullptr;
+    }
+    std::fflush(nullptr);
+    // No destructors: other threads may still be working on what they would destroy.
+    std::_Exit(code);
+}

@@ -1,0 +1,33 @@
+// The list file, the one process-wide object: all that a run says goes there.
+#pragma once
+
+#include "base/types.hpp"
+
+#include <string>
+#include <string_view>
+
+// Opens the list file `name` (an old one gets ".bak" behind its name) and writes the head block. Its own
+// failures go to the alert routine.
+[[nodiscard]] Status LISOPN(const std::string &name);
+
+// One line of the list file, as it stands: its first character is the carriage control, a blank.
+void list_line(std::string_view line);
+
+// The message routine of faults: an empty line, a blank and the text with the value directly behind it, an
+// empty line. A value of 0 is left out. Returns Status::failed, so that a routine can end with it.
+Status MSGOUT(std::string_view text, int value = 0);
+// The same form for warnings and for what is not a fault.
+void message(std::string_view text, int value = 0);
+// A line behind a message that tells more: file, line, what was found. Left out when it is empty.
+void message_detail(std::string_view text);
+// A fault message followed by its detail.
+Status MSGOUT_with(std::string_view text, int value, std::string_view detail);
+
+// Shows a text to the user outside the list file: on standard error.
+void ALERT(std::string_view text);
+
+// The first fault message of the run; empty when there was none.
+std::string first_fault();
+
+// Closes all and ends the process. It does not return.
+[[noreturn]] void STOPRN(int code);

@@ -1,0 +1,69 @@
+#include "run/symmetry.hpp"
+
+#include "run/messages.hpp"
+
+#include <algorithm>
+
+namespace {
+
+// One row for each pair ISX, ISY, at 3 ISX + ISY + 4.
+struct SymmetryRow {
+    int images;
+    int image[4];
+    int classes;
+    int parity[4];
+    int modes_of_class[4];
+    int modes[6]; // rigid modes, class after class
+    int parts;    // parts of the incident wave of one class
+    int part[4];  // those of the first class, then the second, ...
+};
+constexpr SymmetryRow SYMTAB[9] = {
+    {4, {1, 2, 3, 4}, 1, {1, 0, 0, 0}, {6, 0, 0, 0}, {1, 2, 3, 4, 5, 6}, 1, {1, 0, 0, 0}}, // -1 -1
+    {2, {1, 2, 0, 0}, 1, {1, 0, 0, 0}, {6, 0, 0, 0}, {1, 2, 3, 4, 5, 6}, 2, {1, 4, 0, 0}}, // -1  0
+    {4, {1, 2, 3, 4}, 2, {1, 4, 0, 0}, {3, 3, 0, 0}, {1, 3, 5, 2, 4, 6}, 1, {1, 4, 0, 0}}, // -1  1
+    {2, {1, 4, 0, 0}, 1, {1, 0, 0, 0}, {6, 0, 0, 0}, {1, 2, 3, 4, 5, 6}, 2, {1, 2, 0, 0}}, //  0 -1
+    {1, {1, 0, 0, 0}, 1, {1, 0, 0, 0}, {6, 0, 0, 0}, {1, 2, 3, 4, 5, 6}, 4, {1, 2, 3, 4}}, //  0  0
+    {2, {1, 4, 0, 0}, 2, {1, 4, 0, 0}, {3, 3, 0, 0}, {1, 3, 5, 2, 4, 6}, 2, {1, 2, 3, 4}}, //  0  1
+    {4, {1, 2, 3, 4}, 2, {1, 2, 0, 0}, {3, 3, 0, 0}, {2, 3, 4, 1, 5, 6}, 1, {1, 2, 0, 0}}, //  1 -1
+    {2, {1, 2, 0, 0}, 2, {1, 2, 0, 0}, {3, 3, 0, 0}, {2, 3, 4, 1, 5, 6}, 2, {1, 4, 2, 3}}, //  1  0
+    {4, {1, 2, 3, 4}, 4, {1, 2, 3, 4}, {1, 2, 1, 2}, {3, 1, 5, 6, 2, 4}, 1, {1, 2, 3, 4}}, //  1  1
+};
+
+} // namespace
+
+Status SYMSET(int NMODES, int ISX, int ISY, View<const int, 1> MODE, int diffraction, Symmetry &sym) {
+    const SymmetryRow &row = SYMTAB[3 * ISX + ISY + 4];
+    if (!sym.MODLST.alloc(NMODES) || !sym.MODCLS.alloc(NMODES, 4) || !sym.MODPOS.alloc(NMODES))
+        return MSGOUT(" RAM too small ");
+    sym.NSYMG = row.images;
+    for (int g = 1; g <= 4; ++g)
+        sym.ISYMG[g] = row.image[g - 1];
+    sym.NCLS = row.classes;
+    sym.NDCLS = row.parts;
+    int column = 0;
+    int active = 0;
+    const int *modes = row.modes;
+    for (int k = 1; k <= row.classes; ++k) {
+        sym.ISYMG[4 + k] = row.parity[k - 1];
+        const int *modes_end = modes + row.modes_of_class[k - 1];
+        int listed = 0;
+        for (int m = 1; m <= NMODES; ++m) {
+            if (MODE(m) > 0 && std::find(modes, modes_end, MODE(m)) != modes_end) {
+                sym.MODPOS(m) = ++column;
+                sym.MODLST(column) = m;
+                sym.MODCLS(++listed, active + 1) = m;
+            }
+        }
+        modes = modes_end;
+        if (listed > 0 || diffraction == 1) {
+            ++active;
+            sym.ICLS[active] = row.parity[k - 1];
+            sym.NMCLS[active] = listed;
+            for (int d = 1; d <= row.parts; ++d)
+                sym.IDCLS[(active - 1) * row.parts + d] = row.part[(k - 1) * row.parts + d - 1];
+        }
+    }
+    sym.NSYMR = active;
+    sym.NSYMD = column;
+    return Status::ok;
+}
