@@ -1,3 +1,6 @@
+// The console start of the solver.
+#include "run/driver.hpp"
+
 int main() {
-    return 0;
+    run_solver();
 }

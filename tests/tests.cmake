@@ -25,3 +25,6 @@ endforeach()
 if(TARGET test_cases)
   add_dependencies(test_cases vorda vorda-mesh vorda-p2f)
 endif()
+
+add_test(NAME layout.includes_go_one_way COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_includes.sh)
+add_test(NAME layout.glossary_is_current COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/scripts/glossary --check)

@@ -1,7 +1,9 @@
-// The routines of LAPACK that are used, in their Fortran binding.
+// The routines of BLAS and LAPACK that are used, in their Fortran binding.
 #pragma once
 
 #include "base/types.hpp"
+
+#include <cstddef>
 
 extern "C" {
 // LU factors of an m x n matrix with row pivots; info > 0: exactly singular.
@@ -9,4 +11,16 @@ void cgetrf_(const int *m, const int *n, c32 *a, const int *lda, int *ipiv, int 
 // Solves with the factors of cgetrf_ for nrhs right-hand sides, in place.
 void cgetrs_(const char *trans, const int *n, const int *nrhs, const c32 *a, const int *lda, const int *ipiv,
              c32 *b, const int *ldb, int *info, std::size_t trans_length);
+// Interchanges rows k1..k2 of n columns as ipiv tells.
+void claswp_(const int *n, c32 *a, const int *lda, const int *k1, const int *k2, const int *ipiv, const int *incx);
+// B := alpha op(A)^-1 B (side "L") for a triangular A.
+void ctrsm_(const char *side, const char *uplo, const char *trans, const char *diag, const int *m, const int *n,
+            const c32 *alpha, const c32 *a, const int *lda, c32 *b, const int *ldb, std::size_t, std::size_t,
+            std::size_t, std::size_t);
+// C := alpha A B + beta C.
+void cgemm_(const char *trans_a, const char *trans_b, const int *m, const int *n, const int *k, const c32 *alpha,
+            const c32 *a, const int *lda, const c32 *b, const int *ldb, const c32 *beta, c32 *c, const int *ldc,
+            std::size_t, std::size_t);
+// Threads inside a BLAS call.
+void openblas_set_num_threads(int count);
 }

@@ -1,0 +1,81 @@
+#include "run/driver.hpp"
+
+#include "base/lapack.hpp"
+#include "base/platform.hpp"
+#include "freesurface/fsmark.hpp"
+#include "geometry/pregeo.hpp"
+#include "input/echo.hpp"
+#include "input/getip1.hpp"
+#include "input/inchk.hpp"
+#include "rankine/rankin.hpp"
+#include "results/p2f_writer.hpp"
+#include "run/limits.hpp"
+#include "run/memory_plan.hpp"
+#include "run/messages.hpp"
+#include "run/period_loop.hpp"
+#include "run/symmetry.hpp"
+
+#include <memory>
+#include <omp.h>
+
+namespace {
+
+// Every step that fails has told why; the run ends there.
+void require(Status status) {
+    if (failed(status))
+        STOPRN(0);
+}
+
+void limit_threads(int NTRD) {
+    if (NTRD > 0 && NTRD < omp_get_max_threads())
+        omp_set_num_threads(NTRD);
+    // The cores are ours to share out: by period, by rows, by strips of a matrix. A BLAS call stays on one, so that its
+    // result does not depend on how many there are.
+    openblas_set_num_threads(1);
+}
+
+void write_report_head(RunState &run) {
+    const DateTime now = DATTIM();
+    for (const std::string &line :
+         {" VORDA run date and starting time:        " + now.date + "  -- " + now.time + " ",
+          std::string("    Index Thread  Period  Time          RAD      DIFF (max iterations)")}) {
+        run.HDRSCR.push_back(line);
+        list_line(line);
+    }
+}
+
+} // namespace
+
+void run_solver() {
+    // On the heap: other threads may still read it while the stop routine ends the process.
+    RunState &run = *new RunState;
+    require(LISOPN("vorda.lis"));
+    require(GETIP1(run));
+    limit_threads(run.opt.NTRD);
+    MEMRPT(run.memory);
+    RecordFile RESSCR(8);
+    if (!RESSCR.open_scratch())
+        require(MSGOUT_with("Error opening scratch file, UNIT=", RESSCR.unit(), RESSCR.error()));
+    require(INECHO(run));
+    run.opt.NCORE = core_order(run.opt, run.mesh.NEQN);
+    require(INCHK(run));
+    require(within_limits(run));
+    if (!allocate_mesh(run))
+        require(MSGOUT(" RAM too small for number of panels "));
+    require(PREGEO(run));
+    require(FSMARK(run));
+    require(SYMSET(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.bodies.MODE, run.opt.IDIFF, run.sym));
+    MEMPLN(run.opt, run.mesh.NEQN, run.sym.NSYMR, run.memory);
+    require(store_in_memory(run));
+    require(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store));
+    const int threads = period_threads(run.memory);
+    write_report_head(run);
+    if (run.periods.NPER > 0) {
+        require(RANKIN(run));
+        period_loop(run, threads, RESSCR);
+    }
+    require(RESWRT(run, RESSCR));
+    results_complete(run.files.FILNAM(3));
+    message(" VORDA module run completed");
+    STOPRN(0);
+}

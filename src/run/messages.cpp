@@ -17,7 +17,9 @@ constexpr const char *RELEASE_DATE = "24-Nov-2026";
 
 struct ListFile {
     std::FILE *file = nullptr;
+    std::string name;
     std::string first_fault;
+    std::string results;
     bool write_failed = false;
     std::mutex lock;
 };
@@ -87,6 +89,7 @@ Status LISOPN(const std::string &name) {
         ALERT("Error opening " + name + ": " + std::strerror(errno));
         return Status::failed;
     }
+    list.name = name;
     write_head_block();
     return Status::ok;
 }
@@ -130,13 +133,24 @@ std::string first_fault() {
     return list.first_fault;
 }
 
+void results_complete(const std::string &name) {
+    const std::lock_guard hold(list.lock);
+    list.results = name;
+}
+
 void STOPRN(int code) {
-    {
-        const std::lock_guard hold(list.lock);
-        if (list.file != nullptr)
-            std::fclose(list.file);
-        list.file = nullptr;
+    // Held to the end: no other thread writes any more.
+    list.lock.lock();
+    if (list.file != nullptr && isatty(STDERR_FILENO) == 1) {
+        if (!list.first_fault.empty())
+            std::fprintf(stderr, "\r\033[Kvorda: %s (see %s)\n", list.first_fault.c_str(), list.name.c_str());
+        else if (!list.results.empty())
+            std::fprintf(stderr, "\r\033[Kvorda: results in %s, report in %s\n", list.results.c_str(),
+                         list.name.c_str());
     }
+    if (list.file != nullptr)
+        std::fclose(list.file);
+    list.file = nullptr;
     std::fflush(nullptr);
     // No destructors: other threads may still be working on what they would destroy.
     std::_Exit(code);

@@ -29,5 +29,9 @@ void ALERT(std::string_view text);
 // The first fault message of the run; empty when there was none.
 std::string first_fault();
 
-// Closes all and ends the process. It does not return.
+// Tells the stop routine that the results are complete in this file.
+void results_complete(const std::string &name);
+
+// Closes all and ends the process. It does not return. On a terminal it tells where the results are, or the first
+// fault.
 [[noreturn]] void STOPRN(int code);

@@ -1,0 +1,102 @@
+#include "assembly/right_hand_sides.hpp"
+
+namespace {
+
+int column_count(const RunState &run) {
+    const int headings = run.opt.ISCATT == 1 && run.opt.IDIFF >= 0 ? run.periods.NBETAM * run.sym.NSYMR : 0;
+    return run.sym.NSYMD + headings;
+}
+
+int heading_column(const RunState &run, int b, int s) {
+    return run.sym.NSYMD + b + run.periods.NBETAM * (s - 1);
+}
+
+} // namespace
+
+bool SourceWeights::make(const RunState &run, const ThreadState &thread) {
+    const int n = run.mesh.NEQN;
+    radiation = run.opt.IRAD >= 0;
+    diffraction = run.opt.ISCATT == 1 && run.opt.IDIFF >= 0;
+    if (radiation) {
+        if (!velocity.alloc(n, run.sym.NSYMD))
+            return false;
+        for (int k = 1; k <= run.sym.NSYMD; ++k) {
+            const int mode = run.sym.MODLST(k);
+            for (int ip = 1; ip <= n; ++ip)
+                velocity(ip, run.sym.MODPOS(mode)) = run.mesh.VEL(mode, ip);
+        }
+    }
+    if (diffraction) {
+        const int headings = run.periods.NBETAM;
+        if (!incident_re.alloc(n, headings, run.sym.NSYMR) || !incident_im.alloc(n, headings, run.sym.NSYMR))
+            return false;
+        for (int s = 1; s <= run.sym.NSYMR; ++s) {
+            for (int b = 1; b <= headings; ++b) {
+                for (int ip = 1; ip <= n; ++ip) {
+                    const c32 value = run.mesh.IFSP(ip) == -1 ? c32(0) : thread.SRCD(ip, b, s);
+                    incident_re(ip, b, s) = value.real();
+                    incident_im(ip, b, s) = value.imag();
+                }
+            }
+        }
+    }
+    return true;
+}
+
+bool BlockSums::alloc(int NEQN, const RunState &run) {
+    const int columns = column_count(run);
+    return re.alloc(NEQN, columns) && im.alloc(NEQN, columns);
+}
+
+void add_radiation(const RunState &run, const SourceWeights &weights, int I, int s, ConstSplit SROW, ConstSplit SCOL,
+                   BlockSums &sums) {
+    for (int k = 1; k <= run.sym.NMCLS[s]; ++k) {
+        const int column = run.sym.MODPOS(run.sym.MODCLS(k, s));
+        const c32 own = weighted_sum(I, &weights.velocity(1, column), SROW);
+        sums.re(I, column) += own.real();
+        sums.im(I, column) += own.imag();
+        add_signed(I - 1, weights.velocity(I, column), SCOL, {&sums.re(1, column), &sums.im(1, column)});
+    }
+}
+
+void add_diffraction(const RunState &run, const SourceWeights &weights, int I, int s, ConstSplit SROW,
+                     ConstSplit SCOL, BlockSums &sums) {
+    for (int b = 1; b <= run.periods.NBETAM; ++b) {
+        const int column = heading_column(run, b, s);
+        const ConstSplit incident(&weights.incident_re(1, b, s), &weights.incident_im(1, b, s));
+        const c32 own = complex_sum(I, incident, SROW);
+        sums.re(I, column) += own.real();
+        sums.im(I, column) += own.imag();
+        add_scaled(I - 1, {incident.re[I - 1], incident.im[I - 1]}, SCOL,
+                   {&sums.re(1, column), &sums.im(1, column)});
+    }
+}
+
+void start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread) {
+    if (run.opt.ISCATT == 1 && run.opt.IDIFF >= 0)
+        thread.PHID.fill(0);
+    if (run.opt.IRAD < 0)
+        return;
+    for (int k = 1; k <= run.sym.NSYMD; ++k) {
+        for (int ip = 1; ip <= run.mesh.NEQN; ++ip) {
+            f32 share = run.store.RHSRAN(ip, k, 0);
+            if (run.opt.ILOG == 1)
+                share += NUL * run.store.RHSRAN(ip, k, 1);
+            thread.PHIR(ip, k) = share;
+        }
+    }
+}
+
+void add_block(const RunState &run, const SourceWeights &weights, const BlockSums &sums, int last,
+               ThreadState &thread) {
+    const auto add = [&](int column, c32 *to) {
+        for (int ip = 1; ip <= last; ++ip)
+            to[ip - 1] += c32(sums.re(ip, column), sums.im(ip, column));
+    };
+    for (int k = 1; weights.radiation && k <= run.sym.NSYMD; ++k)
+        add(k, &thread.PHIR(1, k));
+    for (int s = 1; weights.diffraction && s <= run.sym.NSYMR; ++s) {
+        for (int b = 1; b <= run.periods.NBETAM; ++b)
+            add(heading_column(run, b, s), &thread.PHID(1, b, s));
+    }
+}

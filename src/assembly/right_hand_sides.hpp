@@ -1,0 +1,36 @@
+// The right-hand sides that are summed while the rows of the source influence are at hand, so that the source matrix
+// itself is never kept.
+#pragma once
+
+#include "assembly/row_kernels.hpp"
+#include "assembly/thread_state.hpp"
+
+// What multiplies the source influence: the normal velocities of the modes by solution column and, with ISCATT=1,
+// the incident normal velocity by heading and class, zero on panels that take no part.
+struct SourceWeights {
+    Array<f32, 2> velocity;    // (NEQN,NSYMD)
+    Array<f32, 3> incident_re; // (NEQN,NBETAM,NSYMR)
+    Array<f32, 3> incident_im;
+    bool radiation = false;
+    bool diffraction = false;
+    [[nodiscard]] bool make(const RunState &run, const ThreadState &thread);
+};
+
+// Sums of one block of rows over all panels: to its own rows from panels J <= I, to earlier rows J from its panels.
+struct BlockSums {
+    Array<f32, 2> re; // (NEQN, columns): the radiation columns, then heading and class of diffraction
+    Array<f32, 2> im;
+    [[nodiscard]] bool alloc(int NEQN, const RunState &run);
+};
+
+// Add row I of class s: SROW for J = 1..I, SCOL for J = 1..I-1. Radiation takes the wave part of the source
+// influence, diffraction the whole of it.
+void add_radiation(const RunState &run, const SourceWeights &weights, int I, int s, ConstSplit SROW, ConstSplit SCOL,
+                   BlockSums &sums);
+void add_diffraction(const RunState &run, const SourceWeights &weights, int I, int s, ConstSplit SROW,
+                     ConstSplit SCOL, BlockSums &sums);
+// Starts PHIR from the Rankine share; with ISCATT=1 clears PHID.
+void start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread);
+// Adds the sums of a block, whose last row is `last`, to PHIR and PHID.
+void add_block(const RunState &run, const SourceWeights &weights, const BlockSums &sums, int last,
+               ThreadState &thread);

@@ -1,0 +1,197 @@
+#include "assembly/row_kernels.hpp"
+
+#include "base/simd.hpp"
+
+#include <cmath>
+
+namespace {
+
+#define VORDA_INLINE [[gnu::always_inline]] inline
+
+// A quantity of the source panel of point j: one value for each point, or the same for all.
+struct Each {
+    const f32 *value;
+    VORDA_INLINE f32 operator[](int j) const { return value[j]; }
+};
+struct Same {
+    f32 value;
+    VORDA_INLINE f32 operator[](int) const { return value; }
+};
+template <class V> struct Source {
+    V n1, n2, n3, area;
+};
+VORDA_INLINE Source<Each> each_source(const SourceArea &s) {
+    return {{s.n1}, {s.n2}, {s.n3}, {s.area}};
+}
+VORDA_INLINE Source<Same> one_source(const OneSource &s) {
+    return {{s.n1}, {s.n2}, {s.n3}, {s.area}};
+}
+
+// The arrays of a GreenRow, as locals of the loops.
+struct GreenLocals {
+    const f32 *gr, *gi, *rr, *ri, *vr, *vi;
+    VORDA_INLINE explicit GreenLocals(const GreenRow &g)
+        : gr(g.G.re), gi(g.G.im), rr(g.GR.re), ri(g.GR.im), vr(g.GV.re), vi(g.GV.im) {}
+};
+
+template <class V>
+VORDA_INLINE void centroid(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, f32 NU, Split S,
+                           Split D) {
+    const GreenLocals g(green);
+    const int *ISNG = green.ISNG;
+    const f32 LOGT = green.LOGT;
+    const f32 *cosine = at.cosine, *sine = at.sine, *EB = at.EB, *EFS = at.EFS;
+    f32 *sr = S.re, *si = S.im, *dr = D.re, *di = D.im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const f32 a = NU * source.area[j];
+        const f32 h = source.n1[j] * cosine[j] + source.n2[j] * sine[j];
+        const f32 t = g.gr[j] + (ISNG[j] == 3 ? LOGT : 0.0f);
+        sr[j] = a * t;
+        si[j] = a * g.gi[j];
+        dr[j] = NU * a * (EB[j] * (g.rr[j] * h - g.vr[j] * source.n3[j]) - EFS[j] * t);
+        di[j] = NU * a * (EB[j] * (g.ri[j] * h - g.vi[j] * source.n3[j]) - EFS[j] * g.gi[j]);
+    }
+}
+
+template <class V>
+VORDA_INLINE void accumulate(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, Split S,
+                             Split D) {
+    const GreenLocals g(green);
+    const f32 *cosine = at.cosine, *sine = at.sine;
+    f32 *sr = S.re, *si = S.im, *dr = D.re, *di = D.im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const f32 w = source.area[j];
+        const f32 h = source.n1[j] * cosine[j] + source.n2[j] * sine[j];
+        sr[j] += w * g.gr[j];
+        si[j] += w * g.gi[j];
+        dr[j] += w * (g.rr[j] * h - g.vr[j] * source.n3[j]);
+        di[j] += w * (g.ri[j] * h - g.vi[j] * source.n3[j]);
+    }
+}
+
+template <class V>
+VORDA_INLINE void finish(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, f32 NU, Split S,
+                         Split D) {
+    const int *ISNG = green.ISNG;
+    const f32 LOGT = green.LOGT;
+    const f32 *EB = at.EB, *EFS = at.EFS;
+    f32 *sr = S.re, *si = S.im, *dr = D.re, *di = D.im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const f32 t = sr[j] + (ISNG[j] == 3 ? source.area[j] * LOGT : 0.0f);
+        dr[j] = NU * NU * (EB[j] * dr[j] - EFS[j] * t);
+        di[j] = NU * NU * (EB[j] * di[j] - EFS[j] * si[j]);
+        sr[j] = NU * t;
+        si[j] = NU * si[j];
+    }
+}
+
+} // namespace
+
+VORDA_SIMD void pair_directions(int n, const FixedPoint &point, const f32 *px, const f32 *py,
+                                const PairDirections &out) {
+    const f32 x = point.x, y = point.y, sx = point.sx, sy = point.sy, NU = point.NU;
+    f32 *RR = out.RR, *CR = out.CR, *SR = out.SR, *CC = out.CC, *SC = out.SC;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const f32 dx = px[j] - sx * x;
+        const f32 dy = py[j] - sy * y;
+        const f32 d = std::sqrt(dx * dx + dy * dy);
+        const f32 q = d > 1.0e-6f ? 1.0f / d : 0.0f;
+        RR[j] = NU * d;
+        CR[j] = dx * q;
+        SR[j] = dy * q;
+        CC[j] = (x - sx * px[j]) * q;
+        SC[j] = (y - sy * py[j]) * q;
+    }
+}
+
+VORDA_SIMD void decode_pairs(int n, int shift, const int *code, int *ISNG, int *IBOT) {
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const int group = code[j] >> shift;
+        ISNG[j] = group & 3;
+        IBOT[j] = (group >> 2) & 1;
+    }
+}
+
+VORDA_SIMD void scale_to(int n, f32 factor, const f32 *source, f32 *value) {
+#pragma omp simd
+    for (int j = 0; j < n; ++j)
+        value[j] = factor * source[j];
+}
+
+VORDA_SIMD void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S,
+                                      Split D) {
+    centroid(n, green, source, each_source(source), NU, S, D);
+}
+
+VORDA_SIMD void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, const OneSource &one,
+                                      f32 NU, Split S, Split D) {
+    centroid(n, green, source, one_source(one), NU, S, D);
+}
+
+VORDA_SIMD void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, Split S, Split D) {
+    accumulate(n, green, source, each_source(source), S, D);
+}
+
+VORDA_SIMD void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, const OneSource &one,
+                                 Split S, Split D) {
+    accumulate(n, green, source, one_source(one), S, D);
+}
+
+VORDA_SIMD void gauss_finish(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S, Split D) {
+    finish(n, green, source, each_source(source), NU, S, D);
+}
+
+VORDA_SIMD void gauss_finish(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, f32 NU,
+                             Split S, Split D) {
+    finish(n, green, source, one_source(one), NU, S, D);
+}
+
+VORDA_SIMD void add_signed(int n, f32 sign, ConstSplit value, Split sum) {
+    const f32 *vr = value.re, *vi = value.im;
+    f32 *sr = sum.re, *si = sum.im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        sr[j] += sign * vr[j];
+        si[j] += sign * vi[j];
+    }
+}
+
+VORDA_SIMD c32 weighted_sum(int n, const f32 *weight, ConstSplit value) {
+    const f32 *vr = value.re, *vi = value.im;
+    f32 re = 0;
+    f32 im = 0;
+#pragma omp simd reduction(+ : re, im)
+    for (int j = 0; j < n; ++j) {
+        re += weight[j] * vr[j];
+        im += weight[j] * vi[j];
+    }
+    return {re, im};
+}
+
+VORDA_SIMD c32 complex_sum(int n, ConstSplit weight, ConstSplit value) {
+    const f32 *wr = weight.re, *wi = weight.im, *vr = value.re, *vi = value.im;
+    f32 re = 0;
+    f32 im = 0;
+#pragma omp simd reduction(+ : re, im)
+    for (int j = 0; j < n; ++j) {
+        re += wr[j] * vr[j] - wi[j] * vi[j];
+        im += wr[j] * vi[j] + wi[j] * vr[j];
+    }
+    return {re, im};
+}
+
+VORDA_SIMD void add_scaled(int n, c32 factor, ConstSplit value, Split sum) {
+    const f32 fr = factor.real(), fi = factor.imag();
+    const f32 *vr = value.re, *vi = value.im;
+    f32 *sr = sum.re, *si = sum.im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        sr[j] += fr * vr[j] - fi * vi[j];
+        si[j] += fr * vi[j] + fi * vr[j];
+    }
+}

@@ -1,0 +1,87 @@
+// Inner loops of a row of the wave assembly. All arrays are contiguous, n long; complex values are split into
+// real and imaginary arrays.
+#pragma once
+
+#include "base/types.hpp"
+
+// A complex array in split form.
+struct Split {
+    f32 *re = nullptr;
+    f32 *im = nullptr;
+};
+struct ConstSplit {
+    const f32 *re = nullptr;
+    const f32 *im = nullptr;
+    ConstSplit(const f32 *r, const f32 *i) : re(r), im(i) {}
+    ConstSplit(const Split &s) : re(s.re), im(s.im) {}
+};
+
+// Geometry of one point against many: horizontal distances times NU and the unit vectors of both directions.
+// The point is the fixed one (x, y), imaged with signs sx, sy; the many are (px, py).
+struct PairDirections {
+    f32 *RR; // NU times the horizontal distance
+    f32 *CR; // from the imaged fixed point to the many; 0 within 1e-6
+    f32 *SR;
+    f32 *CC; // from the imaged many to the fixed point
+    f32 *SC;
+};
+struct FixedPoint {
+    f32 x;
+    f32 y;
+    f32 sx;
+    f32 sy;
+    f32 NU;
+};
+void pair_directions(int n, const FixedPoint &point, const f32 *px, const f32 *py, const PairDirections &out);
+
+// The low two bits of the group `shift` of the pair code are ISNG, the third is IBOT.
+void decode_pairs(int n, int shift, const int *code, int *ISNG, int *IBOT);
+
+// value[i] = factor source[i].
+void scale_to(int n, f32 factor, const f32 *source, f32 *value);
+
+// Green function values of a row of points and what turns them into influence coefficients.
+struct GreenRow {
+    ConstSplit G;
+    ConstSplit GR;
+    ConstSplit GV;   // derivative with the depth of the source point
+    const int *ISNG; // 3: the constant LOGT goes to the real part of G
+    f32 LOGT;
+};
+struct SourceArea {
+    const f32 *n1; // normals and areas of the source panels, or of the one source panel (stride 0)
+    const f32 *n2;
+    const f32 *n3;
+    const f32 *area;
+    const f32 *cosine; // unit horizontal vector from field to source
+    const f32 *sine;
+    const f32 *EB;     // 1 for an ordinary pair, 0 in the free surface
+    const f32 *EFS;    // 0 for an ordinary pair, IFSP of the source in the free surface
+};
+struct OneSource {
+    f32 n1;
+    f32 n2;
+    f32 n3;
+    f32 area;
+};
+// One point per panel: S = NU A T, D = NU^2 A (EB (GR h - GV n3) - EFS T), with T = G + LOGT where ISNG is 3 and
+// h the normal along the horizontal vector. Many sources, then one source panel for all points.
+void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S, Split D);
+void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, f32 NU,
+                           Split S, Split D);
+// One Gauss point per panel: S += w G, D += w (GR h - GV n3), w the area entry.
+void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, Split S, Split D);
+void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, Split S, Split D);
+// After the four Gauss points: S becomes NU (S + A LOGT), D becomes NU^2 (EB D - EFS (S + A LOGT)).
+void gauss_finish(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S, Split D);
+void gauss_finish(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, f32 NU, Split S,
+                  Split D);
+
+// sum += sign value.
+void add_signed(int n, f32 sign, ConstSplit value, Split sum);
+// Real weights against a complex array.
+c32 weighted_sum(int n, const f32 *weight, ConstSplit value);
+// Complex weights against a complex array.
+c32 complex_sum(int n, ConstSplit weight, ConstSplit value);
+// sum += factor value.
+void add_scaled(int n, c32 factor, ConstSplit value, Split sum);

@@ -1,0 +1,24 @@
+#include "assembly/thread_state.hpp"
+
+#include "run/messages.hpp"
+
+Status allocate_solution(const RunState &run, ThreadState &thread) {
+    const int n = run.mesh.NEQN;
+    const int headings = run.periods.NBETAM;
+    const int classes = run.sym.NSYMR;
+    bool made = thread.PHIR.alloc(n, run.sym.NSYMD) && thread.PHID.alloc(n, headings, classes);
+    if (run.opt.IDIFF >= 0)
+        made = made && thread.SRCD.alloc(n, headings, classes) && thread.PHI0.alloc(n, headings, classes);
+    return made ? Status::ok : MSGOUT(" RAM too small for number of panels ");
+}
+
+Status ALLOCATE_WA(const RunState &run, ThreadState &thread) {
+    if (!run.memory.INCORE)
+        return Status::ok;
+    const int n = run.mesh.NEQN;
+    return thread.ACORE.alloc(n, n, run.sym.NSYMR) ? Status::ok : MSGOUT(" RAM too small ");
+}
+
+void DEALLOCATE_WA(ThreadState &thread) {
+    thread.ACORE.release();
+}

@@ -1,0 +1,21 @@
+// What one thread of the period loop owns: the solution arrays of its period and the matrices in memory.
+#pragma once
+
+#include "green/gstate.hpp"
+#include "run/state.hpp"
+
+struct ThreadState {
+    Array<c32, 2> PHIR;  // right-hand sides, then radiation potentials (NEQN,NSYMD)
+    Array<c32, 3> PHID;  // right-hand sides, then diffraction potentials (NEQN,NBETAM,NSYMR)
+    Array<c32, 3> SRCD;  // minus the normal velocity of the incident wave, then sources (NEQN,NBETAM,NSYMR)
+    Array<c32, 3> PHI0;  // incident wave on the panels (NEQN,NBETAM,NSYMR)
+    Array<c32, 3> ACORE; // dipole influence of the period (NEQN,NEQN,NSYMR)
+    Array<c32, 2> ALU;   // the class that the direct solver factors (NEQN,NEQN)
+    GSTATE gstate;       // depth state of the period
+};
+
+// The solution arrays, for the life of the thread. Failed: " RAM too small for number of panels ".
+[[nodiscard]] Status allocate_solution(const RunState &run, ThreadState &thread);
+// The matrices of a period in memory; nothing without INCORE. Failed: " RAM too small ".
+[[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread);
+void DEALLOCATE_WA(ThreadState &thread);

@@ -1,0 +1,50 @@
+#include "assembly/tiles.hpp"
+
+#include "base/simd.hpp"
+
+VORDA_SIMD void load_tile(int height, int columns, const f32 *plane0, const f32 *plane1, f32 factor,
+                          std::int64_t lead, f32 *const *rows) {
+    for (int j = 0; j < columns; ++j) {
+        const f32 *from = plane0 + lead * j;
+        f32 value[TILE] = {};
+        for (int a = 0; a < height; ++a)
+            value[a] = from[a];
+        if (plane1 != nullptr) {
+            const f32 *second = plane1 + lead * j;
+            for (int a = 0; a < height; ++a)
+                value[a] += factor * second[a];
+        }
+        for (int a = 0; a < height; ++a)
+            rows[a][j] = value[a];
+    }
+}
+
+VORDA_SIMD void store_tile(int height, int columns, const Split *rows, c32 *matrix, std::int64_t lead) {
+    constexpr int RUN = 16; // columns that are turned around together, in registers or the first cache
+    for (int first = 0; first < columns; first += RUN) {
+        const int count = columns - first < RUN ? columns - first : RUN;
+        f32 turned[RUN][2 * TILE];
+        for (int a = 0; a < height; ++a) {
+            const f32 *re = rows[a].re + first;
+            const f32 *im = rows[a].im + first;
+            for (int j = 0; j < count; ++j) {
+                turned[j][2 * a] = re[j];
+                turned[j][2 * a + 1] = im[j];
+            }
+        }
+        for (int j = 0; j < count; ++j) {
+            f32 *to = reinterpret_cast<f32 *>(matrix + lead * (first + j));
+            for (int a = 0; a < 2 * height; ++a)
+                to[a] = turned[j][a];
+        }
+    }
+}
+
+VORDA_SIMD void store_column(int n, ConstSplit value, c32 *column) {
+    f32 *to = reinterpret_cast<f32 *>(column);
+    const f32 *re = value.re, *im = value.im;
+    for (int j = 0; j < n; ++j) {
+        to[2 * j] = re[j];
+        to[2 * j + 1] = im[j];
+    }
+}

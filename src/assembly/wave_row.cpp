@@ -1,0 +1,204 @@
+#include "assembly/wave_row.hpp"
+
+#include "base/simd.hpp"
+#include "run/symmetry.hpp"
+
+#include <cmath>
+
+namespace {
+
+// The record values an ordinary run reads, and their columns in WaveRow::green.
+constexpr int VALUES[] = {0, 1, 2, 6}; // G, dG/dR, dG/dz, dG/dzeta
+constexpr int G = 1, GR = 3, GZ = 5, GF = 7;
+
+Split column_pair(Array<f32, 2> &array, int first) {
+    return {&array(1, first), &array(1, first + 1)};
+}
+
+GreenRow green_row(WaveRow &row, int depth_derivative, const int *ISNG, std::int64_t offset, f32 LOGT) {
+    const auto from = [&](int column) {
+        return ConstSplit(&row.green(1, column) + offset, &row.green(1, column + 1) + offset);
+    };
+    return {from(G), from(GR), from(depth_derivative), ISNG, LOGT};
+}
+
+Split shifted(Split s, std::int64_t offset) {
+    return {s.re + offset, s.im + offset};
+}
+
+void evaluate(int count, const PeriodWave &wave, const GSTATE &gstate, WaveRow &row) {
+    const GreenPoints points{count, row.RR.data(), row.ZS.data(), row.ZF.data(), row.ISNG.data(), row.IBOT.data()};
+    GreenArrays values{};
+    for (int v = 0; v < 4; ++v) {
+        values.re[VALUES[v]] = &row.green(1, 2 * v + 1);
+        values.im[VALUES[v]] = &row.green(1, 2 * v + 2);
+    }
+    VGRN98(points, wave.HNU, gstate, GreenOrder::first, row.work, values);
+}
+
+FixedPoint fixed_point(const PanelArrays &panels, int I, int image, f32 NU) {
+    return {panels.X(I, 1), panels.X(I, 2), static_cast<f32>(SGX[image]), static_cast<f32>(SGY[image]), NU};
+}
+
+OneSource one_source(const PanelArrays &panels, int I, f32 area) {
+    return {panels.N(I, 1), panels.N(I, 2), panels.N(I, 3), area};
+}
+
+void centroid_path(const Symmetry &sym, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I,
+                   const int *code, WaveRow &row) {
+    for (int m = 0; m < sym.NSYMG; ++m) {
+        const std::int64_t o = static_cast<std::int64_t>(m) * I;
+        decode_pairs(I, 3 * m, code, row.ISNG.data() + o, row.IBOT.data() + o);
+        pair_directions(I, fixed_point(panels, I, sym.ISYMG[m + 1], wave.NU), &panels.X(1, 1), &panels.X(1, 2),
+                        {row.RR.data() + o, row.CR.data() + o, row.SR.data() + o, row.CC.data() + o,
+                         row.SC.data() + o});
+        scale_to(I, -wave.NU, &panels.X(1, 3), row.ZS.data() + o);
+        std::fill_n(row.ZF.data() + o, I, -wave.NU * panels.X(I, 3));
+    }
+    evaluate(sym.NSYMG * I, wave, gstate, row);
+    for (int m = 0; m < sym.NSYMG; ++m) {
+        const std::int64_t o = static_cast<std::int64_t>(m) * I;
+        const int *ISNG = row.ISNG.data() + o;
+        const SourceArea row_sources{&panels.N(1, 1), &panels.N(1, 2), &panels.N(1, 3),   panels.A.data(),
+                                     row.CR.data() + o, row.SR.data() + o, row.EB.data(), row.EFR.data()};
+        centroid_coefficients(I, green_row(row, GZ, ISNG, o, wave.LOGT), row_sources, wave.NU, shifted(row.SPR, o),
+                              shifted(row.DPR, o));
+        // The depth of I is the other argument of the same evaluation, hence the other derivative.
+        const SourceArea column{nullptr, nullptr, nullptr, nullptr, row.CC.data() + o, row.SC.data() + o,
+                                row.EB.data(), row.EFC.data()};
+        centroid_coefficients(I - 1, green_row(row, GF, ISNG, o, wave.LOGT), column,
+                              one_source(panels, I, panels.A(I)), wave.NU, shifted(row.SPC, o), shifted(row.DPC, o));
+    }
+}
+
+// Points of one image on the Gauss path stand in four blocks of length I, one for each Gauss point.
+void gauss_row_pass(const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I, int image,
+                    std::int64_t o, WaveRow &row) {
+    for (int q = 0; q < 4; ++q) {
+        const std::int64_t p = static_cast<std::int64_t>(q) * I;
+        pair_directions(I, fixed_point(panels, I, image, wave.NU), &panels.XG(1, 1, q + 1), &panels.XG(1, 2, q + 1),
+                        {row.RR.data() + p, row.CR.data() + p, row.SR.data() + p, row.CC.data() + p,
+                         row.SC.data() + p});
+        scale_to(I, -wave.NU, &panels.XG(1, 3, q + 1), row.ZS.data() + p);
+        std::fill_n(row.ZF.data() + p, I, -wave.NU * panels.X(I, 3));
+    }
+    evaluate(4 * I, wave, gstate, row);
+    const Split S = shifted(row.SPR, o);
+    const Split D = shifted(row.DPR, o);
+    SourceArea sources{&panels.N(1, 1), &panels.N(1, 2), &panels.N(1, 3), nullptr, nullptr, nullptr,
+                       row.EB.data(), row.EFR.data()};
+    for (int q = 0; q < 4; ++q) {
+        const std::int64_t p = static_cast<std::int64_t>(q) * I;
+        sources.area = &panels.GW(1, q + 1);
+        sources.cosine = row.CR.data() + p;
+        sources.sine = row.SR.data() + p;
+        gauss_accumulate(I, green_row(row, GZ, row.ISNG.data(), p, wave.LOGT), sources, S, D);
+    }
+    sources.area = panels.A.data();
+    gauss_finish(I, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), sources, wave.NU, S, D);
+}
+
+void gauss_column_pass(const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I, int image,
+                       std::int64_t o, WaveRow &row) {
+    const int n = I - 1;
+    for (int q = 0; q < 4; ++q) {
+        const std::int64_t p = static_cast<std::int64_t>(q) * I;
+        // The source is a Gauss point of I, the field the imaged centroid of J: the vector to the fixed point.
+        const FixedPoint source{panels.XG(I, 1, q + 1), panels.XG(I, 2, q + 1), static_cast<f32>(SGX[image]),
+                                static_cast<f32>(SGY[image]), wave.NU};
+        pair_directions(I, source, &panels.X(1, 1), &panels.X(1, 2),
+                        {row.RR.data() + p, row.CR.data() + p, row.SR.data() + p, row.CC.data() + p,
+                         row.SC.data() + p});
+        std::fill_n(row.ZS.data() + p, I, -wave.NU * panels.XG(I, 3, q + 1));
+        scale_to(I, -wave.NU, &panels.X(1, 3), row.ZF.data() + p);
+    }
+    evaluate(4 * I, wave, gstate, row);
+    const Split S = shifted(row.SPC, o);
+    const Split D = shifted(row.DPC, o);
+    SourceArea column{nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, row.EB.data(), row.EFC.data()};
+    for (int q = 0; q < 4; ++q) {
+        const std::int64_t p = static_cast<std::int64_t>(q) * I;
+        column.cosine = row.CC.data() + p;
+        column.sine = row.SC.data() + p;
+        gauss_accumulate(n, green_row(row, GZ, row.ISNG.data(), p, wave.LOGT), column,
+                         one_source(panels, I, panels.GW(I, q + 1)), S, D);
+    }
+    gauss_finish(n, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), column, one_source(panels, I, panels.A(I)),
+                 wave.NU, S, D);
+}
+
+void gauss_path(const Symmetry &sym, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I,
+                const int *code, WaveRow &row) {
+    for (int m = 0; m < sym.NSYMG; ++m) {
+        const std::int64_t o = static_cast<std::int64_t>(m) * I;
+        for (const Split &s : {row.SPR, row.DPR, row.SPC, row.DPC}) {
+            std::fill_n(s.re + o, I, 0.0f);
+            std::fill_n(s.im + o, I, 0.0f);
+        }
+        for (int q = 0; q < 4; ++q)
+            decode_pairs(I, 3 * m, code, row.ISNG.data() + q * I, row.IBOT.data() + q * I);
+        gauss_row_pass(panels, wave, gstate, I, sym.ISYMG[m + 1], o, row);
+        if (I > 1)
+            gauss_column_pass(panels, wave, gstate, I, sym.ISYMG[m + 1], o, row);
+    }
+}
+
+} // namespace
+
+PeriodWave frequency_variables(f32 W, f32 HBOT, f32 F) {
+    PeriodWave wave;
+    wave.W = W;
+    wave.F = F;
+    wave.IPLIM = W > 1.0e-6f ? 0 : W < -1.0e-6f ? 1 : 2;
+    if (wave.IPLIM == 0) {
+        wave.NU = W;
+        wave.NUL = W;
+        wave.LOGT = -std::log(W * W);
+    }
+    wave.HNU = wave.NU * HBOT;
+    return wave;
+}
+
+bool PanelArrays::make(const Mesh &mesh, bool gauss) {
+    const int n = mesh.NEQN;
+    if (!X.alloc(n, 3) || !N.alloc(n, 3) || !A.alloc(n) || !IFSP.alloc(n))
+        return false;
+    if (gauss && (!XG.alloc(n, 3, 4) || !GW.alloc(n, 4)))
+        return false;
+    for (int i = 1; i <= n; ++i) {
+        for (int c = 1; c <= 3; ++c) {
+            X(i, c) = mesh.XCT(c, i);
+            N(i, c) = mesh.TRM(3, c, i);
+            for (int q = 1; gauss && q <= 4; ++q)
+                XG(i, c, q) = mesh.XGP(q, c, i);
+        }
+        for (int q = 1; gauss && q <= 4; ++q)
+            GW(i, q) = mesh.GJAC(q, i);
+        A(i) = mesh.PMOM(1, i);
+        IFSP(i) = static_cast<f32>(mesh.IFSP(i));
+    }
+    return true;
+}
+
+bool WaveRow::alloc(int NEQN, int NSYMG, bool gauss) {
+    const int points = gauss ? 4 * NEQN : NSYMG * NEQN;
+    const int entries = NSYMG * NEQN;
+    if (!RR.alloc(points) || !ZS.alloc(points) || !ZF.alloc(points) || !CR.alloc(points) || !SR.alloc(points) ||
+        !CC.alloc(points) || !SC.alloc(points) || !ISNG.alloc(points) || !IBOT.alloc(points) ||
+        !green.alloc(points, 8) || !EB.alloc(NEQN) || !EFR.alloc(NEQN) || !EFC.alloc(NEQN) ||
+        !coefficient.alloc(entries, 8) || !work.alloc(points))
+        return false;
+    SPR = column_pair(coefficient, 1);
+    DPR = column_pair(coefficient, 3);
+    SPC = column_pair(coefficient, 5);
+    DPC = column_pair(coefficient, 7);
+    return true;
+}
+
+void wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
+                       int I, const int *code, WaveRow &row) {
+    if (run.opt.IQUAD == 1)
+        gauss_path(run.sym, panels, wave, gstate, I, code, row);
+    else
+        centroid_path(run.sym, panels, wave, gstate, I, code, row);
+}

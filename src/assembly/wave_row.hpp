@@ -1,0 +1,49 @@
+// The wave coefficients of one panel row: for every image and every panel J <= I the influence of the pair in both
+// directions, from one batched call of the Green function (from two on the Gauss path).
+#pragma once
+
+#include "assembly/row_kernels.hpp"
+#include "green/vgrn98.hpp"
+#include "run/state.hpp"
+
+// What depends on the frequency of a period alone.
+struct PeriodWave {
+    f32 W = 0;     // WVN0: deep-water wave number, or the mark of a limit frequency
+    f32 F = 1;     // depth factor WVNH / WVN0
+    int IPLIM = 0; // 0 a wave, 1 zero frequency, 2 infinite frequency
+    f32 NU = 1;    // scale of all lengths in the wave term
+    f32 NUL = 0;   // factor of the logarithmic plane of the Rankine store
+    f32 HNU = 0;   // depth argument of the Green function
+    f32 LOGT = 0;  // -ln(NU^2): what the scaling of the logarithm leaves behind
+};
+PeriodWave frequency_variables(f32 W, f32 HBOT, f32 F);
+
+// Panel data of the assembly, one contiguous array per quantity; XG and GW have a column per Gauss point.
+struct PanelArrays {
+    Array<f32, 2> X;    // centroid (NEQN,3)
+    Array<f32, 2> N;    // normal (NEQN,3)
+    Array<f32, 1> A;    // area (NEQN)
+    Array<f32, 3> XG;   // Gauss points (NEQN,3,4), only on the Gauss path
+    Array<f32, 2> GW;   // their weights (NEQN,4)
+    Array<f32, 1> IFSP; // free-surface mark (NEQN)
+    [[nodiscard]] bool make(const Mesh &mesh, bool gauss);
+};
+
+// Work of one assembling thread, and the results of a row: entry e = m I + J - 1, from 0, for image position m from
+// 0 and panel J of row I.
+struct WaveRow {
+    Array<f32, 1> RR, ZS, ZF, CR, SR, CC, SC; // evaluation points
+    Array<int, 1> ISNG, IBOT;
+    Array<f32, 2> green;             // values of the Green function, a column for each real array
+    Array<f32, 1> EB;                // 1 for an ordinary pair, 0 in the free surface (NEQN)
+    Array<f32, 1> EFR, EFC;          // mark of the source panel of a pair in the free surface: J for the row, I for the column
+    Array<f32, 2> coefficient;       // SPR, DPR, SPC, DPC, real and imaginary
+    GreenWork work;
+    Split SPR, DPR, SPC, DPC;
+    [[nodiscard]] bool alloc(int NEQN, int NSYMG, bool gauss);
+};
+
+// Forms SPR, DPR (J = 1..I) and SPC, DPC (J = 1..I-1) for all images. `code` holds the pair codes ICODE(1..I)
+// without the free-surface mark; EB, EFR, EFC are set.
+void wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
+                       int I, const int *code, WaveRow &row);

@@ -1,0 +1,65 @@
+#include "post/coefficients.hpp"
+
+namespace {
+
+using c64 = std::complex<double>;
+
+// Class of a mode, 0 for a mode that was not solved.
+int class_of(const P2fFile &p2f, int mode) {
+    for (int s = 1; s <= p2f.NSYMR; ++s) {
+        for (int k = 1; k <= p2f.NMCLS[s]; ++k) {
+            if (p2f.MODCLS(k, s) == mode)
+                return s;
+        }
+    }
+    return 0;
+}
+
+// Symmetric bodies have images that count; a wall has none.
+int body_images(const P2fFile &p2f) {
+    return (p2f.ISX == 1 ? 2 : 1) * (p2f.ISY == 1 ? 2 : 1);
+}
+
+c64 pressure_integral(const P2fFile &p2f, int mode, const c32 *potential) {
+    c64 sum = 0;
+    for (int ip = 1; ip <= p2f.NEQN; ++ip)
+        sum += static_cast<double>(p2f.PMOM(1, ip)) * p2f.VEL(mode, ip) * c64(potential[ip - 1]);
+    return sum * static_cast<double>(body_images(p2f));
+}
+
+} // namespace
+
+bool is_rotation(const P2fFile &p2f, int mode) {
+    int first = 0;
+    for (int b = 1; b <= p2f.NBODY; ++b) {
+        const int modes = 6 + p2f.NEWMDS(b);
+        if (mode <= first + modes)
+            return mode - first >= 4 && mode - first <= 6;
+        first += modes;
+    }
+    return false;
+}
+
+bool form_coefficients(const P2fFile &p2f, Coefficients &coefficients) {
+    const int modes = p2f.NMODES;
+    if (!coefficients.A.alloc(modes, modes, p2f.NPER) || !coefficients.B.alloc(modes, modes, p2f.NPER) ||
+        !coefficients.X.alloc(modes, p2f.NBETA, p2f.NPER))
+        return false;
+    for (int t = 1; t <= p2f.NPER; ++t) {
+        for (int i = 1; i <= modes; ++i) {
+            const int s = class_of(p2f, i);
+            if (s == 0)
+                continue;
+            for (int j = 1; p2f.IRAD >= 0 && j <= modes; ++j) {
+                if (class_of(p2f, j) != s)
+                    continue;
+                const c64 value = pressure_integral(p2f, i, &p2f.PHIR(1, p2f.MODPOS(j), t));
+                coefficients.A(i, j, t) = static_cast<f32>(value.real());
+                coefficients.B(i, j, t) = static_cast<f32>(-value.imag());
+            }
+            for (int b = 1; p2f.IDIFF >= 0 && b <= p2f.NBETA; ++b)
+                coefficients.X(i, b, t) = c32(pressure_integral(p2f, i, &p2f.PHID(1, b, s, t)));
+        }
+    }
+    return true;
+}

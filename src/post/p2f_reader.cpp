@@ -1,0 +1,175 @@
+#include "post/p2f_reader.hpp"
+
+#include "base/record_file.hpp"
+#include "base/text.hpp"
+
+#include <algorithm>
+
+namespace {
+
+using Target = RecordFile::Target;
+
+template <class T> Target into(T &value) {
+    return {&value, sizeof(T)};
+}
+template <class T, int R> Target into(Array<T, R> &array) {
+    return {array.data(), static_cast<std::size_t>(array.size()) * sizeof(T)};
+}
+
+// Reads the parts of the file in order; the first fault ends it.
+class Reader {
+public:
+    Reader(P2fFile &p2f, RecordFile &file) : p(p2f), file_(file) {}
+    std::string fault;
+
+    bool head() {
+        if (!next("version", {into(p.version)}))
+            return false;
+        if (p.version != 5.5f)
+            return refuse("its format version is " + trimmed(fixed(8, 2, p.version)) + ", not 5.50");
+        int images[9] = {};
+        return next("sizes", {into(p.NEQN), into(p.NBODY), into(p.NSYMD), into(p.NMODES)}) &&
+               next("IWADD", {into(p.IWADD), into(p.NFSP)}) &&
+               next("symmetry and problem",
+                    {into(p.ISX), into(p.ISY), into(p.IRAD), into(p.IDIFF), into(p.NPER), into(p.NBETA)}) &&
+               next("images and classes",
+                    {into(p.NSYMG), {images, 8 * sizeof(int)}, into(p.NCLS), into(p.NSYMR), list(p.ICLS)}) &&
+               next("class lists", {into(p.NDCLS), list(p.IDCLS), list(p.NMCLS)}) &&
+               next("options", {into(p.ISOR), into(p.IQUAD), into(p.ILOG), into(p.IDIAG), into(p.IDIPOL)}) &&
+               next("gravity and depth", {into(p.GRAV), into(p.HBOT)}) && check_sizes();
+    }
+
+    bool arrays() {
+        p.NBETAM = std::max(p.NBETA, 1);
+        Array<f32, 2> volumes;
+        const bool made =
+            p.ULEN.alloc(p.NBODY) && p.NEQNB.alloc(p.NBODY) && p.NPANS.alloc(p.NBODY) && p.NEWMDS.alloc(p.NBODY) &&
+            p.XBODY.alloc(4, p.NBODY) && p.PER.alloc(p.NPER) && p.WVNH.alloc(p.NPER) && p.BETA.alloc(p.NBETA) &&
+            p.SINBET.alloc(p.NBETA) && p.COSBET.alloc(p.NBETA) && p.MODLST.alloc(p.NMODES) &&
+            p.MODPOS.alloc(p.NMODES) && p.MODCLS.alloc(p.NMODES, 4) && p.XCT.alloc(3, p.NEQN) &&
+            p.PMOM.alloc(13, p.NEQN) && p.VEL.alloc(p.NMODES, p.NEQN) && p.VOL.alloc(3, p.NBODY) &&
+            p.XCB.alloc(3, p.NBODY) && p.CHYD.alloc(p.NMODES, p.NMODES) && volumes.alloc(6, p.NBODY);
+        if (!made)
+            return refuse("there is not enough memory for its arrays");
+        const std::size_t n = static_cast<std::size_t>(p.NEQN) * sizeof(f32);
+        const bool good =
+            next("ULEN", {into(p.ULEN)}) && next("NEQNB", {into(p.NEQNB), into(p.NPANS)}) &&
+            next("NEWMDS", {into(p.NEWMDS)}) && next("XBODY", {into(p.XBODY)}) &&
+            next("PER", {into(p.PER), into(p.WVNH)}) && next("BETA", {into(p.BETA), into(p.SINBET), into(p.COSBET)}) &&
+            next("MODLST", {into(p.MODLST)}) && next("MODCLS", {into(p.MODCLS)}) && next("MODPOS", {into(p.MODPOS)}) &&
+            skip("XIV", 4 * n) && skip("ETV", 4 * n) && next("XCT", {into(p.XCT)}) && skip("XVER", 12 * n) &&
+            skip("TRM", 9 * n) && next("PMOM", {into(p.PMOM)}) && skip("SIDE", 4 * n) && skip("XGP", 12 * n) &&
+            skip("GJAC", 4 * n) && skip("RXNG", 12 * n) && next("VEL", {into(p.VEL)}) &&
+            next("volumes", {into(volumes), into(p.CHYD)}) && skip("PSIZ", 2 * n);
+        if (!good)
+            return false;
+        for (int b = 1; b <= p.NBODY; ++b) {
+            for (int c = 1; c <= 3; ++c) {
+                p.VOL(c, b) = volumes(c, b);
+                p.XCB(c, b) = volumes(c + 3, b);
+            }
+        }
+        return true;
+    }
+
+    bool options() {
+        const std::size_t n = static_cast<std::size_t>(p.NEQN) * sizeof(f32);
+        int isolvn = 0, iusescr = 0, ntrd = 0, nblksz = 0, nblkls = 0;
+        bool good = skip("NWLB", static_cast<std::size_t>(p.NBODY) * sizeof(int));
+        for (int k = 0; good && p.ISOR == 1 && k < 3; ++k)
+            good = skip("waterline", next_length());
+        good = good && next("solver", {into(p.ISOLVE), into(isolvn), into(iusescr), into(ntrd), into(p.ISCATT), into(p.IRR)});
+        // IFSP stands here for IRR 1 to 4 or a lid run, IRRP for IRR 1 to 4: records longer than the three integers.
+        for (int k = 0; good && k < 2 && (p.IRR > 0 || next_length() == n) && next_length() != 3 * sizeof(int); ++k)
+            good = skip("free-surface marks", n);
+        good = good && next("I2ND", {into(p.I2ND), into(nblksz), into(nblkls)});
+        if (good && p.IWADD == 1)
+            return refuse("it is of a run for wave drift damping, which is not read here");
+        for (int k = 0; good && p.IDIPOL == 1 && k < 3; ++k)
+            good = skip("dipoles", n);
+        return good;
+    }
+
+    bool text_block() {
+        for (;;) {
+            char line[72];
+            if (!next("text block", {{line, sizeof line}}))
+                return false;
+            const std::string text = trimmed(std::string_view(line, sizeof line));
+            if (text == "*")
+                return true;
+            p.text.push_back(text);
+        }
+    }
+
+    bool periods() {
+        if (p.IRAD >= 0 && !p.PHIR.alloc(p.NEQN, p.NSYMD, p.NPER))
+            return refuse("there is not enough memory for its potentials");
+        if (p.IDIFF >= 0 && !p.PHID.alloc(p.NEQN, p.NBETAM, p.NSYMR, p.NPER))
+            return refuse("there is not enough memory for its potentials");
+        for (int i = 1; i <= p.NPER; ++i) {
+            if (p.IRAD >= 0) {
+                const auto PHIR = p.PHIR.slice(i);
+                if (!next("PHIR", {{PHIR.data(), static_cast<std::size_t>(PHIR.size()) * sizeof(c32)}}) || !sources())
+                    return false;
+            }
+            if (p.IDIFF >= 0) {
+                const auto PHID = p.PHID.slice(i);
+                if (!next("PHID", {{PHID.data(), static_cast<std::size_t>(PHID.size()) * sizeof(c32)}}) || !sources())
+                    return false;
+            }
+        }
+        return file_.next_length() < 0 || refuse("it goes on behind its last period");
+    }
+
+private:
+    static Target list(int (&values)[5]) { return {values + 1, 4 * sizeof(int)}; }
+    std::size_t next_length() { return static_cast<std::size_t>(std::max<std::int64_t>(0, file_.next_length())); }
+
+    // Sources and velocities of a run that has them are passed over.
+    bool sources() {
+        return p.ISOR != 1 || (skip("sources", next_length()) && skip("velocities", next_length()));
+    }
+
+    bool check_sizes() {
+        const bool good = p.NEQN > 0 && p.NBODY > 0 && p.NSYMD >= 0 && p.NMODES >= 6 && p.NPER >= 0 && p.NBETA >= 0 &&
+                          p.NSYMR >= 0 && p.NSYMR <= 4 && p.NSYMD <= p.NMODES;
+        return good || refuse("its sizes make no sense");
+    }
+
+    bool next(const char *what, std::initializer_list<Target> parts) {
+        return file_.read(parts) || refuse(std::string("record ") + what + " is missing or of another length");
+    }
+
+    bool skip(const char *what, std::size_t length) {
+        std::vector<char> buffer(length);
+        return next(what, {{buffer.data(), length}});
+    }
+
+    bool refuse(const std::string &why) {
+        fault = why;
+        return false;
+    }
+
+    P2fFile &p;
+    RecordFile &file_;
+};
+
+} // namespace
+
+bool read_p2f(const std::string &name, P2fFile &p2f, std::string &error) {
+    RecordFile file(3);
+    if (!file.open(name)) {
+        error = name + " cannot be opened: " + file.error();
+        return false;
+    }
+    if (file.next_length() != sizeof(f32)) {
+        error = name + " is no hand-over file: its first record is not the format version";
+        return false;
+    }
+    Reader reader(p2f, file);
+    if (reader.head() && reader.arrays() && reader.options() && reader.text_block() && reader.periods())
+        return true;
+    error = name + ": " + reader.fault;
+    return false;
+}

@@ -1,0 +1,36 @@
+// Reader of the hand-over file.
+#pragma once
+
+#include "base/array.hpp"
+#include "base/types.hpp"
+
+#include <string>
+#include <vector>
+
+// What a hand-over file holds, as far as its users need it; names, shapes and units as in the run state.
+struct P2fFile {
+    f32 version = 0;
+    int NEQN = 0, NBODY = 0, NSYMD = 0, NMODES = 0;
+    int IWADD = 0, NFSP = 0;
+    int ISX = 0, ISY = 0, IRAD = 0, IDIFF = 0, NPER = 0, NBETA = 0, NBETAM = 1;
+    int NSYMG = 0, NCLS = 0, NSYMR = 0, ICLS[5] = {};
+    int NDCLS = 0, IDCLS[5] = {}, NMCLS[5] = {};
+    int ISOR = 0, IQUAD = 0, ILOG = 0, IDIAG = 0, IDIPOL = 0;
+    int ISOLVE = 0, ISCATT = 0, IRR = 0, I2ND = 0;
+    f32 GRAV = 0, HBOT = 0;
+    Array<f32, 1> ULEN;
+    Array<int, 1> NEQNB, NPANS, NEWMDS;
+    Array<f32, 2> XBODY;
+    Array<f32, 1> PER, WVNH, BETA, SINBET, COSBET;
+    Array<int, 1> MODLST, MODPOS;
+    Array<int, 2> MODCLS;
+    Array<f32, 2> XCT, PMOM, VEL;
+    Array<f32, 2> VOL, XCB, CHYD;
+    std::vector<std::string> text; // the text block without its end mark
+    Array<c32, 3> PHIR;            // (NEQN,NSYMD,NPER), empty for IRAD=-1
+    Array<c32, 4> PHID;            // (NEQN,NBETAM,NSYMR,NPER), empty for IDIFF=-1
+};
+
+// Reads the file. False, with the reason in `error`, when it cannot be opened, is no hand-over file of this format, or
+// is cut short.
+[[nodiscard]] bool read_p2f(const std::string &name, P2fFile &p2f, std::string &error);

@@ -1,0 +1,140 @@
+#include "results/p2f_writer.hpp"
+
+#include "base/text.hpp"
+#include "run/messages.hpp"
+
+#include <cstdio>
+
+namespace {
+
+constexpr std::size_t TEXT_RECORD = 72; // characters of a record of the text block
+
+template <class T, int R> Bytes first_elements(const Array<T, R> &array, std::int64_t n) {
+    return bytes_of(array.data(), n);
+}
+template <class T, int R> Bytes whole(const Array<T, R> &array) {
+    return bytes_of(array.data(), array.size());
+}
+template <std::size_t n> Bytes from_one(const int (&list)[n]) {
+    return bytes_of(list + 1, static_cast<std::int64_t>(n) - 1);
+}
+
+bool write_sizes(const RunState &run, RecordFile &file) {
+    const Options &opt = run.opt;
+    const Bodies &bodies = run.bodies;
+    const Symmetry &sym = run.sym;
+    const Periods &periods = run.periods;
+    const int dipoles = run.dipoles.IDIPOL ? 1 : 0;
+    const int free_surface_panels = 1; // NFSP of a run without FDF file
+    return file.write({bytes_of(FORMAT_VERSION)}) &&
+           file.write({bytes_of(run.mesh.NEQN), bytes_of(bodies.NBODY), bytes_of(sym.NSYMD), bytes_of(bodies.NMODES)}) &&
+           file.write({bytes_of(opt.IWADD), bytes_of(free_surface_panels)}) &&
+           file.write({bytes_of(opt.ISX), bytes_of(opt.ISY), bytes_of(opt.IRAD), bytes_of(opt.IDIFF),
+                       bytes_of(periods.NPER), bytes_of(periods.NBETA)}) &&
+           file.write({bytes_of(sym.NSYMG), from_one(sym.ISYMG), bytes_of(sym.NCLS), bytes_of(sym.NSYMR),
+                       from_one(sym.ICLS)}) &&
+           file.write({bytes_of(sym.NDCLS), from_one(sym.IDCLS), from_one(sym.NMCLS)}) &&
+           file.write({bytes_of(opt.ISOR), bytes_of(opt.IQUAD), bytes_of(opt.ILOG), bytes_of(opt.IDIAG),
+                       bytes_of(dipoles)}) &&
+           file.write({bytes_of(opt.GRAV), bytes_of(opt.HBOT)}) && file.write({whole(bodies.ULEN)}) &&
+           file.write({whole(bodies.NEQNB), first_elements(bodies.NPANS, bodies.NBODY)}) &&
+           file.write({first_elements(bodies.NEWMDS, bodies.NBODY)}) && file.write({whole(bodies.XBODY)}) &&
+           file.write({whole(periods.PER), whole(periods.WVNH)}) &&
+           file.write({whole(periods.BETA), whole(periods.SINBET), whole(periods.COSBET)}) &&
+           file.write({whole(sym.MODLST)}) && file.write({whole(sym.MODCLS)}) && file.write({whole(sym.MODPOS)});
+}
+
+bool write_geometry(const RunState &run, RecordFile &file) {
+    const Mesh &mesh = run.mesh;
+    const Bodies &bodies = run.bodies;
+    Array<f32, 2> buoyancy; // per body the three volumes, then the centre
+    if (!buoyancy.alloc(6, bodies.NBODY))
+        return false;
+    for (int b = 1; b <= bodies.NBODY; ++b) {
+        for (int c = 1; c <= 3; ++c) {
+            buoyancy(c, b) = bodies.VOL(c, b);
+            buoyancy(c + 3, b) = bodies.XCB(c, b);
+        }
+    }
+    return file.write({whole(mesh.XIV)}) && file.write({whole(mesh.ETV)}) && file.write({whole(mesh.XCT)}) &&
+           file.write({first_elements(mesh.XVER, 12LL * mesh.NEQN)}) && file.write({whole(mesh.TRM)}) &&
+           file.write({whole(mesh.PMOM)}) && file.write({whole(mesh.SIDE)}) && file.write({whole(mesh.XGP)}) &&
+           file.write({whole(mesh.GJAC)}) && file.write({whole(mesh.RXNG)}) && file.write({whole(mesh.VEL)}) &&
+           file.write({whole(buoyancy), whole(bodies.CHYD)}) && file.write({whole(mesh.PSIZ)}) &&
+           file.write({first_elements(bodies.NWLB, bodies.NBODY)});
+}
+
+bool write_options(const RunState &run, RecordFile &file) {
+    const Options &opt = run.opt;
+    const bool treated = opt.IRR >= 1 && opt.IRR <= 4;
+    bool good = true;
+    if (opt.ISOR == 1) {
+        const Waterline &line = run.waterline;
+        good = file.write({bytes_of(line.NWL)}) && file.write({first_elements(line.IWLP, line.NWL)}) &&
+               file.write({first_elements(line.IWLE, line.NWL)});
+    }
+    good = good && file.write({bytes_of(opt.ISOLVE), bytes_of(opt.ISOLVN), bytes_of(opt.IUSESCR), bytes_of(opt.NTRD),
+                               bytes_of(opt.ISCATT), bytes_of(opt.IRR)});
+    if (treated || opt.IFSLID == 1)
+        good = good && file.write({whole(run.mesh.IFSP)});
+    if (treated)
+        good = good && file.write({whole(run.strips.IRRP)});
+    good = good && file.write({bytes_of(opt.I2ND), bytes_of(opt.NBLKSZ), bytes_of(opt.NBLKLS)});
+    if (run.dipoles.IDIPOL) {
+        const Dipoles &dipoles = run.dipoles;
+        good = good && file.write({whole(dipoles.IDIP)}) && file.write({whole(dipoles.DPORA)}) &&
+               file.write({whole(dipoles.DPORB)});
+    }
+    return good;
+}
+
+bool write_text(const RunState &run, RecordFile &file) {
+    bool good = true;
+    for (const std::string &line : run.HDRSCR) {
+        const std::string record = text_in(TEXT_RECORD, line);
+        good = good && file.write({{record.data(), record.size()}});
+    }
+    const std::string end = text_in(TEXT_RECORD, "*");
+    return good && file.write({{end.data(), end.size()}});
+}
+
+// The records of the periods, each in its order in the hand-over file, which for potentials alone is that of the
+// scratch file.
+bool copy_periods(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
+    Array<c32, 1> record;
+    const std::int64_t radiation = static_cast<std::int64_t>(run.mesh.NEQN) * run.sym.NSYMD;
+    const std::int64_t diffraction = static_cast<std::int64_t>(run.mesh.NEQN) * run.periods.NBETAM * run.sym.NSYMR;
+    if (!record.alloc(std::max(radiation, diffraction)))
+        return false;
+    const auto copy = [&](std::int64_t n) {
+        return RESSCR.read({{record.data(), static_cast<std::size_t>(n) * sizeof(c32)}}) &&
+               file.write({first_elements(record, n)});
+    };
+    bool good = RESSCR.rewind();
+    for (int period = 1; good && period <= run.periods.NPER; ++period) {
+        good = run.opt.IRAD < 0 || copy(radiation);
+        good = good && (run.opt.IDIFF < 0 || copy(diffraction));
+    }
+    return good;
+}
+
+} // namespace
+
+Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR) {
+    bool good = opt.IRAD < 0 || RESSCR.write({whole(thread.PHIR)});
+    good = good && (opt.IDIFF < 0 || RESSCR.write({whole(thread.PHID)}));
+    return good ? Status::ok : MSGOUT_with("Error writing the solution of a period, UNIT=", RESSCR.unit(), RESSCR.error());
+}
+
+Status RESWRT(RunState &run, RecordFile &RESSCR) {
+    const std::string &name = run.files.FILNAM(3);
+    const std::string unfinished = name + ".part";
+    RecordFile file(3);
+    bool good = file.create(unfinished) && write_sizes(run, file) && write_geometry(run, file) &&
+                write_options(run, file) && write_text(run, file) && copy_periods(run, RESSCR, file);
+    good = file.close() && good;
+    if (good && std::rename(unfinished.c_str(), name.c_str()) == 0)
+        return Status::ok;
+    std::remove(unfinished.c_str());
+    return MSGOUT_with("Error writing P2F file " + name, 0, file.error().empty() ? RESSCR.error() : file.error());
+}

@@ -1,0 +1,35 @@
+#include "run/limits.hpp"
+
+#include "run/messages.hpp"
+
+Status within_limits(const RunState &run) {
+    const Options &opt = run.opt;
+    Status status = Status::ok;
+    const auto refuse = [&](bool asked, const char *text, int value = 0) {
+        if (asked)
+            status = MSGOUT(text, value);
+    };
+    refuse(opt.HBOT > 0, "Finite depth is not supported by this version: set HBOT to 0 in the POT file");
+    bool limit_period = false;
+    for (int i = 1; i <= run.periods.NPER; ++i)
+        limit_period = limit_period || run.periods.WVN0(i) <= 1.0e-6f;
+    refuse(limit_period, "Zero and infinite frequencies are not supported by this version: PER must be above 0");
+    refuse(opt.ISOLVE != 1, "Iterative solution is not supported by this version: set ISOLVE=1 and MAXSCR to at least",
+           run.mesh.NEQN);
+    refuse(opt.IUSESCR == 1, "Matrices on scratch files are not supported by this version: set IUSESCR=0");
+    refuse(opt.ISOR == 1, "Sources and velocities are not supported by this version: set ISOR=0");
+    refuse(opt.IRR != 0 || opt.IRRX != 0,
+           "Irregular-frequency treatment and tanks are not supported by this version: set IRR=0");
+    refuse(run.dipoles.IDIPOL, "Dipole panels are not supported by this version");
+    refuse(opt.IMDRUN == 1, "Extra modes are not supported by this version beyond the PRE file: set NEWMDS=0");
+    refuse(opt.IWADD == 1, "Runs for wave drift damping are not supported by this version: set IWADD=0");
+    refuse(run.bodies.IBDT3 == 1, "Lid bodies (BDTYP=3) are not supported by this version");
+    return status;
+}
+
+Status store_in_memory(const RunState &run) {
+    if (run.memory.INCORE)
+        return Status::ok;
+    return MSGOUT("Matrices on scratch files are not supported by this version: more memory is needed for NEQN=",
+                  run.mesh.NEQN);
+}

@@ -1,0 +1,207 @@
+// Truth: the definition, pair by pair in double precision: influence of the source panel = weights times the Green
+// function and its derivative along the source normal, summed over images with the signs of the class.
+#include "assembly/tiles.hpp"
+#include "assembly/wavegr.hpp"
+
+#include "boundary/incident_wave.hpp"
+#include "hull_meshes.hpp"
+#include "rankine/rankin.hpp"
+#include "run/memory_plan.hpp"
+#include "run/symmetry.hpp"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <omp.h>
+
+namespace {
+
+using c64 = std::complex<double>;
+using Vector = std::array<double, 3>;
+
+struct Setting {
+    int ISX, ISY, IQUAD, ILOG, ISCATT;
+    bool lid;
+};
+
+struct Case {
+    RunState run;
+    ThreadState thread;
+    PeriodWave wave;
+};
+
+constexpr f32 WAVE_NUMBER = 1.3f;
+
+// A box of unit draft, its quarter, half or whole, with two headings and all modes.
+void make_case(const Setting &setting, Case &c) {
+    RunState &run = c.run;
+    run.opt.ISX = setting.ISX;
+    run.opt.ISY = setting.ISY;
+    run.opt.IQUAD = setting.IQUAD;
+    run.opt.ILOG = setting.ILOG;
+    run.opt.ISCATT = setting.ISCATT;
+    run.opt.IRAD = 1;
+    run.opt.IDIFF = 1;
+    run.opt.HBOT = -1;
+    run.memory.INCORE = true;
+    hulls::Quads panels = hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, setting.lid);
+    if (setting.ISX == 0 && setting.ISY == 0)
+        panels = hulls::mirrored(panels);
+    hulls::set_body(panels, run);
+    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    for (int ip = 1; ip <= run.mesh.NEQN; ++ip)
+        run.mesh.IFSP(ip) = run.mesh.XCT(3, ip) > -0.0001f ? 1 : 0;
+    run.periods.NPER = 1;
+    run.periods.NBETA = run.periods.NBETAM = 2;
+    ASSERT_TRUE(run.periods.SINBET.alloc(2) && run.periods.COSBET.alloc(2));
+    run.periods.SINBET(1) = 0.6f;
+    run.periods.COSBET(1) = 0.8f;
+    run.periods.SINBET(2) = 1.0f;
+    ASSERT_EQ(SYMSET(6, setting.ISX, setting.ISY, run.bodies.MODE, 1, run.sym), Status::ok);
+    ASSERT_EQ(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store), Status::ok);
+    ASSERT_EQ(RANKIN(run.opt, run.bodies, run.mesh, run.dipoles, run.sym, run.store), Status::ok);
+    ASSERT_EQ(allocate_solution(run, c.thread), Status::ok);
+    ASSERT_EQ(ALLOCATE_WA(run, c.thread), Status::ok);
+    c.wave = frequency_variables(WAVE_NUMBER, run.opt.HBOT, 1.0f);
+    INCWAV(run, WAVE_NUMBER, c.thread);
+}
+
+// Source and dipole influence of one panel on one field point, wave part.
+struct Influence {
+    c64 S;
+    c64 D;
+};
+Influence wave_influence(const Case &c, int source, const Vector &field, int ISNG, bool surface) {
+    const RunState &run = c.run;
+    const double nu = static_cast<double>(c.wave.NU);
+    const double offset = ISNG == 3 ? -2 * std::log(nu) : 0;
+    Influence sum{};
+    const int points = run.opt.IQUAD == 1 ? 4 : 1;
+    for (int q = 1; q <= points; ++q) {
+        Vector p;
+        for (int k = 1; k <= 3; ++k)
+            p[static_cast<std::size_t>(k - 1)] = points == 4 ? run.mesh.XGP(q, k, source) : run.mesh.XCT(k, source);
+        const double weight = points == 4 ? run.mesh.GJAC(q, source) : run.mesh.PMOM(1, source);
+        const double dx = p[0] - field[0], dy = p[1] - field[1];
+        const double d = std::hypot(dx, dy);
+        f32 record[16];
+        VGRN1P(static_cast<f32>(nu * d), static_cast<f32>(-nu * p[2]), static_cast<f32>(-nu * field[2]), -1, GSTATE(),
+               ISNG, 0, record);
+        const c64 G = c64(record[0] + offset, record[1]);
+        const c64 GR(record[2], record[3]), GZ(record[4], record[5]);
+        const double h = d > 1e-6 ? (run.mesh.TRM(3, 1, source) * dx + run.mesh.TRM(3, 2, source) * dy) / d : 0;
+        sum.S += nu * weight * G;
+        // In the free surface dG/dz = nu G stands for the normal derivative.
+        if (surface)
+            sum.D -= nu * nu * weight * static_cast<double>(run.mesh.IFSP(source)) * G;
+        else
+            sum.D += nu * nu * weight * (GR * h - GZ * static_cast<double>(run.mesh.TRM(3, 3, source)));
+    }
+    return sum;
+}
+
+// Source and dipole influence of panel J on panel I in class s, Rankine part included.
+Influence coefficient(const Case &c, int I, int J, int s) {
+    const RunState &run = c.run;
+    const RankineStore &store = run.store;
+    const int code = store.ICODM(std::min(I, J), std::max(I, J));
+    const bool surface = code >= 4096;
+    const auto both = [&](const Array<f32, 4> &m) {
+        double value = m(I, J, s, 0);
+        if (run.opt.ILOG == 1)
+            value += static_cast<double>(c.wave.NUL) * m(I, J, s, 1);
+        return value;
+    };
+    Influence sum{};
+    sum.D = both(store.RKDM);
+    if (surface)
+        sum.D *= -static_cast<double>(c.wave.NUL);
+    if (surface && I == J)
+        sum.D -= 4 * M_PI * run.mesh.IFSP(I);
+    if (run.opt.ISCATT == 1)
+        sum.S = both(store.RKSM);
+    for (int m = 0; m < run.sym.NSYMG; ++m) {
+        const int g = run.sym.ISYMG[m + 1];
+        const Vector field = {static_cast<double>(SGX[g] * run.mesh.XCT(1, I)),
+                              static_cast<double>(SGY[g] * run.mesh.XCT(2, I)),
+                              static_cast<double>(run.mesh.XCT(3, I))};
+        const double sign = SGN[run.sym.ICLS[s]][g];
+        const Influence wave = wave_influence(c, J, field, (code >> (3 * m)) & 3, surface);
+        sum.D += sign * wave.D;
+        sum.S += sign * wave.S;
+    }
+    return sum;
+}
+
+class WaveRows : public testing::TestWithParam<Setting> {};
+
+TEST_P(WaveRows, EqualTheDefinition) {
+    // Single precision of the Green function times areas of 0.1, summed over at most four images and N panels.
+    constexpr double TOLERANCE = 5e-6;
+    Case c;
+    make_case(GetParam(), c);
+    const RunState &run = c.run;
+    const int N = run.mesh.NEQN;
+    ASSERT_GT(N, TILE);
+    ASSERT_EQ(WAVEGR(run, c.wave, c.thread), Status::ok);
+    for (int s = 1; s <= run.sym.NSYMR; ++s) {
+        std::vector<c64> radiation(static_cast<std::size_t>(N) * 7), diffraction(static_cast<std::size_t>(N) * 3);
+        double worst = 0;
+        for (int I = 1; I <= N; ++I) {
+            std::vector<c64> rad(7), dif(3);
+            for (int k = 1; k <= run.sym.NMCLS[s]; ++k) {
+                const int column = run.sym.MODPOS(run.sym.MODCLS(k, s));
+                rad[static_cast<std::size_t>(k)] = static_cast<double>(run.store.RHSRAN(I, column, 0));
+                if (run.opt.ILOG == 1)
+                    rad[static_cast<std::size_t>(k)] +=
+                        static_cast<double>(c.wave.NUL * run.store.RHSRAN(I, column, 1));
+            }
+            for (int J = 1; J <= N; ++J) {
+                const Influence full = coefficient(c, I, J, s);
+                worst = std::max(worst, std::abs(full.D - c64(c.thread.ACORE(I, J, s))));
+                const double rankine =
+                    run.opt.ISCATT == 1
+                        ? run.store.RKSM(I, J, s, 0) + (run.opt.ILOG == 1 ? c.wave.NUL * run.store.RKSM(I, J, s, 1) : 0)
+                        : 0;
+                for (int k = 1; k <= run.sym.NMCLS[s]; ++k)
+                    rad[static_cast<std::size_t>(k)] +=
+                        (full.S - rankine) * static_cast<double>(run.mesh.VEL(run.sym.MODCLS(k, s), J));
+                for (int b = 1; b <= 2; ++b)
+                    dif[static_cast<std::size_t>(b)] += full.S * c64(c.thread.SRCD(J, b, s));
+            }
+            for (int k = 1; k <= run.sym.NMCLS[s]; ++k) {
+                const c64 got = c.thread.PHIR(I, run.sym.MODPOS(run.sym.MODCLS(k, s)));
+                EXPECT_LT(std::abs(rad[static_cast<std::size_t>(k)] - got), TOLERANCE * 4);
+            }
+            for (int b = 1; run.opt.ISCATT == 1 && b <= 2; ++b)
+                EXPECT_LT(std::abs(dif[static_cast<std::size_t>(b)] - c64(c.thread.PHID(I, b, s))), TOLERANCE * 4);
+        }
+        EXPECT_LT(worst, TOLERANCE) << "class " << s;
+    }
+}
+
+TEST_P(WaveRows, AreTheSameOnOneCoreAndOnTwo) {
+    Case one;
+    Case two;
+    make_case(GetParam(), one);
+    make_case(GetParam(), two);
+    const int threads = omp_get_max_threads();
+    omp_set_num_threads(1);
+    ASSERT_EQ(WAVEGR(one.run, one.wave, one.thread), Status::ok);
+    omp_set_num_threads(2);
+    ASSERT_EQ(WAVEGR(two.run, two.wave, two.thread), Status::ok);
+    omp_set_num_threads(threads);
+    const auto same = [](const auto &a, const auto &b) {
+        return std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(c32)) == 0;
+    };
+    EXPECT_TRUE(same(one.thread.ACORE, two.thread.ACORE));
+    EXPECT_TRUE(same(one.thread.PHIR, two.thread.PHIR));
+    EXPECT_TRUE(same(one.thread.PHID, two.thread.PHID));
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, WaveRows,
+                         testing::Values(Setting{1, 1, 0, 0, 0, false}, Setting{0, 0, 0, 0, 0, false},
+                                         Setting{1, 1, 0, 1, 1, true}, Setting{1, 1, 1, 0, 1, false},
+                                         Setting{1, 1, 1, 1, 1, true}, Setting{-1, 1, 0, 1, 1, false},
+                                         Setting{0, 0, 1, 1, 1, true}));
+
+} // namespace

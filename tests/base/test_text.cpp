@@ -1,0 +1,102 @@
+// Truth: the rules of free-form reading and fixed columns, written out as tables.
+#include "base/text.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct NumberCase {
+    const char *text;
+    bool good;
+    f32 first;
+    f32 second;
+};
+
+class TwoNumbers : public testing::TestWithParam<NumberCase> {};
+
+TEST_P(TwoNumbers, AreReadOrRefused) {
+    FreeReader in;
+    in.open_text("x.pot", GetParam().text);
+    f32 a = -1;
+    f32 b = -1;
+    ASSERT_EQ(in.read(a, b), GetParam().good) << GetParam().text;
+    if (GetParam().good) {
+        EXPECT_EQ(a, GetParam().first);
+        EXPECT_EQ(b, GetParam().second);
+    } else {
+        EXPECT_NE(in.fault().find("x.pot"), std::string::npos);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(FreeForm, TwoNumbers,
+                         testing::Values(NumberCase{"1 2", true, 1, 2}, NumberCase{"1,2\n", true, 1, 2},
+                                         NumberCase{" 1 , 2 rest", true, 1, 2}, NumberCase{"1\r\n\r\n2\r\n", true, 1, 2},
+                                         NumberCase{"1,\n2", true, 1, 2}, NumberCase{"2*-1.5D+01", true, -15, -15},
+                                         NumberCase{"1d2 +3.E-1", true, 100, 0.3f}, NumberCase{".5 5.", true, 0.5f, 5},
+                                         NumberCase{"1e-60 1", true, 0, 1}, NumberCase{"\t1\t2", true, 1, 2},
+                                         NumberCase{"1", false, 0, 0}, NumberCase{"1 ,, 2", false, 0, 0},
+                                         NumberCase{"1 two", false, 0, 0}, NumberCase{"nan 1", false, 0, 0},
+                                         NumberCase{"1 infinity", false, 0, 0}, NumberCase{"1 1e40", false, 0, 0},
+                                         NumberCase{"1 2x", false, 0, 0}, NumberCase{"0*1 2", false, 0, 0},
+                                         NumberCase{"", false, 0, 0}, NumberCase{"1 --2", false, 0, 0}));
+
+TEST(FreeReader, TheRestOfTheLastLineIsDropped) {
+    FreeReader in;
+    in.open_text("f", "title, 1 2 3\n1 2 3\n4\n5 6\n2*7\n8");
+    std::string title;
+    ASSERT_TRUE(in.line(title, 5));
+    EXPECT_EQ(title, "title");
+    int a = 0, b = 0;
+    ASSERT_TRUE(in.read(a));
+    EXPECT_EQ(a, 1);
+    EXPECT_EQ(in.line_number(), 3);
+    ASSERT_TRUE(in.read(a, b)); // runs on over a line end
+    EXPECT_EQ(a * 10 + b, 45);
+    ASSERT_TRUE(in.read(a)); // the unused repeat ends with its read
+    EXPECT_EQ(a, 7);
+    EXPECT_FALSE(in.at_end());
+    ASSERT_TRUE(in.read(a));
+    EXPECT_EQ(a, 8);
+    EXPECT_TRUE(in.at_end());
+    EXPECT_FALSE(in.read(a));
+    EXPECT_TRUE(in.ended());
+}
+
+TEST(FreeReader, TellsWhereAndWhatItFound) {
+    FreeReader in;
+    in.open_text("ship.gdf", "1\n2 abc");
+    int a = 0, b = 0, c = 0;
+    EXPECT_FALSE(in.read(a, b, c));
+    EXPECT_FALSE(in.ended());
+    EXPECT_EQ(in.fault(), "ship.gdf, line 2: found \"abc\" where an integer is expected");
+    in.open_text("ship.gdf", "1.5");
+    EXPECT_FALSE(in.read(a));
+    FreeReader missing;
+    EXPECT_FALSE(missing.open("/no/such/file"));
+}
+
+TEST(FreeReader, ItemsBehindABlankAreCounted) {
+    const auto items = [](const std::string &line) {
+        FreeReader in;
+        in.open_text("f", line);
+        return in.NITEMS();
+    };
+    EXPECT_EQ(items(" 120 5\n7 8 9"), 2);
+    EXPECT_EQ(items("120 5"), 1);
+    EXPECT_EQ(items("  120"), 1);
+    EXPECT_EQ(items(std::string(250, ' ') + "5"), 0);
+}
+
+TEST(FixedColumns, FillOrOverflow) {
+    EXPECT_EQ(int_in(5, 42), "   42");
+    EXPECT_EQ(int_in(3, -100), "***");
+    EXPECT_EQ(fixed(10, 4, 3.14159), "    3.1416");
+    EXPECT_EQ(fixed(5, 2, 123.456), "*****");
+    EXPECT_EQ(sci(13, 5, -0.000123456), " -1.23456E-04");
+    EXPECT_EQ(text_in(4, "ab"), "ab  ");
+    EXPECT_EQ(text_in(4, "abcdef"), "abcd");
+    EXPECT_EQ(text_at_least(4, "abcdef"), "abcdef");
+    EXPECT_EQ(trimmed("ab \r"), "ab");
+}
+
+} // namespace

@@ -1,0 +1,62 @@
+// Truth: the plane wave exp(-i K (x cos b + y sin b)) with its depth factor in double precision, and its central
+// differences.
+#include "boundary/incident_wave.hpp"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace {
+
+using c64 = std::complex<double>;
+
+struct Sea {
+    double depth; // negative: deep water
+    double K;
+    double beta;
+};
+
+c64 plane_wave(const Sea &sea, double x, double y, double z) {
+    const double F = sea.depth < 0 ? std::exp(sea.K * z) : std::cosh(sea.K * (z + sea.depth)) / std::cosh(sea.K * sea.depth);
+    const double phase = sea.K * (x * std::cos(sea.beta) + y * std::sin(sea.beta));
+    return F * c64(std::cos(phase), -std::sin(phase));
+}
+
+class Seas : public testing::TestWithParam<Sea> {};
+
+TEST_P(Seas, ComponentsHaveTheirParitiesAndSumToTheWave) {
+    constexpr double TOLERANCE = 3e-6; // single precision of phases up to 10
+    const Sea sea = GetParam();
+    const double x = 0.7, y = -1.9, z = -0.4, step = 1e-5;
+    WaveComponents wave;
+    const f32 point[3] = {static_cast<f32>(x), static_cast<f32>(y), static_cast<f32>(z)};
+    PLNWAV(static_cast<f32>(sea.depth), static_cast<f32>(sea.K), static_cast<f32>(std::sin(sea.beta)),
+           static_cast<f32>(std::cos(sea.beta)), point, true, wave);
+    const int px[5] = {0, 1, -1, -1, 1}, py[5] = {0, 1, 1, -1, -1};
+    for (int j = 1; j <= 4; ++j) {
+        // The part of these parities, from the four images of the point.
+        const auto part = [&](double u, double v, double w) {
+            return (plane_wave(sea, u, v, w) + double(px[j]) * plane_wave(sea, -u, v, w) +
+                    double(py[j]) * plane_wave(sea, u, -v, w) + double(px[j] * py[j]) * plane_wave(sea, -u, -v, w)) /
+                   4.0;
+        };
+        EXPECT_LT(std::abs(c64(wave.C[j]) - part(x, y, z)), TOLERANCE);
+        const c64 slope[4] = {0, (part(x + step, y, z) - part(x - step, y, z)) / (2 * step),
+                              (part(x, y + step, z) - part(x, y - step, z)) / (2 * step),
+                              (part(x, y, z + step) - part(x, y, z - step)) / (2 * step)};
+        for (int c = 1; c <= 3; ++c)
+            EXPECT_LT(std::abs(c64(wave.DC[j][c]) - slope[c]), TOLERANCE * std::max(1.0, sea.K)) << j << " " << c;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(IncidentWave, Seas,
+                         testing::Values(Sea{-1, 0.3, 0}, Sea{-1, 4, 0.7}, Sea{-1, 2, 2.5}, Sea{3, 0.2, 1.1},
+                                         Sea{0.5, 3, -0.4}, Sea{50, 2, 0.3}));
+
+TEST(IncidentWave, DepthFactorIsClippedNotLost) {
+    WaveComponents wave;
+    const f32 point[3] = {0, 0, -200};
+    PLNWAV(-1, 1, 0, 1, point, false, wave);
+    EXPECT_FLOAT_EQ(wave.C[1].real(), std::exp(-30.0f));
+}
+
+} // namespace
