@@ -160,8 +160,10 @@ template <bool SECOND> [[gnu::always_inline]] inline void without_logarithm(int 
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
         const f32 X = b.X[k], Y = b.Y[k], r1 = std::sqrt(X * X + Y * Y);
-        const bool apart = r1 > TINY_R1;
-        const f32 r = apart ? r1 : 1.0f, rinv = 1 / r, s = apart ? r1 + Y : 1.0f;
+        // Where r1 counts as zero all its terms drop out: the value is -Q, the R derivatives vanish. By
+        // factors, as branches would keep the loop from the vector unit.
+        const f32 apart = r1 > TINY_R1 ? 1.0f : 0.0f;
+        const f32 rinv = apart / (r1 > TINY_R1 ? r1 : 1.0f), s = r1 > TINY_R1 ? r1 + Y : 1.0f;
         const f32 x3 = X * (1 / 3.0f), a = x3 * x3;
         const TableValue p = table(c, a, band_variable<false>(Y, base));
         const f32 BX = p.slope * (2 / 3.0f) * x3;
@@ -178,20 +180,18 @@ template <bool SECOND> [[gnu::always_inline]] inline void without_logarithm(int 
         const f32 g = Y < 0.5f ? series : 1 - exy;
         // M = 2 - exp(-Y) 2 J0, the factor that the added logarithm leaves of it; small at small r1.
         const f32 M = g * J - (J - JA[0]);
-        const f32 L = logf(s), px = X * rinv / s, twice = apart ? 2.0f : 0.0f;
-        // Where r1 counts as zero the value is -Q and the R derivatives vanish.
-        const f32 G = apart ? (r1 * p.B - Q) * (1 - g) + M * L : -Q;
-        const f32 GZ = apart ? 2 * L - G : Q;
-        const f32 GR = apart ? M * px + (((r1 * BX - V) + p.B * X * rinv) + L * W) * (1 - g) : 0.0f;
+        const f32 L = logf(s), px = X * rinv / s;
+        const f32 G = (apart * r1 * p.B - Q) * (1 - g) + M * L, GZ = 2 * L - G;
+        const f32 GR = M * px + apart * ((((r1 * BX - V) + p.B * X * rinv) + L * W) * (1 - g));
         b.re[G_][k] = G;
         b.re[G_R][k] = GR;
         b.re[G_Z][k] = GZ;
         b.re[G_ZETA][k] = GZ;
         if constexpr (SECOND) {
-            b.re[G_RZ][k] = apart ? 2 * px - GR : 0.0f;
-            b.re[G_RZETA][k] = apart ? 2 * px - GR : 0.0f;
-            b.re[G_ZZ][k] = twice * rinv - GZ;
-            b.re[G_ZZETA][k] = twice * rinv - GZ;
+            b.re[G_RZ][k] = 2 * px - GR;
+            b.re[G_RZETA][k] = 2 * px - GR;
+            b.re[G_ZZ][k] = 2 * rinv - GZ;
+            b.re[G_ZZETA][k] = 2 * rinv - GZ;
         }
         store_imaginary<SECOND>(b, k, PI_F * (1 - g) * J, PI_F * (1 - g) * W);
     }

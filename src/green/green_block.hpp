@@ -38,6 +38,6 @@ void GINFL(int row, GreenOrder order, GreenBlock &block);
 // X <= 3, Y < 4 and ISNG >= 3: with the logarithm taken out.
 void GINFG(int row, GreenOrder order, GreenBlock &block);
 
-// Add to the real parts of the lanes that ask for it: +1/r (ISNG = 0), +2 ln(r1 + Y) (ISNG = 3).
+// Add to the real parts: +1/r to the lanes of ISNG = 0; +2 ln(r1 + Y) to all lanes.
 void ADDDIR(GreenOrder order, GreenBlock &block);
 void ADDLOG(GreenOrder order, GreenBlock &block);

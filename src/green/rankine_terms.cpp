@@ -8,20 +8,21 @@ namespace {
 template <bool SECOND> [[gnu::always_inline]] inline void add_direct(GreenBlock &b) {
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
-        // The other lanes may have r = 0: they get a harmless distance and keep what they have.
-        const bool asked = b.ISNG[k] == 0;
+        // The other lanes may have r = 0: they get a harmless distance and the factor 0. No lane is skipped,
+        // which would leave its -0 where adding makes a +0.
+        const f32 asked = b.ISNG[k] == 0 ? 1.0f : 0.0f;
         const f32 R = b.X[k], D = b.D[k], r2 = R * R + D * D;
-        const f32 i2 = 1 / (asked ? r2 : 1.0f), i1 = std::sqrt(i2), i3 = i2 * i1;
-        b.re[G_][k] = asked ? b.re[G_][k] + i1 : b.re[G_][k];
-        b.re[G_R][k] = asked ? b.re[G_R][k] - R * i3 : b.re[G_R][k];
-        b.re[G_Z][k] = asked ? b.re[G_Z][k] - D * i3 : b.re[G_Z][k];
-        b.re[G_ZETA][k] = asked ? b.re[G_ZETA][k] + D * i3 : b.re[G_ZETA][k];
+        const f32 i2 = 1 / (b.ISNG[k] == 0 ? r2 : 1.0f), i1 = asked * std::sqrt(i2), i3 = i2 * i1;
+        b.re[G_][k] += i1;
+        b.re[G_R][k] -= R * i3;
+        b.re[G_Z][k] -= D * i3;
+        b.re[G_ZETA][k] += D * i3;
         if constexpr (SECOND) {
             const f32 mixed = 3 * R * D * i3 * i2, twice = (3 * D * D * i2 - 1) * i3;
-            b.re[G_RZ][k] = asked ? b.re[G_RZ][k] + mixed : b.re[G_RZ][k];
-            b.re[G_RZETA][k] = asked ? b.re[G_RZETA][k] - mixed : b.re[G_RZETA][k];
-            b.re[G_ZZ][k] = asked ? b.re[G_ZZ][k] + twice : b.re[G_ZZ][k];
-            b.re[G_ZZETA][k] = asked ? b.re[G_ZZETA][k] - twice : b.re[G_ZZETA][k];
+            b.re[G_RZ][k] += mixed;
+            b.re[G_RZETA][k] -= mixed;
+            b.re[G_ZZ][k] += twice;
+            b.re[G_ZZETA][k] -= twice;
         }
     }
 }
@@ -29,20 +30,18 @@ template <bool SECOND> [[gnu::always_inline]] inline void add_direct(GreenBlock 
 template <bool SECOND> [[gnu::always_inline]] inline void add_logarithm(GreenBlock &b) {
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
-        const bool asked = b.ISNG[k] == 3;
-        const f32 R = b.X[k], Y = b.Y[k], r2 = R * R + Y * Y;
-        const f32 i2 = 1 / (asked ? r2 : 1.0f), i1 = std::sqrt(i2), i3 = i2 * i1;
-        const f32 x = asked ? std::sqrt(r2) + Y : 1.0f;
-        b.re[G_][k] = asked ? b.re[G_][k] + 2 * logf(x) : b.re[G_][k];
-        b.re[G_R][k] = asked ? b.re[G_R][k] + 2 * R * i1 / x : b.re[G_R][k];
-        b.re[G_Z][k] = asked ? b.re[G_Z][k] + 2 * i1 : b.re[G_Z][k];
-        b.re[G_ZETA][k] = asked ? b.re[G_ZETA][k] + 2 * i1 : b.re[G_ZETA][k];
+        const f32 R = b.X[k], Y = b.Y[k], i2 = 1 / (R * R + Y * Y), i1 = std::sqrt(i2), i3 = i2 * i1;
+        const f32 x = std::sqrt(R * R + Y * Y) + Y;
+        b.re[G_][k] += 2 * logf(x);
+        b.re[G_R][k] += 2 * R * i1 / x;
+        b.re[G_Z][k] += 2 * i1;
+        b.re[G_ZETA][k] += 2 * i1;
         if constexpr (SECOND) {
             const f32 mixed = 2 * R * i3, twice = 2 * Y * i3;
-            b.re[G_RZ][k] = asked ? b.re[G_RZ][k] - mixed : b.re[G_RZ][k];
-            b.re[G_RZETA][k] = asked ? b.re[G_RZETA][k] - mixed : b.re[G_RZETA][k];
-            b.re[G_ZZ][k] = asked ? b.re[G_ZZ][k] - twice : b.re[G_ZZ][k];
-            b.re[G_ZZETA][k] = asked ? b.re[G_ZZETA][k] - twice : b.re[G_ZZETA][k];
+            b.re[G_RZ][k] -= mixed;
+            b.re[G_RZETA][k] -= mixed;
+            b.re[G_ZZ][k] -= twice;
+            b.re[G_ZZETA][k] -= twice;
         }
     }
 }

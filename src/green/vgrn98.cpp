@@ -7,19 +7,22 @@
 
 namespace {
 
-// Methods of deep water: 1 to 48 are the rows of FTAB by GINFL (to 40) and GINFS, 49 to 52 the rows 41 to 44
-// by GINFG.
-constexpr int DEEP_METHODS = FTAB_ROWS + 4;
+// Methods of deep water, by what a block of them needs, m = row of FTAB:
+//   m            GINFL (m <= 40) or GINFS, then ADDDIR: ISNG 0, 1, 2
+//   LOGARITHM+m  the same, then ADDLOG: ISNG 3, but for the next
+//   TAKEN_OUT+m  GINFG: ISNG 3, X <= 3, Y < 4, so rows 41 to 44
+constexpr int LOGARITHM = FTAB_ROWS, TAKEN_OUT = 2 * FTAB_ROWS - 40, DEEP_METHODS = TAKEN_OUT + 44;
 
-// The method of a point, FTAB row included. Comparisons are written so that a NaN also ends in a valid row.
+// The method of a point. Comparisons are written so that a NaN also ends in a valid row.
 [[gnu::always_inline]] inline int deep_method(f32 R, f32 Y, int ISNG) {
     const f32 y = Y > 0 ? Y : 0.0f, s = 16 / (Y > 4 ? Y : 4.0f), w = 15 / (R > 3 ? R : 3.0f);
     const int shallow = static_cast<int>(y < 3 ? y : 3.0f) + 1;
     const int deep = 8 - static_cast<int>(s < 3 ? s : 3.0f);
     const int band = Y >= 4 ? deep : shallow;
     const int step = static_cast<int>(w < 4 ? w : 4.0f);
-    const int near = ISNG >= 3 && Y < 4 ? FTAB_ROWS + band : 40 + band;
-    return R > 3 ? 5 * band - step : near;
+    const int row = R > 3 ? 5 * band - step : 40 + band;
+    const int kind = row > 40 && band <= 4 ? TAKEN_OUT : LOGARITHM;
+    return row + (ISNG >= 3 ? kind : 0);
 }
 
 VORDA_SIMD void sort_keys(int n, const f32 *R, const f32 *Z, const f32 *ZETA, const int *ISNG, int *method) {
@@ -35,25 +38,22 @@ void set_lane(GreenBlock &block, int lane, f32 R, f32 Z, f32 ZETA, int ISNG) {
     block.ISNG[lane] = ISNG;
 }
 
-// The region kernel stores, the others add.
+// The region kernel stores, then the singular terms are added.
 void evaluate_deep(int method, GreenOrder order, GreenBlock &block) {
-    if (method > FTAB_ROWS) {
-        GINFG(method - FTAB_ROWS + 40, order, block);
+    if (method > TAKEN_OUT + 40) {
+        GINFG(method - TAKEN_OUT, order, block);
         return;
     }
-    if (method > 40)
-        GINFS(method, order, block);
+    const bool logarithm = method > LOGARITHM;
+    const int row = logarithm ? method - LOGARITHM : method;
+    if (row > 40)
+        GINFS(row, order, block);
     else
-        GINFL(method, order, block);
-    bool direct = false, logarithm = false;
-    for (int k = 0; k < GREEN_LANES; ++k) {
-        direct |= block.ISNG[k] == 0;
-        logarithm |= block.ISNG[k] == 3;
-    }
-    if (direct)
-        ADDDIR(order, block);
+        GINFL(row, order, block);
     if (logarithm)
         ADDLOG(order, block);
+    else
+        ADDDIR(order, block);
 }
 
 void scatter(const GreenBlock &block, const int *list, int count, GreenOrder order,
