@@ -1,0 +1,111 @@
+// Speed of the deep-water Green function per point, as a ratio to one expf of the vector library in the same
+// run.
+#include "base/simd.hpp"
+#include "green/vgrn98.hpp"
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <random>
+#include <vector>
+
+namespace {
+
+constexpr int EXP_POINTS = 4096;
+
+VORDA_SIMD void exp_batch(const float *x, float *y) {
+#pragma omp simd
+    for (int i = 0; i < EXP_POINTS; ++i)
+        y[i] = expf(x[i]);
+}
+
+// Seconds of one expf, the best of some tries.
+double exp_time() {
+    std::vector<float> x(EXP_POINTS), y(EXP_POINTS);
+    for (int i = 0; i < EXP_POINTS; ++i)
+        x[i] = -10.0f * static_cast<float>(i) / EXP_POINTS;
+    double best = 1;
+    for (int tries = 0; tries < 200; ++tries) {
+        const auto start = std::chrono::steady_clock::now();
+        for (int i = 0; i < 20; ++i) {
+            exp_batch(x.data(), y.data());
+            benchmark::DoNotOptimize(y.data());
+            benchmark::ClobberMemory();
+        }
+        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+        best = std::min(best, time.count() / (20.0 * EXP_POINTS));
+    }
+    return best;
+}
+
+struct Region {
+    float R0, R1, Y0, Y1;
+    int singular; // one point in so many has ISNG 1, 2 or 3; 1: all have 3
+};
+
+void run(benchmark::State &bench, Region region, GreenOrder order) {
+    const int n = static_cast<int>(bench.range(0));
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> R(region.R0, region.R1), Y(region.Y0, region.Y1), part(0, 1);
+    std::vector<float> r(n), z(n), zeta(n), out(16 * n);
+    std::vector<int> ISNG(n), IBOT(n);
+    for (int i = 0; i < n; ++i) {
+        const float y = Y(random), p = part(random);
+        r[i] = R(random);
+        z[i] = p * y;
+        zeta[i] = y - z[i];
+        ISNG[i] = region.singular == 1 ? 3 : i % region.singular == 0 ? 1 + i / region.singular % 3 : 0;
+    }
+    GreenArrays result;
+    for (int j = 0; j < GREEN_VALUES; ++j) {
+        result.re[j] = out.data() + 2 * j * n;
+        result.im[j] = out.data() + (2 * j + 1) * n;
+    }
+    const GreenPoints points{n, r.data(), z.data(), zeta.data(), ISNG.data(), IBOT.data()};
+    const GSTATE state;
+    GreenWork work;
+    if (!work.alloc(n)) {
+        bench.SkipWithError("no memory");
+        return;
+    }
+    const double one_exp = exp_time();
+    const auto start = std::chrono::steady_clock::now();
+    for (auto _ : bench) {
+        VGRN98(points, -1, state, order, work, result);
+        benchmark::ClobberMemory();
+    }
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    const double each = time.count() / (static_cast<double>(bench.iterations()) * n);
+    bench.counters["ns_per_point"] = 1e9 * each;
+    bench.counters["ns_per_expf"] = 1e9 * one_exp;
+    bench.counters["expf_per_point"] = each / one_exp;
+}
+
+void mixed(benchmark::State &bench) {
+    run(bench, {0, 20, 0, 10, 20}, GreenOrder::first);
+}
+void mixed_second(benchmark::State &bench) {
+    run(bench, {0, 20, 0, 10, 20}, GreenOrder::second);
+}
+void near_axis(benchmark::State &bench) {
+    run(bench, {0, 3, 0, 4, 20}, GreenOrder::first);
+}
+void far_from_axis(benchmark::State &bench) {
+    run(bench, {3, 30, 0, 4, 20}, GreenOrder::first);
+}
+void far_and_deep(benchmark::State &bench) {
+    run(bench, {3, 30, 4, 30, 20}, GreenOrder::first);
+}
+void without_logarithm(benchmark::State &bench) {
+    run(bench, {0, 3, 0, 4, 1}, GreenOrder::first);
+}
+
+} // namespace
+
+BENCHMARK(mixed)->Arg(200)->Arg(2000)->Arg(8000);
+BENCHMARK(mixed_second)->Arg(2000);
+BENCHMARK(near_axis)->Arg(2000);
+BENCHMARK(far_from_axis)->Arg(2000);
+BENCHMARK(far_and_deep)->Arg(2000);
+BENCHMARK(without_logarithm)->Arg(2000);
+BENCHMARK_MAIN();

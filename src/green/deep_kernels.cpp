@@ -1,0 +1,237 @@
+// Kernels of the deep-water Green function: one table row, one block of points.
+//   X = R, Y = z + zeta, r1^2 = X^2 + Y^2, F = F2(X, Y). Only F and F_X are evaluated; the free-surface
+//   relation F_Y = -(F + 2/r1) gives the other derivatives.
+#include "green/bessel_fits.hpp"
+#include "green/green_block.hpp"
+
+#include <cmath>
+
+namespace {
+
+// The fitted functions of a = (X/3)^2 that go with FTAB, constant first.
+constexpr f32 JA[6] = {1.9999998f,  -4.4999847f, 2.5310714f,
+                       -0.6320438f, 0.08748448f, -0.0066312575f}; // 2 J0(X)
+constexpr f32 WA[6] = {2.9999998f,   -3.3749917f,  1.265558f,
+                       -0.23707318f, 0.026305571f, -0.001680552f}; // times X/3: 2 J1(X)
+constexpr f32 QA[6] = {-0.2318625f, 5.0216532f,   -4.089872f,
+                       1.2315611f,  -0.19187479f, 0.015697394f}; // pi Y0(X) - 2 J0(X) ln(X)
+constexpr f32 VA[6] = {3.3477938f,  -5.4537463f,  2.466858f,
+                       -0.5212723f, 0.062998235f, -0.0042694374f}; // times X/3: slope of Q in X
+constexpr f32 PI_F = 3.14159265f;
+constexpr f32 SQRT_HALF = 0.70710678f;
+constexpr f32 TINY_R1 = 1e-8f;   // below it the image distance counts as zero
+constexpr f32 MAX_DEPTH = 30.0f; // exp(-Y) stops falling there
+
+[[gnu::always_inline]] inline f32 polynomial5(const f32 (&c)[6], f32 a) {
+    return ((((c[5] * a + c[4]) * a + c[3]) * a + c[2]) * a + c[1]) * a + c[0];
+}
+
+struct TableValue {
+    f32 B, slope; // slope in v
+};
+
+// B = sum of v^n p_n(t) and its slope in one nested pass.
+[[gnu::always_inline]] inline TableValue table(const f32 *c, f32 v, f32 t) {
+    const f32 p0 = ((((c[5] * t + c[4]) * t + c[3]) * t + c[2]) * t + c[1]) * t + c[0];
+    const f32 p1 = ((((c[11] * t + c[10]) * t + c[9]) * t + c[8]) * t + c[7]) * t + c[6];
+    const f32 p2 = (((c[16] * t + c[15]) * t + c[14]) * t + c[13]) * t + c[12];
+    const f32 p3 = (((c[21] * t + c[20]) * t + c[19]) * t + c[18]) * t + c[17];
+    const f32 p4 = ((c[25] * t + c[24]) * t + c[23]) * t + c[22];
+    const f32 p5 = (c[28] * t + c[27]) * t + c[26];
+    const f32 p6 = c[30] * t + c[29];
+    f32 B = p6 * v + p5, slope = p6;
+    slope = slope * v + B;
+    B = B * v + p4;
+    slope = slope * v + B;
+    B = B * v + p3;
+    slope = slope * v + B;
+    B = B * v + p2;
+    slope = slope * v + B;
+    B = B * v + p1;
+    slope = slope * v + B;
+    B = B * v + p0;
+    return {B, slope};
+}
+
+// Local variable of the Y band.
+template <bool DEEP> [[gnu::always_inline]] inline f32 band_variable(f32 Y, f32 base) {
+    return (DEEP ? 16 / Y : Y) - base;
+}
+
+// Real parts from F and F_X; lanes of ISNG < 2 get the image 1/r1 with them.
+template <bool SECOND>
+[[gnu::always_inline]] inline void store_real(GreenBlock &b, int k, f32 F, f32 FX, f32 rinv) {
+    const f32 X = b.X[k], Y = b.Y[k], image = b.ISNG[k] < 2 ? 1.0f : 0.0f;
+    const f32 i2 = rinv * rinv, i3 = i2 * rinv;
+    const f32 Fs = F + rinv, FY = -(rinv + Fs), n3 = image * i3;
+    b.re[G_][k] = b.ISNG[k] < 2 ? Fs : F;
+    b.re[G_R][k] = FX - X * n3;
+    b.re[G_Z][k] = FY - Y * n3;
+    b.re[G_ZETA][k] = FY - Y * n3;
+    if constexpr (SECOND) {
+        const f32 FYY = 2 * Y * i3 - FY, FXY = 2 * X * i3 - FX, n5 = 3 * n3 * i2;
+        b.re[G_RZ][k] = FXY + X * Y * n5;
+        b.re[G_RZETA][k] = FXY + X * Y * n5;
+        b.re[G_ZZ][k] = FYY + (Y * Y * n5 - n3);
+        b.re[G_ZZETA][k] = FYY + (Y * Y * n5 - n3);
+    }
+}
+
+// Imaginary parts from c0 = 2 pi exp(-Y) J0(X) and c1 = 2 pi exp(-Y) J1(X).
+template <bool SECOND>
+[[gnu::always_inline]] inline void store_imaginary(GreenBlock &b, int k, f32 c0, f32 c1) {
+    b.im[G_][k] = -c0;
+    b.im[G_R][k] = c1;
+    b.im[G_Z][k] = c0;
+    b.im[G_ZETA][k] = c0;
+    if constexpr (SECOND) {
+        b.im[G_RZ][k] = -c1;
+        b.im[G_RZETA][k] = -c1;
+        b.im[G_ZZ][k] = -c0;
+        b.im[G_ZZETA][k] = -c0;
+    }
+}
+
+[[gnu::always_inline]] inline f32 decay(f32 Y) {
+    return expf(-(Y < MAX_DEPTH ? Y : MAX_DEPTH));
+}
+
+template <bool DEEP, bool SECOND> [[gnu::always_inline]] inline void near_axis(int row, GreenBlock &b) {
+    const f32 *c = FTAB[row - 1];
+    const int band = table_band(row);
+    const f32 base = static_cast<f32>(DEEP ? 7 - band : band);
+#pragma omp simd
+    for (int k = 0; k < GREEN_LANES; ++k) {
+        const f32 X = b.X[k], Y = b.Y[k];
+        const f32 r1 = std::sqrt(X * X + Y * Y), rinv = r1 > TINY_R1 ? 1 / r1 : 0.0f;
+        const f32 x3 = X * (1 / 3.0f), a = x3 * x3;
+        const TableValue p = table(c, a, band_variable<DEEP>(Y, base));
+        const f32 BX = p.slope * (2 / 3.0f) * x3, exy = decay(Y);
+        const f32 J = polynomial5(JA, a), W = polynomial5(WA, a) * x3;
+        f32 F = p.B, FX = BX;
+        if constexpr (!DEEP) {
+            const f32 s = r1 + Y, L = logf(s), Q = polynomial5(QA, a), V = polynomial5(VA, a) * x3;
+            F = exy * ((r1 * p.B - Q) - J * L);
+            FX = exy * (((r1 * BX - V) + X * rinv * (p.B - J / s)) + L * W);
+        }
+        store_real<SECOND>(b, k, F, FX, rinv);
+        store_imaginary<SECOND>(b, k, PI_F * exy * J, PI_F * exy * W);
+    }
+}
+
+template <bool DEEP, bool SECOND> [[gnu::always_inline]] inline void far_from_axis(int row, GreenBlock &b) {
+    const f32 *c = FTAB[row - 1];
+    const int band = table_band(row);
+    const f32 base = static_cast<f32>(DEEP ? 7 - band : band), step = static_cast<f32>(table_step(row));
+    // Each in a loop of its own: side by side GCC joins them to sincosf, which has no vector version.
+    alignas(64) f32 cosine[GREEN_LANES], sine[GREEN_LANES];
+#pragma omp simd
+    for (int k = 0; k < GREEN_LANES; ++k)
+        cosine[k] = cosf(b.X[k]);
+#pragma omp simd
+    for (int k = 0; k < GREEN_LANES; ++k)
+        sine[k] = sinf(b.X[k]);
+#pragma omp simd
+    for (int k = 0; k < GREEN_LANES; ++k) {
+        const f32 X = b.X[k], Y = b.Y[k];
+        const f32 i2 = 1 / (X * X + Y * Y), rinv = std::sqrt(i2);
+        const f32 xinv = 1 / X, x3 = 3 * xinv, v = x3 * x3;
+        const TableValue p = table(c, 15 / X - step, band_variable<DEEP>(Y, base));
+        // cos and sin of X - pi/4 from those of X: the difference itself would round at large X.
+        const f32 ex = decay(Y) * std::sqrt(xinv) * SQRT_HALF, cx = cosine[k], sx = sine[k];
+        const f32 ca = ex * (cx + sx), sa = ex * (sx - cx);
+        const f32 P0 = polynomial5(P0C, v), Q0 = polynomial5(Q0C, v) * x3;
+        const f32 P1 = polynomial5(P1C, v), Q1 = polynomial5(Q1C, v) * x3;
+        f32 F = p.B - Q0 * ca - P0 * sa;
+        f32 FX = -15 * xinv * xinv * p.slope + Q1 * sa - P1 * ca;
+        if constexpr (DEEP) {
+            const f32 i3 = i2 * rinv, y2 = 2 * Y - 2, q = Y * Y * i2;
+            F -= 2 * rinv + (y2 + 6 * q) * i3;
+            FX += X * i3 * (2 + (3 * y2 + 30 * q) * i2);
+        }
+        store_real<SECOND>(b, k, F, FX, rinv);
+        store_imaginary<SECOND>(b, k, P0 * ca - Q0 * sa, Q1 * ca + P1 * sa);
+    }
+}
+
+template <bool SECOND> [[gnu::always_inline]] inline void without_logarithm(int row, GreenBlock &b) {
+    const f32 *c = FTAB[row - 1];
+    const f32 base = static_cast<f32>(table_band(row));
+#pragma omp simd
+    for (int k = 0; k < GREEN_LANES; ++k) {
+        const f32 X = b.X[k], Y = b.Y[k], r1 = std::sqrt(X * X + Y * Y);
+        // Where r1 counts as zero all its terms drop out: the value is -Q, the R derivatives vanish. By
+        // factors, as branches would keep the loop from the vector unit.
+        const f32 apart = r1 > TINY_R1 ? 1.0f : 0.0f;
+        const f32 rinv = apart / (r1 > TINY_R1 ? r1 : 1.0f), s = r1 > TINY_R1 ? r1 + Y : 1.0f;
+        const f32 x3 = X * (1 / 3.0f), a = x3 * x3;
+        const TableValue p = table(c, a, band_variable<false>(Y, base));
+        const f32 BX = p.slope * (2 / 3.0f) * x3;
+        const f32 J = polynomial5(JA, a), W = polynomial5(WA, a) * x3;
+        const f32 Q = polynomial5(QA, a), V = polynomial5(VA, a) * x3;
+        // g = 1 - exp(-Y) with its digits at small Y, where the series to Y^7 is good to 1e-8.
+        const f32 exy = decay(Y);
+        const f32 series =
+            Y *
+            (1 - Y * (1 / 2.0f) *
+                     (1 - Y * (1 / 3.0f) *
+                              (1 - Y * (1 / 4.0f) *
+                                       (1 - Y * (1 / 5.0f) * (1 - Y * (1 / 6.0f) * (1 - Y * (1 / 7.0f)))))));
+        const f32 g = Y < 0.5f ? series : 1 - exy;
+        // M = 2 - exp(-Y) 2 J0, the factor that the added logarithm leaves of it; small at small r1.
+        const f32 M = g * J - (J - JA[0]);
+        const f32 L = logf(s), px = X * rinv / s;
+        const f32 G = (apart * r1 * p.B - Q) * (1 - g) + M * L, GZ = 2 * L - G;
+        const f32 GR = M * px + apart * ((((r1 * BX - V) + p.B * X * rinv) + L * W) * (1 - g));
+        b.re[G_][k] = G;
+        b.re[G_R][k] = GR;
+        b.re[G_Z][k] = GZ;
+        b.re[G_ZETA][k] = GZ;
+        if constexpr (SECOND) {
+            b.re[G_RZ][k] = 2 * px - GR;
+            b.re[G_RZETA][k] = 2 * px - GR;
+            b.re[G_ZZ][k] = 2 * rinv - GZ;
+            b.re[G_ZZETA][k] = 2 * rinv - GZ;
+        }
+        store_imaginary<SECOND>(b, k, PI_F * (1 - g) * J, PI_F * (1 - g) * W);
+    }
+}
+
+} // namespace
+
+VORDA_SIMD void GINFS(int row, GreenOrder order, GreenBlock &block) {
+    const bool second = order == GreenOrder::second;
+    if (table_band(row) < 4) {
+        if (second)
+            near_axis<false, true>(row, block);
+        else
+            near_axis<false, false>(row, block);
+    } else {
+        if (second)
+            near_axis<true, true>(row, block);
+        else
+            near_axis<true, false>(row, block);
+    }
+}
+
+VORDA_SIMD void GINFL(int row, GreenOrder order, GreenBlock &block) {
+    const bool second = order == GreenOrder::second;
+    if (table_band(row) < 4) {
+        if (second)
+            far_from_axis<false, true>(row, block);
+        else
+            far_from_axis<false, false>(row, block);
+    } else {
+        if (second)
+            far_from_axis<true, true>(row, block);
+        else
+            far_from_axis<true, false>(row, block);
+    }
+}
+
+VORDA_SIMD void GINFG(int row, GreenOrder order, GreenBlock &block) {
+    if (order == GreenOrder::second)
+        without_logarithm<true>(row, block);
+    else
+        without_logarithm<false>(row, block);
+}

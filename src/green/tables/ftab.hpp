@@ -1,0 +1,14 @@
+// The table of the infinite-depth wave function.
+#pragma once
+
+#include "base/types.hpp"
+
+constexpr int FTAB_ROWS = 48;  // rows 1 to 40 serve X > 3, rows 41 to 48 X <= 3
+constexpr int FTAB_TERMS = 31; // coefficients of a row
+// First term and degree in t of the polynomials p_0 to p_6 of a row.
+constexpr int FTAB_FIRST[7] = {0, 6, 12, 17, 22, 26, 29};
+constexpr int FTAB_DEGREE[7] = {5, 5, 4, 4, 3, 2, 1};
+
+// Piecewise polynomials, (31,48) with the first index fastest, counted from 0; src/green/tables/ftab.cpp
+// tells more.
+extern const f32 FTAB[FTAB_ROWS][FTAB_TERMS];
