@@ -42,15 +42,17 @@ bool FreeReader::open(const std::string &path) {
         fault_ = path + ": " + std::strerror(errno);
         return false;
     }
+    if (text.compare(0, 3, "\xEF\xBB\xBF") == 0)
+        text.erase(0, 3); // some editors start a text with a byte order mark
     open_text(path, std::move(text));
     return true;
 }
 
-void FreeReader::open_text(const std::string &name, std::string text) {
+void FreeReader::open_text(const std::string &name, std::string text, int first_line) {
     name_ = name;
     text_ = std::move(text);
     at_ = 0;
-    line_ = 1;
+    line_ = first_line;
     ended_ = false;
     fault_.clear();
 }

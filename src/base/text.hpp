@@ -13,10 +13,11 @@
 // finite number of the wanted type is a fault. All reads return false on a fault and leave its words in fault().
 class FreeReader {
 public:
-    // Loads an existing file; false when it cannot be opened.
+    // Loads an existing file; false when it cannot be opened. A byte order mark in front is dropped.
     [[nodiscard]] bool open(const std::string &path);
-    // Reads from a text in memory; `name` stands for the file in fault().
-    void open_text(const std::string &name, std::string text);
+    // Reads from a text in memory; `name` stands for the file in fault(), `first_line` is the number of its
+    // first line there.
+    void open_text(const std::string &name, std::string text, int first_line = 1);
 
     // The next line, at most `columns` characters of it; false at the end of the file.
     [[nodiscard]] bool line(std::string &text, std::size_t columns);

@@ -94,6 +94,15 @@ Status LISOPN(const std::string &name) {
     return Status::ok;
 }
 
+void close_list() {
+    const std::lock_guard hold(list.lock);
+    if (list.file != nullptr)
+        std::fclose(list.file);
+    list.file = nullptr;
+    list.first_fault.clear();
+    list.write_failed = false;
+}
+
 void list_line(std::string_view line) {
     const std::lock_guard hold(list.lock);
     write_locked(line);

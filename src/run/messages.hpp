@@ -9,6 +9,8 @@
 // Opens the list file `name` (an old one gets ".bak" behind its name) and writes the head block. Its own
 // failures go to the alert routine.
 [[nodiscard]] Status LISOPN(const std::string &name);
+// Closes the list file and forgets the first fault, so that another one can be opened (a run has only one).
+void close_list();
 
 // One line of the list file, as it stands: its first character is the carriage control, a blank.
 void list_line(std::string_view line);
