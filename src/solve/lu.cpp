@@ -65,7 +65,7 @@ void factor_serial(const Factors &f, int &singular_at) {
 
 void factor_parallel(const Factors &f, int &singular_at) {
     std::vector<char> marks(static_cast<std::size_t>(f.n / STRIP + 1));
-    char *strip = marks.data(); // only their addresses serve, as names of the strips
+    [[maybe_unused]] char *strip = marks.data(); // only their addresses serve, as names of the strips
 #pragma omp parallel
 #pragma omp single
     {

@@ -1,0 +1,95 @@
+// A temporary folder in which the built program runs, and what it leaves there.
+#pragma once
+
+#include "post/coefficients.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <vector>
+
+class CaseFolder {
+public:
+    CaseFolder() {
+        std::string pattern = testing::TempDir() + "/vorda_case_XXXXXX";
+        path_ = mkdtemp(pattern.data());
+    }
+    ~CaseFolder() { std::filesystem::remove_all(path_); }
+    CaseFolder(const CaseFolder &) = delete;
+    CaseFolder &operator=(const CaseFolder &) = delete;
+
+    void write(const std::string &name, const std::string &text) const {
+        std::ofstream(path_ / name, std::ios::binary) << text;
+    }
+    std::string read(const std::string &name) const {
+        std::ifstream in(path_ / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    bool exists(const std::string &name) const { return std::filesystem::exists(path_ / name); }
+    std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        for (const auto &entry : std::filesystem::directory_iterator(path_))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+    const std::filesystem::path &path() const { return path_; }
+
+    // Runs a command in the folder; programs of the build are found by their names. Returns the exit code.
+    int shell(const std::string &command) const {
+        const std::string line = "cd '" + path_.string() + "' && PATH='" VORDA_BINARY_DIR "':$PATH && ( " + command +
+                                 " ) </dev/null >stdout.txt 2>stderr.txt";
+        const int status = std::system(line.c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    // Runs the solver, which exits with 0 whatever happens.
+    void solve(const std::string &environment = "") const { EXPECT_EQ(shell(environment + " vorda"), 0) << list(); }
+    std::string list() const { return read("vorda.lis"); }
+
+    // The results of run.p2f.
+    void results(P2fFile &p2f, Coefficients &coefficients, const std::string &name = "run.p2f") const {
+        std::string error;
+        ASSERT_TRUE(read_p2f((path_ / name).string(), p2f, error)) << error << list();
+        ASSERT_TRUE(form_coefficients(p2f, coefficients));
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+// The text of a control file; what a case does not set stands at a plain value.
+struct Pot {
+    std::string XBODY = "0 0 0 0";
+    int IQUAD = 0, ILOG = 0, IDIAG = 0;
+    int IRAD = 1, IDIFF = 1;
+    std::string PER = "1.0";
+    int NPER = 1;
+    std::string BETA = "0.0";
+    int NBETA = 1;
+    std::string text() const {
+        std::ostringstream out;
+        out << "test run\n0 I2ND\n0 ISOR\n0 IRR\n0.0 " << XBODY << "\n"
+            << IQUAD << " " << ILOG << " " << IDIAG << "\n"
+            << IRAD << " " << IDIFF << "\n1 1 1 1 1 1\n"
+            << NPER << "\n"
+            << PER << "\n"
+            << NBETA << "\n"
+            << BETA << "\n";
+        return out.str();
+    }
+};
+
+// Prepares a direct in-core run of run.gdf and run.pot; PER are wave numbers.
+inline void prepare(const CaseFolder &folder, const Pot &pot, const std::string &more_config = "") {
+    folder.write("config.vrd", "MAXSCR=5000\nISOLVE=1\nIPERIO=3\n" + more_config);
+    folder.write("fnames.vrd", "run.gdf\nrun.pot\n");
+    folder.write("run.pot", pot.text());
+}
+inline void make_mesh(const CaseFolder &folder, const std::string &arguments, const std::string &name = "run.gdf") {
+    ASSERT_EQ(folder.shell("vorda-mesh " + arguments + " -o " + name), 0) << folder.read("stderr.txt");
+}

@@ -1,0 +1,216 @@
+// Truth: runs that must agree. The same body as full, half and quarter mesh, moved, turned, beside another body or a
+// wall, on one thread and on two, by one quadrature or another.
+#include "case_folder.hpp"
+
+namespace {
+
+constexpr const char *BARGE = "box --length 2 --beam 1.2 --draft 0.5 --nu 4 --nv 3 --nw 3";
+// Single precision of potentials summed over the hull, relative to the largest coefficient.
+constexpr double TOLERANCE = 1e-3;
+
+double largest(const Coefficients &c) {
+    double value = 0;
+    for (std::int64_t i = 0; i < c.A.size(); ++i)
+        value = std::max(value, std::abs(static_cast<double>(c.A.data()[i])));
+    return value;
+}
+
+struct Run {
+    P2fFile p2f;
+    Coefficients c;
+};
+
+void run_barge(const std::string &mesh, const Pot &pot, Run &run, const std::string &config = "") {
+    CaseFolder folder;
+    prepare(folder, pot, config);
+    make_mesh(folder, mesh);
+    folder.solve();
+    folder.results(run.p2f, run.c);
+}
+
+Pot two_waves() {
+    Pot pot;
+    pot.NPER = 2;
+    pot.PER = "0.6 1.7";
+    pot.NBETA = 2;
+    pot.BETA = "30 90";
+    return pot;
+}
+
+// A, B and the moduli of X of all modes of both runs.
+void expect_same(const Run &a, const Run &b, int heading_a, int heading_b) {
+    const double size = largest(a.c);
+    for (int t = 1; t <= a.p2f.NPER; ++t) {
+        for (int i = 1; i <= 6; ++i) {
+            for (int j = 1; j <= 6; ++j) {
+                EXPECT_NEAR(a.c.A(i, j, t), b.c.A(i, j, t), TOLERANCE * size) << i << j;
+                EXPECT_NEAR(a.c.B(i, j, t), b.c.B(i, j, t), TOLERANCE * size) << i << j;
+            }
+            EXPECT_NEAR(std::abs(a.c.X(i, heading_a, t)), std::abs(b.c.X(i, heading_b, t)), TOLERANCE * size) << i;
+        }
+    }
+}
+
+TEST(Barge, IsTheSameAsFullHalfAndQuarterMesh) {
+    Run quarter;
+    run_barge(BARGE, two_waves(), quarter);
+    for (const char *part : {"half-x", "half-y", "full"}) {
+        SCOPED_TRACE(part);
+        Run other;
+        run_barge(std::string(BARGE) + " --part " + part, two_waves(), other);
+        expect_same(quarter, other, 1, 1);
+        expect_same(quarter, other, 2, 2);
+    }
+}
+
+TEST(Barge, IsTheSameMovedAndTurned) {
+    Run here;
+    run_barge(BARGE, two_waves(), here);
+    Pot there = two_waves();
+    there.XBODY = "3.5 -2.0 0.0 25.0";
+    there.BETA = "55 115"; // the headings turn with the body
+    Run moved;
+    run_barge(BARGE, there, moved);
+    EXPECT_EQ(moved.p2f.NSYMR, 1);
+    EXPECT_EQ(moved.p2f.NEQN, 4 * here.p2f.NEQN);
+    expect_same(here, moved, 1, 1);
+    expect_same(here, moved, 2, 2);
+    // The wave reaches the moved body later by its phase.
+    const double K = static_cast<double>(here.p2f.WVNH(1)), beta = 55 * 0.017453292;
+    const auto shift = std::polar(1.0, -K * (3.5 * std::cos(beta) - 2.0 * std::sin(beta)));
+    EXPECT_LT(std::abs(std::complex<double>(here.c.X(3, 1, 1)) * shift - std::complex<double>(moved.c.X(3, 1, 1))),
+              TOLERANCE * largest(here.c));
+}
+
+// Two barges along x at +-distance/2, the second turned about.
+void run_pair(double distance, const Pot &pot, Run &run) {
+    CaseFolder folder;
+    prepare(folder, pot);
+    make_mesh(folder, BARGE, "barge.gdf");
+    std::ostringstream global;
+    global << "pair\n0 9.80665\n2\n";
+    for (int side : {1, -1})
+        global << "barge.gdf\n" << side * distance / 2 << " 0 0 " << (side > 0 ? 0 : 180) << "\n1 1\n1 1 1 1 1 1\n";
+    folder.write("run.gdf", global.str());
+    folder.solve();
+    folder.results(run.p2f, run.c);
+}
+
+TEST(TwoBodies, FarApartAreAloneAndCloseAreReciprocal) {
+    Run alone, far, close;
+    run_barge(BARGE, two_waves(), alone);
+    run_pair(400, two_waves(), far);
+    ASSERT_EQ(far.p2f.NMODES, 12);
+    const double size = largest(alone.c);
+    for (int t = 1; t <= 2; ++t) {
+        for (int i = 1; i <= 6; ++i) {
+            for (int b = 0; b <= 1; ++b) {
+                // What the other body scatters falls with the square root of the distance.
+                EXPECT_NEAR(alone.c.A(i, i, t), far.c.A(i + 6 * b, i + 6 * b, t), 0.02 * size) << i;
+                EXPECT_NEAR(alone.c.B(i, i, t), far.c.B(i + 6 * b, i + 6 * b, t), 0.02 * size) << i;
+            }
+        }
+    }
+    run_pair(3, two_waves(), close);
+    double coupling = 0;
+    for (int t = 1; t <= 2; ++t) {
+        for (int i = 1; i <= 12; ++i) {
+            for (int j = 1; j < i; ++j) {
+                EXPECT_NEAR(close.c.A(i, j, t), close.c.A(j, i, t), 0.01 * largest(close.c)) << i << " " << j;
+                EXPECT_NEAR(close.c.B(i, j, t), close.c.B(j, i, t), 0.01 * largest(close.c)) << i << " " << j;
+            }
+        }
+        coupling = std::max(coupling, std::abs(static_cast<double>(close.c.A(3, 9, t))));
+    }
+    EXPECT_GT(coupling, 0.02 * largest(close.c)); // they do feel each other
+}
+
+TEST(Wall, EqualsTheBodyAndItsMirrorImage) {
+    Pot pot = two_waves();
+    pot.NBETA = 2;
+    pot.BETA = "35 145";
+    Run pair;
+    run_pair(4, pot, pair);
+    CaseFolder folder;
+    prepare(folder, pot);
+    make_mesh(folder, std::string(BARGE) + " --part full --offset 2 0 0");
+    std::string gdf = folder.read("run.gdf");
+    const std::string indices = "\n 0 0\n";
+    gdf.replace(gdf.find(indices), indices.size(), "\n -1 0\n");
+    folder.write("run.gdf", gdf);
+    folder.solve();
+    Run wall;
+    folder.results(wall.p2f, wall.c);
+    const double size = largest(wall.c);
+    for (int t = 1; t <= 2; ++t) {
+        // Modes even in x: body 1 moves as its image does. Sway and roll of the turned body have the other sign, and
+        // only heave has no lever about the origin that the wall's modes are taken about.
+        EXPECT_NEAR(wall.c.A(3, 3, t), pair.c.A(3, 3, t) + pair.c.A(3, 9, t), TOLERANCE * size);
+        EXPECT_NEAR(wall.c.B(3, 3, t), pair.c.B(3, 3, t) + pair.c.B(3, 9, t), TOLERANCE * size);
+        EXPECT_NEAR(wall.c.A(2, 2, t), pair.c.A(2, 2, t) - pair.c.A(2, 8, t), TOLERANCE * size);
+        for (int i : {1, 2, 3}) {
+            const auto mean = (std::complex<double>(pair.c.X(i, 1, t)) + std::complex<double>(pair.c.X(i, 2, t))) / 2.0;
+            EXPECT_LT(std::abs(std::complex<double>(wall.c.X(i, 1, t)) - mean), TOLERANCE * size) << i;
+        }
+    }
+}
+
+// Exciting force of heave and surge by the total and the scattered potential, with the options of quadrature.
+TEST(Options, AgreeWithinTheDiscretisationErrorWhichFallsWithTheMesh) {
+    struct Option {
+        const char *name;
+        int IQUAD, ILOG, IDIAG, ISCATT;
+    };
+    const Option options[] = {{"ISCATT", 0, 0, 0, 1}, {"IQUAD", 1, 0, 0, 0}, {"ILOG", 0, 1, 0, 0},
+                              {"IDIAG", 0, 0, 1, 0},  {"all", 1, 1, 1, 1}};
+    for (const Option &option : options) {
+        SCOPED_TRACE(option.name);
+        double difference[2] = {0, 0};
+        for (int level = 0; level < 2; ++level) {
+            const int n = level == 0 ? 6 : 12;
+            const std::string mesh = "hemisphere --nu " + std::to_string(n) + " --nv " + std::to_string(n);
+            Run plain, other;
+            Pot pot;
+            pot.PER = "1.2";
+            run_barge(mesh, pot, plain);
+            pot.IQUAD = option.IQUAD;
+            pot.ILOG = option.ILOG;
+            pot.IDIAG = option.IDIAG;
+            run_barge(mesh, pot, other, "ISCATT=" + std::to_string(option.ISCATT) + "\n");
+            for (int i : {1, 3})
+                difference[level] =
+                    std::max(difference[level], static_cast<double>(std::abs(plain.c.X(i, 1, 1) - other.c.X(i, 1, 1)) /
+                                                                    std::abs(plain.c.X(i, 1, 1))));
+        }
+        EXPECT_LT(difference[0], 0.05);
+        // An option may change less than single precision resolves; else its effect goes with the mesh.
+        EXPECT_TRUE(difference[1] < 0.6 * difference[0] || difference[1] < 2e-5)
+            << difference[0] << " " << difference[1];
+    }
+}
+
+TEST(Threads, OneAndTwoGiveTheSameBytes) {
+    for (const char *PER : {"0.5 1.0 1.5", "0.8"}) {
+        std::string bytes[2];
+        for (int k = 0; k < 2; ++k) {
+            CaseFolder folder;
+            Pot pot = two_waves();
+            pot.PER = PER;
+            pot.NPER = std::string(PER).size() > 3 ? 3 : 1;
+            prepare(folder, pot);
+            // 208 panels: more than one strip of the factorisation and many blocks of rows.
+            make_mesh(folder, "box --length 2 --beam 1 --draft 0.5 --nu 4 --nv 4 --nw 4 --part full");
+            folder.solve(k == 0 ? "OMP_NUM_THREADS=1" : "OMP_NUM_THREADS=2");
+            bytes[k] = folder.read("run.p2f");
+            // The text block holds dates, times and thread numbers.
+            const std::size_t start = bytes[k].find(" VORDA run date"), end = bytes[k].find("*" + std::string(71, ' '));
+            ASSERT_NE(start, std::string::npos);
+            ASSERT_NE(end, std::string::npos);
+            bytes[k].erase(start, end - start);
+        }
+        EXPECT_TRUE(bytes[0] == bytes[1]);
+        EXPECT_GT(bytes[0].size(), 100000u);
+    }
+}
+
+} // namespace
