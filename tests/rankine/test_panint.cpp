@@ -177,9 +177,11 @@ TEST(Panint, NearFieldIsExact) {
             }
 }
 
-// Truncation of the multipoles just outside the borders, for panels of moderate shape (not the slender one).
-// Measured: 9e-6, 6e-5, 3e-5, 4e-4 at R2 = 40 PSIZ(2) with the area as scale (gradients lose one or two
-// factors of the order), and 3e-5, 2e-4 at 150, where the third order is dropped, on the triangle.
+// Truncation of the multipoles on both sides of the borders, for panels of moderate shape (not the slender
+// one) and the area as scale: largest relative errors of S and D, of their gradients, of L and LZ, of their
+// gradients. Measured at R2 = 40.1 PSIZ(2): 6e-5, 5e-5, 1.4e-4, 7e-4; at 149.9: 3e-6, 2e-6, 2e-5, 1.1e-4; at
+// 150.1, where S and D lose the third order (on the triangle): 2e-4, 2e-4, and the family L as before; at
+// 1500: 7e-6, 7e-6, 7e-7, 4e-6.
 struct Region {
     double R2, source, gradient, logarithm, log_gradient;
 };
@@ -212,15 +214,15 @@ TEST_P(Border, MultipoleTruncation) {
     EXPECT_LT(worst.logarithm, region.logarithm);
     EXPECT_LT(worst.log_gradient, region.log_gradient);
     // The bound tells the region: a wrong term would not be seen if it were far too wide.
-    EXPECT_GT(worst.source, region.source / 20);
-    EXPECT_GT(worst.logarithm, region.logarithm / 20);
+    EXPECT_GT(worst.source, region.source / 5);
+    EXPECT_GT(worst.logarithm, region.logarithm / 5);
 }
 INSTANTIATE_TEST_SUITE_P(Panint, Border,
-                         testing::Values(Region{39.9, 2e-7, 3e-7, 3e-7, 3e-7},
-                                         Region{40.1, 1e-4, 3e-4, 2e-4, 8e-4},
-                                         Region{149.9, 1e-5, 1e-5, 4e-5, 2e-4},
-                                         Region{150.1, 2.5e-4, 3e-4, 4e-5, 2e-4},
-                                         Region{1500, 1e-5, 1e-5, 3e-6, 1e-5}));
+                         testing::Values(Region{39.9, 2e-7, 2e-7, 2e-7, 2e-7},
+                                         Region{40.1, 8e-5, 8e-5, 2e-4, 1e-3},
+                                         Region{149.9, 4e-6, 4e-6, 3e-5, 1.6e-4},
+                                         Region{150.1, 2.6e-4, 2.6e-4, 3e-5, 1.6e-4},
+                                         Region{1500, 1e-5, 1e-5, 1e-6, 6e-6}));
 
 TEST(Panint, MultipoleOrders) {
     // On the triangle the first dropped term is of third order beyond 150, of fifth below: the relative error
