@@ -8,7 +8,7 @@
 namespace {
 
 // The record values an ordinary run reads, and their columns in WaveRow::green.
-constexpr int VALUES[] = {0, 1, 2, 6}; // G, dG/dR, dG/dz, dG/dzeta
+constexpr int VALUES[] = {G_, G_R, G_Z, G_ZETA};
 constexpr int G = 1, GR = 3, GZ = 5, GF = 7;
 
 Split column_pair(Array<f32, 2> &array, int first) {

@@ -2,6 +2,7 @@
 
 #include "assembly/right_hand_sides.hpp"
 #include "assembly/tiles.hpp"
+#include "rankine/rankin.hpp"
 #include "run/messages.hpp"
 #include "run/symmetry.hpp"
 
@@ -12,7 +13,6 @@
 
 namespace {
 
-constexpr int FREE_SURFACE = 4096;               // mark of a pair code
 constexpr std::int64_t SUMS_LIMIT = 64ll << 20; // bytes that all BlockSums of a call may take
 
 // The rows of a tile and the column of the row at work, one set per class, in split form.
@@ -100,14 +100,14 @@ void free_surface_pairs(const Frame &f, int I, int a, Workspace &w) {
     const int *stored = &run.store.ICODM(1, I);
     const f32 mark = f.panels.IFSP(I);
     for (int j = 0; j < I; ++j) {
-        const bool surface = stored[j] >= FREE_SURFACE;
-        w.code.data()[j] = stored[j] & (FREE_SURFACE - 1);
+        const bool surface = stored[j] >= CODE_SURFACE;
+        w.code.data()[j] = stored[j] & (CODE_SURFACE - 1);
         w.row.EB.data()[j] = surface ? 0.0f : 1.0f;
         w.row.EFR.data()[j] = surface ? f.panels.IFSP.data()[j] : 0.0f;
         w.row.EFC.data()[j] = surface ? mark : 0.0f;
     }
     for (int j = 0; j < I; ++j) {
-        if (stored[j] < FREE_SURFACE)
+        if (stored[j] < CODE_SURFACE)
             continue;
         for (int s = 1; s <= run.sym.NSYMR; ++s) {
             f32 &coefficient = w.tile.row(a, s).re[j];

@@ -4,6 +4,7 @@
 #include "base/types.hpp"
 
 #include <cstddef>
+#include <omp.h>
 
 extern "C" {
 // LU factors of an m x n matrix with row pivots; info > 0: exactly singular.
@@ -21,6 +22,17 @@ void ctrsm_(const char *side, const char *uplo, const char *trans, const char *d
 void cgemm_(const char *trans_a, const char *trans_b, const int *m, const int *n, const int *k, const c32 *alpha,
             const c32 *a, const int *lda, const c32 *b, const int *ldb, const c32 *beta, c32 *c, const int *ldc,
             std::size_t, std::size_t);
-// Threads inside a BLAS call.
-void openblas_set_num_threads(int count);
 }
+
+// While it lives, a BLAS call of this thread stays on one core, so that its result does not depend on how many there
+// are. Inside a parallel region that is so anyway.
+class SerialBlas {
+public:
+    SerialBlas() : threads_(omp_get_max_threads()) { omp_set_num_threads(1); }
+    ~SerialBlas() { omp_set_num_threads(threads_); }
+    SerialBlas(const SerialBlas &) = delete;
+    SerialBlas &operator=(const SerialBlas &) = delete;
+
+private:
+    int threads_;
+};

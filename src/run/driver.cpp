@@ -1,6 +1,5 @@
 #include "run/driver.hpp"
 
-#include "base/lapack.hpp"
 #include "base/platform.hpp"
 #include "freesurface/fsmark.hpp"
 #include "geometry/pregeo.hpp"
@@ -29,9 +28,6 @@ void require(Status status) {
 void limit_threads(int NTRD) {
     if (NTRD > 0 && NTRD < omp_get_max_threads())
         omp_set_num_threads(NTRD);
-    // The cores are ours to share out: by period, by rows, by strips of a matrix. A BLAS call stays on one, so that its
-    // result does not depend on how many there are.
-    openblas_set_num_threads(1);
 }
 
 void write_report_head(RunState &run) {
@@ -60,10 +56,10 @@ void run_solver() {
     run.opt.NCORE = core_order(run.opt, run.mesh.NEQN);
     require(INCHK(run));
     require(within_limits(run));
-    if (!allocate_mesh(run))
+    if (!allocate_mesh(run.bodies, run.mesh))
         require(MSGOUT(" RAM too small for number of panels "));
-    require(PREGEO(run));
-    require(FSMARK(run));
+    require(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh));
+    require(FSMARK(run.opt, run.bodies, run.mesh));
     require(SYMSET(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.bodies.MODE, run.opt.IDIFF, run.sym));
     MEMPLN(run.opt, run.mesh.NEQN, run.sym.NSYMR, run.memory);
     require(store_in_memory(run));
@@ -71,7 +67,7 @@ void run_solver() {
     const int threads = period_threads(run.memory);
     write_report_head(run);
     if (run.periods.NPER > 0) {
-        require(RANKIN(run));
+        require(RANKIN(run.opt, run.bodies, run.mesh, run.dipoles, run.sym, run.store));
         period_loop(run, threads, RESSCR);
     }
     require(RESWRT(run, RESSCR));

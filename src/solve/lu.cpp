@@ -54,6 +54,7 @@ void finish_strip(const Factors &f, int j) {
 }
 
 void factor_serial(const Factors &f, int &singular_at) {
+    const SerialBlas serial;
     for (int k = 0; k < f.n; k += STRIP) {
         factor_strip(f, k, singular_at);
         for (int j = k + STRIP; j < f.n; j += STRIP)

@@ -4,6 +4,7 @@
 #include "run/messages.hpp"
 #include "solve/lu.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -24,8 +25,10 @@ std::vector<c32 *> columns_of_class(const RunState &run, const SolveRequest &req
     return columns;
 }
 
-// Solves with the factors for all columns in one back substitution.
+// Solves with the factors for all columns. Each group is one back substitution; the groups are the same on any number
+// of cores, and so are the results.
 Status solve_columns(View<const c32, 2> LU, const int *IPIV, int n, const std::vector<c32 *> &columns) {
+    constexpr int GROUP = 4;
     const int count = static_cast<int>(columns.size());
     if (count == 0)
         return Status::ok;
@@ -33,13 +36,28 @@ Status solve_columns(View<const c32, 2> LU, const int *IPIV, int n, const std::v
     if (!XR.alloc(n, count))
         return MSGOUT(" RAM too small. Allocation error in SOLVE ");
     const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(c32);
-    for (int j = 0; j < count; ++j)
-        std::memcpy(&XR(1, j + 1), columns[j], bytes);
-    int info = 0;
-    cgetrs_("N", &n, &count, LU.data(), &n, IPIV, XR.data(), &n, &info, 1);
-    for (int j = 0; j < count; ++j)
-        std::memcpy(columns[j], &XR(1, j + 1), bytes);
+#pragma omp parallel for schedule(static, 1)
+    for (int first = 0; first < count; first += GROUP) {
+        const SerialBlas serial;
+        const int width = std::min(GROUP, count - first);
+        for (int j = first; j < first + width; ++j)
+            std::memcpy(&XR(1, j + 1), columns[static_cast<std::size_t>(j)], bytes);
+        int info = 0;
+        cgetrs_("N", &n, &width, LU.data(), &n, IPIV, &XR(1, first + 1), &n, &info, 1);
+        for (int j = first; j < first + width; ++j)
+            std::memcpy(columns[static_cast<std::size_t>(j)], &XR(1, j + 1), bytes);
+    }
     return Status::ok;
+}
+
+// After a singular matrix every right-hand side of the class reports.
+Status report_singular(const RunState &run, const SolveRequest &request, int s) {
+    (void)MSGOUT(" Error in direct solver: left-hand-side is singular ", s);
+    for (int k = 1; request.IRAD != -1 && k <= run.sym.NMCLS[s]; ++k)
+        (void)MSGOUT("       Error in radiation solution for mode M=", run.sym.MODCLS(k, s));
+    for (int b = 1; request.IDIFF >= 0 && b <= run.periods.NBETAM; ++b)
+        (void)MSGOUT("       Error in diffraction solution for heading IBETA=", b);
+    return Status::failed;
 }
 
 } // namespace
@@ -56,7 +74,7 @@ Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR
         std::memcpy(thread.ALU.data(), thread.ACORE.slice(s).data(),
                     static_cast<std::size_t>(thread.ALU.size()) * sizeof(c32));
         if (failed(LUFACT(thread.ALU, IPIV.data(), n)))
-            return MSGOUT(" Error in direct solver: left-hand-side is singular ", s);
+            return report_singular(run, request, s);
         if (failed(solve_columns(thread.ALU, IPIV.data(), n, columns_of_class(run, request, PHIR, PHID, s))))
             return Status::failed;
         if (request.IRAD != -1 && run.sym.NMCLS[s] > 0)

@@ -121,8 +121,8 @@ Influence coefficient(const Case &c, int I, int J, int s) {
         sum.S = both(store.RKSM);
     for (int m = 0; m < run.sym.NSYMG; ++m) {
         const int g = run.sym.ISYMG[m + 1];
-        const Vector field = {static_cast<double>(SGX[g] * run.mesh.XCT(1, I)),
-                              static_cast<double>(SGY[g] * run.mesh.XCT(2, I)),
+        const Vector field = {SGX[g] * static_cast<double>(run.mesh.XCT(1, I)),
+                              SGY[g] * static_cast<double>(run.mesh.XCT(2, I)),
                               static_cast<double>(run.mesh.XCT(3, I))};
         const double sign = SGN[run.sym.ICLS[s]][g];
         const Influence wave = wave_influence(c, J, field, (code >> (3 * m)) & 3, surface);

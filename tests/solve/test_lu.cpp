@@ -32,7 +32,6 @@ TEST_P(Orders, SolveAndDoNotDependOnTheCores) {
     fill_matrix(two, n);
     std::vector<int> pivots_one(static_cast<std::size_t>(n)), pivots_two(static_cast<std::size_t>(n));
     const int threads = omp_get_max_threads();
-    openblas_set_num_threads(1);
     omp_set_num_threads(1);
     ASSERT_EQ(LUFACT(one, pivots_one.data(), n), Status::ok);
     omp_set_num_threads(2);
