@@ -57,6 +57,30 @@ TEST(Pregeo, IwaddTurnsTheGaussPointsOn) {
     expect_box(run, 2e-6);
 }
 
+TEST(Pregeo, BoxAwayFromItsOrigin) {
+    // The origin at (-1, -0.5, 0) from the middle of the waterplane: area 8, volume 8.
+    hulls::Quads mesh = hulls::box(4, 2, -1, 0, 4, false);
+    for (auto &quad : mesh)
+        for (auto &v : quad) {
+            v[0] += 1;
+            v[1] += .5;
+        }
+    RunState run;
+    run.opt.IQUAD = 1;
+    hulls::set_body(mesh, run);
+    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    const Bodies &b = run.bodies;
+    EXPECT_NEAR(b.XCB(1, 1), 1, 1e-5);
+    EXPECT_NEAR(b.XCB(2, 1), .5, 1e-5);
+    EXPECT_NEAR(b.CHYD(3, 4), 8 * .5, 1e-5);
+    EXPECT_NEAR(b.CHYD(3, 5), -8 * 1, 1e-5);
+    EXPECT_NEAR(b.CHYD(4, 5), -8 * .5, 1e-5);
+    EXPECT_NEAR(b.CHYD(4, 4), 4 * 8 / 12. + 8 * .25 - 4, 1e-4);
+    EXPECT_NEAR(b.CHYD(5, 5), 2 * 64 / 12. + 8 - 4, 1e-4);
+    EXPECT_NEAR(b.CHYD(4, 6), -8 * 1, 1e-4);
+    EXPECT_NEAR(b.CHYD(5, 6), -8 * .5, 1e-4);
+}
+
 TEST(Pregeo, HemisphereConverges) {
     RunState run;
     run.opt.IQUAD = 1;
