@@ -202,19 +202,22 @@ TEST(Pregeo, VelocitiesAreNormalAndMoment) {
 }
 
 TEST(Pregeo, DipolePanelAddsItsThickness) {
-    RunState run;
-    hulls::Quads plate;
-    hulls::add_patch(plate, {-1, -1, -2}, {2, 0, 0}, {0, 2, 0}, 1, 1);
-    hulls::set_body(plate, run);
-    run.dipoles.IDIPOL = true;
-    ASSERT_TRUE(run.dipoles.IDIP.alloc(1) && run.dipoles.DTHK.alloc(1));
-    run.dipoles.IDIP(1) = 1;
-    run.dipoles.DTHK(1) = 0.25f;
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
-    for (int i = 1; i <= 3; ++i)
-        EXPECT_FLOAT_EQ(run.bodies.VOL(i, 1), 1);
-    EXPECT_FLOAT_EQ(run.bodies.XCB(3, 1), -2);
-    EXPECT_EQ(run.bodies.CHYD(3, 3), 0);
+    // The same plate from an origin in the surface and from one below it: XCB counts from the origin.
+    for (const f32 ZB : {0.0f, -0.5f}) {
+        RunState run;
+        hulls::Quads plate;
+        hulls::add_patch(plate, {-1, -1, -2}, {2, 0, 0}, {0, 2, 0}, 1, 1);
+        hulls::set_body(plate, run, {0, 0, ZB, 0});
+        run.dipoles.IDIPOL = true;
+        ASSERT_TRUE(run.dipoles.IDIP.alloc(1) && run.dipoles.DTHK.alloc(1));
+        run.dipoles.IDIP(1) = 1;
+        run.dipoles.DTHK(1) = 0.25f;
+        ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+        for (int i = 1; i <= 3; ++i)
+            EXPECT_FLOAT_EQ(run.bodies.VOL(i, 1), 1);
+        EXPECT_FLOAT_EQ(run.bodies.XCB(3, 1), -2);
+        EXPECT_EQ(run.bodies.CHYD(3, 3), 0);
+    }
 }
 
 TEST(Pregeo, ModesBecomeNumbersAndTwoBodiesTheirOwnRows) {
