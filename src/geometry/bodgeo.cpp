@@ -109,14 +109,14 @@ struct BodySums {
         n2Ay += n2 * A * y;
     }
     // A thin structure of the given thickness has volume, but no two sides.
-    void add_dipole(const Panel &p, f32 thickness) {
+    void add_dipole(const Panel &p, f32 thickness, const Placement &at) {
         const f32 volume = p.PMOM[1] * thickness;
         n3Az -= volume;
         n1Ax -= volume;
         n2Ay -= volume;
         n1xx -= 2 * p.XCT[1] * volume;
         n2yy -= 2 * p.XCT[2] * volume;
-        n3zz -= 2 * p.XCT[3] * volume;
+        n3zz -= 2 * (p.XCT[3] + at.z) * volume;
     }
 };
 
@@ -200,7 +200,7 @@ Status BODGEO(const Options &opt, const Dipoles &dipoles, const BodyRange &range
             }
         }
         if (dipoles.IDIPOL && dipoles.IDIP(ip) != 0)
-            sums.add_dipole(p, dipoles.DTHK(ip));
+            sums.add_dipole(p, dipoles.DTHK(ip), at);
         else
             sums.add_hull(p, second_moments(p, gauss, at.z), at, wall);
         move_to_global(at, p);

@@ -174,18 +174,18 @@ HeightIntegrals height_integrals(End hi, End lo, double rho, double kt, double k
     const double m = w * w + kv * kv;
     const double alpha = 2 * kv / (1 + kt), beta = m / ((1 + kt) * (1 + kt));
     if (m < STEEP_SIDE && (std::abs(alpha) + beta / xl) < STEEP_SERIES * xl) {
-        double J[8]; // integrals of 1/x^n
+        double J[7]; // integrals of 1/x^n
         double ph = 1, pl = 1;
         J[1] = Q;
-        for (int n = 2; n <= 7; ++n) {
+        for (int n = 2; n <= 6; ++n) {
             ph /= xh;
             pl /= xl;
             J[n] = (pl - ph) / (n - 1);
         }
         const auto pair = [&J](int n) { return J[n] + J[n + 2]; };
         const double a2 = alpha * alpha;
-        out.B = (pair(1) - alpha * pair(2) + (a2 - beta) * pair(3) + alpha * (2 * beta - a2) * pair(4) +
-                 (beta * beta - 3 * a2 * beta + a2 * a2) * pair(5)) /
+        // To the third order of alpha; the fourth is below 1e-10.
+        out.B = (pair(1) - alpha * pair(2) + (a2 - beta) * pair(3) + alpha * (2 * beta - a2) * pair(4)) /
                 (1 + kt);
     } else {
         out.B = (Q - kt * (hi.f - lo.f) - kv * out.A) / m;

@@ -57,6 +57,30 @@ TEST(Pregeo, IwaddTurnsTheGaussPointsOn) {
     expect_box(run, 2e-6);
 }
 
+TEST(Pregeo, BoxAwayFromItsOrigin) {
+    // The origin at (-1, -0.5, 0) from the middle of the waterplane: area 8, volume 8.
+    hulls::Quads mesh = hulls::box(4, 2, -1, 0, 4, false);
+    for (auto &quad : mesh)
+        for (auto &v : quad) {
+            v[0] += 1;
+            v[1] += .5;
+        }
+    RunState run;
+    run.opt.IQUAD = 1;
+    hulls::set_body(mesh, run);
+    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    const Bodies &b = run.bodies;
+    EXPECT_NEAR(b.XCB(1, 1), 1, 1e-5);
+    EXPECT_NEAR(b.XCB(2, 1), .5, 1e-5);
+    EXPECT_NEAR(b.CHYD(3, 4), 8 * .5, 1e-5);
+    EXPECT_NEAR(b.CHYD(3, 5), -8 * 1, 1e-5);
+    EXPECT_NEAR(b.CHYD(4, 5), -8 * .5, 1e-5);
+    EXPECT_NEAR(b.CHYD(4, 4), 4 * 8 / 12. + 8 * .25 - 4, 1e-4);
+    EXPECT_NEAR(b.CHYD(5, 5), 2 * 64 / 12. + 8 - 4, 1e-4);
+    EXPECT_NEAR(b.CHYD(4, 6), -8 * 1, 1e-4);
+    EXPECT_NEAR(b.CHYD(5, 6), -8 * .5, 1e-4);
+}
+
 TEST(Pregeo, HemisphereConverges) {
     RunState run;
     run.opt.IQUAD = 1;
@@ -178,19 +202,22 @@ TEST(Pregeo, VelocitiesAreNormalAndMoment) {
 }
 
 TEST(Pregeo, DipolePanelAddsItsThickness) {
-    RunState run;
-    hulls::Quads plate;
-    hulls::add_patch(plate, {-1, -1, -2}, {2, 0, 0}, {0, 2, 0}, 1, 1);
-    hulls::set_body(plate, run);
-    run.dipoles.IDIPOL = true;
-    ASSERT_TRUE(run.dipoles.IDIP.alloc(1) && run.dipoles.DTHK.alloc(1));
-    run.dipoles.IDIP(1) = 1;
-    run.dipoles.DTHK(1) = 0.25f;
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
-    for (int i = 1; i <= 3; ++i)
-        EXPECT_FLOAT_EQ(run.bodies.VOL(i, 1), 1);
-    EXPECT_FLOAT_EQ(run.bodies.XCB(3, 1), -2);
-    EXPECT_EQ(run.bodies.CHYD(3, 3), 0);
+    // The same plate from an origin in the surface and from one below it: XCB counts from the origin.
+    for (const f32 ZB : {0.0f, -0.5f}) {
+        RunState run;
+        hulls::Quads plate;
+        hulls::add_patch(plate, {-1, -1, -2}, {2, 0, 0}, {0, 2, 0}, 1, 1);
+        hulls::set_body(plate, run, {0, 0, ZB, 0});
+        run.dipoles.IDIPOL = true;
+        ASSERT_TRUE(run.dipoles.IDIP.alloc(1) && run.dipoles.DTHK.alloc(1));
+        run.dipoles.IDIP(1) = 1;
+        run.dipoles.DTHK(1) = 0.25f;
+        ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+        for (int i = 1; i <= 3; ++i)
+            EXPECT_FLOAT_EQ(run.bodies.VOL(i, 1), 1);
+        EXPECT_FLOAT_EQ(run.bodies.XCB(3, 1), -2);
+        EXPECT_EQ(run.bodies.CHYD(3, 3), 0);
+    }
 }
 
 TEST(Pregeo, ModesBecomeNumbersAndTwoBodiesTheirOwnRows) {

@@ -41,6 +41,9 @@ constexpr Pose POSES[] = {
     {"1e-3 off vertical", 90.06, 0},
     {"1e-5 off vertical", 90.0006, 1e-4},
     {"almost level", .01, .2},
+    // Both sides of the border at which a side counts as steep.
+    {"3.0e-3 off vertical", 90.17, 0},
+    {"3.3e-3 off vertical", 90.19, 0},
 };
 
 Panel make(const Shape &shape, const Pose &pose, double size, int IDIAG) {

@@ -240,14 +240,14 @@ TEST(Rankin, CodesByDistance) {
         const char *why;
     };
     const Case cases[] = {
-        {9.9, -6, -6, 0, -1, 1, "direct term only"},
+        {9.99, -6, -6, 0, -1, 1, "direct term only"},
         {9.9, -6, -6, 1, -1, 1, "the logarithm does not change that"},
-        {10.1, -6, -6, 1, -1, 0, "too far"},
-        {6, -3.9, -3.9, 0, -1, 2, "direct and image"},
+        {10.01, -6, -6, 1, -1, 0, "too far"},
+        {6, -3.99, -3.99, 0, -1, 2, "direct and image"},
         {6, -3.9, -3.9, 1, -1, 3, "and logarithm"},
-        {6, -4.1, -4.1, 1, -1, 1, "image too far"},
-        {6, -3.9, -3.9, 1, 8.0f, 3, "bottom too far"},
-        {6, -3.9, -3.9, 1, 7.8f, 7, "bottom image"},
+        {6, -4.01, -4.01, 1, -1, 1, "image too far"},
+        {6, -3.9, -3.9, 1, 7.91f, 3, "bottom too far"},
+        {6, -3.9, -3.9, 1, 7.893f, 7, "bottom image"},
         {6, -6, -6, 1, 9.9f, 5, "bottom image alone"},
         {10.1, -6, -6, 1, 6.5f, 0, "no bottom image without the direct term"},
         {6, -6, -6, 1, 0, 1, "no bottom"},
