@@ -21,7 +21,9 @@ void echo_line(RunState &run, const std::string &line) {
 }
 
 std::string title_line(const std::string &title) {
-    return text_in(73, " " + title);
+    std::string line = " ";
+    line += text_in(72, title);
+    return line;
 }
 
 void echo_file(RunState &run, const char *what, int name, int title) {

@@ -75,7 +75,9 @@ Status RDNAMS(Files &files) {
     const bool have_pot = have_gdf && name_line(in, pot);
     if (!have_gdf) {
         list_line(" ");
-        list_line(" " + text_at_least(20, files.names) + "file cannot be opened or is incomplete; ");
+        std::string missing(1, ' ');
+        missing += text_at_least(20, files.names);
+        list_line(missing + "file cannot be opened or is incomplete; ");
         list_line(" ");
         if (failed(ask(files.names, " Enter full name of geometric data file (GDF):          ", "GDF file",
                        gdf)))
