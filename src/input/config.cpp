@@ -1,0 +1,111 @@
+#include "input/config.hpp"
+
+#include "base/text.hpp"
+#include "run/messages.hpp"
+
+#include <string_view>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t LINE_LENGTH = 80; // columns of a line that count
+constexpr const char *READ_FAULT = " Error in reading input file CONFIG.VRD";
+
+// A keyword, its place in KFLAG (0: none) and the switch that it sets; XBODY and NEWMDS set arrays.
+struct Keyword {
+    std::string_view word;
+    int flag;
+    int Options::*value;
+};
+// In the order in which they are tried: a longer word that begins with a keyword counts as that keyword.
+constexpr Keyword KEYWORDS[] = {
+    {"MAXSCR", 1, &Options::MAXSCR},  {"ISOLVE", 2, &Options::ISOLVE}, {"ISOR", 3, &Options::ISOR},
+    {"IRR", 4, &Options::IRR},        {"XBODY", 6, nullptr},           {"IQUAD", 7, &Options::IQUAD},
+    {"ILOG", 8, &Options::ILOG},      {"IDIAG", 9, &Options::IDIAG},   {"NEWMDS", 10, nullptr},
+    {"ISCATT", 11, &Options::ISCATT}, {"IPERIO", 0, &Options::IPERIO}, {"I2ND", 13, &Options::I2ND},
+    {"IWADD", 0, &Options::IWADD},    {"IFSLID", 0, &Options::IFSLID}, {"IUSESCR", 0, &Options::IUSESCR},
+    {"NTRD", 0, &Options::NTRD},
+};
+
+// The text before the first "=" without the blanks in front, the letters a to z in capitals; empty when the
+// line is no setting.
+std::string keyword_text(const std::string &line, std::size_t equals) {
+    const std::size_t first = line.find_first_not_of(" \t");
+    if (equals == std::string::npos || first >= equals)
+        return {};
+    std::string word = line.substr(first, equals - first);
+    for (char &c : word) {
+        if (c >= 'a' && c <= 'z')
+            c = static_cast<char>(c - 'a' + 'A');
+    }
+    return word;
+}
+
+// Body of NEWMDS(N), 1 without the parentheses; false when what stands in them is no body number.
+bool body_number(const std::string &word, FreeReader &text, const std::string &name, int line, int &body) {
+    body = 1;
+    const std::size_t open = word.find('(');
+    const std::size_t close = word.find(')');
+    if (open == std::string::npos || close == std::string::npos || close < open + 2)
+        return true;
+    text.open_text(name, word.substr(open + 1, close - open - 1), line);
+    return text.read(body) && body >= 1;
+}
+
+Status read_new_modes(RunState &run, const std::string &word, FreeReader &value, const std::string &name,
+                      int line) {
+    Array<int, 1> &NEWMDS = run.bodies.NEWMDS;
+    FreeReader index;
+    int body = 1;
+    if (!body_number(word, index, name, line, body)) {
+        const std::string detail =
+            index.fault().empty() ? name + ", line " + std::to_string(line) + ": bodies are numbered from 1"
+                                  : index.fault();
+        return MSGOUT_with(READ_FAULT, 0, detail);
+    }
+    if (body > NEWMDS.dim(1) && !NEWMDS.resize_last(body))
+        return MSGOUT(" Allocation error reading CONFIG.VRD, NEWMDS");
+    if (!value.read(NEWMDS(body)))
+        return MSGOUT_with(READ_FAULT, 0, value.fault());
+    return Status::ok;
+}
+
+Status read_setting(RunState &run, const Keyword &key, const std::string &word, FreeReader &value, int line) {
+    if (key.flag != 0)
+        run.opt.KFLAG[static_cast<std::size_t>(key.flag)] = false;
+    if (key.word == "NEWMDS")
+        return read_new_modes(run, word, value, "the setting in " + run.files.config, line);
+    const bool good =
+        key.value != nullptr ? value.read(run.opt.*key.value) : value.read_array(run.bodies.XBODY.data(), 4);
+    return good ? Status::ok : MSGOUT_with(READ_FAULT, 0, value.fault());
+}
+
+} // namespace
+
+Status RDCONF(RunState &run) {
+    run.opt.KFLAG.fill(true);
+    FreeReader in;
+    if (!in.open(run.files.config)) {
+        // A file that is there and cannot be read is not the same as none: its settings would be lost unseen.
+        if (access(run.files.config.c_str(), F_OK) != 0)
+            return Status::ok;
+        return MSGOUT_with(READ_FAULT, 0, in.fault());
+    }
+    std::string line;
+    while (true) {
+        const int number = in.line_number();
+        if (!in.line(line, LINE_LENGTH))
+            return Status::ok;
+        const std::size_t equals = line.find('=');
+        const std::string word = keyword_text(line, equals);
+        for (const Keyword &key : KEYWORDS) {
+            if (word.compare(0, key.word.size(), key.word) != 0)
+                continue;
+            FreeReader value;
+            value.open_text("the setting in " + run.files.config, line.substr(equals + 1), number);
+            if (failed(read_setting(run, key, word, value, number)))
+                return Status::failed;
+            break;
+        }
+    }
+}

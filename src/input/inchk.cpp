@@ -1,0 +1,86 @@
+#include "input/input.hpp"
+#include "run/messages.hpp"
+
+namespace {
+
+// Tells faults and remembers that there was one.
+struct Faults {
+    bool any = false;
+    void test(bool bad, const char *text, int value = 0) {
+        if (bad) {
+            (void)MSGOUT(text, value);
+            any = true;
+        }
+    }
+};
+
+bool is_switch(int value) {
+    return value == 0 || value == 1;
+}
+
+void check_solver(const RunState &run, Faults &faults) {
+    const Options &opt = run.opt;
+    const bool direct = opt.ISOLVE == 1 && opt.NCORE < run.mesh.NEQN;
+    faults.test(direct, " MAXSCR too small for direct solution:");
+    faults.test(direct, "                               MAXSCR=", opt.NCORE);
+    faults.test(direct, "                                 NEQN=", run.mesh.NEQN);
+    const bool blocks = opt.ISOLVE >= 2 && opt.NCORE < opt.NBLKSZ;
+    faults.test(blocks, " MAXSCR too small for block iteration:");
+    faults.test(blocks, "                               MAXSCR=", opt.NCORE);
+    faults.test(blocks, "                  Dimension of blocks=", opt.NBLKSZ);
+}
+
+void check_problem(const RunState &run, Faults &faults) {
+    const Options &opt = run.opt;
+    const Bodies &bodies = run.bodies;
+    for (const int index : {opt.ISX, opt.ISY})
+        faults.test(index < -1 || index > 1, "Value of a symmetry index is illegal");
+    for (const int index : {opt.ISX, opt.ISY})
+        faults.test(index == -1 && bodies.NBODY >= 2, "Combination of wall plus NBODY is illegal");
+    // The modes of a first pass are not final yet.
+    const bool first_pass = opt.IMDRUN < 0;
+    std::int64_t sum = first_pass ? 1 : 0;
+    for (int i = 1; i <= bodies.NMODES && !first_pass; ++i) {
+        faults.test(!is_switch(bodies.MODE(i)), "Value of a mode index is illegal, I=", i);
+        sum += bodies.MODE(i);
+    }
+    faults.test(!is_switch(opt.IQUAD), " Value of IQUAD index is illegal ");
+    faults.test(!is_switch(opt.ILOG), " Value of ILOG index is illegal ");
+    faults.test(!is_switch(opt.IDIAG), " Value of IDIAG index is illegal ");
+    faults.test(opt.IDIFF < -1 || opt.IDIFF > 1, "Value of IDIFF index is illegal");
+    faults.test(opt.IRAD == -1 && opt.IDIFF == -1, "Error return: both IRAD=-1 and IDIFF=-1");
+    faults.test(opt.IRAD == 0 && sum == 0, "IRAD=0 and all mode indices IMODE(I)=0");
+    faults.test(opt.IDIFF == 0 && sum == 0, "Error return: IDIFF=0 and all mode indices IMODE(I)=0");
+    faults.test(run.periods.NPER < 0, "Number of wave periods is negative: NPER=", run.periods.NPER);
+    faults.test(run.periods.NBETA < 0, "Number of wave headings is negative: NBETA=", run.periods.NBETA);
+    faults.test(run.periods.NBETA == 0 && opt.IDIFF >= 0,
+                "No wave headings specified for diffraction problem");
+    faults.test(opt.IRRX > run.mesh.NEQN, "Reference panel of the tank is above NEQN: IRR-10=", opt.IRRX);
+}
+
+void check_drift_damping(const RunState &run, Faults &faults) {
+    const Options &opt = run.opt;
+    faults.test(opt.ISX == -1 || opt.ISY == -1, "It is not possible with walls when IWADD=1");
+    faults.test(run.bodies.NBODY > 1, "NBODY must be 1 when IWADD=1");
+    // A fully filled tank was given as IRR too.
+    faults.test(opt.IRR != 0 || opt.IRRX != 0, "IRR must be 0 when IWADD=1");
+    faults.test(opt.ISOR != 1, "ISOR must be 1 when IWADD=1");
+    faults.test(opt.ISOLVE > 1, "ISOLVE must be 0 or 1 when IWADD=1");
+    faults.test(opt.ISCATT != 0, "ISCATT must be 0 when IWADD=1");
+    faults.test(opt.I2ND != 0, "I2ND must be 0 when IWADD=1");
+}
+
+} // namespace
+
+Status INCHK(const RunState &run) {
+    Faults faults;
+    check_solver(run, faults);
+    check_problem(run, faults);
+    if (run.opt.IWADD == 1)
+        check_drift_damping(run, faults);
+    if (run.dipoles.IDIPOL) {
+        faults.test(run.opt.I2ND != 0, "I2ND must be 0 when there are dipoles");
+        faults.test(run.opt.IWADD == 1, "IWADD must be 0 when there are dipoles");
+    }
+    return faults.any ? Status::failed : Status::ok;
+}
