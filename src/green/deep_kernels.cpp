@@ -167,19 +167,18 @@ template <bool SECOND> [[gnu::always_inline]] inline void without_logarithm(int 
         const f32 x3 = X * (1 / 3.0f), a = x3 * x3;
         const TableValue p = table(c, a, band_variable<false>(Y, base));
         const f32 BX = p.slope * (2 / 3.0f) * x3;
-        const f32 J = polynomial5(JA, a), W = polynomial5(WA, a) * x3;
+        // J less its constant, before that rounds its digits away at small X.
+        const f32 Jm = ((((JA[5] * a + JA[4]) * a + JA[3]) * a + JA[2]) * a + JA[1]) * a, J = Jm + JA[0];
+        const f32 W = polynomial5(WA, a) * x3;
         const f32 Q = polynomial5(QA, a), V = polynomial5(VA, a) * x3;
-        // g = 1 - exp(-Y) with its digits at small Y, where the series to Y^7 is good to 1e-8.
+        // g = 1 - exp(-Y) with its digits at small Y: below 0.5 the Taylor series, to 5e-9.
         const f32 exy = decay(Y);
-        const f32 series =
-            Y *
-            (1 - Y * (1 / 2.0f) *
-                     (1 - Y * (1 / 3.0f) *
-                              (1 - Y * (1 / 4.0f) *
-                                       (1 - Y * (1 / 5.0f) * (1 - Y * (1 / 6.0f) * (1 - Y * (1 / 7.0f)))))));
+        const f32 g4 =
+            1 - Y * (1 / 5.0f) * (1 - Y * (1 / 6.0f) * (1 - Y * (1 / 7.0f) * (1 - Y * (1 / 8.0f))));
+        const f32 series = Y * (1 - Y * (1 / 2.0f) * (1 - Y * (1 / 3.0f) * (1 - Y * (1 / 4.0f) * g4)));
         const f32 g = Y < 0.5f ? series : 1 - exy;
         // M = 2 - exp(-Y) 2 J0, the factor that the added logarithm leaves of it; small at small r1.
-        const f32 M = g * J - (J - JA[0]);
+        const f32 M = g * J - Jm;
         const f32 L = logf(s), px = X * rinv / s;
         const f32 G = (apart * r1 * p.B - Q) * (1 - g) + M * L, GZ = 2 * L - G;
         const f32 GR = M * px + apart * ((((r1 * BX - V) + p.B * X * rinv) + L * W) * (1 - g));

@@ -1,0 +1,330 @@
+// The deep-water Green function. Truth: its definition in double precision (tested against the principal
+// value integral in test_ftab.cpp), differences of it, and printed sample values.
+#include "../../tools/tables/f2_definition.hpp"
+#include "green/gradsg.hpp"
+#include "green/vgrn98.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <complex>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <numeric>
+#include <random>
+#include <vector>
+
+namespace {
+
+using Complex = std::complex<double>;
+
+// The complete function of a pair less the terms that ISNG leaves out.
+Complex exact_G(const F2Definition &F2, double R, double z, double zeta, int ISNG) {
+    const double Y = z + zeta, r1 = std::hypot(R, Y);
+    double G = F2(std::abs(R), Y).value;
+    if (ISNG == 0)
+        G += 1 / std::hypot(R, z - zeta);
+    if (ISNG < 2)
+        G += 1 / r1;
+    if (ISNG == 3)
+        G += 2 * std::log(r1 + Y);
+    return {G, -2 * PI_D * std::exp(-Y) * ::j0(R)};
+}
+
+// Central differences of fourth order.
+template <class F> Complex difference(F f, double x, double h) {
+    return (8.0 * (f(x + h) - f(x - h)) - (f(x + 2 * h) - f(x - 2 * h))) / (12 * h);
+}
+
+// All eight values, the derivatives as differences of the value.
+std::array<Complex, 8> exact_record(const F2Definition &F2, double R, double z, double zeta, int ISNG) {
+    double nearest = std::hypot(R, z + zeta);
+    if (ISNG == 0)
+        nearest = std::min(nearest, std::hypot(R, z - zeta));
+    const double h = 2e-3 * std::min(1.0, nearest);
+    const auto G = [&](double a, double b, double c) { return exact_G(F2, a, b, c, ISNG); };
+    const auto GZ = [&](double a, double b, double c) {
+        return difference([&](double s) { return G(a, s, c); }, b, h);
+    };
+    const auto GF = [&](double a, double b, double c) {
+        return difference([&](double s) { return G(a, b, s); }, c, h);
+    };
+    std::array<Complex, 8> e;
+    e[G_] = G(R, z, zeta);
+    e[G_R] = difference([&](double s) { return G(s, z, zeta); }, R, h);
+    e[G_Z] = GZ(R, z, zeta);
+    e[G_ZETA] = GF(R, z, zeta);
+    e[G_RZ] = difference([&](double s) { return GZ(s, z, zeta); }, R, h);
+    e[G_RZETA] = difference([&](double s) { return GF(s, z, zeta); }, R, h);
+    e[G_ZZ] = difference([&](double s) { return GZ(R, s, zeta); }, z, h);
+    e[G_ZZETA] = difference([&](double s) { return GZ(R, z, s); }, zeta, h);
+    return e;
+}
+
+// Order of the derivative of each value of the record.
+constexpr int ORDER[8] = {0, 1, 1, 2, 2, 2, 1, 2};
+
+// Size of the terms that make up a value: what its single-precision error is measured by.
+double scale_of(int value, double R, double z, double zeta, int ISNG) {
+    const double r = std::hypot(R, z - zeta), r1 = std::hypot(R, z + zeta);
+    const int m = ORDER[value];
+    double scale = 1 + (m == 0 ? std::abs(std::log(r1)) : std::pow(r1, -m));
+    if (ISNG < 2)
+        scale += std::pow(r1, -m - 1);
+    if (ISNG == 0)
+        scale += std::pow(r, -m - 1);
+    return scale;
+}
+
+struct Points {
+    std::vector<f32> R, Z, ZETA;
+    std::vector<int> ISNG, IBOT;
+    void add(f32 r, f32 z, f32 zeta, int isng) {
+        R.push_back(r);
+        Z.push_back(z);
+        ZETA.push_back(zeta);
+        ISNG.push_back(isng);
+        IBOT.push_back(0);
+    }
+    int size() const { return static_cast<int>(R.size()); }
+    GreenPoints view() const { return {size(), R.data(), Z.data(), ZETA.data(), ISNG.data(), IBOT.data()}; }
+};
+
+struct Results {
+    std::vector<f32> store;
+    GreenArrays arrays;
+    explicit Results(int n) : store(16 * static_cast<std::size_t>(n), -77.0f) {
+        for (int j = 0; j < GREEN_VALUES; ++j) {
+            arrays.re[j] = store.data() + 2 * j * n;
+            arrays.im[j] = store.data() + (2 * j + 1) * n;
+        }
+    }
+};
+
+Results evaluate(const Points &points, GreenOrder order) {
+    Results results(points.size());
+    GreenWork work;
+    EXPECT_TRUE(work.alloc(points.size()));
+    VGRN98(points.view(), -1, GSTATE{}, order, work, results.arrays);
+    return results;
+}
+
+// Points of all boxes and selectors, R and Y logarithmic.
+Points random_points(int n, double smallest, double largest) {
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> log_R(std::log10(smallest), std::log10(largest)), part(0, 1);
+    Points points;
+    for (int i = 0; i < n; ++i) {
+        const double R = std::pow(10, log_R(random)), Y = std::pow(10, log_R(random)), p = part(random);
+        points.add(static_cast<f32>(R), static_cast<f32>(p * Y), static_cast<f32>((1 - p) * Y), i % 4);
+    }
+    return points;
+}
+
+} // namespace
+
+TEST(Vgrn98, SampleValues) {
+    struct Sample {
+        f32 X, Y, F, im;
+    };
+    constexpr f32 NONE = 99;
+    for (const Sample s : {Sample{0.5f, 0.7f, -1.3716766f, -2.9281549f},
+                           {3.5f, 0.6f, -1.2043943f, 1.3107888f},
+                           {8, 6, -0.21503073f, NONE},
+                           {20, 0.7f, -0.29531354f, -0.52114004f},
+                           {1, 6.5f, -0.37696928f, NONE}}) {
+        f32 record[16];
+        VGRN1P(s.X, s.Y, 0, -1, GSTATE{}, 2, 0, record);
+        EXPECT_NEAR(record[0], s.F, 4e-7) << s.X << " " << s.Y;
+        if (s.im < NONE)
+            EXPECT_NEAR(record[1], s.im, 6e-7) << s.X << " " << s.Y;
+    }
+}
+
+// A point in every box, with every selector.
+TEST(Vgrn98, DerivativesAreDifferencesOfTheDefinition) {
+    constexpr double TOLERANCE = 1.6e-6; // measured 1.2e-6, the slope of the table in row 47
+    const F2Definition F2;
+    Points points;
+    for (const f32 R : {0.08f, 0.6f, 1.9f, 2.97f, 3.03f, 3.4f, 4.3f, 6.1f, 11.0f, 40.0f}) {
+        for (const f32 Y : {0.05f, 0.5f, 1.3f, 2.6f, 3.7f, 4.5f, 6.7f, 11.0f, 30.0f}) {
+            for (int ISNG = 0; ISNG <= 3; ++ISNG)
+                points.add(R, 0.3f * Y, 0.7f * Y, ISNG);
+        }
+    }
+    const Results results = evaluate(points, GreenOrder::second);
+    for (int i = 0; i < points.size(); ++i) {
+        const f32 R = points.R[i], z = points.Z[i], zeta = points.ZETA[i];
+        const auto exact = exact_record(F2, R, z, zeta, points.ISNG[i]);
+        for (int j = 0; j < GREEN_VALUES; ++j) {
+            const double allowed = TOLERANCE * scale_of(j, R, z, zeta, points.ISNG[i]);
+            EXPECT_NEAR(results.arrays.re[j][i], exact[j].real(), allowed)
+                << "value " << j << " R " << R << " z " << z << " zeta " << zeta << " ISNG "
+                << points.ISNG[i];
+            EXPECT_NEAR(results.arrays.im[j][i], exact[j].imag(), allowed)
+                << "value " << j << " R " << R << " z " << z << " zeta " << zeta << " ISNG "
+                << points.ISNG[i];
+        }
+    }
+}
+
+// Value and first derivatives anywhere, from r1 far below one panel to X = 1e3; the worst error and the one
+// that 99.9 per cent stay below, as docs/numerics.md tells them.
+TEST(Vgrn98, RandomPointsMeetTheDefinition) {
+    constexpr double WORST = 1.3e-6, TYPICAL = 9e-7;
+    const F2Definition F2;
+    const Points points = random_points(6000, 1e-7, 1e3);
+    const Results results = evaluate(points, GreenOrder::first);
+    std::vector<double> errors[3];
+    for (int i = 0; i < points.size(); ++i) {
+        const double R = points.R[i], z = points.Z[i], zeta = points.ZETA[i], Y = z + zeta,
+                     r1 = std::hypot(R, Y);
+        const int ISNG = points.ISNG[i];
+        const Complex G = exact_G(F2, R, z, zeta, ISNG);
+        const ValueSlope F = F2(R, Y);
+        const double r = std::hypot(R, z - zeta), d3 = ISNG == 0 ? std::pow(r, -3) : 0,
+                     i3 = ISNG < 2 ? std::pow(r1, -3) : 0, lg = ISNG == 3 ? 2 / r1 : 0;
+        const double GR = F.slope - R * (d3 + i3) + lg * R / (r1 + Y);
+        const double GZ = -F.value - 2 / r1 - Y * i3 - (z - zeta) * d3 + lg;
+        const double s0 = scale_of(G_, R, z, zeta, ISNG), s1 = scale_of(G_R, R, z, zeta, ISNG);
+        errors[0].push_back(std::abs(results.arrays.re[G_][i] - G.real()) / s0);
+        errors[0].push_back(std::abs(results.arrays.im[G_][i] - G.imag()) / s0);
+        errors[1].push_back(std::abs(results.arrays.re[G_R][i] - GR) / s1);
+        errors[2].push_back(std::abs(results.arrays.re[G_Z][i] - GZ) / s1);
+    }
+    const char *names[3] = {"G", "G_R", "G_z"};
+    for (int j = 0; j < 3; ++j) {
+        std::sort(errors[j].begin(), errors[j].end());
+        const double typical = errors[j][errors[j].size() * 999 / 1000], worst = errors[j].back();
+        std::printf("%s: worst error %.2e, 99.9 per cent below %.2e\n", names[j], worst, typical);
+        EXPECT_LT(worst, WORST) << names[j];
+        EXPECT_LT(typical, TYPICAL) << names[j];
+    }
+}
+
+// The borders of the boxes from both sides: the values differ by what the function changes by, no more.
+TEST(Vgrn98, NoStepAtTheBordersOfTheBoxes) {
+    constexpr double STEP = 2.5e-6; // two errors of table and rounding, of values up to about 6
+    const F2Definition F2;
+    const auto compare = [&](f32 R, f32 Y, f32 R2, f32 Y2, int ISNG) {
+        f32 a[16], b[16];
+        VGRN1P(R, Y, 0, -1, GSTATE{}, ISNG, 0, a);
+        VGRN1P(R2, Y2, 0, -1, GSTATE{}, ISNG, 0, b);
+        for (int j = 0; j < 16; ++j)
+            EXPECT_NEAR(a[j], b[j], STEP) << j << " at " << R << " " << Y << " ISNG " << ISNG;
+        EXPECT_NEAR(a[0], exact_G(F2, R, Y, 0, ISNG).real(), STEP / 2);
+        EXPECT_NEAR(b[0], exact_G(F2, R2, Y2, 0, ISNG).real(), STEP / 2);
+    };
+    for (const f32 border : {3.0f, 3.75f, 5.0f, 7.5f, 15.0f}) {
+        for (const f32 Y : {0.4f, 1.4f, 2.4f, 3.4f, 4.4f, 7.4f, 13.0f, 40.0f}) {
+            for (int ISNG = 0; ISNG <= 3; ++ISNG)
+                compare(border, Y, std::nextafter(border, 99.0f), Y, ISNG);
+        }
+    }
+    for (const f32 border : {1.0f, 2.0f, 3.0f, 4.0f, 16 / 3.0f, 8.0f, 16.0f}) {
+        for (const f32 R : {0.3f, 2.2f, 3.3f, 4.4f, 6.6f, 12.0f, 50.0f}) {
+            for (int ISNG = 0; ISNG <= 3; ++ISNG)
+                compare(R, border, R, std::nextafter(border, 0.0f), ISNG);
+        }
+    }
+}
+
+TEST(Vgrn98, FreeSurfaceConditionAndReciprocity) {
+    for (const f32 R : {0.5f, 2.0f, 5.0f, 25.0f}) {
+        f32 a[16], b[16];
+        VGRN1P(R, 0, 0.4f, -1, GSTATE{}, 0, 0, a); // field point in the surface: G + dG/dz = 0
+        EXPECT_NEAR(a[0] + a[4], 0, 3e-6);
+        EXPECT_NEAR(a[1] + a[5], 0, 3e-6);
+        VGRN1P(R, 0.3f, 0.8f, -1, GSTATE{}, 0, 0, a);
+        VGRN1P(R, 0.8f, 0.3f, -1, GSTATE{}, 0, 0, b);
+        EXPECT_EQ(a[0], b[0]);
+        EXPECT_EQ(a[2], b[2]);
+        EXPECT_EQ(a[4], b[12]);
+        EXPECT_EQ(a[6], b[14]);
+    }
+}
+
+TEST(Vgrn98, CoincidentPoints) {
+    f32 record[16];
+    constexpr f32 Q0 = -0.2318625f; // 2 (gamma - ln 2)
+    for (const f32 R : {0.0f, 5e-9f}) {
+        VGRN1P(R, 0, 0, -1, GSTATE{}, 3, 0, record);
+        EXPECT_EQ(record[0], -Q0);
+        EXPECT_EQ(record[4], Q0);
+        EXPECT_EQ(record[12], Q0);
+        EXPECT_EQ(record[8], -Q0);
+        EXPECT_EQ(record[10], -Q0);
+        for (const int j : {2, 6, 14})
+            EXPECT_EQ(record[j], 0) << j;
+        EXPECT_NEAR(record[1], -2 * PI_D, 1e-6);
+    }
+    // It tends there: the value at small r1 differs by terms in r1 ln r1 only.
+    VGRN1P(1e-6f, 0, 0, -1, GSTATE{}, 3, 0, record);
+    EXPECT_NEAR(record[0], -Q0, 1e-5);
+    // The logarithm is asked for far away too.
+    VGRN1P(0, 50, 50, -1, GSTATE{}, 1, 0, record);
+    EXPECT_NEAR(record[0], -2 * std::exp(-100.0) * std::expint(100.0) + 0.01, 1e-9);
+}
+
+// A point has one result, wherever it stands and whoever its neighbours are; VGRN1P and the first-order call
+// agree with it.
+TEST(Vgrn98, ResultDependsOnThePointAlone) {
+    const Points points = random_points(3001, 1e-3, 60);
+    const int n = points.size();
+    std::vector<int> place(n);
+    std::iota(place.begin(), place.end(), 0);
+    std::shuffle(place.begin(), place.end(), std::mt19937(3));
+    Points shuffled;
+    for (const int i : place)
+        shuffled.add(points.R[i], points.Z[i], points.ZETA[i], points.ISNG[i]);
+    const Results a = evaluate(points, GreenOrder::second), b = evaluate(shuffled, GreenOrder::second),
+                  first = evaluate(points, GreenOrder::first);
+    for (int i = 0; i < n; ++i) {
+        f32 record[16], in_place[16];
+        const int o = place[i];
+        VGRN1P(points.R[o], points.Z[o], points.ZETA[o], -1, GSTATE{}, points.ISNG[o], 0, record);
+        for (int j = 0; j < GREEN_VALUES; ++j) {
+            in_place[2 * j] = a.arrays.re[j][o];
+            in_place[2 * j + 1] = a.arrays.im[j][o];
+            ASSERT_EQ(std::memcmp(&a.arrays.re[j][o], &b.arrays.re[j][i], sizeof(f32)), 0) << j << " " << o;
+            ASSERT_EQ(std::memcmp(&a.arrays.im[j][o], &b.arrays.im[j][i], sizeof(f32)), 0) << j << " " << o;
+            if (ORDER[j] < 2) {
+                ASSERT_NEAR(a.arrays.re[j][o], first.arrays.re[j][o],
+                            1e-6 * std::abs(a.arrays.re[j][o]) + 1e-6);
+            } else {
+                ASSERT_EQ(first.arrays.re[j][o], -77.0f) << "a value not asked for was written";
+            }
+        }
+        ASSERT_EQ(std::memcmp(record, in_place, sizeof record), 0) << o;
+    }
+    GreenWork work;
+    ASSERT_TRUE(work.alloc(1));
+    VGRN98(GreenPoints{}, -1, GSTATE{}, GreenOrder::second, work,
+           GreenArrays{}); // no points: nothing happens
+}
+
+TEST(Gradsg, GradientOfThePairByDifferences) {
+    // Field and source in the plane: moving the source by dx changes R by -c dx with c from field to source
+    // reversed.
+    constexpr f32 dx = 0.6f, dy = 0.8f; // unit vector from field to source; R = 1
+    f32 record[16];
+    VGRN1P(1, 0.3f, 0.5f, -1, GSTATE{}, 0, 0, record);
+    c32 V[3];
+    const c32 GR(record[2], record[3]), GZ(record[4], record[5]), GF(record[12], record[13]);
+    const c32 expected[4][3] = {{-dx * GR, -dy * GR, -GZ},
+                                {dx * GR, dy * GR, -GF},
+                                {dx * GR, dy * GR, -GF},
+                                {-dx * GR, -dy * GR, -GZ}};
+    for (int mode = 0; mode < 4; ++mode) {
+        GRADSG(record, mode, dx, dy, -dx, -dy, V);
+        for (int c = 0; c < 3; ++c)
+            EXPECT_EQ(V[c], expected[mode][c]) << mode << " " << c;
+    }
+    // Mode 0 is the gradient at the field point: moved by h towards the source, R falls by h.
+    const F2Definition F2;
+    const double h = 1e-4;
+    const Complex slope = (exact_G(F2, 1 - h, 0.3f, 0.5f, 0) - exact_G(F2, 1 + h, 0.3f, 0.5f, 0)) / (2 * h);
+    GRADSG(record, 0, dx, dy, -dx, -dy, V);
+    EXPECT_NEAR((V[0] * dx + V[1] * dy).real(), slope.real(), 2e-6 * std::abs(slope));
+    EXPECT_NEAR((V[0] * dx + V[1] * dy).imag(), slope.imag(), 2e-6 * std::abs(slope));
+}
