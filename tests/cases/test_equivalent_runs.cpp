@@ -15,12 +15,12 @@ double largest(const Coefficients &c) {
     return value;
 }
 
-struct Run {
+struct Solved {
     P2fFile p2f;
     Coefficients c;
 };
 
-void run_barge(const std::string &mesh, const Pot &pot, Run &run, const std::string &config = "") {
+void run_barge(const std::string &mesh, const Pot &pot, Solved &run, const std::string &config = "") {
     CaseFolder folder;
     prepare(folder, pot, config);
     make_mesh(folder, mesh);
@@ -38,7 +38,7 @@ Pot two_waves() {
 }
 
 // A, B and the moduli of X of all modes of both runs.
-void expect_same(const Run &a, const Run &b, int heading_a, int heading_b) {
+void expect_same(const Solved &a, const Solved &b, int heading_a, int heading_b) {
     const double size = largest(a.c);
     for (int t = 1; t <= a.p2f.NPER; ++t) {
         for (int i = 1; i <= 6; ++i) {
@@ -52,11 +52,11 @@ void expect_same(const Run &a, const Run &b, int heading_a, int heading_b) {
 }
 
 TEST(Barge, IsTheSameAsFullHalfAndQuarterMesh) {
-    Run quarter;
+    Solved quarter;
     run_barge(BARGE, two_waves(), quarter);
     for (const char *part : {"half-x", "half-y", "full"}) {
         SCOPED_TRACE(part);
-        Run other;
+        Solved other;
         run_barge(std::string(BARGE) + " --part " + part, two_waves(), other);
         expect_same(quarter, other, 1, 1);
         expect_same(quarter, other, 2, 2);
@@ -64,12 +64,12 @@ TEST(Barge, IsTheSameAsFullHalfAndQuarterMesh) {
 }
 
 TEST(Barge, IsTheSameMovedAndTurned) {
-    Run here;
+    Solved here;
     run_barge(BARGE, two_waves(), here);
     Pot there = two_waves();
     there.XBODY = "3.5 -2.0 0.0 25.0";
     there.BETA = "55 115"; // the headings turn with the body
-    Run moved;
+    Solved moved;
     run_barge(BARGE, there, moved);
     EXPECT_EQ(moved.p2f.NSYMR, 1);
     EXPECT_EQ(moved.p2f.NEQN, 4 * here.p2f.NEQN);
@@ -83,7 +83,7 @@ TEST(Barge, IsTheSameMovedAndTurned) {
 }
 
 // Two barges along x at +-distance/2, the second turned about.
-void run_pair(double distance, const Pot &pot, Run &run) {
+void run_pair(double distance, const Pot &pot, Solved &run) {
     CaseFolder folder;
     prepare(folder, pot);
     make_mesh(folder, BARGE, "barge.gdf");
@@ -97,7 +97,7 @@ void run_pair(double distance, const Pot &pot, Run &run) {
 }
 
 TEST(TwoBodies, FarApartAreAloneAndCloseAreReciprocal) {
-    Run alone, far, close;
+    Solved alone, far, close;
     run_barge(BARGE, two_waves(), alone);
     run_pair(400, two_waves(), far);
     ASSERT_EQ(far.p2f.NMODES, 12);
@@ -129,7 +129,7 @@ TEST(Wall, EqualsTheBodyAndItsMirrorImage) {
     Pot pot = two_waves();
     pot.NBETA = 2;
     pot.BETA = "35 145";
-    Run pair;
+    Solved pair;
     run_pair(4, pot, pair);
     CaseFolder folder;
     prepare(folder, pot);
@@ -139,7 +139,7 @@ TEST(Wall, EqualsTheBodyAndItsMirrorImage) {
     gdf.replace(gdf.find(indices), indices.size(), "\n -1 0\n");
     folder.write("run.gdf", gdf);
     folder.solve();
-    Run wall;
+    Solved wall;
     folder.results(wall.p2f, wall.c);
     const double size = largest(wall.c);
     for (int t = 1; t <= 2; ++t) {
@@ -155,37 +155,43 @@ TEST(Wall, EqualsTheBodyAndItsMirrorImage) {
     }
 }
 
-// Exciting force of heave and surge by the total and the scattered potential, with the options of quadrature.
+// Exciting forces of surge and heave of a hemisphere of n x n panels a quarter.
+struct Forces {
+    std::complex<double> X[2];
+};
+struct Option {
+    const char *name;
+    int IQUAD, ILOG, IDIAG, ISCATT;
+};
+Forces forces(int n, const Option &option) {
+    Pot pot;
+    pot.PER = "1.2";
+    pot.IQUAD = option.IQUAD;
+    pot.ILOG = option.ILOG;
+    pot.IDIAG = option.IDIAG;
+    const std::string count = std::to_string(n);
+    Solved run;
+    run_barge("hemisphere --nu " + count + " --nv " + count, pot, run, "ISCATT=" + std::to_string(option.ISCATT) + "\n");
+    return {{run.c.X(1, 1, 1), run.c.X(3, 1, 1)}};
+}
+double distance(const Forces &a, const Forces &b) {
+    return std::max(std::abs(a.X[0] - b.X[0]) / std::abs(b.X[0]), std::abs(a.X[1] - b.X[1]) / std::abs(b.X[1]));
+}
+
 TEST(Options, AgreeWithinTheDiscretisationErrorWhichFallsWithTheMesh) {
-    struct Option {
-        const char *name;
-        int IQUAD, ILOG, IDIAG, ISCATT;
-    };
-    const Option options[] = {{"ISCATT", 0, 0, 0, 1}, {"IQUAD", 1, 0, 0, 0}, {"ILOG", 0, 1, 0, 0},
-                              {"IDIAG", 0, 0, 1, 0},  {"all", 1, 1, 1, 1}};
-    for (const Option &option : options) {
+    const Option plain{"plain", 0, 0, 0, 0};
+    // The limit of the mesh, from two fine ones: the error goes with the square of the panel size.
+    const Forces fine = forces(20, plain), finest = forces(40, plain);
+    const Forces limit{{finest.X[0] + (finest.X[0] - fine.X[0]) / 3.0, finest.X[1] + (finest.X[1] - fine.X[1]) / 3.0}};
+    const double error = distance(forces(6, plain), limit);
+    EXPECT_LT(error, 0.02);
+    for (const Option &option : {Option{"ISCATT", 0, 0, 0, 1}, Option{"IQUAD", 1, 0, 0, 0}, Option{"ILOG", 0, 1, 0, 0},
+                                 Option{"IDIAG", 0, 0, 1, 0}, Option{"all", 1, 1, 1, 1}}) {
         SCOPED_TRACE(option.name);
-        double difference[2] = {0, 0};
-        for (int level = 0; level < 2; ++level) {
-            const int n = level == 0 ? 6 : 12;
-            const std::string mesh = "hemisphere --nu " + std::to_string(n) + " --nv " + std::to_string(n);
-            Run plain, other;
-            Pot pot;
-            pot.PER = "1.2";
-            run_barge(mesh, pot, plain);
-            pot.IQUAD = option.IQUAD;
-            pot.ILOG = option.ILOG;
-            pot.IDIAG = option.IDIAG;
-            run_barge(mesh, pot, other, "ISCATT=" + std::to_string(option.ISCATT) + "\n");
-            for (int i : {1, 3})
-                difference[level] =
-                    std::max(difference[level], static_cast<double>(std::abs(plain.c.X(i, 1, 1) - other.c.X(i, 1, 1)) /
-                                                                    std::abs(plain.c.X(i, 1, 1))));
-        }
-        EXPECT_LT(difference[0], 0.05);
-        // An option may change less than single precision resolves; else its effect goes with the mesh.
-        EXPECT_TRUE(difference[1] < 0.6 * difference[0] || difference[1] < 2e-5)
-            << difference[0] << " " << difference[1];
+        const double coarse = distance(forces(6, option), limit), finer = distance(forces(12, option), limit);
+        EXPECT_LT(coarse, 3 * error);
+        EXPECT_GT(coarse / finer, 3);
+        EXPECT_LT(coarse / finer, 6);
     }
 }
 
@@ -209,7 +215,7 @@ TEST(Threads, OneAndTwoGiveTheSameBytes) {
             bytes[k].erase(start, end - start);
         }
         EXPECT_TRUE(bytes[0] == bytes[1]);
-        EXPECT_GT(bytes[0].size(), 100000u);
+        EXPECT_GT(bytes[0].size(), 50000u);
     }
 }
 

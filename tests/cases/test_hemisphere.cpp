@@ -42,18 +42,27 @@ TEST(Hemisphere, AgreesWithPublishedValuesAndConverges) {
     }
 }
 
+// Damping over the energy flux of the radiated waves, less 1. Axisymmetric: heave K |X|^2 / 2, surge K |X|^2 / 4.
+double energy_defect(const P2fFile &p2f, const Coefficients &c, int mode, int t) {
+    const double flux =
+        static_cast<double>(p2f.WVNH(t)) * std::norm(std::complex<double>(c.X(mode, 1, t))) / (mode == 3 ? 2 : 4);
+    return static_cast<double>(c.B(mode, mode, t)) / flux - 1;
+}
+
 TEST(Hemisphere, DampingIsTheEnergyOfTheRadiatedWaves) {
     P2fFile p2f;
-    Coefficients c;
+    Coefficients c, finer;
     run_hemisphere(16, p2f, c);
     for (int t = 1; t <= 8; ++t) {
-        const double K = static_cast<double>(p2f.WVNH(t));
-        // Axisymmetric: heave B = K |X|^2 / 2, surge (directivity cos) B = K |X|^2 / 4.
-        const double heave = K * std::norm(std::complex<double>(c.X(3, 1, t))) / 2;
-        const double surge = K * std::norm(std::complex<double>(c.X(1, 1, t))) / 4;
-        EXPECT_NEAR(static_cast<double>(c.B(3, 3, t)) / heave, 1, 0.01) << "K " << K;
-        EXPECT_NEAR(static_cast<double>(c.B(1, 1, t)) / surge, 1, 0.01) << "K " << K;
+        EXPECT_LT(std::abs(energy_defect(p2f, c, 3, t)), 0.01) << "heave, Ka " << HULME[t - 1].Ka;
+        if (t < 8) {
+            EXPECT_LT(std::abs(energy_defect(p2f, c, 1, t)), 0.01) << "surge, Ka " << HULME[t - 1].Ka;
+        }
     }
+    // Surge at Ka = 4 stands beside the first irregular frequency of its class (about 3.9), where only the mesh helps.
+    run_hemisphere(32, p2f, finer);
+    EXPECT_GT(std::abs(energy_defect(p2f, c, 1, 8) / energy_defect(p2f, finer, 1, 8)), 3);
+    EXPECT_LT(std::abs(energy_defect(p2f, finer, 1, 8)), 0.01);
 }
 
 } // namespace
