@@ -28,3 +28,11 @@ endif()
 
 add_test(NAME layout.includes_go_one_way COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_includes.sh)
 add_test(NAME layout.glossary_is_current COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/scripts/glossary --check)
+
+# Each example runs and compares itself with what its README promises.
+file(GLOB examples CONFIGURE_DEPENDS examples/*/run)
+foreach(script ${examples})
+  get_filename_component(folder ${script} DIRECTORY)
+  get_filename_component(name ${folder} NAME)
+  add_test(NAME examples.${name} COMMAND ${script} ${CMAKE_CURRENT_BINARY_DIR})
+endforeach()

@@ -1,0 +1,235 @@
+// Truth: what a user must find after a run that fails, or that ends early by intent: the message, an orderly end, no
+// result file and nothing else left behind.
+#include "case_folder.hpp"
+
+#include <unistd.h>
+
+namespace {
+
+constexpr const char *MESH = "hemisphere --nu 3 --nv 3";
+
+std::string replaced(std::string text, const std::string &what, const std::string &by) {
+    const std::size_t at = text.find(what);
+    EXPECT_NE(at, std::string::npos) << what;
+    return at == std::string::npos ? text : text.replace(at, what.size(), by);
+}
+
+// A fault made in a good run by changing a file.
+struct Fault {
+    const char *name;
+    const char *file;
+    const char *what; // text that is replaced; null: the file is removed
+    const char *by;
+    const char *message; // must stand in the list file; parts separated by | must all stand
+};
+void PrintTo(const Fault &fault, std::ostream *out) {
+    *out << fault.name;
+}
+
+class Faults : public testing::TestWithParam<Fault> {};
+
+TEST_P(Faults, AreToldAndLeaveNoResult) {
+    const Fault &fault = GetParam();
+    CaseFolder folder;
+    prepare(folder, Pot());
+    make_mesh(folder, MESH);
+    folder.write("run.p2f", "of an earlier run");
+    if (fault.what == nullptr)
+        std::filesystem::remove(folder.path() / fault.file);
+    else
+        folder.write(fault.file, replaced(folder.read(fault.file), fault.what, fault.by));
+    folder.solve();
+    const std::string list = folder.list();
+    std::istringstream messages(fault.message);
+    for (std::string part; std::getline(messages, part, '|');)
+        EXPECT_NE(list.find(part), std::string::npos) << part << "\n" << list;
+    EXPECT_EQ(list.find("run completed"), std::string::npos);
+    EXPECT_FALSE(folder.exists("run.p2f"));
+    for (const std::string &name : folder.files())
+        EXPECT_TRUE(name == "vorda.lis" || name == "config.vrd" || name == "fnames.vrd" || name == "run.gdf" ||
+                    name == "run.pot" || name == "stdout.txt" || name == "stderr.txt")
+            << name;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Runs, Faults,
+    testing::Values(
+        Fault{"no control file", "run.pot", nullptr, "", "Error opening POT file "},
+        Fault{"no geometry", "run.gdf", nullptr, "", "Error opening GDF file "},
+        Fault{"letters", "run.pot", "1 1 1 1 1 1", "1 1 one 1 1 1", "Error reading POT file, MODE indices line|line 8|one"},
+        Fault{"not a number", "run.gdf", " 9.80665", " nan", "Error reading GDF file, ULEN,GRAV line|nan"},
+        Fault{"infinite period", "run.pot", "\n1.0\n", "\ninf\n", "Error reading POT file, array of periods PER"},
+        Fault{"no panels", "run.gdf", "\n 9\n", "\n 0\n", "Error reading GDF file, NEQN line"},
+        Fault{"too many panels", "run.gdf", "\n 9\n", "\n 1000000\n",
+              "Error reading GDF file, vertices XVER of panel N=10"},
+        Fault{"panels without end", "run.gdf", "\n 9\n", "\n 2147483647\n", "RAM is not sufficient to read .gdf inputs"},
+        Fault{"extra panels", "run.gdf", "\n 9\n", "\n 4\n", "Error:  Extra data at end of geometric data file"},
+        Fault{"two faults", "run.pot", "0 0 0\n1 1\n", "2 2 0\n1 1\n",
+              " Value of IQUAD index is illegal | Value of ILOG index is illegal "},
+        Fault{"nothing to do", "run.pot", "0 0 0\n1 1\n", "0 0 0\n-1 -1\n", "Error return: both IRAD=-1 and IDIFF=-1"},
+        Fault{"finite depth", "run.pot", "0.0 0 0 0 0", "10.0 0 0 0 0", "Finite depth is not supported"},
+        Fault{"limit frequency", "run.pot", "\n1.0\n", "\n-1.0\n", "Zero and infinite frequencies are not supported"},
+        Fault{"default solver", "config.vrd", "ISOLVE=1", "NTRD=1",
+              "Iterative solution is not supported by this version: set ISOLVE=1 and MAXSCR to at least9"},
+        Fault{"small MAXSCR", "config.vrd", "MAXSCR=5000", "MAXSCR=5",
+              "Switched from direct solver to block-iterative solver|Iterative solution is not supported"},
+        Fault{"scratch files", "config.vrd", "MAXSCR", "IUSESCR=1\nMAXSCR", "set IUSESCR=0"},
+        Fault{"sources", "run.pot", "0 ISOR", "1 ISOR", "Sources and velocities are not supported"},
+        Fault{"lid", "run.pot", "0 IRR\n0.0 0 0 0 0\n0 0 0", "1 IRR\n0.0 0 0 0 0\n0 1 0",
+              "Irregular-frequency treatment and tanks are not supported"},
+        Fault{"tank", "run.pot", "0 IRR", "12 IRR", "Irregular-frequency treatment and tanks are not supported"},
+        Fault{"drift damping", "config.vrd", "MAXSCR", "IWADD=1\nMAXSCR", "Error reading the name of the FDF file from the console"}));
+
+TEST(Ends, SurfacePanelsNeedTheirLogarithm) {
+    // A flat plate in the free surface, wetted from below: normal up, no draft.
+    CaseFolder folder;
+    prepare(folder, Pot());
+    folder.write("run.gdf", "plate\n 1 9.80665\n 0 0\n 2\n 1 1 0 1 0 0 0 0 0 0 1 0\n 2 1 0 2 0 0 1 0 0 1 1 0\n");
+    folder.solve();
+    EXPECT_NE(folder.list().find(" ILOG=0 and panel NP in free surface, NP="), std::string::npos) << folder.list();
+    EXPECT_NE(folder.list().find(" Error in evaluating Rankine matrix"), std::string::npos);
+    EXPECT_FALSE(folder.exists("run.p2f"));
+}
+
+TEST(Ends, WithoutPeriodsTheHeadRecordsAreWritten) {
+    CaseFolder folder;
+    Pot pot;
+    pot.NPER = 0;
+    pot.PER = "";
+    pot.IDIFF = -1;
+    pot.NBETA = 0;
+    pot.BETA = "";
+    prepare(folder, pot);
+    make_mesh(folder, MESH);
+    folder.solve();
+    P2fFile p2f;
+    Coefficients c;
+    folder.results(p2f, c);
+    EXPECT_EQ(p2f.NPER, 0);
+    EXPECT_EQ(p2f.NBETA, 0);
+    EXPECT_NE(folder.list().find(" VORDA module run completed"), std::string::npos);
+}
+
+TEST(Ends, OneProblemAloneIsSolvedAsInTheWholeRun) {
+    for (const bool radiation : {true, false}) {
+        P2fFile both, one;
+        Coefficients c, d;
+        CaseFolder whole, part;
+        Pot pot;
+        prepare(whole, pot);
+        make_mesh(whole, MESH);
+        whole.solve();
+        whole.results(both, c);
+        (radiation ? pot.IDIFF : pot.IRAD) = -1;
+        prepare(part, pot);
+        make_mesh(part, MESH);
+        part.solve();
+        part.results(one, d);
+        if (radiation)
+            EXPECT_EQ(c.A(3, 3, 1), d.A(3, 3, 1));
+        else
+            EXPECT_EQ(c.X(3, 1, 1), d.X(3, 1, 1));
+        EXPECT_EQ(one.PHID.empty(), radiation);
+        EXPECT_EQ(one.PHIR.empty(), !radiation);
+        EXPECT_NE(part.list().find(radiation ? "      -1\n" : "               -1\n"), std::string::npos) << part.list();
+    }
+}
+
+TEST(Ends, AFirstPassLeavesThePreFile) {
+    CaseFolder folder;
+    prepare(folder, Pot(), "NEWMDS=2\n");
+    make_mesh(folder, MESH);
+    folder.solve();
+    EXPECT_NE(folder.list().find(" VORDA run 1 completed -- now run SHAPEX"), std::string::npos) << folder.list();
+    EXPECT_FALSE(folder.exists("run.p2f"));
+    std::istringstream pre(folder.read("run.pre"));
+    std::string line;
+    int lines = 0;
+    while (std::getline(pre, line)) {
+        ++lines;
+        if (lines > 2) {
+            EXPECT_EQ(line.size(), 134u) << line;
+        }
+    }
+    EXPECT_EQ(lines, 2 + 9);
+}
+
+TEST(Ends, LongNamesAndForeignLineEndsWork) {
+    CaseFolder folder;
+    prepare(folder, Pot());
+    make_mesh(folder, MESH, "a_rather_long_name_of_a_hull.gdf");
+    std::string pot = Pot().text();
+    for (std::size_t at = 0; (at = pot.find('\n', at)) != std::string::npos; at += 2)
+        pot.replace(at, 1, "\r\n");
+    folder.write("the_control_file_of_this_run.pot", replaced(pot, "0.0 0 0 0 0", "0.0D+00,3*0.0 0.D0"));
+    folder.write("fnames.vrd", "a_rather_long_name_of_a_hull.gdf\r\nthe_control_file_of_this_run.pot\r\n");
+    folder.solve();
+    EXPECT_TRUE(folder.exists("the_control_file_of_this_run.p2f")) << folder.list();
+    EXPECT_NE(folder.list().find("a_rather_long_name_of_a_hull.gdf"), std::string::npos);
+}
+
+TEST(Ends, AnOldReportIsKeptAsBackup) {
+    CaseFolder folder;
+    prepare(folder, Pot());
+    make_mesh(folder, MESH);
+    folder.write("vorda.lis", "old");
+    folder.write("vorda.lis.bak", "older");
+    folder.solve();
+    EXPECT_EQ(folder.read("vorda.lis.bak"), "old");
+    EXPECT_TRUE(folder.exists("run.p2f"));
+    folder.solve(); // the result of the run before is told of and replaced
+    EXPECT_NE(folder.list().find(" An old P2F file exists with the specified filename run.p2f"), std::string::npos);
+    EXPECT_TRUE(folder.exists("run.p2f"));
+}
+
+TEST(Ends, AFolderThatCannotBeWrittenIsToldOnTheConsole) {
+    CaseFolder folder;
+    EXPECT_EQ(folder.shell("dir=$PWD; cd /proc/self && vorda 2> $dir/told.txt"), 0);
+    EXPECT_NE(folder.read("told.txt").find("Error opening vorda.lis"), std::string::npos);
+}
+
+// A file system of a few pages, in which the hand-over file cannot end.
+class SmallDisk : public CaseFolder {
+public:
+    SmallDisk() { mounted = shell("mkdir small && mount -t tmpfs -o size=64k none small") == 0; }
+    ~SmallDisk() {
+        if (mounted)
+            shell("umount small");
+    }
+    bool mounted = false;
+};
+
+TEST(Ends, AFullDiskIsToldAndLeavesNoPartOfAResult) {
+    SmallDisk folder;
+    if (!folder.mounted)
+        GTEST_SKIP() << "a small file system cannot be mounted here";
+    Pot pot;
+    pot.NPER = 40;
+    pot.PER = "40*1.0";
+    prepare(folder, pot);
+    make_mesh(folder, "hemisphere --nu 4 --nv 4");
+    folder.shell("mv run.* *.vrd small && cd small && vorda && ls > ../left.txt && cp vorda.lis ..");
+    EXPECT_NE(folder.list().find("No space left on device"), std::string::npos) << folder.list();
+    EXPECT_EQ(folder.read("left.txt"), "config.vrd\nfnames.vrd\nrun.gdf\nrun.pot\nvorda.lis\n");
+}
+
+TEST(Tools, RefuseWhatIsNoHandOverFile) {
+    CaseFolder folder;
+    prepare(folder, Pot());
+    make_mesh(folder, MESH);
+    folder.solve();
+    EXPECT_EQ(folder.shell("vorda-p2f info run.p2f"), 0);
+    EXPECT_NE(folder.read("stdout.txt").find("Bodies 1, panels 9"), std::string::npos);
+    EXPECT_EQ(folder.shell("vorda-p2f coef --csv --density 1025 run.p2f"), 0);
+    EXPECT_NE(folder.read("stdout.txt").find("radiation,"), std::string::npos);
+    folder.write("short.p2f", folder.read("run.p2f").substr(0, 3000));
+    EXPECT_EQ(folder.shell("vorda-p2f info short.p2f"), 1);
+    EXPECT_NE(folder.read("stderr.txt").find("short.p2f: record"), std::string::npos);
+    EXPECT_EQ(folder.shell("vorda-p2f info run.gdf"), 1);
+    EXPECT_NE(folder.read("stderr.txt").find("no hand-over file"), std::string::npos);
+    EXPECT_EQ(folder.shell("vorda-p2f info none.p2f"), 1);
+    EXPECT_NE(folder.shell("vorda-mesh box --nu 0 -o x.gdf"), 0);
+    EXPECT_EQ(folder.shell("vorda-mesh box -o no/such/folder.gdf"), 1);
+}
+
+} // namespace
