@@ -76,8 +76,8 @@ bool GreenWork::alloc(int n) {
     return method.alloc(n) && sorted.alloc(n);
 }
 
-void VGRN98(const GreenPoints &points, f32 H, const GSTATE &, GreenOrder order, GreenWork &work,
-            const GreenArrays &result) {
+void VGRN98(const GreenPoints &points, [[maybe_unused]] f32 H, const GSTATE &, GreenOrder order,
+            GreenWork &work, const GreenArrays &result) {
     assert(H <= 0);
     const int n = points.n;
     if (n < 1)
@@ -107,8 +107,8 @@ void VGRN98(const GreenPoints &points, f32 H, const GSTATE &, GreenOrder order, 
     }
 }
 
-void VGRN1P(f32 R, f32 Z, f32 ZETA, f32 H, const GSTATE &, int ISNG, [[maybe_unused]] int IBOT,
-            f32 (&record)[16]) {
+void VGRN1P(f32 R, f32 Z, f32 ZETA, [[maybe_unused]] f32 H, const GSTATE &, int ISNG,
+            [[maybe_unused]] int IBOT, f32 (&record)[16]) {
     assert(H <= 0);
     GreenBlock block;
     for (int k = 0; k < GREEN_LANES; ++k)

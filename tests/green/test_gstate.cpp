@@ -14,6 +14,10 @@ constexpr double ROOT_TOLERANCE =
     3e-7; // a few roundings of single precision: measured 1.9e-7, 2.3e-7 for the mu
 constexpr double C_TOLERANCE = 4e-7; // measured 2.6e-7
 
+// Of values up to 2 pi. The published fits themselves are good to 1.03e-6 (J0, x <= 3) and 1.5e-7 (x > 3);
+// rounding of the folded coefficients adds as much: measured 1.70e-6 and 3.9e-7.
+constexpr double FIT_NEAR = 2e-6, FIT_FAR = 5e-7;
+
 std::vector<f32> depths() {
     std::vector<f32> list;
     for (int i = 0; i <= 2000; ++i)
@@ -111,7 +115,8 @@ TEST(Hgrn98, ScaledBesselPolynomials) {
         GSTATE state;
         f32 ratio = 0;
         ASSERT_EQ(HGRN98(H, ratio, state), 0);
-        const double k = ratio, C = state.CFOUR / 4.0, tolerance = 6e-7 * C * std::max(1.0, k);
+        const double k = ratio, C = state.CFOUR / 4.0;
+        double tolerance = FIT_NEAR * C * std::max(1.0, k);
         for (int i = 1; i <= 40; ++i) {
             const double x = 3.0 * i / 40, R = x / k, R2 = R * R, lg = 2 / PI_D * std::log(x);
             const double j0 = 2 * PI_D * C * ::j0(x), j1 = 2 * PI_D * C * k * ::j1(x);
@@ -123,6 +128,7 @@ TEST(Hgrn98, ScaledBesselPolynomials) {
                         tolerance)
                 << H << " " << x;
         }
+        tolerance = FIT_FAR * C * std::max(1.0, k);
         for (int i = 1; i <= 40; ++i) {
             const double x = 3 / (i / 40.0), R = x / k, v = 1 / (R * R), chi = x - PI_D / 4;
             const double P0 = polynomial(state.QP0, v), Q0 = polynomial(state.QQ0, v) / R;

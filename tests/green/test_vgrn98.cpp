@@ -136,14 +136,15 @@ TEST(Vgrn98, SampleValues) {
         f32 record[16];
         VGRN1P(s.X, s.Y, 0, -1, GSTATE{}, 2, 0, record);
         EXPECT_NEAR(record[0], s.F, 4e-7) << s.X << " " << s.Y;
-        if (s.im < NONE)
+        if (s.im < NONE) {
             EXPECT_NEAR(record[1], s.im, 6e-7) << s.X << " " << s.Y;
+        }
     }
 }
 
 // A point in every box, with every selector.
 TEST(Vgrn98, DerivativesAreDifferencesOfTheDefinition) {
-    constexpr double TOLERANCE = 1.6e-6; // measured 1.2e-6, the slope of the table in row 47
+    constexpr double TOLERANCE = 1e-6; // measured 8e-7
     const F2Definition F2;
     Points points;
     for (const f32 R : {0.08f, 0.6f, 1.9f, 2.97f, 3.03f, 3.4f, 4.3f, 6.1f, 11.0f, 40.0f}) {
@@ -204,16 +205,18 @@ TEST(Vgrn98, RandomPointsMeetTheDefinition) {
 
 // The borders of the boxes from both sides: the values differ by what the function changes by, no more.
 TEST(Vgrn98, NoStepAtTheBordersOfTheBoxes) {
-    constexpr double STEP = 2.5e-6; // two errors of table and rounding, of values up to about 6
+    // Table and rounding on one side of a border: docs/numerics.md, worst row 41; values go up to 6.
+    const auto allowed = [](f32 value) { return 9e-7 + 4e-7 * std::abs(value); };
     const F2Definition F2;
     const auto compare = [&](f32 R, f32 Y, f32 R2, f32 Y2, int ISNG) {
         f32 a[16], b[16];
         VGRN1P(R, Y, 0, -1, GSTATE{}, ISNG, 0, a);
         VGRN1P(R2, Y2, 0, -1, GSTATE{}, ISNG, 0, b);
         for (int j = 0; j < 16; ++j)
-            EXPECT_NEAR(a[j], b[j], STEP) << j << " at " << R << " " << Y << " ISNG " << ISNG;
-        EXPECT_NEAR(a[0], exact_G(F2, R, Y, 0, ISNG).real(), STEP / 2);
-        EXPECT_NEAR(b[0], exact_G(F2, R2, Y2, 0, ISNG).real(), STEP / 2);
+            EXPECT_NEAR(a[j], b[j], 2 * allowed(a[j])) << j << " at " << R << " " << Y << " ISNG " << ISNG;
+        EXPECT_NEAR(a[0], exact_G(F2, R, Y, 0, ISNG).real(), allowed(a[0])) << R << " " << Y << " " << ISNG;
+        EXPECT_NEAR(b[0], exact_G(F2, R2, Y2, 0, ISNG).real(), allowed(b[0]))
+            << R2 << " " << Y2 << " " << ISNG;
     };
     for (const f32 border : {3.0f, 3.75f, 5.0f, 7.5f, 15.0f}) {
         for (const f32 Y : {0.4f, 1.4f, 2.4f, 3.4f, 4.4f, 7.4f, 13.0f, 40.0f}) {
@@ -263,7 +266,7 @@ TEST(Vgrn98, CoincidentPoints) {
     EXPECT_NEAR(record[0], -Q0, 1e-5);
     // The logarithm is asked for far away too.
     VGRN1P(0, 50, 50, -1, GSTATE{}, 1, 0, record);
-    EXPECT_NEAR(record[0], -2 * std::exp(-100.0) * std::expint(100.0) + 0.01, 1e-9);
+    EXPECT_NEAR(record[0], -2 * std::exp(-100.0) * std::expint(100.0) + 0.01, 1e-7);
 }
 
 // A point has one result, wherever it stands and whoever its neighbours are; VGRN1P and the first-order call
@@ -289,8 +292,10 @@ TEST(Vgrn98, ResultDependsOnThePointAlone) {
             ASSERT_EQ(std::memcmp(&a.arrays.re[j][o], &b.arrays.re[j][i], sizeof(f32)), 0) << j << " " << o;
             ASSERT_EQ(std::memcmp(&a.arrays.im[j][o], &b.arrays.im[j][i], sizeof(f32)), 0) << j << " " << o;
             if (ORDER[j] < 2) {
-                ASSERT_NEAR(a.arrays.re[j][o], first.arrays.re[j][o],
-                            1e-6 * std::abs(a.arrays.re[j][o]) + 1e-6);
+                ASSERT_EQ(std::memcmp(&a.arrays.re[j][o], &first.arrays.re[j][o], sizeof(f32)), 0)
+                    << j << " " << o;
+                ASSERT_EQ(std::memcmp(&a.arrays.im[j][o], &first.arrays.im[j][o], sizeof(f32)), 0)
+                    << j << " " << o;
             } else {
                 ASSERT_EQ(first.arrays.re[j][o], -77.0f) << "a value not asked for was written";
             }
