@@ -19,7 +19,9 @@ foreach(folder base run input results geometry freesurface rankine green assembl
     target_link_libraries(test_${folder} PRIVATE vorda_support vorda_post GTest::gtest_main)
     target_compile_definitions(test_${folder} PRIVATE VORDA_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}"
                                VORDA_BINARY_DIR="${CMAKE_CURRENT_BINARY_DIR}")
-    gtest_discover_tests(test_${folder} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+    # A refused allocation is to come back as a null pointer under the sanitizers, too.
+    gtest_discover_tests(test_${folder} DISCOVERY_TIMEOUT 60
+                         PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
   endif()
 endforeach()
 if(TARGET test_cases)
