@@ -68,7 +68,8 @@ constexpr int ORDER[8] = {0, 1, 1, 2, 2, 2, 1, 2};
 double scale_of(int value, double R, double z, double zeta, int ISNG) {
     const double r = std::hypot(R, z - zeta), r1 = std::hypot(R, z + zeta);
     const int m = ORDER[value];
-    double scale = 1 + (m == 0 ? std::abs(std::log(r1)) : std::pow(r1, -m));
+    const int power = ISNG == 3 && R <= 3 && z + zeta < 4 ? m - 1 : m; // no 1/r1 where the logarithm is out
+    double scale = 1 + (power <= 0 ? std::abs(std::log(r1)) : std::pow(r1, -power));
     if (ISNG < 2)
         scale += std::pow(r1, -m - 1);
     if (ISNG == 0)
