@@ -1,0 +1,171 @@
+// Mirrored panels and waterline panels. Truth: the definition of an image, and wet sides looked up by hand on
+// panels with every choice of vertices in the surface.
+#include "freesurface/mirror.hpp"
+#include "freesurface/waterline.hpp"
+#include "geometry/dipoles.hpp"
+#include "run_folder.hpp"
+
+namespace {
+
+// Panels with x = number of the vertex + 10 p, y = 1, z as given.
+Array<f32, 3> panels(int n) {
+    Array<f32, 3> XVER;
+    EXPECT_TRUE(XVER.alloc(4, 3, n));
+    for (int p = 1; p <= n; ++p)
+        for (int v = 1; v <= 4; ++v) {
+            XVER(v, 1, p) = static_cast<f32>(10 * p + v);
+            XVER(v, 2, p) = static_cast<f32>(100 * p + v);
+            XVER(v, 3, p) = static_cast<f32>(-v);
+        }
+    return XVER;
+}
+
+TEST(XVGROW, keeps_what_is_there) {
+    const RunFolder folder;
+    Array<f32, 3> XVER = panels(2);
+    ASSERT_EQ(XVGROW(5, XVER), Status::ok);
+    EXPECT_EQ(XVER.dim(3), 5);
+    EXPECT_EQ(XVER(4, 2, 2), 204);
+    EXPECT_EQ(XVER(4, 2, 5), 0);
+    ASSERT_EQ(XVGROW(3, XVER), Status::ok);
+    EXPECT_EQ(XVER.dim(3), 5);
+    Array<f32, 3> none;
+    ASSERT_EQ(XVGROW(2, none), Status::ok);
+    EXPECT_EQ(none.dim(3), 2);
+    EXPECT_EQ(XVGROW(std::int64_t{1} << 50, none), Status::failed);
+    EXPECT_TRUE(folder.told("Insufficient memory to allocate XVER array"));
+    EXPECT_EQ(none.dim(3), 2);
+}
+
+TEST(REFLEC, images_stand_behind_their_originals) {
+    const RunFolder folder;
+    Array<f32, 3> XVER = panels(3);
+    int NP = 2;
+    int ISX = -2;
+    int ISY = 1;
+    ASSERT_EQ(REFLEC(2, NP, ISX, ISY, XVER), Status::ok);
+    EXPECT_EQ(NP, 8);
+    EXPECT_EQ(ISX, -1);
+    EXPECT_EQ(ISY, 0);
+    const int order[5] = {0, 2, 1, 4, 3};
+    // Panels 2, 3, then their images in x = 0, then those of all four in y = 0.
+    for (int k = 0; k < 8; ++k) {
+        const int source = 2 + k % 2;
+        const bool in_x = k / 2 % 2 == 1;
+        const bool in_y = k / 4 == 1;
+        for (int v = 1; v <= 4; ++v) {
+            const int w = in_x != in_y ? order[v] : v; // two reversals restore the order
+            EXPECT_EQ(XVER(v, 1, 2 + k), (in_x ? -1 : 1) * (10 * source + w));
+            EXPECT_EQ(XVER(v, 2, 2 + k), (in_y ? -1 : 1) * (100 * source + w));
+            EXPECT_EQ(XVER(v, 3, 2 + k), -w);
+        }
+    }
+}
+
+TEST(REFLEC, leaves_other_indices_alone) {
+    const RunFolder folder;
+    for (const int index : {0, -1, 2, -3}) {
+        Array<f32, 3> XVER = panels(1);
+        int NP = 1, ISX = index, ISY = index;
+        ASSERT_EQ(REFLEC(1, NP, ISX, ISY, XVER), Status::ok);
+        EXPECT_EQ(NP, 1);
+        EXPECT_EQ(ISX, index);
+        EXPECT_EQ(ISY, index);
+    }
+}
+
+TEST(REFLEC, refuses_more_panels_than_can_be_counted) {
+    const RunFolder folder;
+    Array<f32, 3> XVER = panels(1);
+    int NP = 2000000000, ISX = 1, ISY = 0;
+    EXPECT_EQ(REFLEC(1, NP, ISX, ISY, XVER), Status::failed);
+    EXPECT_TRUE(folder.told("RAM too small for reflected panels"));
+}
+
+// Panels in a run of `wet` vertices (bits 1, 2, 4, 8 for 1..4); vertex `twin` lies where vertex `of` lies.
+struct Wet {
+    const char *label;
+    int wet;
+    int twin, of;
+    int side; // 0: no waterline panel; -1: refused
+};
+void PrintTo(const Wet &row, std::ostream *out) {
+    *out << row.label;
+}
+class WetSide : public testing::TestWithParam<Wet> {};
+TEST_P(WetSide, is_found) {
+    const RunFolder folder;
+    const Wet &row = GetParam();
+    constexpr f32 ZB = -0.5f; // the surface is at z = 0.5 in body axes
+    Array<f32, 3> XVER = panels(2);
+    for (int v = 1; v <= 4; ++v)
+        XVER(v, 3, 2) = (row.wet >> (v - 1) & 1) != 0 ? 0.5f + (v % 2 == 0 ? 9e-6f : -9e-6f) : 0.4999f;
+    if (row.twin != 0)
+        for (int c = 1; c <= 3; ++c)
+            XVER(row.twin, c, 2) = XVER(row.of, c, 2);
+    Array<int, 1> IWLP, IWLE;
+    ASSERT_TRUE(IWLP.alloc(2) && IWLE.alloc(2));
+    int NWLB = -1;
+    const Status status = WLFIND(XVER, ZB, IWLP, IWLE, NWLB);
+    EXPECT_EQ(status, row.side < 0 ? Status::failed : Status::ok);
+    ASSERT_EQ(NWLB, row.side > 0 ? 1 : 0) << folder.list_text();
+    if (row.side > 0) {
+        EXPECT_EQ(IWLP(1), 2);
+        EXPECT_EQ(IWLE(1), row.side);
+        const int next = row.side % 4 + 1;
+        EXPECT_NE(row.wet >> (row.side - 1) & 1, 0);
+        EXPECT_NE(row.wet >> (next - 1) & 1, 0);
+    }
+    EXPECT_EQ(folder.told("Error: Three vertices on the free surface of panel I= 2"), row.side < 0);
+    EXPECT_EQ(folder.told("Warning: Some panels have four vertices on the free surface"), row.wet == 15);
+}
+INSTANTIATE_TEST_SUITE_P(
+    rows, WetSide,
+    testing::Values(Wet{"dry", 0, 0, 0, 0}, Wet{"corner", 4, 0, 0, 0}, Wet{"side_12", 3, 0, 0, 1},
+                    Wet{"side_23", 6, 0, 0, 2}, Wet{"side_34", 12, 0, 0, 3}, Wet{"side_41", 9, 0, 0, 4},
+                    Wet{"lid", 15, 0, 0, 0}, Wet{"three_apart_1", 14, 0, 0, -1},
+                    Wet{"three_apart_4", 7, 0, 0, -1}, Wet{"twins_12_of_123", 7, 2, 1, 2},
+                    Wet{"twins_23_of_123", 7, 3, 2, 1}, Wet{"twins_12_of_124", 11, 2, 1, 4},
+                    Wet{"twins_41_of_124", 11, 4, 1, 1}, Wet{"twins_34_of_134", 13, 4, 3, 4},
+                    Wet{"twins_41_of_134", 13, 4, 1, 3}, Wet{"twins_23_of_234", 14, 3, 2, 3},
+                    Wet{"twins_34_of_234", 14, 4, 3, 2}),
+    [](const auto &row) { return std::string(row.param.label); });
+
+TEST(Dipoles, growing_keeps_entries_and_adds_ordinary_panels) {
+    const RunFolder folder;
+    Dipoles dipoles;
+    ASSERT_EQ(DIPGRW(10, dipoles), Status::ok);
+    dipoles.IDIP(10) = 3;
+    dipoles.DTHK(10) = 0.5f;
+    ASSERT_EQ(DIPGRW(15, dipoles), Status::ok);
+    EXPECT_EQ(dipoles.IDIP.dim(1), 15);
+    EXPECT_EQ(dipoles.IDIP(10), 3);
+    EXPECT_EQ(dipoles.DTHK(10), 0.5f);
+    for (int i = 11; i <= 15; ++i)
+        EXPECT_EQ(dipoles.IDIP(i), 0);
+    ASSERT_EQ(DIPGRW(3, dipoles), Status::ok);
+    EXPECT_EQ(dipoles.DPORB.dim(1), 15);
+    EXPECT_EQ(DIPGRW(std::int64_t{1} << 50, dipoles), Status::failed);
+    EXPECT_TRUE(folder.told("Insufficient memory to allocate arraies for dipole difination"));
+}
+
+TEST(Dipoles, step_is_an_eighth_of_the_panel) {
+    const RunFolder folder;
+    Dipoles dipoles;
+    ASSERT_EQ(DIPGRW(3, dipoles), Status::ok);
+    dipoles.IDIP(2) = 1;
+    Array<f32, 1> area;
+    Array<int, 1> IFSP;
+    ASSERT_TRUE(area.alloc(3) && IFSP.alloc(3));
+    area.fill(4);
+    IFSP(3) = 1; // an ordinary panel may lie in the surface
+    ASSERT_EQ(INIT_DIPOLE(3, area, IFSP, dipoles), Status::ok);
+    EXPECT_EQ(dipoles.DEPS(1), 0);
+    EXPECT_EQ(dipoles.DEPS(2), 0.25f);
+    EXPECT_EQ(dipoles.DEPS(3), 0);
+    IFSP(2) = -1;
+    EXPECT_EQ(INIT_DIPOLE(3, area, IFSP, dipoles), Status::failed);
+    EXPECT_TRUE(folder.told("Dipole not allowed on the free surface!"));
+}
+
+} // namespace

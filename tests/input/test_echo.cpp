@@ -1,0 +1,183 @@
+// The echo of the input, block sizes and the two passes of an extra-mode analysis. Truth: the lines as the
+// format tells them, and block sizes counted by hand.
+#include "input_files.hpp"
+
+#include "input/echo.hpp"
+
+namespace {
+
+std::string joined(const std::vector<std::string> &lines) {
+    std::string text;
+    for (const std::string &line : lines)
+        text += line + "\n";
+    return text;
+}
+std::string title(const std::string &text) {
+    return " " + text + std::string(72 - text.size(), ' ') + "\n \n";
+}
+
+TEST(Echo, of_one_body) {
+    const InputRun in(good_files());
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const std::string wanted = " Input from Geometric Data File:         box.gdf             \n" +
+                               title("Side and bottom") +
+                               " Input from Potential Control File:      box.pot             \n" +
+                               title("Control of a test") + " \n";
+    EXPECT_EQ(joined(in.run.HDRSCR), wanted);
+    EXPECT_TRUE(in.folder.list_has(wanted));
+    EXPECT_EQ(in.run.bodies.NBODY, 1);
+    EXPECT_EQ(in.run.bodies.NMODES, 6);
+    EXPECT_EQ(in.run.opt.IMDRUN, 0);
+}
+
+TEST(Echo, of_two_bodies_and_long_names) {
+    const std::string name = "a_body_file_with_a_long_name.gdf";
+    InputFiles files = good_bodies();
+    files[name] = files["a.gdf"];
+    files["box.gdf"] = with_line(GOOD_GLOBAL, 4, "  " + name + " comment");
+    files["b.gdf"] = with_line(GOOD_GDF, 1, std::string(80, 'x'));
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const std::string wanted =
+        " NBODY data from Global GDF    :         box.gdf             \n" + title("Two bodies") +
+        " Input from Geometric Data Files:         \n" + "                               N=  1     " + name +
+        "\n" + title("Side and bottom") + "                               N=  2     b.gdf               \n" +
+        title(std::string(72, 'x')) + " Input from Potential Control File:      box.pot             \n" +
+        title("Control of a test") + " \n";
+    EXPECT_EQ(joined(in.run.HDRSCR), wanted);
+    EXPECT_TRUE(in.folder.list_has(wanted));
+}
+
+struct Blocks {
+    int ISOLVE, NEQN;
+    int NBLKSZ, NBLKLS, blocks;
+    const char *warning;
+};
+void PrintTo(const Blocks &row, std::ostream *out) {
+    *out << row.ISOLVE << " blocks for " << row.NEQN;
+}
+class BlockSizes : public testing::TestWithParam<Blocks> {};
+TEST_P(BlockSizes, cover_the_matrix) {
+    const RunFolder folder;
+    const Blocks &row = GetParam();
+    int NBLKSZ = 0;
+    int NBLKLS = 0;
+    int ISOLVE = row.ISOLVE;
+    BLKSIZ(row.NEQN, NBLKSZ, NBLKLS, ISOLVE);
+    EXPECT_EQ(NBLKSZ, row.NBLKSZ);
+    EXPECT_EQ(NBLKLS, row.NBLKLS);
+    EXPECT_EQ(ISOLVE, row.blocks);
+    if (ISOLVE > 1) {
+        EXPECT_EQ(NBLKSZ * (ISOLVE - 1) + NBLKLS, row.NEQN);
+    }
+    EXPECT_EQ(folder.list_has("WARNING"), row.warning != nullptr) << folder.list_text();
+    EXPECT_TRUE(row.warning == nullptr || folder.told(row.warning)) << folder.list_text();
+}
+INSTANTIATE_TEST_SUITE_P(
+    rows, BlockSizes,
+    testing::Values(Blocks{3, 2500, 834, 832, 3, nullptr}, Blocks{7, 20, 3, 2, 7, nullptr},
+                    Blocks{6, 20, 4, 4, 5, "WARNING: Number of blocks is reset to 5"},
+                    Blocks{2000, 1500, 1, 0, 0, "WARNING: Block size = 1 ; ISOLVE is reset to ="},
+                    Blocks{2, 1, 1, 0, 0, "WARNING: Block size = 1 ; ISOLVE is reset to ="},
+                    Blocks{1, 9, 9, 0, 1, "WARNING: Block size = NEQN ; ISOLVE is reset to =1"},
+                    Blocks{2147483647, 9, 1, 0, 0, "WARNING: Block size = 1 ; ISOLVE is reset to ="}));
+
+TEST(Solver, falls_back_to_blocks_when_the_matrix_is_too_large) {
+    InputRun in(good_files());
+    RunState &run = in.run;
+    for (const bool drift : {false, true}) {
+        run.mesh.NEQN = 2500;
+        run.opt.MAXSCR = 1000;
+        run.opt.ISOLVE = 1;
+        run.opt.NBLKSZ = 0;
+        run.opt.IWADD = drift ? 1 : 0;
+        run.bodies.NBODY = 0;
+        ASSERT_EQ(INECHO(run), Status::ok);
+        EXPECT_EQ(run.opt.ISOLVE, drift ? 1 : 3);
+        EXPECT_EQ(run.opt.NBLKSZ, drift ? 0 : 834);
+    }
+    EXPECT_TRUE(in.folder.told("Switched from direct solver to block-iterative solver"));
+    EXPECT_TRUE(in.folder.told("Because matrix is too large"));
+}
+
+TEST(ExtraModes, first_pass_begins_the_pre_file) {
+    InputFiles files = good_files();
+    files["config.vrd"] = "NEWMDS=2\n";
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    EXPECT_EQ(in.run.opt.IMDRUN, -1);
+    EXPECT_EQ(in.run.bodies.NEWMDS(1), -2);
+    EXPECT_EQ(in.run.bodies.NMODES, 8);
+    EXPECT_EQ(in.run.files.FILNAM(5), "box.pre");
+    const std::string pre = in.folder.read("box.pre");
+    EXPECT_EQ(pre.substr(0, 50), " SHAPEX Input,  Filename: box.pre                 ");
+    const std::size_t end = pre.find('\n');
+    EXPECT_EQ(end, 50u + 11 + 2 + 8); // date, two blanks, time
+    EXPECT_EQ(pre.substr(end + 1), "       0       0       2       8\n");
+    EXPECT_TRUE(in.folder.list_has(pre.substr(0, end + 1) + " \n"));
+    EXPECT_EQ(joined(in.run.HDRSCR).find("SHAPEX"), std::string::npos);
+}
+
+TEST(ExtraModes, second_pass_names_the_mod_file) {
+    InputFiles files = good_files();
+    files["config.vrd"] = "NEWMDS=2\n";
+    files["box.mod"] = "first title\nsecond title\n";
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    EXPECT_EQ(in.run.opt.IMDRUN, 1);
+    EXPECT_EQ(in.run.bodies.NEWMDS(1), 2);
+    EXPECT_EQ(in.run.files.FILNAM(5), "box.mod");
+    EXPECT_FALSE(in.folder.exists("box.pre"));
+    const std::string titles = title("first title"); // without its empty line
+    EXPECT_NE(joined(in.run.HDRSCR)
+                  .find(" Input from Extra Mode MOD File:         box.mod             \n" +
+                        titles.substr(0, titles.size() - 2) + title("second title")),
+              std::string::npos)
+        << joined(in.run.HDRSCR);
+}
+
+// Body 1 has a MOD file, bodies 2 and 3 have not: a first pass for those, and the titles stay with their
+// bodies.
+TEST(ExtraModes, one_body_without_a_mod_file_makes_a_first_pass) {
+    InputFiles files = good_bodies();
+    files["config.vrd"] = "NEWMDS(1)=1\nNEWMDS(2)=1\n";
+    files["box.gdf"] = with_line(GOOD_GLOBAL, 3, " 3") + "c.gdf\n 0 30 0 0\n 0 0\n 0 1 0 0 0 0\n";
+    files["c.gdf"] = with_line(GOOD_GDF, 1, "Third body");
+    files["a.mod"] = "first title\nsecond title\n";
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    EXPECT_EQ(in.run.opt.IMDRUN, -1);
+    EXPECT_EQ(in.run.bodies.NEWMDS(1), 1);
+    EXPECT_EQ(in.run.bodies.NEWMDS(2), -1);
+    EXPECT_EQ(in.run.files.FILNAM(5), "a.mod");
+    EXPECT_EQ(in.run.files.FILNAM(6), "b.pre");
+    EXPECT_EQ(in.run.bodies.NMODES, 20);
+    EXPECT_FALSE(in.folder.exists("a.pre"));
+    EXPECT_TRUE(in.folder.list_has("N=  3     c.gdf               \n" + title("Third body")));
+}
+
+TEST(ExtraModes, faults) {
+    struct Row {
+        const char *names;
+        const char *mod;
+        const char *message;
+    };
+    const Row rows[] = {
+        {"box.gdf\nbox.pot\n", "one title\n", "Error reading MOD file, header lines of body N=1"},
+        {"box.mod\nbox.pot\n", nullptr, "The PRE or MOD file would replace the GDF file of body N=1"},
+        {"box.pre\nbox.pot\n", nullptr, "The PRE or MOD file would replace the GDF file of body N=1"}};
+    for (const Row &row : rows) {
+        InputFiles files = good_files();
+        files["config.vrd"] = "NEWMDS=1\n";
+        files["fnames.vrd"] = row.names;
+        files[std::string(row.names).substr(0, 7)] = GOOD_GDF;
+        if (row.mod != nullptr)
+            files["box.mod"] = row.mod;
+        const InputRun in(files);
+        EXPECT_EQ(in.status, Status::failed);
+        EXPECT_EQ(first_fault(), row.message);
+        EXPECT_EQ(in.folder.read(std::string(row.names).substr(0, 7)), GOOD_GDF);
+    }
+}
+
+} // namespace

@@ -1,0 +1,293 @@
+// Geometry files of one and several bodies. Truth: panel counts and positions of simple shapes, and the
+// direction of a panel's normal from the cross product of its diagonals in double precision.
+#include "input_files.hpp"
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+using Vector = std::array<double, 3>;
+
+// Centre of panel p and its normal, by its diagonals; the order 1, 2, 3, 4 is clockwise seen from the water.
+Vector centre(const Mesh &mesh, int p) {
+    Vector c{};
+    for (int d = 1; d <= 3; ++d)
+        for (int v = 1; v <= 4; ++v)
+            c[static_cast<std::size_t>(d - 1)] += 0.25 * mesh.XVER(v, d, p);
+    return c;
+}
+Vector normal(const Mesh &mesh, int p) {
+    const auto along = [&](int v, int w) {
+        return Vector{mesh.XVER(v, 1, p) - mesh.XVER(w, 1, p), mesh.XVER(v, 2, p) - mesh.XVER(w, 2, p),
+                      mesh.XVER(v, 3, p) - mesh.XVER(w, 3, p)};
+    };
+    const Vector a = along(3, 1), b = along(4, 2);
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+struct Mirror {
+    const char *label;
+    const char *symmetry; // ISX, ISY in the file
+    const char *place;    // XBODY
+    int panels;
+    int ISX, ISY; // after reading
+};
+void PrintTo(const Mirror &row, std::ostream *out) {
+    *out << row.label;
+}
+class SingleBody : public testing::TestWithParam<Mirror> {};
+TEST_P(SingleBody, is_mirrored_where_it_must_be) {
+    const Mirror &row = GetParam();
+    InputFiles files = good_files();
+    files["box.gdf"] = with_line(GOOD_GDF, 3, row.symmetry);
+    files["box.pot"] = with_line(GOOD_POT, 5, std::string(" 50. ") + row.place);
+    RunFolder folder;
+    for (const auto &[name, text] : files)
+        folder.write(name, text);
+    RunState run;
+    ASSERT_EQ(GETIP1(run), Status::ok) << folder.list_text();
+    EXPECT_EQ(run.mesh.NEQN, row.panels);
+    EXPECT_EQ(run.bodies.NEQNB(1), row.panels);
+    EXPECT_EQ(run.opt.ISX, row.ISX);
+    EXPECT_EQ(run.opt.ISY, row.ISY);
+    EXPECT_EQ(run.waterline.NWL, row.panels / 2);
+    EXPECT_EQ(run.waterline.IWLP.dim(1), row.panels / 2);
+    // The hull lies around the axis x = y = 0, so a normal that points into it turns towards the axis or
+    // upwards.
+    const Vector first = normal(run.mesh, 1), c1 = centre(run.mesh, 1);
+    const double sense = first[0] * c1[0] + first[1] * c1[1];
+    for (int p = 1; p <= row.panels; ++p) {
+        const Vector n = normal(run.mesh, p), c = centre(run.mesh, p);
+        const double now = n[0] * c[0] + n[1] * c[1];
+        EXPECT_GT(p % 2 == 1 ? sense * now : n[2] * normal(run.mesh, 2)[2], 0) << "panel " << p;
+    }
+}
+INSTANTIATE_TEST_SUITE_P(
+    rows, SingleBody,
+    testing::Values(
+        Mirror{"none", " 0 0", "3 4 0 30", 2, 0, 0}, Mirror{"walls", " -1 -1", "3 4 0 0", 2, -1, -1},
+        Mirror{"x_in_place", " 1 0", "0 4 0 0", 2, 1, 0}, Mirror{"x_off", " 1 0", "3 0 0 0", 4, 0, 0},
+        Mirror{"y_in_place", " 0 1", "3 0 0 0", 2, 0, 1}, Mirror{"y_off", " 0 1", "0 4 0 0", 4, 0, 0},
+        Mirror{"xy_in_place", " 1 1", "0 0 0 0", 2, 1, 1}, Mirror{"xy_off", " 1 1", "3 4 0 0", 8, 0, 0},
+        Mirror{"xy_off_y", " 1 1", "0 4 0 0", 4, 1, 0}, Mirror{"xy_off_x", " 1 1", "3 0 0 0", 4, 0, 1},
+        Mirror{"turned", " 1 1", "0 0 0 10", 8, 0, 0}, Mirror{"turned_y", " 0 1", "0 0 0 10", 4, 0, 0},
+        Mirror{"wall_off", " -2 0", "3 0 0 0", 4, -1, 0},
+        Mirror{"wall_in_place", " -2 0", "0 0 0 0", 2, -2, 0},
+        Mirror{"wall_off_y", " -2 1", "0 4 0 0", 4, -2, 0},
+        Mirror{"wall_and_plane", " -2 1", "3 0 0 0", 4, -1, 1},
+        Mirror{"wall_kept", " -1 1", "3 4 0 0", 4, -1, 0}, Mirror{"illegal", " 3 0", "1 1 0 0", 2, 3, 0}),
+    [](const auto &row) { return std::string(row.param.label); });
+
+TEST(SingleBodyFile, lengths_are_divided_by_ulen) {
+    InputFiles files = good_files();
+    files["box.pot"] = with_line(GOOD_POT, 5, " 50. 3 4 -1 45");
+    files["box.gdf"] += "\n \n"; // blank lines at the end are no data
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    EXPECT_EQ(in.run.mesh.XVER(1, 1, 1), 2.0f);
+    EXPECT_EQ(in.run.mesh.XVER(3, 3, 2), -1.0f);
+    const f32 wanted[4] = {1.5f, 2.0f, -0.5f, 45.0f};
+    for (int c = 1; c <= 4; ++c)
+        EXPECT_EQ(in.run.bodies.XBODY(c, 1), wanted[c - 1]);
+    EXPECT_EQ(in.run.opt.RULEN, 0.5f);
+    EXPECT_EQ(in.run.opt.GRAV, 9.80665f);
+    EXPECT_EQ(in.run.waterline.NWL, 0); // the body lies 1 below the surface
+    EXPECT_EQ(in.run.waterline.IWLP.dim(1), 1);
+    EXPECT_EQ(in.run.files.HEADER(1), "Side and bottom");
+}
+
+// A vertex may lie 1e-6 above the free surface; the body's own height counts.
+TEST(SingleBodyFile, height_of_the_free_surface) {
+    for (const auto &[z, good] : {std::pair{"9e-7", true}, {"2e-6", false}, {"-0.5", true}}) {
+        InputFiles files = good_files();
+        files["box.gdf"] = with_line(GOOD_GDF, 5, std::string(" 4 2 ") + z + "  4 0 0");
+        EXPECT_EQ(InputRun(files).status, good ? Status::ok : Status::failed) << z;
+        files["box.pot"] = with_line(GOOD_POT, 5, " 50. 0 0 1 0");
+        EXPECT_EQ(InputRun(files).status, Status::failed) << z;
+    }
+}
+
+TEST(SingleBodyFile, a_trailing_zero_is_no_data) {
+    InputFiles files = good_files();
+    files["box.gdf"] += "0\n";
+    EXPECT_EQ(InputRun(files).status, Status::ok);
+}
+
+const char *const DIPOLES = " 0 0 0 0\n 3 0.5 0.25 0.1\n";
+
+TEST(Dipoles, need_a_second_count) {
+    struct Row {
+        const char *count;
+        const char *records;
+        bool idipol;
+        bool warned;
+    };
+    const Row rows[] = {{" 2 1", DIPOLES, true, false},
+                        {"2 1", "", false, false}, // an item in column 1 does not count
+                        {" 2 0", "", false, false},
+                        {" 2 1 0", "", false, false},
+                        {" 2 5", DIPOLES, false, true}};
+    for (const Row &row : rows) {
+        InputFiles files = good_files();
+        files["box.gdf"] = with_line(GOOD_GDF, 4, row.count) + row.records;
+        const InputRun in(files);
+        ASSERT_EQ(in.status, Status::ok) << row.count << in.folder.list_text();
+        EXPECT_EQ(in.run.dipoles.IDIPOL, row.idipol) << row.count;
+        EXPECT_EQ(in.run.dipoles.IDIP.empty(), !row.idipol) << row.count;
+        EXPECT_EQ(in.folder.list_has("NDIPB=5"), row.warned);
+    }
+}
+
+TEST(Dipoles, images_of_dipole_panels_are_dipole_panels) {
+    InputFiles files = good_files();
+    files["box.gdf"] = with_line(with_line(GOOD_GDF, 4, " 2 1"), 3, " 1 1") + DIPOLES;
+    files["box.pot"] = with_line(GOOD_POT, 5, " 50. 3 4 0 0");
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    ASSERT_EQ(in.run.dipoles.IDIP.dim(1), 8);
+    for (int p = 1; p <= 8; ++p) {
+        const bool dipole = p % 2 == 0;
+        EXPECT_EQ(in.run.dipoles.IDIP(p), dipole ? 3 : 0);
+        EXPECT_EQ(in.run.dipoles.DPORA(p), dipole ? 0.5f : 0.0f);
+        EXPECT_EQ(in.run.dipoles.DPORB(p), dipole ? 0.25f : 0.0f);
+        EXPECT_EQ(in.run.dipoles.DTHK(p), dipole ? 0.1f : 0.0f);
+    }
+}
+
+TEST(Dipoles, of_the_second_body_stand_at_its_panels) {
+    InputFiles files = good_bodies();
+    files["b.gdf"] = with_line(GOOD_GDF, 4, " 2 1") + DIPOLES;
+    files["a.gdf"] = with_line(GOOD_GDF, 3, " 1 0");
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    ASSERT_EQ(in.run.mesh.NEQN, 6); // body 1 is mirrored
+    const int wanted[6] = {0, 0, 0, 0, 0, 3};
+    for (int p = 1; p <= 6; ++p)
+        EXPECT_EQ(in.run.dipoles.IDIP(p), wanted[p - 1]);
+    EXPECT_TRUE(in.run.dipoles.IDIPOL);
+    EXPECT_EQ(in.run.bodies.NDIPB(1), 0);
+    EXPECT_EQ(in.run.bodies.NDIPB(2), 1);
+}
+
+TEST(SeveralBodies, are_read_one_behind_the_other) {
+    InputFiles files = good_bodies();
+    files["b.gdf"] = with_line(GOOD_GDF, 2, " 4. 9.85");
+    files["config.vrd"] = "NEWMDS(2) = 1\n";
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const Bodies &b = in.run.bodies;
+    EXPECT_EQ(b.NBODY, 2);
+    EXPECT_EQ(in.run.mesh.NEQN, 4);
+    EXPECT_EQ(b.NMODES, 13);
+    const int MODE[13] = {1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    for (int m = 1; m <= 13; ++m)
+        EXPECT_EQ(b.MODE(m), MODE[m - 1]) << m;
+    EXPECT_EQ(b.XBODY(2, 1), 5.0f);
+    EXPECT_EQ(b.XBODY(2, 2), -5.0f);
+    EXPECT_EQ(b.ULEN(2), 4.0f);
+    EXPECT_EQ(in.run.opt.GRAV, 9.8f);
+    // The second body is scaled with the length of the first.
+    for (int v = 1; v <= 4; ++v)
+        for (int c = 1; c <= 3; ++c)
+            for (int p = 1; p <= 2; ++p)
+                EXPECT_EQ(in.run.mesh.XVER(v, c, p), in.run.mesh.XVER(v, c, p + 2));
+    EXPECT_EQ(in.run.waterline.NWL, 2);
+    EXPECT_EQ(in.run.waterline.IWLP(2), 1); // counted within the body
+    EXPECT_EQ(in.run.files.FILNAM(5), "a.gdf");
+    EXPECT_EQ(in.run.files.HEADER(4), "Side and bottom");
+}
+
+TEST(SeveralBodies, waterline_counts_over_the_mesh_for_a_given_lid) {
+    InputFiles files = good_bodies();
+    files["config.vrd"] = "IRR=4\n";
+    files["box.pot"] = with_line(GOOD_POT, 4, "");
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    EXPECT_EQ(in.run.waterline.IWLP(1), 1);
+    EXPECT_EQ(in.run.waterline.IWLP(2), 3);
+}
+
+struct Keep {
+    const char *label;
+    const char *symmetry1, *symmetry2;
+    const char *place1, *place2;
+    int panels;
+    int ISX, ISY;
+};
+void PrintTo(const Keep &row, std::ostream *out) {
+    *out << row.label;
+}
+class CommonSymmetry : public testing::TestWithParam<Keep> {};
+TEST_P(CommonSymmetry, is_kept_where_all_bodies_have_it) {
+    const Keep &row = GetParam();
+    InputFiles files = good_bodies();
+    files["a.gdf"] = with_line(GOOD_GDF, 3, row.symmetry1);
+    files["b.gdf"] = with_line(GOOD_GDF, 3, row.symmetry2);
+    files["box.gdf"] = with_line(with_line(GOOD_GLOBAL, 5, row.place1), 9, row.place2);
+    files["config.vrd"] = "IFSLID=1\n";
+    files["box.gdf"] =
+        with_line(with_line(files["box.gdf"], 11, " 0 1 0 0 0 0\n 3 0.2"), 7, " 1 0 0 0 0 0\n 0 0.1");
+    const InputRun in(files);
+    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    EXPECT_EQ(in.run.mesh.NEQN, row.panels);
+    EXPECT_EQ(in.run.opt.ISX, row.ISX);
+    EXPECT_EQ(in.run.opt.ISY, row.ISY);
+    const Bodies &b = in.run.bodies;
+    EXPECT_EQ(b.IPANB0(1), 1);
+    EXPECT_EQ(b.IPANB1(1), b.NEQNB(1));
+    EXPECT_EQ(b.IPANB0(2), b.NEQNB(1) + 1);
+    EXPECT_EQ(b.IPANB1(2), row.panels);
+    EXPECT_EQ(b.IBDT3, 1);
+    EXPECT_EQ(b.FSDMP(2), 0.2f);
+    EXPECT_EQ(in.run.waterline.NWL, row.panels / 2);
+}
+INSTANTIATE_TEST_SUITE_P(rows, CommonSymmetry,
+                         testing::Values(Keep{"x_kept", " 1 0", " 1 0", " 0 9 0 0", " 0 -9 0 0", 4, 1, 0},
+                                         Keep{"x_off", " 1 0", " 1 0", " 0 9 0 0", " 1 -9 0 0", 8, 0, 0},
+                                         Keep{"y_kept", " 0 1", " 0 1", " 9 0 0 0", " -9 0 0 0", 4, 0, 1},
+                                         Keep{"y_off", " 0 1", " 0 1", " 9 0 0 0", " -9 1 0 0", 8, 0, 0},
+                                         Keep{"xy_kept", " 1 1", " 1 1", " 0 0 0 0", " 0 0 0 0", 4, 1, 1},
+                                         Keep{"xy_off", " 1 1", " 1 1", " 0 9 0 0", " 0 -9 0 0", 16, 0, 0},
+                                         Keep{"turned", " 1 0", " 1 0", " 0 9 0 0", " 0 -9 0 5", 8, 0, 0},
+                                         Keep{"different", " 1 0", " 0 1", " 0 0 0 0", " 0 0 0 0", 8, 0, 0},
+                                         Keep{"one_without", " 1 1", " 0 0", " 0 0 0 0", " 0 0 0 0", 10, 0,
+                                              0},
+                                         Keep{"none", " 0 0", " 0 0", " 0 9 0 0", " 0 -9 0 0", 4, 0, 0}),
+                         [](const auto &row) { return std::string(row.param.label); });
+
+struct Merge {
+    const char *problem1, *problem2;
+    int IRAD, IDIFF;
+    int MODE[12];
+};
+void PrintTo(const Merge &row, std::ostream *out) {
+    *out << row.problem1 << " and " << row.problem2;
+}
+class MergedProblems : public testing::TestWithParam<Merge> {};
+TEST_P(MergedProblems, follow_the_bodies) {
+    const Merge &row = GetParam();
+    InputFiles files = good_bodies();
+    files["box.gdf"] = with_line(with_line(GOOD_GLOBAL, 6, row.problem1), 10, row.problem2);
+    RunFolder folder;
+    for (const auto &[name, text] : files)
+        folder.write(name, text);
+    RunState run;
+    ASSERT_EQ(GETIP1(run), Status::ok) << folder.list_text();
+    EXPECT_EQ(run.opt.IRAD, row.IRAD);
+    EXPECT_EQ(run.opt.IDIFF, row.IDIFF);
+    for (int m = 1; m <= 12; ++m)
+        EXPECT_EQ(run.bodies.MODE(m), row.MODE[m - 1]) << m;
+}
+INSTANTIATE_TEST_SUITE_P(
+    rows, MergedProblems,
+    testing::Values(Merge{" 0 0", " 0 0", 0, 0, {1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}},
+                    Merge{" 1 1", " 1 1", 1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
+                    Merge{" 1 0", " 1 -1", 1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
+                    Merge{" 1 1", " 0 1", 0, 1, {1, 1, 1, 1, 1, 1, 0, 1, 0, 0, 0, 0}},
+                    Merge{" 1 -1", " -1 -1", 0, -1, {1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0}},
+                    Merge{" -1 1", " -1 1", -1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
+                    Merge{" -1 0", " -1 1", -1, 0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
+                    Merge{" -1 1", " 0 -1", 0, 0, {0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}}));
+
+} // namespace

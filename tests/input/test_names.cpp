@@ -1,0 +1,143 @@
+// File names: normal form, extensions, the console, and the old result file.
+#include "input_files.hpp"
+
+#include "input/names.hpp"
+
+namespace {
+
+TEST(FNNORM, cuts_at_blanks) {
+    const std::pair<const char *, const char *> rows[] = {
+        {"  a.gdf", "a.gdf"}, {"a.gdf comment", "a.gdf"}, {"\ta.gdf\r", "a.gdf"}, {"   ", ""}, {"", ""}};
+    for (const auto &[given, wanted] : rows) {
+        std::string name = given;
+        FNNORM(name);
+        EXPECT_EQ(name, wanted);
+    }
+}
+
+TEST(SETEXT, replaces_from_the_first_dot_of_the_own_name) {
+    const std::pair<const char *, const char *> rows[] = {
+        {"hull.gdf", "hull.pre"},
+        {"  hull.gdf", "hull.pre"},
+        {"hull.v2.gdf", "hull.pre"},
+        {"hull", "hull.pre"},
+        {"hull gdf", "hull.pre"},
+        {"../run.v2/hull.gdf", "../run.v2/hull.pre"},
+        {"./hull", "./hull.pre"},
+        {"/a.b/.hidden.gdf", "/a.b/.hidden.pre"},
+        {"a_name_with_more_than_twenty_letters.gdf", "a_name_with_more_than_twenty_letters.pre"}};
+    for (const auto &[given, wanted] : rows) {
+        NameTable names;
+        names.resize(5);
+        names(1) = given;
+        SETEXT(names, 1, 4, 4);
+        EXPECT_EQ(names(4), wanted);
+        EXPECT_EQ(names(1), given);
+    }
+}
+
+struct Console {
+    const char *label;
+    const char *names; // contents of fnames.vrd; null: no file
+    const char *typed;
+    bool asks_gdf;
+    bool asks_pot;
+};
+void PrintTo(const Console &row, std::ostream *out) {
+    *out << row.label;
+}
+class ConsoleNames : public testing::TestWithParam<Console> {};
+TEST_P(ConsoleNames, are_asked_for_when_missing) {
+    const Console &row = GetParam();
+    InputFiles files = good_files();
+    files.erase("fnames.vrd");
+    if (row.names != nullptr)
+        files["fnames.vrd"] = row.names;
+    const InputRun in(files, row.typed);
+    EXPECT_EQ(in.status, Status::ok) << in.folder.list_text();
+    EXPECT_EQ(in.run.files.FILNAM(1), "box.gdf");
+    EXPECT_EQ(in.run.files.FILNAM(2), "box.pot");
+    EXPECT_EQ(in.run.files.FILNAM(3), "box.p2f");
+    const std::string gdf = " \n fnames.vrd          file cannot be opened or is incomplete; \n \n"
+                            " Enter full name of geometric data file (GDF):          \n";
+    const std::string pot = " \n Enter full name of potential control file (POT):       \n \n \n";
+    EXPECT_EQ(in.folder.list_has(gdf), row.asks_gdf) << in.folder.list_text();
+    EXPECT_EQ(in.folder.list_has(pot), row.asks_pot) << in.folder.list_text();
+}
+INSTANTIATE_TEST_SUITE_P(rows, ConsoleNames,
+                         testing::Values(Console{"both_there", "  box.gdf first\r\nbox.pot\r\n", "", false,
+                                                 false},
+                                         Console{"no_newline", "box.gdf\nbox.pot", "", false, false},
+                                         Console{"no_file", nullptr, " box.gdf\nbox.pot \n", true, true},
+                                         Console{"empty_file", "", "box.gdf\nbox.pot\n", true, true},
+                                         Console{"one_name", "box.gdf\n", "box.pot\n", false, true}),
+                         [](const auto &row) { return std::string(row.param.label); });
+
+TEST(Names, end_of_the_console_is_a_fault) {
+    InputFiles files = good_files();
+    files.erase("fnames.vrd");
+    const InputRun none(files);
+    EXPECT_EQ(none.status, Status::failed);
+    EXPECT_EQ(first_fault(), "Error reading the name of the GDF file from the console");
+    files["fnames.vrd"] = "box.gdf\n";
+    const InputRun one(files);
+    EXPECT_EQ(one.status, Status::failed);
+    EXPECT_EQ(first_fault(), "Error reading the name of the POT file from the console");
+}
+
+TEST(Names, free_surface_file_is_line_5) {
+    InputFiles files = good_files();
+    files["config.vrd"] = "IWADD=1\n";
+    files["box.pot"] = with_line(GOOD_POT, 7, " 0 1");
+    files["fnames.vrd"] = GOOD_NAMES + "x\ny\n ring.fdf z\n";
+    files["ring.fdf"] = "Ring of panels\n";
+    const InputRun in(files);
+    EXPECT_EQ(in.status, Status::ok) << in.folder.list_text();
+    EXPECT_EQ(in.run.files.FILNAM(5), "ring.fdf");
+    EXPECT_EQ(in.run.files.HEADER(5), "Ring of panels");
+    files["fnames.vrd"] = GOOD_NAMES;
+    const InputRun asked(files, "typed.fdf\n");
+    EXPECT_EQ(asked.status, Status::ok) << asked.folder.list_text();
+    EXPECT_EQ(asked.run.files.FILNAM(5), "typed.fdf");
+    EXPECT_TRUE(asked.folder.list_has(" \n Enter full name of free-surface panel file (FDF):      \n"));
+    EXPECT_FALSE(asked.folder.list_has("Free Surface Data File"));
+    const InputRun silent(files);
+    EXPECT_EQ(silent.status, Status::failed);
+    EXPECT_EQ(first_fault(), "Error reading the name of the FDF file from the console");
+}
+
+TEST(Names, an_old_result_goes_first) {
+    InputFiles files = good_files();
+    files["box.p2f"] = "old";
+    files.erase("box.gdf");
+    const InputRun in(files);
+    EXPECT_EQ(in.status, Status::failed);
+    EXPECT_FALSE(in.folder.exists("box.p2f"));
+    EXPECT_TRUE(in.folder.list_has(
+        " \n     WARNING!\n \n     An old P2F file exists with the specified filename box.p2f             \n"
+        "     Old file is overwritten\n"))
+        << in.folder.list_text();
+}
+
+TEST(Names, an_old_result_that_stays_ends_the_run) {
+    RunFolder folder;
+    for (const auto &[name, text] : good_files())
+        folder.write(name, text);
+    std::filesystem::create_directory("box.p2f"); // unlink refuses a folder, for root as well
+    RunState run;
+    EXPECT_EQ(run_input(run), Status::failed);
+    EXPECT_EQ(first_fault(), "Error removing old P2F file ");
+    EXPECT_TRUE(folder.list_has("(box.p2f: ")) << folder.list_text();
+}
+
+TEST(Names, the_result_never_replaces_an_input_file) {
+    InputFiles files = good_files();
+    files["box.p2f"] = GOOD_POT;
+    files["fnames.vrd"] = "box.gdf\nbox.p2f\n";
+    const InputRun in(files);
+    EXPECT_EQ(in.status, Status::failed);
+    EXPECT_EQ(first_fault(), "The P2F file would replace an input file");
+    EXPECT_EQ(in.folder.read("box.p2f"), GOOD_POT);
+}
+
+} // namespace
