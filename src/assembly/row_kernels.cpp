@@ -88,6 +88,23 @@ VORDA_INLINE void finish(int n, const GreenRow &green, const SourceArea &at, con
     }
 }
 
+template <class V>
+VORDA_INLINE void velocity(int n, const VelocityRow &at, const V area, const Split *sum) {
+    const f32 *rr = at.GR.re, *ri = at.GR.im, *vr = at.GV.re, *vi = at.GV.im;
+    const f32 *cosine = at.cosine, *sine = at.sine;
+    f32 *xr = sum[0].re, *xi = sum[0].im, *yr = sum[1].re, *yi = sum[1].im, *zr = sum[2].re, *zi = sum[2].im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const f32 w = area[j];
+        xr[j] += w * cosine[j] * rr[j];
+        xi[j] += w * cosine[j] * ri[j];
+        yr[j] += w * sine[j] * rr[j];
+        yi[j] += w * sine[j] * ri[j];
+        zr[j] += w * vr[j];
+        zi[j] += w * vi[j];
+    }
+}
+
 } // namespace
 
 VORDA_SIMD void pair_directions(int n, const FixedPoint &point, const f32 *px, const f32 *py,
@@ -149,6 +166,45 @@ VORDA_SIMD void gauss_finish(int n, const GreenRow &green, const SourceArea &sou
 VORDA_SIMD void gauss_finish(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, f32 NU,
                              Split S, Split D) {
     finish(n, green, source, one_source(one), NU, S, D);
+}
+
+VORDA_SIMD void velocity_accumulate(int n, const VelocityRow &at, const f32 *area, const Split *V) {
+    velocity(n, at, Each{area}, V);
+}
+
+VORDA_SIMD void velocity_accumulate(int n, const VelocityRow &at, f32 area, const Split *V) {
+    velocity(n, at, Same{area}, V);
+}
+
+VORDA_SIMD void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V) {
+    for (int c = 0; c < 3; ++c) {
+        f32 *re = V[c].re, *im = V[c].im;
+#pragma omp simd
+        for (int j = 0; j < n; ++j) {
+            re[j] *= -NU * NU * EB[j];
+            im[j] *= -NU * NU * EB[j];
+        }
+    }
+}
+
+VORDA_SIMD void add_surface_pairs(int n, const f32 *EB, ConstSplit value, Split sum) {
+    const f32 *vr = value.re, *vi = value.im;
+    f32 *sr = sum.re, *si = sum.im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        sr[j] += (1 - EB[j]) * vr[j];
+        si[j] += (1 - EB[j]) * vi[j];
+    }
+}
+
+VORDA_SIMD void add_weighted(int n, const f32 *weight, ConstSplit value, Split sum) {
+    const f32 *vr = value.re, *vi = value.im;
+    f32 *sr = sum.re, *si = sum.im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        sr[j] += weight[j] * vr[j];
+        si[j] += weight[j] * vi[j];
+    }
 }
 
 VORDA_SIMD void add_signed(int n, f32 sign, ConstSplit value, Split sum) {

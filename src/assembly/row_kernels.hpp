@@ -77,6 +77,22 @@ void gauss_finish(int n, const GreenRow &green, const SourceArea &source, f32 NU
 void gauss_finish(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, f32 NU, Split S,
                   Split D);
 
+// Velocity at the field point of the same points. Each point adds w (GR cosine, GR sine, GV) with w the area entry and
+// GV the derivative with the depth of the field point; at the end all is times -NU^2 EB.
+struct VelocityRow {
+    ConstSplit GR;
+    ConstSplit GV;
+    const f32 *cosine;
+    const f32 *sine;
+};
+void velocity_accumulate(int n, const VelocityRow &at, const f32 *area, const Split *V);
+void velocity_accumulate(int n, const VelocityRow &at, f32 area, const Split *V);
+void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V);
+// sum += (1 - EB) value: what pairs in the free surface take.
+void add_surface_pairs(int n, const f32 *EB, ConstSplit value, Split sum);
+// sum += weight value, real weights.
+void add_weighted(int n, const f32 *weight, ConstSplit value, Split sum);
+
 // sum += sign value.
 void add_signed(int n, f32 sign, ConstSplit value, Split sum);
 // Real weights against a complex array.

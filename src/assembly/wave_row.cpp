@@ -1,6 +1,6 @@
 #include "assembly/wave_row.hpp"
 
-#include "base/simd.hpp"
+#include "assembly/limit_row.hpp"
 #include "run/symmetry.hpp"
 
 #include <cmath>
@@ -26,6 +26,27 @@ Split shifted(Split s, std::int64_t offset) {
     return {s.re + offset, s.im + offset};
 }
 
+// The three components of a velocity array from `offset` on.
+struct Velocity {
+    Split component[3];
+    Velocity(const Split (&V)[3], std::int64_t offset)
+        : component{shifted(V[0], offset), shifted(V[1], offset), shifted(V[2], offset)} {}
+    void clear(int n) const {
+        for (const Split &s : component) {
+            std::fill_n(s.re, n, 0.0f);
+            std::fill_n(s.im, n, 0.0f);
+        }
+    }
+};
+
+VelocityRow velocity_row(WaveRow &row, int depth_derivative, std::int64_t offset, const Array<f32, 1> &cosine,
+                         const Array<f32, 1> &sine) {
+    const auto from = [&](int column) {
+        return ConstSplit(&row.green(1, column) + offset, &row.green(1, column + 1) + offset);
+    };
+    return {from(GR), from(depth_derivative), cosine.data() + offset, sine.data() + offset};
+}
+
 void evaluate(int count, const PeriodWave &wave, const GSTATE &gstate, WaveRow &row) {
     const GreenPoints points{count, row.RR.data(), row.ZS.data(), row.ZF.data(), row.ISNG.data(), row.IBOT.data()};
     GreenArrays values{};
@@ -33,7 +54,10 @@ void evaluate(int count, const PeriodWave &wave, const GSTATE &gstate, WaveRow &
         values.re[VALUES[v]] = &row.green(1, 2 * v + 1);
         values.im[VALUES[v]] = &row.green(1, 2 * v + 2);
     }
-    VGRN98(points, wave.HNU, gstate, GreenOrder::first, row.work, values);
+    if (wave.IPLIM == 0)
+        VGRN98(points, wave.HNU, gstate, GreenOrder::first, row.work, values);
+    else
+        limit_green(count, wave, row, values);
 }
 
 FixedPoint fixed_point(const PanelArrays &panels, int I, int image, f32 NU) {
@@ -68,6 +92,15 @@ void centroid_path(const Symmetry &sym, const PanelArrays &panels, const PeriodW
                                 row.EB.data(), row.EFC.data()};
         centroid_coefficients(I - 1, green_row(row, GF, ISNG, o, wave.LOGT), column,
                               one_source(panels, I, panels.A(I)), wave.NU, shifted(row.SPC, o), shifted(row.DPC, o));
+        if (!row.velocities)
+            continue;
+        const Velocity at_row(row.VPR, o), at_column(row.VPC, o);
+        at_row.clear(I);
+        velocity_accumulate(I, velocity_row(row, GF, o, row.CR, row.SR), panels.A.data(), at_row.component);
+        velocity_finish(I, wave.NU, row.EB.data(), at_row.component);
+        at_column.clear(I);
+        velocity_accumulate(I - 1, velocity_row(row, GZ, o, row.CC, row.SC), panels.A(I), at_column.component);
+        velocity_finish(I - 1, wave.NU, row.EB.data(), at_column.component);
     }
 }
 
@@ -93,6 +126,14 @@ void gauss_row_pass(const PanelArrays &panels, const PeriodWave &wave, const GST
         sources.cosine = row.CR.data() + p;
         sources.sine = row.SR.data() + p;
         gauss_accumulate(I, green_row(row, GZ, row.ISNG.data(), p, wave.LOGT), sources, S, D);
+    }
+    if (row.velocities) {
+        const Velocity V(row.VPR, o);
+        V.clear(I);
+        for (int q = 0; q < 4; ++q)
+            velocity_accumulate(I, velocity_row(row, GF, static_cast<std::int64_t>(q) * I, row.CR, row.SR),
+                                &panels.GW(1, q + 1), V.component);
+        velocity_finish(I, wave.NU, row.EB.data(), V.component);
     }
     sources.area = panels.A.data();
     gauss_finish(I, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), sources, wave.NU, S, D);
@@ -122,6 +163,14 @@ void gauss_column_pass(const PanelArrays &panels, const PeriodWave &wave, const 
         column.sine = row.SC.data() + p;
         gauss_accumulate(n, green_row(row, GZ, row.ISNG.data(), p, wave.LOGT), column,
                          one_source(panels, I, panels.GW(I, q + 1)), S, D);
+    }
+    if (row.velocities) {
+        const Velocity V(row.VPC, o);
+        V.clear(n);
+        for (int q = 0; q < 4; ++q)
+            velocity_accumulate(n, velocity_row(row, GF, static_cast<std::int64_t>(q) * I, row.CC, row.SC),
+                                panels.GW(I, q + 1), V.component);
+        velocity_finish(n, wave.NU, row.EB.data(), V.component);
     }
     gauss_finish(n, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), column, one_source(panels, I, panels.A(I)),
                  wave.NU, S, D);
@@ -180,25 +229,31 @@ bool PanelArrays::make(const Mesh &mesh, bool gauss) {
     return true;
 }
 
-bool WaveRow::alloc(int NEQN, int NSYMG, bool gauss) {
-    const int points = gauss ? 4 * NEQN : NSYMG * NEQN;
+bool WaveRow::alloc(int NEQN, int NSYMG, const Options &opt) {
+    const int points = opt.IQUAD == 1 ? 4 * NEQN : NSYMG * NEQN;
+    velocities = opt.ISOR == 1;
     const int entries = NSYMG * NEQN;
     if (!RR.alloc(points) || !ZS.alloc(points) || !ZF.alloc(points) || !CR.alloc(points) || !SR.alloc(points) ||
         !CC.alloc(points) || !SC.alloc(points) || !ISNG.alloc(points) || !IBOT.alloc(points) ||
         !green.alloc(points, 8) || !EB.alloc(NEQN) || !EFR.alloc(NEQN) || !EFC.alloc(NEQN) ||
-        !coefficient.alloc(entries, 8) || !work.alloc(points))
+        !coefficient.alloc(entries, velocities ? 20 : 8) || !work.alloc(points))
         return false;
     SPR = column_pair(coefficient, 1);
     DPR = column_pair(coefficient, 3);
     SPC = column_pair(coefficient, 5);
     DPC = column_pair(coefficient, 7);
+    for (int c = 0; velocities && c < 3; ++c) {
+        VPR[c] = column_pair(coefficient, 9 + 2 * c);
+        VPC[c] = column_pair(coefficient, 15 + 2 * c);
+    }
     return true;
 }
 
-void wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
-                       int I, const int *code, WaveRow &row) {
+Status wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
+                         int I, const int *code, WaveRow &row) {
     if (run.opt.IQUAD == 1)
         gauss_path(run.sym, panels, wave, gstate, I, code, row);
     else
         centroid_path(run.sym, panels, wave, gstate, I, code, row);
+    return wave.IPLIM == 2 ? infinite_frequency_images(run, I, code, row) : Status::ok;
 }

@@ -37,13 +37,15 @@ struct WaveRow {
     Array<f32, 2> green;             // values of the Green function, a column for each real array
     Array<f32, 1> EB;                // 1 for an ordinary pair, 0 in the free surface (NEQN)
     Array<f32, 1> EFR, EFC;          // mark of the source panel of a pair in the free surface: J for the row, I for the column
-    Array<f32, 2> coefficient;       // SPR, DPR, SPC, DPC, real and imaginary
+    Array<f32, 2> coefficient;       // SPR, DPR, SPC, DPC, and with ISOR=1 VPR, VPC, real and imaginary
     GreenWork work;
     Split SPR, DPR, SPC, DPC;
-    [[nodiscard]] bool alloc(int NEQN, int NSYMG, bool gauss);
+    bool velocities = false; // VPR and VPC are formed
+    Split VPR[3], VPC[3];
+    [[nodiscard]] bool alloc(int NEQN, int NSYMG, const Options &opt);
 };
 
-// Forms SPR, DPR (J = 1..I) and SPC, DPC (J = 1..I-1) for all images. `code` holds the pair codes ICODE(1..I)
-// without the free-surface mark; EB, EFR, EFC are set.
-void wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
+// Forms SPR, DPR, with ISOR=1 VPR (J = 1..I), and SPC, DPC, VPC (J = 1..I-1) for all images. `code` holds the pair codes ICODE(1..I)
+// without the free-surface mark; EB, EFR, EFC are set. Failed: an image has no value at infinite frequency.
+[[nodiscard]] Status wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
                        int I, const int *code, WaveRow &row);

@@ -7,8 +7,6 @@
 #include "run/symmetry.hpp"
 
 #include <algorithm>
-#include <memory>
-#include <new>
 #include <vector>
 
 namespace {
@@ -37,7 +35,7 @@ struct Workspace {
     Array<int, 1> code;
     [[nodiscard]] bool alloc(const RunState &run) {
         const int n = run.mesh.NEQN;
-        return row.alloc(n, run.sym.NSYMG, run.opt.IQUAD == 1) && tile.alloc(n, run.sym.NSYMR, run.opt.ISCATT == 1) && code.alloc(n);
+        return row.alloc(n, run.sym.NSYMG, run.opt) && tile.alloc(n, run.sym.NSYMR, run.opt.ISCATT == 1) && code.alloc(n);
     }
 };
 
@@ -153,14 +151,15 @@ void class_sums(const Frame &f, int I, int a, int s, Workspace &w, BlockSums &su
 }
 
 // Rows first..last, at most TILE of them.
-void assemble_tile(const Frame &f, int first, int last, Workspace &w, BlockSums &sums, ThreadState &thread) {
+Status assemble_tile(const Frame &f, int first, int last, Workspace &w, BlockSums &sums, ThreadState &thread) {
     const std::int64_t n = f.run.mesh.NEQN;
     const int classes = f.run.sym.NSYMR;
     start_rows(f, first, last, w.tile);
     for (int I = first; I <= last; ++I) {
         start_column(f, I, w.tile);
         free_surface_pairs(f, I, I - first, w);
-        wave_coefficients(f.run, f.panels, f.wave, thread.gstate, I, w.code.data(), w.row);
+        if (failed(wave_coefficients(f.run, f.panels, f.wave, thread.gstate, I, w.code.data(), w.row)))
+            return Status::failed;
         for (int s = 1; s <= classes; ++s) {
             class_sums(f, I, I - first, s, w, sums);
             store_column(I - 1, w.tile.column(s), &thread.ACORE(1, I, s));
@@ -177,6 +176,7 @@ void assemble_tile(const Frame &f, int first, int last, Workspace &w, BlockSums 
                 thread.ACORE(I, J, s) = {rows[I - first].re[J - 1], rows[I - first].im[J - 1]};
         }
     }
+    return Status::ok;
 }
 
 // Rows of a block: as many as keep the sums of all blocks within their limit.
@@ -189,38 +189,43 @@ int block_rows(const RunState &run) {
     return static_cast<int>((rows + TILE - 1) / TILE * TILE);
 }
 
-// The rows of a call, block by block. False when memory is refused.
-bool assemble_rows(const Frame &f, ThreadState &thread) {
+// The rows of a call, block by block. Failed: memory is refused, or a row has no value.
+Status assemble_rows(const Frame &f, ThreadState &thread) {
+    const char *const no_memory = " RAM too small to allocate WAVEGR arrays ";
     const int n = f.run.mesh.NEQN;
     const int rows = block_rows(f.run);
     const int blocks = (n + rows - 1) / rows;
     std::vector<BlockSums> sums(static_cast<std::size_t>(blocks));
     for (BlockSums &block : sums) {
         if (!block.alloc(n, f.run))
-            return false;
+            return MSGOUT(no_memory);
     }
-    bool good = true;
+    bool memory = true;
+    bool values = true;
 #pragma omp parallel
     {
         Workspace w;
         const bool made = w.alloc(f.run);
 #pragma omp critical(wavegr_memory)
-        good = good && made;
+        memory = memory && made;
 #pragma omp barrier
         // The last blocks have the longest rows: first, so that the cores end together.
-#pragma omp for schedule(dynamic, 1)
+#pragma omp for schedule(dynamic, 1) reduction(&& : values)
         for (int k = 0; k < blocks; ++k) {
             const int b = blocks - 1 - k;
             const int end = std::min(n, (b + 1) * rows);
-            for (int first = b * rows + 1; good && first <= end; first += TILE)
-                assemble_tile(f, first, std::min(first + TILE - 1, end), w, sums[static_cast<std::size_t>(b)], thread);
+            for (int first = b * rows + 1; memory && values && first <= end; first += TILE)
+                values = !failed(assemble_tile(f, first, std::min(first + TILE - 1, end), w,
+                                               sums[static_cast<std::size_t>(b)], thread));
         }
     }
-    if (!good)
-        return false;
+    if (!memory)
+        return MSGOUT(no_memory);
+    if (!values)
+        return Status::failed;
     for (int b = 0; b < blocks; ++b)
         add_block(f.run, f.weights, sums[static_cast<std::size_t>(b)], std::min(n, (b + 1) * rows), thread);
-    return true;
+    return Status::ok;
 }
 
 } // namespace
@@ -228,14 +233,8 @@ bool assemble_rows(const Frame &f, ThreadState &thread) {
 Status WAVEGR(const RunState &run, const PeriodWave &wave, ThreadState &thread) {
     PanelArrays panels;
     SourceWeights weights;
-    bool good = panels.make(run.mesh, run.opt.IQUAD == 1) && weights.make(run, thread);
-    if (good) {
-        start_right_hand_sides(run, wave.NUL, thread);
-        try {
-            good = assemble_rows({run, wave, panels, weights}, thread);
-        } catch (const std::bad_alloc &) {
-            good = false;
-        }
-    }
-    return good ? Status::ok : MSGOUT(" RAM too small to allocate WAVEGR arrays ");
+    if (!panels.make(run.mesh, run.opt.IQUAD == 1) || !weights.make(run, thread))
+        return MSGOUT(" RAM too small to allocate WAVEGR arrays ");
+    start_right_hand_sides(run, wave.NUL, thread);
+    return assemble_rows({run, wave, panels, weights}, thread);
 }

@@ -58,6 +58,24 @@ void check_problem(const RunState &run, Faults &faults) {
     faults.test(opt.IRRX > run.mesh.NEQN, "Reference panel of the tank is above NEQN: IRR-10=", opt.IRRX);
 }
 
+// A hull may stand on the bottom, not reach below it. Tells the first panel that does.
+void check_depth(const RunState &run, Faults &faults) {
+    constexpr f32 ROUNDING = 1.0e-5f; // of vertices and depth, as fractions of the depth
+    const f32 lowest = -run.opt.HBOT * (1 + ROUNDING);
+    if (run.opt.HBOT <= 0)
+        return;
+    int first = 1;
+    for (int b = 1; b <= run.bodies.NBODY; ++b) {
+        for (int ip = first; ip < first + run.bodies.NEQNB(b); ++ip) {
+            for (int v = 1; v <= 4; ++v) {
+                if (run.mesh.XVER(v, 3, ip) + run.bodies.XBODY(3, b) < lowest)
+                    return faults.test(true, "Error: vertex below the bottom, z below -HBOT, for panel I=", ip);
+            }
+        }
+        first += run.bodies.NEQNB(b);
+    }
+}
+
 void check_drift_damping(const RunState &run, Faults &faults) {
     const Options &opt = run.opt;
     faults.test(opt.ISX == -1 || opt.ISY == -1, "It is not possible with walls when IWADD=1");
@@ -76,6 +94,7 @@ Status INCHK(const RunState &run) {
     Faults faults;
     check_solver(run, faults);
     check_problem(run, faults);
+    check_depth(run, faults);
     if (run.opt.IWADD == 1)
         check_drift_damping(run, faults);
     if (run.dipoles.IDIPOL) {

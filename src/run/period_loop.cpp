@@ -37,18 +37,31 @@ void write_report_row(RunState &run, int period, int thread_number, const int (&
     list_line(row);
 }
 
-// All of a period but what must come in order.
-void solve_period(const RunState &run, int period, ThreadState &thread, int (&ITER)[2]) {
+// Depth factor WVNH / WVN0 of the period, with the depth state of the thread: 1 in deep water and at the limits.
+f32 depth_factor(const RunState &run, int period, ThreadState &thread) {
+    f32 F = 1;
+    if (run.opt.HBOT > 0 && run.periods.PER(period) > 0) {
+        INIT_HGRN98_ARRAYS(thread.gstate);
+        if (HGRN98(run.periods.WVN0(period) * run.opt.HBOT, F, thread.gstate) > 0)
+            require(MSGOUT("Error return in HGRN98: depth HBOT is illegal "));
+    }
+    return F;
+}
+
+// All of a period but what must come in order. Returns the wave number at the depth of the run.
+f32 solve_period(const RunState &run, int period, ThreadState &thread, int (&ITER)[2]) {
     const Options &opt = run.opt;
     const f32 W = run.periods.WVN0(period);
     require(ALLOCATE_WA(run, thread));
-    const PeriodWave wave = frequency_variables(W, opt.HBOT, 1.0f);
+    const f32 F = depth_factor(run, period, thread);
+    const PeriodWave wave = frequency_variables(W, opt.HBOT, F);
     if (opt.IDIFF >= 0)
-        INCWAV(run, run.periods.WVNH(period), thread);
+        INCWAV(run, W * F, thread);
     require(WAVEGR(run, wave, thread));
     require(SOLVE(run, {opt.IRAD, opt.IDIFF, 1}, thread.PHIR, thread.PHID, thread, ITER));
     if (opt.IDIFF >= 0 && opt.ISCATT == 1)
         ADDINC(thread);
+    return W * F;
 }
 
 } // namespace
@@ -63,8 +76,7 @@ void period_loop(RunState &run, int threads, RecordFile &RESSCR) {
 #pragma omp for ordered schedule(dynamic, 1)
         for (int period = 1; period <= NPER; ++period) {
             int ITER[2] = {0, 0};
-            run.periods.WVNH(period) = run.periods.WVN0(period);
-            solve_period(run, period, thread, ITER);
+            run.periods.WVNH(period) = solve_period(run, period, thread, ITER);
 #pragma omp ordered
             {
 #pragma omp critical

@@ -64,6 +64,7 @@ private:
 
 // The text of a control file; what a case does not set stands at a plain value.
 struct Pot {
+    std::string HBOT = "0.0";
     std::string XBODY = "0 0 0 0";
     int IQUAD = 0, ILOG = 0, IDIAG = 0;
     int IRAD = 1, IDIFF = 1;
@@ -73,7 +74,7 @@ struct Pot {
     int NBETA = 1;
     std::string text() const {
         std::ostringstream out;
-        out << "test run\n0 I2ND\n0 ISOR\n0 IRR\n0.0 " << XBODY << "\n"
+        out << "test run\n0 I2ND\n0 ISOR\n0 IRR\n" << HBOT << " " << XBODY << "\n"
             << IQUAD << " " << ILOG << " " << IDIAG << "\n"
             << IRAD << " " << IDIFF << "\n1 1 1 1 1 1\n"
             << NPER << "\n"

@@ -14,6 +14,7 @@ struct Request {
     double length = 1, beam = 1, draft = 1, radius = 1;
     int nu = 8, nv = 8, nw = 4;
     bool lid = false;
+    bool standing = false;
     std::vector<double> offset = {0, 0, 0};
     double ULEN = 1, GRAV = 9.80665;
 };
@@ -78,6 +79,7 @@ int main(int argc, char **argv) {
     count(tube, "--nu", r.nu, "panels around");
     count(tube, "--nv", r.nv, "panels down the side");
     count(tube, "--nw", r.nw, "panels from the axis to the edge");
+    tube->add_flag("--standing", r.standing, "no bottom: the cylinder stands on the sea bed");
     tube->add_flag("--lid", r.lid, "adds the inner free surface, normal down");
     CLI::App *barge = app.add_subcommand("box", "rectangular barge");
     common(barge);
@@ -105,7 +107,7 @@ int main(int argc, char **argv) {
         quarter = hemisphere(r.radius, r.nu, r.nv);
         title = "Hemisphere";
     } else if (tube->parsed()) {
-        quarter = cylinder(r.radius, r.draft, r.nu, r.nv, r.nw, r.lid);
+        quarter = cylinder(r.radius, r.draft, r.nu, r.nv, r.nw, !r.standing, r.lid);
         title = "Truncated cylinder";
     } else if (barge->parsed()) {
         quarter = box(r.length, r.beam, r.draft, r.nu, r.nv, r.nw, r.lid);

@@ -81,14 +81,15 @@ Panels hemisphere(double radius, int around, int down_count) {
         [](const Point &c) { return Point{-c[0], -c[1], -c[2]}; });
 }
 
-Panels cylinder(double radius, double draft, int around, int down_count, int radial, bool lid) {
+Panels cylinder(double radius, double draft, int around, int down_count, int radial, bool bottom, bool lid) {
     Panels panels = patch(
         around, down_count,
         [=](double u, double v) {
             return Point{radius * std::cos(HALF_PI * u), radius * std::sin(HALF_PI * u), -draft * v};
         },
         [](const Point &c) { return Point{-c[0], -c[1], 0}; });
-    append(panels, disc(radius, -draft, around, radial, up));
+    if (bottom)
+        append(panels, disc(radius, -draft, around, radial, up));
     if (lid)
         append(panels, disc(radius, 0, around, radial, down));
     return panels;

@@ -19,9 +19,10 @@ MeshPanel oriented(const MeshPanel &panel, const Point &inward);
 Panels patch(int nu, int nv, const std::function<Point(double u, double v)> &surface,
              const std::function<Point(const Point &)> &inward);
 
-// Quarter hulls. Counts are those of the quarter; `lid` adds panels in z = 0 with normal down.
+// Quarter hulls. Counts are those of the quarter; `lid` adds panels in z = 0 with normal down; without
+// `bottom` the hull stands on the sea bed.
 Panels hemisphere(double radius, int around, int down);
-Panels cylinder(double radius, double draft, int around, int down, int radial, bool lid);
+Panels cylinder(double radius, double draft, int around, int down, int radial, bool bottom, bool lid);
 Panels box(double length, double beam, double draft, int nx, int ny, int nz, bool lid);
 // y = B/2 (1 - (2 x / L)^2) (1 - (z / T)^2).
 Panels wigley(double length, double beam, double draft, int nx, int nz);

@@ -1,0 +1,61 @@
+#include "assembly/limit_row.hpp"
+
+#include "geometry/panel.hpp"
+#include "green/vgrn0.hpp"
+#include "rankine/panint.hpp"
+#include "run/messages.hpp"
+#include "run/symmetry.hpp"
+
+namespace {
+
+// Takes the image of one directed pair off: field panel `field` as image g, source panel `source`, entry e. With V its
+// gradient, too; the mirror turns the vertical component.
+Status remove_image(const RunState &run, int field, int g, int source, std::int64_t e, const Split &S, const Split &D,
+                    const Split *V) {
+    const Mesh &mesh = run.mesh;
+    const f32 mirrored[4] = {0, static_cast<f32>(SGX[g]) * mesh.XCT(1, field),
+                             static_cast<f32>(SGY[g]) * mesh.XCT(2, field), -mesh.XCT(3, field)};
+    FieldIntegrals integrals;
+    if (PANFLD(mirrored, panel_of(mesh, source), 0, V != nullptr ? 1 : 0, integrals) != 0)
+        return MSGOUT("Error evaluating Rankine image for infinite-frequency case");
+    S.re[e] -= 2 * integrals.S;
+    D.re[e] -= 2 * integrals.D;
+    for (int c = 0; V != nullptr && c < 3; ++c)
+        V[c].re[e] -= (c == 2 ? -2 : 2) * integrals.GS[c + 1];
+    return Status::ok;
+}
+
+} // namespace
+
+void limit_green(int count, const PeriodWave &wave, const WaveRow &row, const GreenArrays &values) {
+    for (int p = 0; p < count; ++p) {
+        f32 record[16];
+        VGRN0(row.RR.data()[p], row.ZS.data()[p], row.ZF.data()[p], wave.HNU, row.ISNG.data()[p], row.IBOT.data()[p],
+              wave.IPLIM, record);
+        for (int v = 0; v < GREEN_VALUES; ++v) {
+            if (values.re[v] == nullptr)
+                continue;
+            values.re[v][p] = record[2 * v];
+            values.im[v][p] = record[2 * v + 1];
+        }
+    }
+}
+
+Status infinite_frequency_images(const RunState &run, int I, const int *code, WaveRow &row) {
+    Status status = Status::ok;
+    for (int m = 0; m < run.sym.NSYMG; ++m) {
+        const int g = run.sym.ISYMG[m + 1];
+        for (int J = 1; J <= I; ++J) {
+            if (((code[J - 1] >> (3 * m)) & 3) <= 1)
+                continue;
+            const std::int64_t e = static_cast<std::int64_t>(m) * I + J - 1;
+            // Pairs in the free surface have no velocity influence.
+            const bool velocities = row.velocities && row.EB(J) != 0;
+            if (failed(remove_image(run, I, g, J, e, row.SPR, row.DPR, velocities ? row.VPR : nullptr)))
+                status = Status::failed;
+            if (J < I && failed(remove_image(run, J, g, I, e, row.SPC, row.DPC, velocities ? row.VPC : nullptr)))
+                status = Status::failed;
+        }
+    }
+    return status;
+}
