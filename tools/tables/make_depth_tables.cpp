@@ -26,9 +26,10 @@ using Function = DepthDefinition::Function;
 constexpr int T_NODES = 34, VERTICAL_NODES = 26, V_NODES = 24;
 constexpr int V_TERMS = 12; // a coefficient is of degree 11 in v at most
 // Terms below it are dropped, in the function times min(H, 1). A term of the degrees i and j counts more, for
-// its derivatives: the slopes of Chebyshev polynomials grow with the square of the degree.
+// its first and mixed or second derivatives: the slope of a Chebyshev polynomial grows with the square of the
+// degree.
 constexpr double SMALLEST_TERM = 2e-9;
-constexpr double DERIVATIVE_WEIGHT = 0.02;
+constexpr double SLOPE_WEIGHT = 0.1, SECOND_WEIGHT = 0.02;
 constexpr int DEEPEST = 0, SHALLOWEST = DEPTH_INTERVALS - 1;
 constexpr const char *INTERVAL_NAME[DEPTH_INTERVALS] = {
     "H above 16, v = 16/H",      "12 < H <= 16, v = (H - 12)/4", "8 < H <= 12, v = (H - 8)/4",
@@ -118,7 +119,8 @@ std::vector<std::vector<long double>> fit(const NodeValues &values, double small
                     of_v[k] +=
                         chebyshev_weight(j, n, VERTICAL_NODES) * a[i + POWERS * (n + VERTICAL_NODES * k)];
             }
-            const double weight = std::max(1.0, DERIVATIVE_WEIGHT * j * j * std::max(i * i, j * j));
+            const int largest = std::max(i * i, j * j);
+            const double weight = std::max({1.0, SLOPE_WEIGHT * largest, SECOND_WEIGHT * j * j * largest});
             for (int k = 0; k < terms_of_v; ++k) {
                 long double term = 0;
                 for (int n = 0; n < V_NODES; ++n)
