@@ -66,27 +66,35 @@ class ModeExpansion {
     }
 
     FiniteValues operator()(double R, double z, double zeta) {
-        const double a = std::exp(-2 * k * (H - z)), b = std::exp(-2 * k * (H - zeta)), e = std::exp(-k * (z + zeta));
-        const double ra = -std::expm1(-2 * k * (H - z)), rb = -std::expm1(-2 * k * (H - zeta));
-        const double f = 2 * PI_D * C * e;
-        const std::complex<double> h0(::y0(k * R), ::j0(k * R)), h1(::y1(k * R), ::j1(k * R));
-        FiniteValues sum{-f * (1 + a) * (1 + b) * h0, f * (1 + a) * (1 + b) * k * h1, f * k * ra * (1 + b) * h0,
-                         f * k * (1 + a) * rb * h0};
+        FiniteValues sum = propagating(z, zeta, {::y0(k * R), ::j0(k * R)}, {::y1(k * R), ::j1(k * R)});
         for (int n = 1;; ++n) {
             const double mu = wave_number(n);
             if (mu * R > 40)
                 return sum;
             const double Cn = (mu * mu + 1) / (H * (mu * mu + 1) - 1);
-            const double T0 = 4 * Cn * std::cyl_bessel_k(0, mu * R), T1 = 4 * Cn * mu * std::cyl_bessel_k(1, mu * R);
+            const double T0 = 4 * Cn * std::cyl_bessel_k(0, mu * R),
+                         T1 = 4 * Cn * mu * std::cyl_bessel_k(1, mu * R);
             const double cz = std::cos(mu * (H - z)), cf = std::cos(mu * (H - zeta));
             sum += {T0 * cz * cf, -T1 * cz * cf, T0 * mu * std::sin(mu * (H - z)) * cf,
                     T0 * mu * cz * std::sin(mu * (H - zeta))};
         }
     }
 
+    // The imaginary part alone, at any R.
+    FiniteValues imaginary(double R, double z, double zeta) const {
+        return propagating(z, zeta, {0, ::j0(k * R)}, {0, ::j1(k * R)});
+    }
+
     double H, k, C;
 
   private:
+    using complex = std::complex<double>;
+    FiniteValues propagating(double z, double zeta, complex h0, complex h1) const {
+        const double u = 2 * k * (H - z), v = 2 * k * (H - zeta),
+                     f = 2 * PI_D * C * std::exp(-k * (z + zeta));
+        const double a = 1 + std::exp(-u), b = 1 + std::exp(-v), ra = -std::expm1(-u), rb = -std::expm1(-v);
+        return {-f * a * b * h0, f * k * a * b * h1, f * k * ra * b * h0, f * k * a * rb * h0};
+    }
     double wave_number(int n) {
         while (static_cast<int>(mu_.size()) < n) {
             const double pi_n = PI_D * (static_cast<double>(mu_.size()) + 1);
