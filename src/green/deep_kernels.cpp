@@ -96,7 +96,8 @@ template <bool SECOND>
     return expf(-(Y < MAX_DEPTH ? Y : MAX_DEPTH));
 }
 
-template <bool DEEP, bool SECOND> [[gnu::always_inline]] inline void near_axis(int row, GreenBlock &b) {
+template <bool DEEP, bool SECOND, bool WAVES>
+[[gnu::always_inline]] inline void near_axis(int row, GreenBlock &b) {
     const f32 *c = FTAB[row - 1];
     const int band = table_band(row);
     const f32 base = static_cast<f32>(DEEP ? 7 - band : band);
@@ -115,11 +116,13 @@ template <bool DEEP, bool SECOND> [[gnu::always_inline]] inline void near_axis(i
             FX = exy * (((r1 * BX - V) + X * rinv * (p.B - J / s)) + L * W);
         }
         store_real<SECOND>(b, k, F, FX, rinv);
-        store_imaginary<SECOND>(b, k, PI_F * exy * J, PI_F * exy * W);
+        if constexpr (WAVES)
+            store_imaginary<SECOND>(b, k, PI_F * exy * J, PI_F * exy * W);
     }
 }
 
-template <bool DEEP, bool SECOND> [[gnu::always_inline]] inline void far_from_axis(int row, GreenBlock &b) {
+template <bool DEEP, bool SECOND, bool WAVES>
+[[gnu::always_inline]] inline void far_from_axis(int row, GreenBlock &b) {
     const f32 *c = FTAB[row - 1];
     const int band = table_band(row);
     const f32 base = static_cast<f32>(DEEP ? 7 - band : band), step = static_cast<f32>(table_step(row));
@@ -150,11 +153,13 @@ template <bool DEEP, bool SECOND> [[gnu::always_inline]] inline void far_from_ax
             FX += X * i3 * (2 + (3 * y2 + 30 * q) * i2);
         }
         store_real<SECOND>(b, k, F, FX, rinv);
-        store_imaginary<SECOND>(b, k, P0 * ca - Q0 * sa, Q1 * ca + P1 * sa);
+        if constexpr (WAVES)
+            store_imaginary<SECOND>(b, k, P0 * ca - Q0 * sa, Q1 * ca + P1 * sa);
     }
 }
 
-template <bool SECOND> [[gnu::always_inline]] inline void without_logarithm(int row, GreenBlock &b) {
+template <bool SECOND, bool WAVES>
+[[gnu::always_inline]] inline void without_logarithm(int row, GreenBlock &b) {
     const f32 *c = FTAB[row - 1];
     const f32 base = static_cast<f32>(table_band(row));
 #pragma omp simd
@@ -192,45 +197,69 @@ template <bool SECOND> [[gnu::always_inline]] inline void without_logarithm(int 
             b.re[G_ZZ][k] = 2 * rinv - GZ;
             b.re[G_ZZETA][k] = 2 * rinv - GZ;
         }
-        store_imaginary<SECOND>(b, k, PI_F * (1 - g) * J, PI_F * (1 - g) * W);
+        if constexpr (WAVES)
+            store_imaginary<SECOND>(b, k, PI_F * (1 - g) * J, PI_F * (1 - g) * W);
     }
+}
+
+// WAVES: with the imaginary parts.
+template <bool WAVES> [[gnu::always_inline]] inline void near_axis(int row, GreenOrder order, GreenBlock &b) {
+    const bool second = order == GreenOrder::second;
+    if (table_band(row) < 4) {
+        if (second)
+            near_axis<false, true, WAVES>(row, b);
+        else
+            near_axis<false, false, WAVES>(row, b);
+    } else {
+        if (second)
+            near_axis<true, true, WAVES>(row, b);
+        else
+            near_axis<true, false, WAVES>(row, b);
+    }
+}
+
+template <bool WAVES>
+[[gnu::always_inline]] inline void far_from_axis(int row, GreenOrder order, GreenBlock &b) {
+    const bool second = order == GreenOrder::second;
+    if (table_band(row) < 4) {
+        if (second)
+            far_from_axis<false, true, WAVES>(row, b);
+        else
+            far_from_axis<false, false, WAVES>(row, b);
+    } else {
+        if (second)
+            far_from_axis<true, true, WAVES>(row, b);
+        else
+            far_from_axis<true, false, WAVES>(row, b);
+    }
+}
+
+template <bool WAVES>
+[[gnu::always_inline]] inline void without_logarithm(int row, GreenOrder order, GreenBlock &b) {
+    if (order == GreenOrder::second)
+        without_logarithm<true, WAVES>(row, b);
+    else
+        without_logarithm<false, WAVES>(row, b);
 }
 
 } // namespace
 
 VORDA_SIMD void GINFS(int row, GreenOrder order, GreenBlock &block) {
-    const bool second = order == GreenOrder::second;
-    if (table_band(row) < 4) {
-        if (second)
-            near_axis<false, true>(row, block);
-        else
-            near_axis<false, false>(row, block);
-    } else {
-        if (second)
-            near_axis<true, true>(row, block);
-        else
-            near_axis<true, false>(row, block);
-    }
+    near_axis<true>(row, order, block);
 }
-
 VORDA_SIMD void GINFL(int row, GreenOrder order, GreenBlock &block) {
-    const bool second = order == GreenOrder::second;
-    if (table_band(row) < 4) {
-        if (second)
-            far_from_axis<false, true>(row, block);
-        else
-            far_from_axis<false, false>(row, block);
-    } else {
-        if (second)
-            far_from_axis<true, true>(row, block);
-        else
-            far_from_axis<true, false>(row, block);
-    }
+    far_from_axis<true>(row, order, block);
+}
+VORDA_SIMD void GINFG(int row, GreenOrder order, GreenBlock &block) {
+    without_logarithm<true>(row, order, block);
 }
 
-VORDA_SIMD void GINFG(int row, GreenOrder order, GreenBlock &block) {
-    if (order == GreenOrder::second)
-        without_logarithm<true>(row, block);
-    else
-        without_logarithm<false>(row, block);
+VORDA_SIMD void FINFS(int row, GreenOrder order, GreenBlock &block) {
+    near_axis<false>(row, order, block);
+}
+VORDA_SIMD void FINFL(int row, GreenOrder order, GreenBlock &block) {
+    far_from_axis<false>(row, order, block);
+}
+VORDA_SIMD void FINFG(int row, GreenOrder order, GreenBlock &block) {
+    without_logarithm<false>(row, order, block);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/simd.hpp"
+#include "green/gstate.hpp"
 #include "green/tables/ftab.hpp"
 #include "green/vgrn98.hpp"
 
@@ -17,7 +18,12 @@ struct GreenBlock {
     alignas(64) f32 X[GREEN_LANES]; // R
     alignas(64) f32 Y[GREEN_LANES]; // z + zeta
     alignas(64) f32 D[GREEN_LANES]; // z - zeta
+    // Finite depth only: H - z and H - zeta, the heights above the bottom. The depth A = 2 H - Y of the
+    // bottom image is their sum, which keeps its digits near the bottom.
+    alignas(64) f32 ZB[GREEN_LANES];
+    alignas(64) f32 ZETAB[GREEN_LANES];
     alignas(64) int ISNG[GREEN_LANES];
+    alignas(64) int IBOT[GREEN_LANES]; // finite depth only
     alignas(64) f32 re[GREEN_VALUES][GREEN_LANES];
     alignas(64) f32 im[GREEN_VALUES][GREEN_LANES];
 };
@@ -38,6 +44,22 @@ void GINFL(int row, GreenOrder order, GreenBlock &block);
 // X <= 3, Y < 4 and ISNG >= 3: with the logarithm taken out.
 void GINFG(int row, GreenOrder order, GreenBlock &block);
 
-// Add to the real parts: +1/r to the lanes of ISNG = 0; +2 ln(r1 + Y) to all lanes.
-void ADDDIR(GreenOrder order, GreenBlock &block);
-void ADDLOG(GreenOrder order, GreenBlock &block);
+// The same real parts for the near field of finite depth; the imaginary parts are left alone.
+void FINFS(int row, GreenOrder order, GreenBlock &block);
+void FINFL(int row, GreenOrder order, GreenBlock &block);
+void FINFG(int row, GreenOrder order, GreenBlock &block);
+
+// Finite depth, the propagating mode: stores the imaginary parts and, with `far` (all lanes R > H), the real
+// parts. GPROPS: k R <= 3, GPROPL: k R > 3.
+void GPROPS(const GSTATE &state, bool far, GreenOrder order, GreenBlock &block);
+void GPROPL(const GSTATE &state, bool far, GreenOrder order, GreenBlock &block);
+// R > H: adds the first five evanescent modes to the real parts, which then hold the complete function.
+void GEVAN(const GSTATE &state, GreenOrder order, GreenBlock &block);
+
+// Add to the real parts, with rb the distance of the image below the bottom:
+void ADDDIR(GreenOrder order, GreenBlock &block); // +1/r to the lanes of ISNG = 0
+void ADDBOT(GreenOrder order, GreenBlock &block); // +1/rb to the lanes of IBOT = 0
+void ADDLOG(GreenOrder order, GreenBlock &block); // +2 ln(r1 + Y) to all lanes
+void SUBDIR(GreenOrder order, GreenBlock &block); // -1/r to the lanes of ISNG >= 1
+void SUBIMG(GreenOrder order, GreenBlock &block); // -1/r1 to the lanes of ISNG >= 2
+void SUBBOT(GreenOrder order, GreenBlock &block); // -1/rb to the lanes of IBOT = 1

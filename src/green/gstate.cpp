@@ -1,6 +1,7 @@
 #include "green/gstate.hpp"
 
 #include "green/bessel_fits.hpp"
+#include "green/depth_coefficients.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -112,5 +113,7 @@ int HGRN98(f32 H, f32 &RATIO, GSTATE &state) {
     state.CFOUR = 4 * C;
     scaled_bessel(k, C, state);
     evanescent_modes(H, state);
+    SCOEF(H, m, state.COEF91);
+    PCOEF(H, m, state.COEF57);
     return 0;
 }

@@ -2,6 +2,7 @@
 #include "green/vgrn98.hpp"
 
 #include "green/green_block.hpp"
+#include "green/near_kernels.hpp"
 
 #include <cassert>
 
@@ -25,10 +26,44 @@ constexpr int LOGARITHM = FTAB_ROWS, TAKEN_OUT = 2 * FTAB_ROWS - 40, DEEP_METHOD
     return row + (ISNG >= 3 ? kind : 0);
 }
 
-VORDA_SIMD void sort_keys(int n, const f32 *R, const f32 *Z, const f32 *ZETA, const int *ISNG, int *method) {
+// Methods of finite depth:
+//   m                R <= H, Y < H: FINFS, FINFL or FINFG as m tells in deep water, GNEAR, then the terms
+//   DEEPER+1..3      R <= H, Y >= H: GDEEP, then the terms
+//   FAR+1..3         R > H: GEVAN on top of the propagating mode, terms taken off
+// all of them with GPROPS, and again beyond SHORT_WAVES with GPROPL. 1 to 3 by selectors:
+constexpr int PLAIN = 1; // ISNG = 0 and IBOT = 0
+constexpr int TERMS = 2; // others without the logarithm
+constexpr int WITH_LOG = 3;
+constexpr int DEEPER = DEEP_METHODS, FAR = DEEPER + 3, SHORT_WAVES = FAR + 3,
+              FINITE_METHODS = 2 * SHORT_WAVES;
+
+[[gnu::always_inline]] inline int finite_method(f32 R, f32 Y, f32 H, f32 R3, int ISNG, int IBOT) {
+    const int terms = ISNG == 0 && IBOT == 0 ? PLAIN : TERMS, selector = ISNG >= 3 ? WITH_LOG : terms;
+    const int near = deep_method(R, Y, ISNG), inner = Y >= H ? DEEPER + selector : near;
+    return (R > H ? FAR + selector : inner) + (R > R3 ? SHORT_WAVES : 0);
+}
+
+// Distance at which k R = 3.
+f32 bessel_border(const GSTATE &state) {
+    return 3 / state.RK;
+}
+
+VORDA_SIMD void deep_keys(const GreenPoints &p, int *method) {
+    const int n = p.n;
+    const f32 *R = p.R, *Z = p.Z, *ZETA = p.ZETA;
+    const int *ISNG = p.ISNG;
 #pragma omp simd
     for (int i = 0; i < n; ++i)
         method[i] = deep_method(R[i], Z[i] + ZETA[i], ISNG[i]);
+}
+
+VORDA_SIMD void finite_keys(const GreenPoints &p, f32 H, f32 R3, int *method) {
+    const int n = p.n;
+    const f32 *R = p.R, *Z = p.Z, *ZETA = p.ZETA;
+    const int *ISNG = p.ISNG, *IBOT = p.IBOT;
+#pragma omp simd
+    for (int i = 0; i < n; ++i)
+        method[i] = finite_method(R[i], Z[i] + ZETA[i], H, R3, ISNG[i], IBOT[i]);
 }
 
 void set_lane(GreenBlock &block, int lane, f32 R, f32 Z, f32 ZETA, int ISNG) {
@@ -36,6 +71,12 @@ void set_lane(GreenBlock &block, int lane, f32 R, f32 Z, f32 ZETA, int ISNG) {
     block.Y[lane] = Z + ZETA;
     block.D[lane] = Z - ZETA;
     block.ISNG[lane] = ISNG;
+}
+
+void set_bottom(GreenBlock &block, int lane, f32 Z, f32 ZETA, f32 H, int IBOT) {
+    block.ZB[lane] = H - Z;
+    block.ZETAB[lane] = H - ZETA;
+    block.IBOT[lane] = IBOT;
 }
 
 // The region kernel stores, then the singular terms are added.
@@ -54,6 +95,55 @@ void evaluate_deep(int method, GreenOrder order, GreenBlock &block) {
         ADDLOG(order, block);
     else
         ADDDIR(order, block);
+}
+
+// R <= H, Y < H.
+void evaluate_near(int method, const GSTATE &state, GreenOrder order, GreenBlock &block) {
+    const bool taken_out = method > TAKEN_OUT + 40, logarithm = method > LOGARITHM && !taken_out;
+    const int row = logarithm ? method - LOGARITHM : method;
+    if (taken_out)
+        FINFG(method - TAKEN_OUT, order, block);
+    else if (row > 40)
+        FINFS(row, order, block);
+    else
+        FINFL(row, order, block);
+    GNEAR(state, order, block);
+    ADDBOT(order, block);
+    ADDDIR(order, block);
+    if (logarithm)
+        ADDLOG(order, block);
+}
+
+void evaluate_finite(int method, const GSTATE &state, GreenOrder order, GreenBlock &block) {
+    const bool short_waves = method > SHORT_WAVES;
+    const int region = short_waves ? method - SHORT_WAVES : method;
+    const bool far = region > FAR;
+    if (short_waves)
+        GPROPL(state, far, order, block);
+    else
+        GPROPS(state, far, order, block);
+    if (far) {
+        const int selector = region - FAR;
+        GEVAN(state, order, block);
+        if (selector != PLAIN) {
+            SUBBOT(order, block);
+            SUBDIR(order, block);
+            SUBIMG(order, block);
+        }
+        if (selector == WITH_LOG)
+            ADDLOG(order, block);
+    } else if (region > DEEPER) {
+        const int selector = region - DEEPER;
+        GDEEP(state, order, block);
+        ADDBOT(order, block);
+        if (selector != PLAIN)
+            SUBIMG(order, block);
+        ADDDIR(order, block);
+        if (selector == WITH_LOG)
+            ADDLOG(order, block);
+    } else {
+        evaluate_near(region, state, order, block);
+    }
 }
 
 void scatter(const GreenBlock &block, const int *list, int count, GreenOrder order,
@@ -76,44 +166,58 @@ bool GreenWork::alloc(int n) {
     return method.alloc(n) && sorted.alloc(n);
 }
 
-void VGRN98(const GreenPoints &points, [[maybe_unused]] f32 H, const GSTATE &, GreenOrder order,
-            GreenWork &work, const GreenArrays &result) {
-    assert(H <= 0);
+void VGRN98(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrder order, GreenWork &work,
+            const GreenArrays &result) {
     const int n = points.n;
     if (n < 1)
         return;
     assert(work.sorted.size() >= n);
+    const bool finite = H > 0;
+    const int methods = finite ? FINITE_METHODS : DEEP_METHODS;
     int *method = work.method.data(), *sorted = work.sorted.data();
-    sort_keys(n, points.R, points.Z, points.ZETA, points.ISNG, method);
-    int first[DEEP_METHODS + 2] = {}; // of each method in `sorted`, then where the next one goes
+    if (finite)
+        finite_keys(points, H, bessel_border(state), method);
+    else
+        deep_keys(points, method);
+    int first[FINITE_METHODS + 2] = {}; // of each method in `sorted`, then where the next one goes
     for (int i = 0; i < n; ++i)
         ++first[method[i] + 1];
-    for (int m = 1; m <= DEEP_METHODS + 1; ++m)
+    for (int m = 1; m <= methods + 1; ++m)
         first[m] += first[m - 1];
     for (int i = 0; i < n; ++i)
         sorted[first[method[i]]++] = i;
 
     GreenBlock block;
-    for (int m = 1; m <= DEEP_METHODS; ++m) {
+    for (int m = 1; m <= methods; ++m) {
         for (int begin = first[m - 1], end = first[m]; begin < end; begin += GREEN_LANES) {
             const int count = end - begin < GREEN_LANES ? end - begin : GREEN_LANES;
             for (int k = 0; k < GREEN_LANES; ++k) {
                 const int i = sorted[begin + (k < count ? k : count - 1)];
                 set_lane(block, k, points.R[i], points.Z[i], points.ZETA[i], points.ISNG[i]);
+                if (finite)
+                    set_bottom(block, k, points.Z[i], points.ZETA[i], H, points.IBOT[i]);
             }
-            evaluate_deep(m, order, block);
+            if (finite)
+                evaluate_finite(m, state, order, block);
+            else
+                evaluate_deep(m, order, block);
             scatter(block, sorted + begin, count, order, result);
         }
     }
 }
 
-void VGRN1P(f32 R, f32 Z, f32 ZETA, [[maybe_unused]] f32 H, const GSTATE &, int ISNG,
-            [[maybe_unused]] int IBOT, f32 (&record)[16]) {
-    assert(H <= 0);
+void VGRN1P(f32 R, f32 Z, f32 ZETA, f32 H, const GSTATE &state, int ISNG, int IBOT, f32 (&record)[16]) {
     GreenBlock block;
-    for (int k = 0; k < GREEN_LANES; ++k)
+    for (int k = 0; k < GREEN_LANES; ++k) {
         set_lane(block, k, R, Z, ZETA, ISNG);
-    evaluate_deep(deep_method(R, Z + ZETA, ISNG), GreenOrder::second, block);
+        if (H > 0)
+            set_bottom(block, k, Z, ZETA, H, IBOT);
+    }
+    if (H > 0)
+        evaluate_finite(finite_method(R, Z + ZETA, H, bessel_border(state), ISNG, IBOT), state,
+                        GreenOrder::second, block);
+    else
+        evaluate_deep(deep_method(R, Z + ZETA, ISNG), GreenOrder::second, block);
     for (int j = 0; j < GREEN_VALUES; ++j) {
         record[2 * j] = block.re[j][0];
         record[2 * j + 1] = block.im[j][0];

@@ -6,6 +6,13 @@
 // nu; Y = z + zeta, r^2 = R^2 + (z - zeta)^2, r1^2 = R^2 + Y^2. The free-surface condition reads dG/dz = -G
 // at z = 0 in the downward z. (Newman 1985, Journal of Engineering Mathematics 19, for the method of
 // polynomial fits.)
+//
+// Depth H: G = 1/r + 1/rb + I(R, z - zeta) + I(R, 2 H - Y) - i 2 pi C E(z, zeta) J0(k R), with
+//   I(R, Z) = PV integral over s from 0 to infinity of
+//             (s + 1) exp(-s H) cosh(s Z) J0(s R) / (s sinh(s H) - cosh(s H)) ds,
+// rb^2 = R^2 + (2 H - Y)^2, k and C of GSTATE, E = exp(-k Y) (1 + exp(-2 k (H - z))) (1 + exp(-2 k (H -
+// zeta))). For R > H it is evaluated as the expansion in wave modes (John 1950, Communications on Pure and
+// Applied Mathematics 3), nearer by polynomials for I on top of F2.
 #pragma once
 
 #include "base/array.hpp"

@@ -2,21 +2,13 @@
 // value integral in test_ftab.cpp), differences of it, and printed sample values.
 #include "../../tools/tables/f2_definition.hpp"
 #include "green/gradsg.hpp"
-#include "green/vgrn98.hpp"
+#include "green_points.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <complex>
-#include <cstring>
-#include <gtest/gtest.h>
 #include <numeric>
 #include <random>
-#include <vector>
 
 namespace {
-
-using Complex = std::complex<double>;
 
 // The complete function of a pair less the terms that ISNG leaves out.
 Complex exact_G(const F2Definition &F2, double R, double z, double zeta, int ISNG) {
@@ -31,38 +23,15 @@ Complex exact_G(const F2Definition &F2, double R, double z, double zeta, int ISN
     return {G, -2 * PI_D * std::exp(-Y) * ::j0(R)};
 }
 
-// Central differences of fourth order.
-template <class F> Complex difference(F f, double x, double h) {
-    return (8.0 * (f(x + h) - f(x - h)) - (f(x + 2 * h) - f(x - 2 * h))) / (12 * h);
-}
-
 // All eight values, the derivatives as differences of the value.
 std::array<Complex, 8> exact_record(const F2Definition &F2, double R, double z, double zeta, int ISNG) {
     double nearest = std::hypot(R, z + zeta);
     if (ISNG == 0)
         nearest = std::min(nearest, std::hypot(R, z - zeta));
     const double h = 2e-3 * std::min(1.0, nearest);
-    const auto G = [&](double a, double b, double c) { return exact_G(F2, a, b, c, ISNG); };
-    const auto GZ = [&](double a, double b, double c) {
-        return difference([&](double s) { return G(a, s, c); }, b, h);
-    };
-    const auto GF = [&](double a, double b, double c) {
-        return difference([&](double s) { return G(a, b, s); }, c, h);
-    };
-    std::array<Complex, 8> e;
-    e[G_] = G(R, z, zeta);
-    e[G_R] = difference([&](double s) { return G(s, z, zeta); }, R, h);
-    e[G_Z] = GZ(R, z, zeta);
-    e[G_ZETA] = GF(R, z, zeta);
-    e[G_RZ] = difference([&](double s) { return GZ(s, z, zeta); }, R, h);
-    e[G_RZETA] = difference([&](double s) { return GF(s, z, zeta); }, R, h);
-    e[G_ZZ] = difference([&](double s) { return GZ(R, s, zeta); }, z, h);
-    e[G_ZZETA] = difference([&](double s) { return GZ(R, z, s); }, zeta, h);
-    return e;
+    return record_by_differences([&](double a, double b, double c) { return exact_G(F2, a, b, c, ISNG); }, R,
+                                 z, zeta, h);
 }
-
-// Order of the derivative of each value of the record.
-constexpr int ORDER[8] = {0, 1, 1, 2, 2, 2, 1, 2};
 
 // Size of the terms that make up a value: what its single-precision error is measured by.
 double scale_of(int value, double R, double z, double zeta, int ISNG) {
@@ -75,39 +44,6 @@ double scale_of(int value, double R, double z, double zeta, int ISNG) {
     if (ISNG == 0)
         scale += std::pow(r, -m - 1);
     return scale;
-}
-
-struct Points {
-    std::vector<f32> R, Z, ZETA;
-    std::vector<int> ISNG, IBOT;
-    void add(f32 r, f32 z, f32 zeta, int isng) {
-        R.push_back(r);
-        Z.push_back(z);
-        ZETA.push_back(zeta);
-        ISNG.push_back(isng);
-        IBOT.push_back(0);
-    }
-    int size() const { return static_cast<int>(R.size()); }
-    GreenPoints view() const { return {size(), R.data(), Z.data(), ZETA.data(), ISNG.data(), IBOT.data()}; }
-};
-
-struct Results {
-    std::vector<f32> store;
-    GreenArrays arrays;
-    explicit Results(int n) : store(16 * static_cast<std::size_t>(n), -77.0f) {
-        for (int j = 0; j < GREEN_VALUES; ++j) {
-            arrays.re[j] = store.data() + 2 * j * n;
-            arrays.im[j] = store.data() + (2 * j + 1) * n;
-        }
-    }
-};
-
-Results evaluate(const Points &points, GreenOrder order) {
-    Results results(points.size());
-    GreenWork work;
-    EXPECT_TRUE(work.alloc(points.size()));
-    VGRN98(points.view(), -1, GSTATE{}, order, work, results.arrays);
-    return results;
 }
 
 // Points of all boxes and selectors, R and Y logarithmic.
@@ -270,39 +206,12 @@ TEST(Vgrn98, CoincidentPoints) {
     EXPECT_NEAR(record[0], -2 * std::exp(-100.0) * std::expint(100.0) + 0.01, 1e-7);
 }
 
-// A point has one result, wherever it stands and whoever its neighbours are; VGRN1P and the first-order call
-// agree with it.
 TEST(Vgrn98, ResultDependsOnThePointAlone) {
     const Points points = random_points(3001, 1e-3, 60);
-    const int n = points.size();
-    std::vector<int> place(n);
+    std::vector<int> place(points.size());
     std::iota(place.begin(), place.end(), 0);
     std::shuffle(place.begin(), place.end(), std::mt19937(3));
-    Points shuffled;
-    for (const int i : place)
-        shuffled.add(points.R[i], points.Z[i], points.ZETA[i], points.ISNG[i]);
-    const Results a = evaluate(points, GreenOrder::second), b = evaluate(shuffled, GreenOrder::second),
-                  first = evaluate(points, GreenOrder::first);
-    for (int i = 0; i < n; ++i) {
-        f32 record[16], in_place[16];
-        const int o = place[i];
-        VGRN1P(points.R[o], points.Z[o], points.ZETA[o], -1, GSTATE{}, points.ISNG[o], 0, record);
-        for (int j = 0; j < GREEN_VALUES; ++j) {
-            in_place[2 * j] = a.arrays.re[j][o];
-            in_place[2 * j + 1] = a.arrays.im[j][o];
-            ASSERT_EQ(std::memcmp(&a.arrays.re[j][o], &b.arrays.re[j][i], sizeof(f32)), 0) << j << " " << o;
-            ASSERT_EQ(std::memcmp(&a.arrays.im[j][o], &b.arrays.im[j][i], sizeof(f32)), 0) << j << " " << o;
-            if (ORDER[j] < 2) {
-                ASSERT_EQ(std::memcmp(&a.arrays.re[j][o], &first.arrays.re[j][o], sizeof(f32)), 0)
-                    << j << " " << o;
-                ASSERT_EQ(std::memcmp(&a.arrays.im[j][o], &first.arrays.im[j][o], sizeof(f32)), 0)
-                    << j << " " << o;
-            } else {
-                ASSERT_EQ(first.arrays.re[j][o], -77.0f) << "a value not asked for was written";
-            }
-        }
-        ASSERT_EQ(std::memcmp(record, in_place, sizeof record), 0) << o;
-    }
+    expect_result_depends_on_point_alone(points, place, -1, GSTATE{});
     GreenWork work;
     ASSERT_TRUE(work.alloc(1));
     VGRN98(GreenPoints{}, -1, GSTATE{}, GreenOrder::second, work,

@@ -1,0 +1,25 @@
+// Coefficients of the near-field polynomials of finite depth, once per period.
+//   S(t, w) stands for I(R, Z),  P(t, y) for I(R, 2 H - Y) - F2(R, Y) - 1/sqrt(R^2 + Y^2);
+//   I(R, Z) = PV integral over s from 0 to infinity of
+//             (s + 1) exp(-s H) cosh(s Z) J0(s R) / (s sinh(s H) - cosh(s H)) ds,
+// t = R^2/H^2, w = Z^2/H^2, y = Y/H, all of them in 0..1, lengths times nu; F2 as in vgrn98.hpp. (Newman
+// 1985, Journal of Engineering Mathematics 19, for the method.)
+#pragma once
+
+#include "base/types.hpp"
+#include "green/tables/depth_tables.hpp"
+
+// H: depth times nu, 1e-5 to 1e5; M: the root m of m tanh m = H. The order of the coefficients is that of
+// depth_polynomial.hpp.
+void SCOEF(f32 H, f32 M, f32 (&C91)[91]);
+void PCOEF(f32 H, f32 M, f32 (&C57)[57]);
+
+// Interval of H, counted from 0, and its local variable v. H = 1 belongs to 1-2 (S) or to the last one (P).
+struct DepthVariable {
+    int interval;
+    double v;
+};
+DepthVariable depth_variable(f32 H, bool one_is_small);
+
+// The coefficients of `table` at H: table.terms values.
+void depth_coefficients(const DepthTable &table, DepthVariable at, f32 H, f32 M, f32 *coefficients);

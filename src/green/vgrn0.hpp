@@ -1,0 +1,13 @@
+// The Green function at the two limit frequencies. It is real.
+#pragma once
+
+#include "base/types.hpp"
+
+// One pair, all eight values in the order of VGRN1P, imaginary parts 0; lengths in any one unit.
+// IPLIM: 1 zero frequency (the surface z = 0 is a rigid lid), 2 infinite frequency (G = 0 there). H: depth,
+// <= 0: deep water. ISNG, IBOT: as in GreenPoints; ISNG = 3 counts as 2, the image here has no logarithm with
+// it. With IPLIM = 1 and H > 0 G is fixed up to a constant, which is chosen such that G + ln(R^2 / H^2) / H
+// tends to 0 far away. Near by (R <= H) the images next to the pair and a polynomial for the rest of the
+// image series, farther away the expansion in modes. (Newman 1992, The Green function for potential flow in a
+// rectangular channel, Journal of Engineering Mathematics 26, for the method.)
+void VGRN0(f32 R, f32 Z, f32 ZETA, f32 H, int ISNG, int IBOT, int IPLIM, f32 (&record)[16]);

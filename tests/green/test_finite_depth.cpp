@@ -1,0 +1,273 @@
+// The Green function of finite depth. Truth: the expansion in wave modes with as many modes as it takes, and
+// near the axis, where it converges slowly, the defining integral by a ray off the real axis, both in double
+// precision and held to each other; differences of them; printed sample values.
+#include "finite_reference.hpp"
+#include "green_points.hpp"
+
+#include <algorithm>
+#include <numeric>
+#include <random>
+
+namespace {
+
+GSTATE state_of(f32 H) {
+    GSTATE state;
+    f32 ratio = 0;
+    EXPECT_EQ(HGRN98(H, ratio, state), 0);
+    return state;
+}
+
+// The real part and its first derivatives for R <= H by the ray, for a set of (t, w, y).
+class RayDefinition {
+  public:
+    RayDefinition(const std::vector<double> &t, const std::vector<double> &w, const std::vector<double> &y)
+        : points(static_cast<int>(t.size())), S(DepthDefinition::Function::S, t, w),
+          P(DepthDefinition::Function::P, t, y) {}
+    void set_depth(double depth) {
+        H = depth;
+        s = S.times_depth(H, true);
+        p = P.times_depth(H, true);
+    }
+    // Everything of the real part but 1/r, 1/rb; indices into t, w, y.
+    FiniteValues near(int it, int iw, int iy, double R, double D, double Y) const {
+        const DepthValues &a = s[it + iw * points], &b = p[it + iy * points];
+        const ValueSlope F = F2(R, Y);
+        const double r1 = std::hypot(R, Y), H2 = H * H;
+        FiniteValues sum = image_term(1, R, Y, 1, 1);
+        const double slope_Y = -F.value - 2 / r1 + b.v / H2, slope_D = 2 * D / H2 * a.v / H;
+        sum += {a.f / H + b.f / H + F.value, F.slope + 2 * R / H2 * (a.t + b.t) / H, slope_Y + slope_D,
+                slope_Y - slope_D};
+        return sum;
+    }
+    FiniteValues deep(int it, int iw, int ia, double R, double D, double A) const {
+        const DepthValues &a = s[it + iw * points], &b = s[it + ia * points];
+        const double H3 = H * H * H, by_D = 2 * D * a.v / H3, by_A = 2 * A * b.v / H3;
+        return {(a.f + b.f) / H, 2 * R * (a.t + b.t) / H3, by_D - by_A, -by_D - by_A};
+    }
+
+  private:
+    int points;
+    double H = 1;
+    DepthDefinition S, P;
+    F2Definition F2;
+    std::vector<DepthValues> s, p;
+};
+
+enum Region { NEAR, DEEP, FAR };
+const char *const REGION[3] = {"near", "deep", "far"};
+
+Region region_of(double R, double Y, double H) {
+    return R > H ? FAR : Y >= H ? DEEP : NEAR;
+}
+
+double gradient(const FiniteValues &v) {
+    return std::sqrt(std::norm(v.G_R) + std::norm(v.G_z) + std::norm(v.G_zeta));
+}
+
+} // namespace
+
+TEST(FiniteDepth, SampleValues) {
+    const GSTATE state = state_of(2);
+    f32 record[16];
+    struct Sample {
+        f32 R, re, im;
+    };
+    for (const Sample s :
+         {Sample{0.5f, 1.67415f, -2.77431f}, {2.5f, -1.42380f, 0.26165f}, {6, 0.73997f, -0.59621f}}) {
+        VGRN1P(s.R, 0.3f, 0.4f, 2, state, 0, 0, record);
+        EXPECT_NEAR(record[0], s.re, 6e-6) << s.R; // printed to five decimals
+        EXPECT_NEAR(record[1], s.im, 6e-6) << s.R;
+    }
+    VGRN1P(2.5f, 0.3f, 0.4f, 2, state, 0, 0, record);
+    EXPECT_NEAR(record[1], 0.26165101f, 4e-7);
+    VGRN1P(1, 0.1f, 0.1f, 2, state, 3, 0, record);
+    EXPECT_NEAR(record[0], -1.70805f, 6e-6);
+    EXPECT_NEAR(record[1], -3.63774f, 6e-6);
+    VGRN1P(1, 0.1f, 0.1f, 2, state, 3, 1, record);
+    EXPECT_NEAR(record[0], -1.96254f, 6e-6);
+    EXPECT_NEAR(record[1], -3.63774f, 6e-6);
+}
+
+// The two definitions agree: modes here, integral there.
+TEST(FiniteDepth, ModesEqualTheDefiningIntegral) {
+    const std::vector<double> ratio = {0.06, 0.2, 0.5, 0.99}, vertical = {0.01, 0.3, 0.9};
+    std::vector<double> t, w;
+    for (const double x : ratio)
+        t.push_back(x * x);
+    for (const double x : vertical)
+        w.push_back(x * x);
+    RayDefinition ray(t, w, vertical);
+    for (const double H : {1e-4, 0.03, 0.7, 1.5, 6.0, 25.0}) {
+        ModeExpansion modes(H);
+        ray.set_depth(H);
+        for (int i = 0; i < 4; ++i) {
+            for (int d = 0; d < 3; ++d) {
+                for (int y = d; y < 3; ++y) {
+                    const double R = H * ratio[i], D = H * vertical[d], Y = H * vertical[y];
+                    for (const Region region : {NEAR, DEEP}) {
+                        const double z = region == NEAR ? (Y + D) / 2 : H - (Y - D) / 2, zeta = z - D;
+                        FiniteValues sum =
+                            region == NEAR ? ray.near(i, d, y, R, D, Y) : ray.deep(i, d, y, R, D, Y);
+                        sum += image_term(1, R, D, 1, -1);
+                        sum += image_term(1, R, (H - z) + (H - zeta), -1, -1);
+                        const FiniteValues m = modes(R, z, zeta);
+                        const double scale = std::abs(m.G), scale1 = gradient(m);
+                        EXPECT_NEAR(sum.G.real(), m.G.real(), 1e-9 * scale) << H << " " << R << " " << z;
+                        EXPECT_NEAR(sum.G_R.real(), m.G_R.real(), 1e-9 * scale1) << H << " " << R << " " << z;
+                        EXPECT_NEAR(sum.G_z.real(), m.G_z.real(), 1e-9 * scale1) << H << " " << R << " " << z;
+                        EXPECT_NEAR(sum.G_zeta.real(), m.G_zeta.real(), 1e-9 * scale1)
+                            << H << " " << R << " " << z;
+                    }
+                }
+            }
+        }
+    }
+}
+
+// Points of all regions, both Bessel ranges, near the surface and near the bottom, with all selectors.
+TEST(FiniteDepth, DerivativesAreDifferencesOfTheDefinition) {
+    constexpr double TOLERANCE = 2e-6;
+    double worst[3] = {};
+    for (const f32 H : {0.02f, 0.2f, 1.5f, 5.0f, 30.0f}) {
+        const GSTATE state = state_of(H);
+        ModeExpansion modes(H);
+        for (const double ratio : {0.15, 0.7, 0.99, 1.02, 2.0, 6.0}) {
+            for (const auto &[a, b] :
+                 {std::pair{0.05, 0.1}, {0.3, 0.4}, {0.02, 0.9}, {0.7, 0.6}, {0.95, 0.9}}) {
+                const f32 R = static_cast<f32>(H * ratio), z = static_cast<f32>(H * a),
+                          zeta = static_cast<f32>(H * b);
+                const double Y = static_cast<double>(z) + zeta, D = static_cast<double>(z) - zeta,
+                             A = 2.0 * H - Y;
+                const double r = std::hypot(R, D), r1 = std::hypot(R, Y), rb = std::hypot(R, A);
+                const double h = 2e-3 * std::min({r, r1, rb, static_cast<double>(H), 1 / modes.k});
+                // The part that all selectors share has to be differenced but once.
+                const auto common = record_by_differences(
+                    [&](double s, double u, double v) {
+                        return modes(s, u, v).G + selected_terms(s, u, v, H, 2, 1);
+                    },
+                    R, z, zeta, h);
+                for (int ISNG = 0; ISNG <= 3; ++ISNG) {
+                    for (int IBOT = 0; IBOT <= 1; ++IBOT) {
+                        const auto rest = record_by_differences(
+                            [&](double s, double u, double v) {
+                                return selected_terms(s, u, v, H, ISNG, IBOT) -
+                                       selected_terms(s, u, v, H, 2, 1);
+                            },
+                            R, z, zeta, h);
+                        f32 record[16];
+                        VGRN1P(R, z, zeta, H, state, ISNG, IBOT, record);
+                        for (int j = 0; j < GREEN_VALUES; ++j) {
+                            const int m = ORDER[j];
+                            // Size of the parts, each of which is rounded.
+                            const double wave = 2 * PI_D * modes.C * std::exp(-modes.k * Y) *
+                                                (1 + std::exp(-2 * modes.k * (H - z))) *
+                                                (1 + std::exp(-2 * modes.k * (H - zeta)));
+                            const double scale = std::pow(r, -m - 1) + std::pow(r1, -m - 1) +
+                                                 std::pow(rb, -m - 1) + wave * std::pow(modes.k, m) + 1;
+                            const Complex exact = common[j] + rest[j];
+                            const double error = std::max(std::abs(record[2 * j] - exact.real()),
+                                                          std::abs(record[2 * j + 1] - exact.imag()));
+                            const Region region = region_of(R, z + zeta, H);
+                            worst[region] = std::max(worst[region], error / scale);
+                            EXPECT_LT(error, TOLERANCE * scale)
+                                << "value " << j << " H " << H << " R/H " << ratio << " z/H " << a
+                                << " zeta/H " << b << " ISNG " << ISNG << " IBOT " << IBOT;
+                        }
+                    }
+                }
+            }
+        }
+    }
+    for (const Region region : {NEAR, DEEP, FAR})
+        std::printf("%s: worst error of all values %.2e of their parts\n", REGION[region], worst[region]);
+}
+
+namespace {
+
+struct ErrorLists {
+    std::vector<double> value, slope;
+};
+
+void report(const char *name, ErrorLists &errors, double value_limit, double slope_limit) {
+    for (const bool slope : {false, true}) {
+        std::vector<double> &list = slope ? errors.slope : errors.value;
+        ASSERT_GT(list.size(), 500u) << name;
+        std::sort(list.begin(), list.end());
+        const double typical = list[list.size() * 999 / 1000];
+        std::printf("%-12s %s: %zu points, worst %.2e, 99.9 per cent below %.2e, half below %.1e\n", name,
+                    slope ? "slopes" : "value ", list.size(), list.back(), typical, list[list.size() / 2]);
+        EXPECT_LT(list.back(), slope ? slope_limit : value_limit) << name;
+    }
+}
+
+} // namespace
+
+TEST(FiniteDepth, RandomPointsMeetTheDefinition) {
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> part(0, 1);
+    // Radii and heights of the ray, over H.
+    constexpr int N = 10;
+    std::vector<double> ratio, vertical, t, w;
+    for (int i = 0; i < N; ++i) {
+        ratio.push_back(std::pow(10, -4 + 2.7 * part(random)));
+        vertical.push_back(i < 4 ? std::pow(10, -3 + 2 * part(random)) : part(random));
+        t.push_back(ratio[i] * ratio[i]);
+        w.push_back(vertical[i] * vertical[i]);
+    }
+    RayDefinition ray(t, w, vertical);
+    ErrorLists errors[3][2];
+    for (int depth = 0; depth < 250; ++depth) {
+        const f32 H = static_cast<f32>(std::pow(10, -5 + 10 * part(random)));
+        const GSTATE state = state_of(H);
+        ModeExpansion modes(H);
+        ray.set_depth(H);
+        const auto compare = [&](f32 R, f32 z, f32 zeta, FiniteValues exact, int ISNG, int IBOT) {
+            exact += selected_values(R, z, zeta, H, ISNG, IBOT);
+            f32 record[16];
+            VGRN1P(R, z, zeta, H, state, ISNG, IBOT, record);
+            const auto got = [&](int j) { return Complex(record[2 * j], record[2 * j + 1]); };
+            const double r1 = std::hypot(R, static_cast<double>(z) + zeta);
+            const double scale = std::max(std::abs(exact.G), 1 / r1);
+            const double scale1 = std::max(gradient(exact), 1 / (r1 * r1));
+            ErrorLists &e = errors[region_of(R, z + zeta, H)][H > 30];
+            e.value.push_back(std::abs(got(G_) - exact.G) / scale);
+            e.slope.push_back(std::max({std::abs(got(G_R) - exact.G_R), std::abs(got(G_Z) - exact.G_z),
+                                        std::abs(got(G_ZETA) - exact.G_zeta)}) /
+                              scale1);
+        };
+        for (int i = 0; i < 40; ++i) {
+            const int ISNG = i % 4, IBOT = i / 4 % 2;
+            if (i < 28) {
+                const double over = i < 10   ? 1 + 0.2 * part(random)
+                                    : i < 18 ? std::pow(10, part(random))
+                                             : std::pow(10, -1.3 * part(random));
+                const double reach = i % 3 == 0 ? 0.2 : 1;
+                const f32 R = static_cast<f32>(H * over), z = static_cast<f32>(H * reach * part(random)),
+                          zeta = static_cast<f32>(H * reach * part(random));
+                compare(R, z, zeta, modes(R, z, zeta), ISNG, IBOT);
+                continue;
+            }
+            const int it = static_cast<int>(N * part(random));
+            int iw = static_cast<int>(N * part(random)), iy = static_cast<int>(N * part(random));
+            if (vertical[iw] > vertical[iy])
+                std::swap(iw, iy);
+            const double Y = H * (i % 3 == 0 ? 2 - vertical[iy] : vertical[iy]), D = H * vertical[iw];
+            const f32 R = static_cast<f32>(H * ratio[it]), z = static_cast<f32>((Y + D) / 2),
+                      zeta = static_cast<f32>((Y - D) / 2);
+            // Singular terms of the rounded point, the smooth ones where the tables of the ray have them.
+            const double rD = static_cast<double>(z) - zeta, rY = static_cast<double>(z) + zeta,
+                         rA = (static_cast<double>(H) - z) + (static_cast<double>(H) - zeta);
+            FiniteValues exact =
+                i % 3 == 0 ? ray.deep(it, iw, iy, R, rD, rA) : ray.near(it, iw, iy, R, rD, rY);
+            exact += image_term(1, R, rD, 1, -1);
+            exact += image_term(1, R, rA, -1, -1);
+            exact += modes.imaginary(R, z, zeta);
+            compare(R, z, zeta, exact, ISNG, IBOT);
+        }
+    }
+    for (const Region region : {NEAR, DEEP, FAR}) {
+        for (const bool large : {false, true})
+            report((std::string(REGION[region]) + (large ? ", H > 30" : "")).c_str(), errors[region][large],
+                   1e-6, 5e-6);
+    }
+}
