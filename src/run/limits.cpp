@@ -9,11 +9,6 @@ Status within_limits(const RunState &run) {
         if (asked)
             status = MSGOUT(text, value);
     };
-    refuse(opt.HBOT > 0, "Finite depth is not supported by this version: set HBOT to 0 in the POT file");
-    bool limit_period = false;
-    for (int i = 1; i <= run.periods.NPER; ++i)
-        limit_period = limit_period || run.periods.WVN0(i) <= 1.0e-6f;
-    refuse(limit_period, "Zero and infinite frequencies are not supported by this version: PER must be above 0");
     refuse(opt.ISOLVE != 1, "Iterative solution is not supported by this version: set ISOLVE=1 and MAXSCR to at least",
            run.mesh.NEQN);
     refuse(opt.IUSESCR == 1, "Matrices on scratch files are not supported by this version: set IUSESCR=0");
