@@ -16,9 +16,14 @@ Status ALLOCATE_WA(const RunState &run, ThreadState &thread) {
     if (!run.memory.INCORE)
         return Status::ok;
     const int n = run.mesh.NEQN;
-    return thread.ACORE.alloc(n, n, run.sym.NSYMR) ? Status::ok : MSGOUT(" RAM too small ");
+    bool made = thread.ACORE.alloc(n, n, run.sym.NSYMR);
+    if (run.opt.ISOR == 1)
+        made = made && thread.ECORE.alloc(n, n, run.sym.NSYMR) && thread.VCORE.alloc(n, n, 3 * run.sym.NSYMR);
+    return made ? Status::ok : MSGOUT(" RAM too small ");
 }
 
 void DEALLOCATE_WA(ThreadState &thread) {
     thread.ACORE.release();
+    thread.ECORE.release();
+    thread.VCORE.release();
 }

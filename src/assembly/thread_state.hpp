@@ -10,6 +10,8 @@ struct ThreadState {
     Array<c32, 3> SRCD;  // minus the normal velocity of the incident wave, then sources (NEQN,NBETAM,NSYMR)
     Array<c32, 3> PHI0;  // incident wave on the panels (NEQN,NBETAM,NSYMR)
     Array<c32, 3> ACORE; // dipole influence of the period (NEQN,NEQN,NSYMR)
+    Array<c32, 3> ECORE; // normal velocity of sources, ISOR=1 (NEQN,NEQN,NSYMR)
+    Array<c32, 3> VCORE; // their velocity, axis and class in the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR)
     Array<c32, 2> ALU;   // the class that the direct solver factors (NEQN,NEQN)
     GSTATE gstate;       // depth state of the period
 };

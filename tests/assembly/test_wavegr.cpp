@@ -19,7 +19,7 @@ using c64 = std::complex<double>;
 using Vector = std::array<double, 3>;
 
 struct Setting {
-    int ISX, ISY, IQUAD, ILOG, ISCATT;
+    int ISX, ISY, IQUAD, ILOG, ISCATT, ISOR;
     bool lid;
 };
 
@@ -39,6 +39,7 @@ void make_case(const Setting &setting, Case &c) {
     run.opt.IQUAD = setting.IQUAD;
     run.opt.ILOG = setting.ILOG;
     run.opt.ISCATT = setting.ISCATT;
+    run.opt.ISOR = setting.ISOR;
     run.opt.IRAD = 1;
     run.opt.IDIFF = 1;
     run.opt.HBOT = -1;
@@ -65,10 +66,12 @@ void make_case(const Setting &setting, Case &c) {
     INCWAV(run, WAVE_NUMBER, c.thread);
 }
 
-// Source and dipole influence of one panel on one field point, wave part.
+// Influence of one panel on one field point: source, dipole, velocity of the source there, its normal component.
 struct Influence {
     c64 S;
     c64 D;
+    c64 V[3];
+    c64 E;
 };
 Influence wave_influence(const Case &c, int source, const Vector &field, int ISNG, bool surface) {
     const RunState &run = c.run;
@@ -87,7 +90,7 @@ Influence wave_influence(const Case &c, int source, const Vector &field, int ISN
         VGRN1P(static_cast<f32>(nu * d), static_cast<f32>(-nu * p[2]), static_cast<f32>(-nu * field[2]), -1, GSTATE(),
                ISNG, 0, record);
         const c64 G = c64(record[0] + offset, record[1]);
-        const c64 GR(record[2], record[3]), GZ(record[4], record[5]);
+        const c64 GR(record[2], record[3]), GZ(record[4], record[5]), GF(record[12], record[13]);
         const double h = d > 1e-6 ? (run.mesh.TRM(3, 1, source) * dx + run.mesh.TRM(3, 2, source) * dy) / d : 0;
         sum.S += nu * weight * G;
         // In the free surface dG/dz = nu G stands for the normal derivative.
@@ -95,6 +98,12 @@ Influence wave_influence(const Case &c, int source, const Vector &field, int ISN
             sum.D -= nu * nu * weight * static_cast<double>(run.mesh.IFSP(source)) * G;
         else
             sum.D += nu * nu * weight * (GR * h - GZ * static_cast<double>(run.mesh.TRM(3, 3, source)));
+        if (surface)
+            continue;
+        // Gradient at the field point: horizontally away from the source, and upward.
+        sum.V[0] -= d > 1e-6 ? nu * nu * weight * GR * dx / d : 0;
+        sum.V[1] -= d > 1e-6 ? nu * nu * weight * GR * dy / d : 0;
+        sum.V[2] -= nu * nu * weight * GF;
     }
     return sum;
 }
@@ -119,6 +128,19 @@ Influence coefficient(const Case &c, int I, int J, int s) {
         sum.D -= 4 * M_PI * run.mesh.IFSP(I);
     if (run.opt.ISCATT == 1)
         sum.S = both(store.RKSM);
+    const bool velocities = run.opt.ISOR == 1;
+    if (velocities) {
+        sum.E = both(store.RKNM);
+        if (surface)
+            sum.E *= -static_cast<double>(c.wave.NUL);
+        if (surface && I == J)
+            sum.E -= 4 * M_PI * run.mesh.IFSP(I);
+        for (int k = 0; k < 3; ++k) {
+            const int third = 3 * (s - 1) + k + 1;
+            sum.V[k] = store.RKVM(I, J, third, 0) +
+                       (run.opt.ILOG == 1 ? c.wave.NUL * store.RKVM(I, J, third, 1) : 0.0f);
+        }
+    }
     for (int m = 0; m < run.sym.NSYMG; ++m) {
         const int g = run.sym.ISYMG[m + 1];
         const Vector field = {SGX[g] * static_cast<double>(run.mesh.XCT(1, I)),
@@ -128,6 +150,14 @@ Influence coefficient(const Case &c, int I, int J, int s) {
         const Influence wave = wave_influence(c, J, field, (code >> (3 * m)) & 3, surface);
         sum.D += sign * wave.D;
         sum.S += sign * wave.S;
+        // The real point's velocity is the mirror image of that of the imaged point.
+        const double mirror[3] = {sign * SGX[g], sign * SGY[g], sign};
+        for (int k = 0; k < 3; ++k) {
+            sum.V[k] += mirror[k] * wave.V[k];
+            sum.E += static_cast<double>(run.mesh.TRM(3, k + 1, I)) * mirror[k] * wave.V[k];
+        }
+        if (surface)
+            sum.E += sign * wave.D;
     }
     return sum;
 }
@@ -158,6 +188,11 @@ TEST_P(WaveRows, EqualTheDefinition) {
             for (int J = 1; J <= N; ++J) {
                 const Influence full = coefficient(c, I, J, s);
                 worst = std::max(worst, std::abs(full.D - c64(c.thread.ACORE(I, J, s))));
+                if (run.opt.ISOR == 1) {
+                    worst = std::max(worst, std::abs(full.E - c64(c.thread.ECORE(I, J, s))));
+                    for (int k = 0; k < 3; ++k)
+                        worst = std::max(worst, std::abs(full.V[k] - c64(c.thread.VCORE(I, J, 3 * (s - 1) + k + 1))));
+                }
                 const double rankine =
                     run.opt.ISCATT == 1
                         ? run.store.RKSM(I, J, s, 0) + (run.opt.ILOG == 1 ? c.wave.NUL * run.store.RKSM(I, J, s, 1) : 0)
@@ -199,9 +234,9 @@ TEST_P(WaveRows, AreTheSameOnOneCoreAndOnTwo) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, WaveRows,
-                         testing::Values(Setting{1, 1, 0, 0, 0, false}, Setting{0, 0, 0, 0, 0, false},
-                                         Setting{1, 1, 0, 1, 1, true}, Setting{1, 1, 1, 0, 1, false},
-                                         Setting{1, 1, 1, 1, 1, true}, Setting{-1, 1, 0, 1, 1, false},
-                                         Setting{0, 0, 1, 1, 1, true}));
+                         testing::Values(Setting{1, 1, 0, 0, 0, 0, false}, Setting{0, 0, 0, 0, 0, 1, false},
+                                         Setting{1, 1, 0, 1, 1, 1, true}, Setting{1, 1, 1, 0, 1, 0, false},
+                                         Setting{1, 1, 1, 1, 1, 1, true}, Setting{-1, 1, 0, 1, 1, 1, false},
+                                         Setting{0, 0, 1, 1, 1, 0, true}));
 
 } // namespace

@@ -1,0 +1,114 @@
+#include "assembly/class_sums.hpp"
+
+#include "rankine/rankin.hpp"
+#include "run/symmetry.hpp"
+
+#include <algorithm>
+
+namespace {
+
+void clear(int n, const Split &s) {
+    std::fill_n(s.re, n, 0.0f);
+    std::fill_n(s.im, n, 0.0f);
+}
+
+// sum = the images of `coefficient` with the signs of the class; image position m starts at m I.
+void sum_images(const Symmetry &sym, int I, int n, int s, const Split &coefficient, const int *axis_sign, const Split &sum) {
+    clear(n, sum);
+    for (int m = 0; m < sym.NSYMG; ++m) {
+        const int g = sym.ISYMG[m + 1];
+        const int sign = SGN[sym.ICLS[s]][g] * (axis_sign == nullptr ? 1 : axis_sign[g]);
+        const std::int64_t o = static_cast<std::int64_t>(m) * I;
+        add_signed(n, static_cast<f32>(sign), ConstSplit(coefficient.re + o, coefficient.im + o), sum);
+    }
+}
+
+// Normal velocity and velocity: the images' velocities with the reflection of each image and the parity of the class.
+void velocity_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &row, ClassWork &w, TileRows &tile) {
+    const int *const axis_sign[3] = {SGX, SGY, nullptr};
+    const Split EROW = tile.row(a, s, PLANE_E);
+    const Split ECOL = tile.column(a, s, PLANE_E);
+    add_surface_pairs(I, row.EB.data(), w.DROW, EROW);
+    add_surface_pairs(I - 1, row.EB.data(), w.DCOL, ECOL);
+    for (int c = 0; c < 3; ++c) {
+        sum_images(f.run.sym, I, I, s, row.VPR[c], axis_sign[c], w.VROW[c]);
+        sum_images(f.run.sym, I, I - 1, s, row.VPC[c], axis_sign[c], w.VCOL[c]);
+        add_signed(I, f.panels.N(I, c + 1), w.VROW[c], EROW);
+        add_weighted(I - 1, &f.panels.N(1, c + 1), w.VCOL[c], ECOL);
+        add_signed(I, 1, w.VROW[c], tile.row(a, s, PLANE_V + c));
+        add_signed(I - 1, 1, w.VCOL[c], tile.column(a, s, PLANE_V + c));
+    }
+}
+
+} // namespace
+
+bool ClassWork::alloc(int NEQN, bool velocities) {
+    if (!values.alloc(NEQN, velocities ? 20 : 8))
+        return false;
+    int next = 1;
+    const auto take = [&](Split &s) {
+        s = {&values(1, next), &values(1, next + 1)};
+        next += 2;
+    };
+    for (Split *s : {&SROW, &SCOL, &DROW, &DCOL})
+        take(*s);
+    for (int c = 0; velocities && c < 3; ++c) {
+        take(VROW[c]);
+        take(VCOL[c]);
+    }
+    return true;
+}
+
+void free_surface_pairs(const AssemblyFrame &f, int I, int a, const int *stored, int *code, WaveRow &row,
+                        TileRows &tile) {
+    const f32 mark = f.panels.IFSP(I);
+    const f32 *marks = f.panels.IFSP.data();
+    f32 *EB = row.EB.data(), *EFR = row.EFR.data(), *EFC = row.EFC.data();
+    bool any = false;
+    for (int j = 0; j < I; ++j) {
+        const bool surface = stored[j] >= CODE_SURFACE;
+        code[j] = stored[j] & (CODE_SURFACE - 1);
+        EB[j] = surface ? 0.0f : 1.0f;
+        EFR[j] = surface ? marks[j] : 0.0f;
+        EFC[j] = surface ? mark : 0.0f;
+        any = any || surface;
+    }
+    const int planes = std::min(tile.planes, 2); // dipole influence and normal velocity
+    for (int j = 0; any && j < I; ++j) {
+        if (EB[j] != 0)
+            continue;
+        for (int s = 1; s <= f.run.sym.NSYMR; ++s) {
+            for (int plane = 0; plane < planes; ++plane) {
+                f32 &coefficient = tile.row(a, s, plane).re[j];
+                coefficient *= -f.wave.NUL;
+                if (j + 1 == I)
+                    coefficient -= PI4 * mark;
+                else
+                    tile.column(a, s, plane).re[j] *= -f.wave.NUL;
+            }
+        }
+    }
+}
+
+void class_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &row, ClassWork &w, TileRows &tile,
+                BlockSums &sums) {
+    sum_images(f.run.sym, I, I, s, row.DPR, nullptr, w.DROW);
+    sum_images(f.run.sym, I, I - 1, s, row.DPC, nullptr, w.DCOL);
+    sum_images(f.run.sym, I, I, s, row.SPR, nullptr, w.SROW);
+    sum_images(f.run.sym, I, I - 1, s, row.SPC, nullptr, w.SCOL);
+    add_signed(I, 1, w.DROW, tile.row(a, s));
+    add_signed(I - 1, 1, w.DCOL, tile.column(a, s));
+    if (tile.planes > 1)
+        velocity_sums(f, I, a, s, row, w, tile);
+    // The Rankine share of the radiation right-hand sides comes ready-made; diffraction needs the whole source row.
+    if (f.weights.radiation)
+        add_radiation(f.run, f.weights, I, s, w.SROW, w.SCOL, sums);
+    if (f.weights.diffraction) {
+        const f32 *source_row = tile.source_row(a, s), *source_column = tile.source_column(a, s);
+        for (int j = 0; j < I; ++j)
+            w.SROW.re[j] += source_row[j];
+        for (int j = 0; j < I - 1; ++j)
+            w.SCOL.re[j] += source_column[j];
+        add_diffraction(f.run, f.weights, I, s, w.SROW, w.SCOL, sums);
+    }
+}
