@@ -1,6 +1,6 @@
 #include "assembly/wavegr.hpp"
 
-#include "assembly/class_sums.hpp"
+#include "assembly/wavegr_parts.hpp"
 #include "run/messages.hpp"
 
 #include <algorithm>
@@ -10,33 +10,17 @@ namespace {
 
 constexpr std::int64_t SUMS_LIMIT = 64ll << 20; // bytes that all BlockSums of a call may take
 
-// What one assembling thread works with.
-struct Workspace {
-    WaveRow row;
-    TileRows tile;
-    ClassWork sums;
-    Array<int, 1> code;
-    [[nodiscard]] bool alloc(const RunState &run) {
-        const int n = run.mesh.NEQN;
-        return row.alloc(n, run.sym.NSYMG, run.opt) && tile.alloc(n, run.sym.NSYMR, run.opt, false) &&
-               sums.alloc(n, run.opt.ISOR == 1) && code.alloc(n);
-    }
-};
-
-// Rows first..last, at most TILE of them.
-Status assemble_tile(const AssemblyFrame &f, int first, int last, Workspace &w, BlockSums &sums, ThreadState &thread) {
-    start_rows(f.run, f.wave.NUL, first, last, w.tile);
+// Rows first..last, at most TILE of them, in memory.
+Status assemble_tile(const AssemblyFrame &f, int first, int last, RowWork &work, TileRows &tile, BlockSums &sums,
+                     ThreadState &thread) {
+    start_rows(f.run, f.wave.NUL, first, last, tile);
     for (int I = first; I <= last; ++I) {
-        const int a = I - first;
-        start_column(f.run, f.wave.NUL, I, a, w.tile);
-        free_surface_pairs(f, I, a, &f.run.store.ICODM(1, I), w.code.data(), w.row, w.tile);
-        if (failed(wave_coefficients(f.run, f.panels, f.wave, thread.gstate, I, w.code.data(), w.row)))
+        start_column(f.run, f.wave.NUL, I, I - first, tile);
+        if (failed(assemble_row(f, thread.gstate, I, I - first, &f.run.store.ICODM(1, I), work, tile, sums)))
             return Status::failed;
-        for (int s = 1; s <= f.run.sym.NSYMR; ++s)
-            class_sums(f, I, a, s, w.row, w.sums, w.tile, sums);
-        store_column_of(f.run.sym.NSYMR, I, a, w.tile, thread);
+        store_column_of(f.run.sym.NSYMR, I, I - first, tile, thread);
     }
-    store_rows(f.run.sym.NSYMR, first, last, w.tile, thread);
+    store_rows(f.run.sym.NSYMR, first, last, tile, thread);
     return Status::ok;
 }
 
@@ -65,8 +49,9 @@ Status assemble_rows(const AssemblyFrame &f, ThreadState &thread) {
     bool values = true;
 #pragma omp parallel
     {
-        Workspace w;
-        const bool made = w.alloc(f.run);
+        RowWork work;
+        TileRows tile;
+        const bool made = work.alloc(f.run) && tile.alloc(n, f.run.sym.NSYMR, f.run.opt, false);
 #pragma omp critical(wavegr_memory)
         memory = memory && made;
 #pragma omp barrier
@@ -76,7 +61,7 @@ Status assemble_rows(const AssemblyFrame &f, ThreadState &thread) {
             const int b = blocks - 1 - k;
             const int end = std::min(n, (b + 1) * rows);
             for (int first = b * rows + 1; memory && values && first <= end; first += TILE)
-                values = !failed(assemble_tile(f, first, std::min(first + TILE - 1, end), w,
+                values = !failed(assemble_tile(f, first, std::min(first + TILE - 1, end), work, tile,
                                                sums[static_cast<std::size_t>(b)], thread));
         }
     }
@@ -90,6 +75,21 @@ Status assemble_rows(const AssemblyFrame &f, ThreadState &thread) {
 }
 
 } // namespace
+
+bool RowWork::alloc(const RunState &run) {
+    const int n = run.mesh.NEQN;
+    return row.alloc(n, run.sym.NSYMG, run.opt) && sums.alloc(n, run.opt.ISOR == 1) && code.alloc(n);
+}
+
+Status assemble_row(const AssemblyFrame &f, const GSTATE &gstate, int I, int a, const int *stored, RowWork &work,
+                    TileRows &tile, BlockSums &sums) {
+    free_surface_pairs(f, I, a, stored, work.code.data(), work.row, tile);
+    if (failed(wave_coefficients(f.run, f.panels, f.wave, gstate, I, work.code.data(), work.row)))
+        return Status::failed;
+    for (int s = 1; s <= f.run.sym.NSYMR; ++s)
+        class_sums(f, I, a, s, work.row, work.sums, tile, sums);
+    return Status::ok;
+}
 
 Status WAVEGR(const RunState &run, const PeriodWave &wave, ThreadState &thread) {
     PanelArrays panels;
