@@ -1,8 +1,7 @@
 #include "rankine/rankin.hpp"
 
-#include "rankine/rankine_pair.hpp"
+#include "rankine/rankine_planes.hpp"
 #include "run/messages.hpp"
-#include "run/symmetry.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -38,25 +37,6 @@ struct Block {
     }
 };
 
-// Which planes there are.
-struct Planes {
-    int per_class;                // of one class and level
-    int source, normal, velocity; // place of the first of its kind, -1: absent; dipole is 0
-    int levels, classes;
-
-    Planes(const Options &opt, const Symmetry &sym) {
-        int next = 1;
-        source = opt.ISCATT == 1 ? next++ : -1;
-        normal = opt.ISOR == 1 ? next++ : -1;
-        velocity = opt.ISOR == 1 ? next : -1;
-        per_class = next + (opt.ISOR == 1 ? 3 : 0);
-        levels = opt.ILOG + 1;
-        classes = sym.NSYMR;
-    }
-    int all() const { return per_class * levels * classes; }
-    int first(int s, int k) const { return ((s - 1) * levels + k) * per_class; }
-};
-
 // What went wrong, over all threads.
 struct Faults {
     std::atomic<bool> memory{false};
@@ -64,23 +44,6 @@ struct Faults {
 
     bool any() const { return memory || integral; }
 };
-
-// The first panel that lies in z = 0 with itself or a panel before it; 0: there is none.
-int first_surface_row(const RankineInput &in) {
-    const PairPoints &at = in.points;
-    f32 largest = 0;
-    for (const f32 size : at.size)
-        largest = std::max(largest, size);
-    const auto in_surface = [](f32 sum, f32 size) { return sum * sum <= SURFACE2 * size; };
-    for (std::size_t A = 0; A < in.panels.size(); ++A) {
-        if (!in_surface(at.z[A], largest))
-            continue;
-        for (std::size_t B = 0; B <= A; ++B)
-            if (in_surface(at.z[A] + at.z[B], std::max(at.size[A], at.size[B])))
-                return static_cast<int>(A) + 1;
-    }
-    return 0;
-}
 
 class Sweep {
   public:
@@ -135,57 +98,19 @@ class Sweep {
                     return false;
                 }
                 code += terms.digit << (3 * (p - 1));
-                scatter(terms, sym_.ISYMG[p], B, surface, r, b);
+                scatter_terms(in_, planes_, terms, sym_.ISYMG[p], {B, surface}, element(B, r, b),
+                              right_hand_sides_ ? &b.rhs(1, 0, r) : nullptr);
             }
             if (B <= A)
                 store_.ICODM(B, A) = code;
         }
-        add_diagonal(A, r, b);
+        if ((b.mask(A, r) & PAIR_SURFACE) == 0 && !in_.dipole(A))
+            add_half_solid_angle(planes_, element(A, r, b));
         return true;
     }
 
-    // Adds the terms of image m to all classes.
-    void scatter(const RankineTerms &t, int m, int B, bool surface, int r, Block &b) const {
-        const std::int64_t plane = std::int64_t{b.columns} * ROWS;
-        f32 *at = b.tile.data() + std::int64_t{b.column(B)} * ROWS + (r - 1);
-        const f32 mark = surface ? static_cast<f32>(in_.mesh.IFSP(B)) : 0;
-        const bool feeds = right_hand_sides_ && !in_.dipole(B);
-        for (int s = 1; s <= planes_.classes; ++s) {
-            const f32 e = static_cast<f32>(SGN[sym_.ICLS[s]][m]);
-            for (int k = 0; k < planes_.levels; ++k) {
-                f32 *to = at + planes_.first(s, k) * plane;
-                to[0] += e * (surface ? mark * t.S[k] : t.D[k]);
-                if (planes_.source > 0)
-                    to[planes_.source * plane] += e * t.S[k];
-                if (planes_.normal > 0) {
-                    to[planes_.normal * plane] += e * (surface ? mark * t.S[k] : t.N[k]);
-                    if (!surface) {
-                        to[planes_.velocity * plane] += static_cast<f32>(SGX[m]) * e * t.V[k][1];
-                        to[(planes_.velocity + 1) * plane] += static_cast<f32>(SGY[m]) * e * t.V[k][2];
-                        to[(planes_.velocity + 2) * plane] += e * t.V[k][3];
-                    }
-                }
-                if (feeds)
-                    for (int n = 1; n <= sym_.NMCLS[s]; ++n) {
-                        const int q = sym_.MODCLS(n, s);
-                        b.rhs(sym_.MODPOS(q), k, r) += in_.mesh.VEL(q, B) * t.S[k] * e;
-                    }
-            }
-        }
-    }
-
-    // The half solid angle of the panel itself; a panel in z = 0 has none of its own, nor has a dipole panel.
-    void add_diagonal(int A, int r, Block &b) const {
-        if ((b.mask(A, r) & PAIR_SURFACE) != 0 || in_.dipole(A))
-            return;
-        const std::int64_t plane = std::int64_t{b.columns} * ROWS;
-        f32 *at = b.tile.data() + std::int64_t{b.column(A)} * ROWS + (r - 1);
-        for (int s = 1; s <= planes_.classes; ++s) {
-            f32 *to = at + planes_.first(s, 0) * plane;
-            to[0] += PI2;
-            if (planes_.normal > 0)
-                to[planes_.normal * plane] += PI2;
-        }
+    static PlaneElement element(int B, int r, Block &b) {
+        return {b.tile.data() + std::int64_t{b.column(B)} * ROWS + (r - 1), std::int64_t{b.columns} * ROWS};
     }
 
     void copy_out(int first, int rows, Block &b) const {
@@ -228,10 +153,8 @@ Status RANKIN(const Options &opt, const Bodies & /*bodies*/, const Mesh &mesh, c
     Faults faults;
     try {
         const RankineInput in(opt, mesh, dipoles, sym);
-        if (const int row = opt.ILOG == 0 ? first_surface_row(in) : 0) {
-            MSGOUT(" ILOG=0 and panel NP in free surface, NP=", row);
-            return MSGOUT(" Error in evaluating Rankine matrix");
-        }
+        if (failed(surface_panels_allowed(in)))
+            return Status::failed;
         const Sweep sweep(in, store, faults);
 #pragma omp parallel
         {
