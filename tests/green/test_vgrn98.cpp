@@ -142,7 +142,8 @@ TEST(Vgrn98, RandomPointsMeetTheDefinition) {
 
 // At great distances the error falls with F2 ~ -2/r1, and that of the depth slope with it.
 TEST(Vgrn98, FarAway) {
-    constexpr double TOLERANCE = 3e-5; // measured 2.2e-5, near the borders X = 15 and Y = 16 of the last boxes
+    constexpr double TOLERANCE =
+        3e-5; // measured 2.2e-5, near the borders X = 15 and Y = 16 of the last boxes
     const F2Definition F2;
     for (const f32 R : {0.0f, 2.0f, 4.0f, 300.0f, 3000.0f, 30000.0f}) {
         for (const f32 Y : {25.0f, 300.0f, 3000.0f, 30000.0f}) {
