@@ -1,6 +1,7 @@
-// Speed of the deep-water Green function per point, as a ratio to one expf of the vector library in the same
-// run.
+// Speed of the Green function per point, as a ratio to one expf of the vector library in the same run, and of
+// the depth state of a period.
 #include "base/simd.hpp"
+#include "green/vgrn0.hpp"
 #include "green/vgrn98.hpp"
 
 #include <algorithm>
@@ -41,6 +42,7 @@ double exp_time() {
 struct Region {
     float R0, R1, Y0, Y1;
     int singular; // one point in so many has ISNG 1, 2 or 3; 1: all have 3
+    float H = -1; // depth, <= 0: deep water
 };
 
 void run(benchmark::State &bench, Region region, GreenOrder order) {
@@ -54,6 +56,11 @@ void run(benchmark::State &bench, Region region, GreenOrder order) {
         r[i] = R(random);
         z[i] = p * y;
         zeta[i] = y - z[i];
+        if (region.H > 0) { // Y is reached from the bottom when it is more than H
+            const float h = region.H, room = y < h ? y : 2 * h - y;
+            z[i] = 0.5f * (y - room) + p * room;
+            zeta[i] = y - z[i];
+        }
         ISNG[i] = region.singular == 1 ? 3 : i % region.singular == 0 ? 1 + i / region.singular % 3 : 0;
     }
     GreenArrays result;
@@ -62,7 +69,12 @@ void run(benchmark::State &bench, Region region, GreenOrder order) {
         result.im[j] = out.data() + (2 * j + 1) * n;
     }
     const GreenPoints points{n, r.data(), z.data(), zeta.data(), ISNG.data(), IBOT.data()};
-    const GSTATE state;
+    GSTATE state;
+    float ratio = 1;
+    if (region.H > 0 && HGRN98(region.H, ratio, state) != 0) {
+        bench.SkipWithError("depth out of range");
+        return;
+    }
     GreenWork work;
     if (!work.alloc(n)) {
         bench.SkipWithError("no memory");
@@ -71,7 +83,7 @@ void run(benchmark::State &bench, Region region, GreenOrder order) {
     const double one_exp = exp_time();
     const auto start = std::chrono::steady_clock::now();
     for (auto _ : bench) {
-        VGRN98(points, -1, state, order, work, result);
+        VGRN98(points, region.H, state, order, work, result);
         benchmark::ClobberMemory();
     }
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
@@ -100,6 +112,48 @@ void without_logarithm(benchmark::State &bench) {
     run(bench, {0, 3, 0, 4, 1}, GreenOrder::first);
 }
 
+// Finite depth: R <= H with Y < H and with Y >= H, R > H; a row that has points of all kinds.
+void finite_near(benchmark::State &bench) {
+    run(bench, {0, 1.5f, 0, 1.5f, 20, 1.5f}, GreenOrder::first);
+}
+void finite_near_wide(benchmark::State &bench) {
+    run(bench, {0, 20, 0, 10, 20, 20}, GreenOrder::first);
+}
+void finite_deep(benchmark::State &bench) {
+    run(bench, {0, 1.5f, 1.5f, 3, 20, 1.5f}, GreenOrder::first);
+}
+void finite_far(benchmark::State &bench) {
+    run(bench, {1.5f, 20, 0, 2, 20, 1.5f}, GreenOrder::first);
+}
+void finite_mixed(benchmark::State &bench) {
+    run(bench, {0, 8, 0, 3, 20, 4}, GreenOrder::first);
+}
+void finite_mixed_second(benchmark::State &bench) {
+    run(bench, {0, 8, 0, 3, 20, 4}, GreenOrder::second);
+}
+
+// The state of a period; the argument is 10 H.
+void depth_state(benchmark::State &bench) {
+    GSTATE state;
+    float ratio = 0;
+    for (auto _ : bench) {
+        INIT_HGRN98_ARRAYS(state);
+        benchmark::DoNotOptimize(HGRN98(0.1f * static_cast<float>(bench.range(0)), ratio, state));
+        benchmark::DoNotOptimize(state);
+    }
+}
+
+// One pair at a limit frequency, near and far.
+void limit_frequency(benchmark::State &bench) {
+    const float H = 2;
+    float record[16], R = bench.range(0) == 0 ? 0.5f : 3.0f, sum = 0;
+    for (auto _ : bench) {
+        VGRN0(R, 0.3f, 0.4f, H, 0, 0, 1, record);
+        sum += record[0];
+        benchmark::DoNotOptimize(sum);
+    }
+}
+
 } // namespace
 
 BENCHMARK(mixed)->Arg(200)->Arg(2000)->Arg(8000);
@@ -108,4 +162,12 @@ BENCHMARK(near_axis)->Arg(2000);
 BENCHMARK(far_from_axis)->Arg(2000);
 BENCHMARK(far_and_deep)->Arg(2000);
 BENCHMARK(without_logarithm)->Arg(2000);
+BENCHMARK(finite_near)->Arg(200)->Arg(2000);
+BENCHMARK(finite_near_wide)->Arg(2000);
+BENCHMARK(finite_deep)->Arg(2000);
+BENCHMARK(finite_far)->Arg(2000);
+BENCHMARK(finite_mixed)->Arg(2000);
+BENCHMARK(finite_mixed_second)->Arg(2000);
+BENCHMARK(depth_state)->Arg(3)->Arg(25)->Arg(300);
+BENCHMARK(limit_frequency)->Arg(0)->Arg(1);
 BENCHMARK_MAIN();

@@ -58,13 +58,13 @@ template <bool DEEP> [[gnu::always_inline]] inline f32 band_variable(f32 Y, f32 
     return (DEEP ? 16 / Y : Y) - base;
 }
 
-// Real parts from F and F_X; lanes of ISNG < 2 get the image 1/r1 with them.
+// Real parts from F, F_X and F_Y; lanes of ISNG < 2 get the image 1/r1 with them.
 template <bool SECOND>
-[[gnu::always_inline]] inline void store_real(GreenBlock &b, int k, f32 F, f32 FX, f32 rinv) {
+[[gnu::always_inline]] inline void store_real(GreenBlock &b, int k, f32 F, f32 FX, f32 FY, f32 rinv) {
     const f32 X = b.X[k], Y = b.Y[k], image = b.ISNG[k] < 2 ? 1.0f : 0.0f;
     const f32 i2 = rinv * rinv, i3 = i2 * rinv;
-    const f32 Fs = F + rinv, FY = -(rinv + Fs), n3 = image * i3;
-    b.re[G_][k] = b.ISNG[k] < 2 ? Fs : F;
+    const f32 n3 = image * i3;
+    b.re[G_][k] = b.ISNG[k] < 2 ? F + rinv : F;
     b.re[G_R][k] = FX - X * n3;
     b.re[G_Z][k] = FY - Y * n3;
     b.re[G_ZETA][k] = FY - Y * n3;
@@ -115,7 +115,7 @@ template <bool DEEP, bool SECOND, bool WAVES>
             F = exy * ((r1 * p.B - Q) - J * L);
             FX = exy * (((r1 * BX - V) + X * rinv * (p.B - J / s)) + L * W);
         }
-        store_real<SECOND>(b, k, F, FX, rinv);
+        store_real<SECOND>(b, k, F, FX, -(F + 2 * rinv), rinv);
         if constexpr (WAVES)
             store_imaginary<SECOND>(b, k, PI_F * exy * J, PI_F * exy * W);
     }
@@ -145,14 +145,15 @@ template <bool DEEP, bool SECOND, bool WAVES>
         const f32 ca = ex * (cx + sx), sa = ex * (sx - cx);
         const f32 P0 = polynomial5(P0C, v), Q0 = polynomial5(Q0C, v) * x3;
         const f32 P1 = polynomial5(P1C, v), Q1 = polynomial5(Q1C, v) * x3;
-        f32 F = p.B - Q0 * ca - P0 * sa;
+        f32 F = p.B - Q0 * ca - P0 * sa, FY = -(F + 2 * rinv);
         f32 FX = -15 * xinv * xinv * p.slope + Q1 * sa - P1 * ca;
         if constexpr (DEEP) {
-            const f32 i3 = i2 * rinv, y2 = 2 * Y - 2, q = Y * Y * i2;
-            F -= 2 * rinv + (y2 + 6 * q) * i3;
+            const f32 i3 = i2 * rinv, y2 = 2 * Y - 2, q = Y * Y * i2, far = (y2 + 6 * q) * i3;
+            FY = far - F; // F + 2/r1 with its digits: what is left of the two is of the order 1/r1^2
+            F -= 2 * rinv + far;
             FX += X * i3 * (2 + (3 * y2 + 30 * q) * i2);
         }
-        store_real<SECOND>(b, k, F, FX, rinv);
+        store_real<SECOND>(b, k, F, FX, FY, rinv);
         if constexpr (WAVES)
             store_imaginary<SECOND>(b, k, P0 * ca - Q0 * sa, Q1 * ca + P1 * sa);
     }

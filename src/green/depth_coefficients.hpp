@@ -9,9 +9,10 @@
 #include "base/types.hpp"
 #include "green/tables/depth_tables.hpp"
 
-// H: depth times nu, 1e-5 to 1e5; M: the root m of m tanh m = H. The order of the coefficients is that of
-// depth_polynomial.hpp.
+// The coefficients of S for the depth H (times nu, 1e-5 to 1e5), M the root m of m tanh m = H. Their order is
+// that of depth_polynomial.hpp.
 void SCOEF(f32 H, f32 M, f32 (&C91)[91]);
+// The coefficients of P for the depth H; M and order as for SCOEF.
 void PCOEF(f32 H, f32 M, f32 (&C57)[57]);
 
 // Interval of H, counted from 0, and its local variable v. H = 1 belongs to 1-2 (S) or to the last one (P).

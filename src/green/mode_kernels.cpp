@@ -9,71 +9,119 @@ namespace {
 constexpr f32 QUARTER_PI_COS = 0.70710678f;
 constexpr f32 TWO_BY_PI = 0.63661977f;
 constexpr f32 MAX_EXPONENT = 30.0f; // of the vertical factors: beyond it they stop falling
-constexpr f32 MAX_DECAY = 80.0f;    // of the evanescent modes: keeps exp among the normal numbers
+constexpr f32 MAX_DECAY = 60.0f;    // of the evanescent modes: keeps products among the normal numbers
 
-template <int N> [[gnu::always_inline]] inline f32 polynomial(const f32 *c, f32 x) {
-    if constexpr (N == 1)
-        return c[0];
-    else
-        return polynomial<N - 1>(c + 1, x) * x + c[0];
-}
-
-struct Decay {
-    f32 e, rest; // exp(-x) and 1 - exp(-x)
+// A polynomial, constant first. Held by value: read through a pointer into the state the coefficients could
+// change with every store of the loop, and the compiler would give up the vector code.
+template <int N> struct Polynomial {
+    f32 c[N];
+    [[gnu::always_inline]] explicit Polynomial(const f32 *from) {
+        for (int i = 0; i < N; ++i)
+            c[i] = from[i];
+    }
+    [[gnu::always_inline]] f32 operator()(f32 x) const {
+        if constexpr (N == 5)
+            return (((c[4] * x + c[3]) * x + c[2]) * x + c[1]) * x + c[0];
+        else if constexpr (N == 6)
+            return ((((c[5] * x + c[4]) * x + c[3]) * x + c[2]) * x + c[1]) * x + c[0];
+        else
+            return (((((c[6] * x + c[5]) * x + c[4]) * x + c[3]) * x + c[2]) * x + c[1]) * x + c[0];
+    }
 };
 
-// 1 - exp(-x) with its digits: in shallow water both points are close to the bottom on the scale of a wave.
-// Below 0.5 the Taylor series, to 5e-9.
-[[gnu::always_inline]] inline Decay decay(f32 x) {
-    x = x < MAX_EXPONENT ? x : MAX_EXPONENT;
-    const f32 e = expf(-x);
-    const f32 s4 = 1 - x * (1 / 5.0f) * (1 - x * (1 / 6.0f) * (1 - x * (1 / 7.0f) * (1 - x * (1 / 8.0f))));
-    const f32 series = x * (1 - x * (1 / 2.0f) * (1 - x * (1 / 3.0f) * (1 - x * (1 / 4.0f) * s4)));
-    return {e, x < 0.5f ? series : 1 - e};
+// exp(-x) and 1 - exp(-x) of a block, x clipped. In loops of their own: next to the clipping GCC takes the
+// constant branch out of exp, whose argument then is not clipped, and vector code is lost or slow.
+struct Decays {
+    alignas(64) f32 e[GREEN_LANES];
+    alignas(64) f32 rest[GREEN_LANES];
+};
+
+template <class Exponent>
+[[gnu::always_inline]] inline void exponentials(Exponent exponent, f32 limit, f32 (&e)[GREEN_LANES]) {
+    alignas(64) f32 x[GREEN_LANES];
+#pragma omp simd
+    for (int k = 0; k < GREEN_LANES; ++k) {
+        const f32 at = exponent(k);
+        x[k] = at < limit ? at : limit;
+    }
+#pragma omp simd
+    for (int k = 0; k < GREEN_LANES; ++k)
+        e[k] = expf(-x[k]);
 }
 
-// Vertical factor of the propagating mode and its derivatives: -E_z, -E_zeta, E_zzeta; E_zz = k^2 E.
+template <class Exponent> [[gnu::always_inline]] inline void decays(Exponent exponent, Decays &d) {
+    exponentials(exponent, MAX_EXPONENT, d.e);
+#pragma omp simd
+    for (int k = 0; k < GREEN_LANES; ++k) {
+        // 1 - exp(-x) with its digits, since in shallow water both points are close to the bottom on the
+        // scale of a wave: below 0.5 the Taylor series, to 5e-9.
+        const f32 x = exponent(k);
+        const f32 s4 =
+            1 - x * (1 / 5.0f) * (1 - x * (1 / 6.0f) * (1 - x * (1 / 7.0f) * (1 - x * (1 / 8.0f))));
+        const f32 series = x * (1 - x * (1 / 2.0f) * (1 - x * (1 / 3.0f) * (1 - x * (1 / 4.0f) * s4)));
+        d.rest[k] = x < 0.5f ? series : 1 - d.e[k];
+    }
+}
+
+// Vertical factor of the propagating mode and its derivatives: E, -E_z, -E_zeta, E_zzeta; E_zz = k^2 E.
 struct Vertical {
-    f32 E, Ez, Ezeta, Ezz;
+    alignas(64) f32 E[GREEN_LANES];
+    alignas(64) f32 Ez[GREEN_LANES];
+    alignas(64) f32 Ezeta[GREEN_LANES];
+    alignas(64) f32 Ezz[GREEN_LANES];
 };
 
-[[gnu::always_inline]] inline Vertical vertical_factor(f32 k, f32 Y, f32 ZB, f32 ZETAB) {
-    const Decay a = decay(2 * k * ZB), b = decay(2 * k * ZETAB);
-    const f32 kY = k * Y, e = expf(-(kY < MAX_EXPONENT ? kY : MAX_EXPONENT));
-    const f32 ea = e * (1 + a.e), ra = k * e * a.rest;
-    return {ea * (1 + b.e), ra * (1 + b.e), k * ea * b.rest, k * ra * b.rest};
+template <bool SECOND>
+[[gnu::always_inline]] inline void vertical_factor(const GSTATE &g, const GreenBlock &b, Vertical &v) {
+    const f32 k = g.RK, k_twice = g.RKTWO;
+    Decays z, zeta;
+    alignas(64) f32 e[GREEN_LANES];
+    decays([&](int i) { return k_twice * b.ZB[i]; }, z);
+    decays([&](int i) { return k_twice * b.ZETAB[i]; }, zeta);
+    exponentials([&](int i) { return k * b.Y[i]; }, MAX_EXPONENT, e);
+#pragma omp simd
+    for (int i = 0; i < GREEN_LANES; ++i) {
+        const f32 both = e[i] * (1 + z.e[i]), slope = k * e[i] * z.rest[i];
+        v.E[i] = both * (1 + zeta.e[i]);
+        v.Ez[i] = slope * (1 + zeta.e[i]);
+        v.Ezeta[i] = k * both * zeta.rest[i];
+        if constexpr (SECOND)
+            v.Ezz[i] = k * slope * zeta.rest[i];
+    }
 }
 
 // A mode of radial factors w0 and w1 = -dw0/dR: -w0 E and its derivatives.
 template <bool SECOND>
-[[gnu::always_inline]] inline void store_mode(f32 (&v)[GREEN_VALUES][GREEN_LANES], int k, f32 w0, f32 w1,
+[[gnu::always_inline]] inline void store_mode(f32 (&v)[GREEN_VALUES][GREEN_LANES], int i, f32 w0, f32 w1,
                                               const Vertical &z, f32 k2) {
-    v[G_][k] = -w0 * z.E;
-    v[G_R][k] = w1 * z.E;
-    v[G_Z][k] = w0 * z.Ez;
-    v[G_ZETA][k] = w0 * z.Ezeta;
+    v[G_][i] = -w0 * z.E[i];
+    v[G_R][i] = w1 * z.E[i];
+    v[G_Z][i] = w0 * z.Ez[i];
+    v[G_ZETA][i] = w0 * z.Ezeta[i];
     if constexpr (SECOND) {
-        v[G_RZ][k] = -w1 * z.Ez;
-        v[G_RZETA][k] = -w1 * z.Ezeta;
-        v[G_ZZ][k] = -w0 * k2 * z.E;
-        v[G_ZZETA][k] = -w0 * z.Ezz;
+        v[G_RZ][i] = -w1 * z.Ez[i];
+        v[G_RZETA][i] = -w1 * z.Ezeta[i];
+        v[G_ZZ][i] = -w0 * k2 * z.E[i];
+        v[G_ZZETA][i] = -w0 * z.Ezz[i];
     }
 }
 
 template <bool FAR, bool SECOND>
 [[gnu::always_inline]] inline void propagating_near_axis(const GSTATE &g, GreenBlock &b) {
-    const f32 *J0 = g.PJ0, *J1 = g.PJ1, *Y0 = g.PY0, *Y1 = g.PY1;
+    const Polynomial<6> J0(g.PJ0), J1(g.PJ1), Y1(g.PY1);
+    const Polynomial<7> Y0(g.PY0);
     const f32 k = g.RK, k2 = g.RKSQ, four_C = g.CFOUR;
+    Vertical z;
+    vertical_factor<SECOND>(g, b, z);
 #pragma omp simd
     for (int i = 0; i < GREEN_LANES; ++i) {
         const f32 R = b.X[i], R2 = R * R;
-        const Vertical z = vertical_factor(k, b.Y[i], b.ZB[i], b.ZETAB[i]);
-        const f32 W0 = polynomial<6>(J0, R2), W1 = R * polynomial<6>(J1, R2);
+        const f32 W0 = J0(R2), W1 = R * J1(R2);
         store_mode<SECOND>(b.im, i, W0, W1, z, k2);
         if constexpr (FAR) {
             const f32 lg = TWO_BY_PI * logf(k * R);
-            const f32 V0 = W0 * lg + polynomial<7>(Y0, R2);
-            const f32 V1 = W1 * lg - four_C / R + R * polynomial<6>(Y1, R2);
+            const f32 V0 = W0 * lg + Y0(R2);
+            const f32 V1 = W1 * lg - four_C / R + R * Y1(R2);
             store_mode<SECOND>(b.re, i, V0, V1, z, k2);
         }
     }
@@ -81,8 +129,10 @@ template <bool FAR, bool SECOND>
 
 template <bool FAR, bool SECOND>
 [[gnu::always_inline]] inline void propagating_far_from_axis(const GSTATE &g, GreenBlock &b) {
-    const f32 *P0 = g.QP0, *Q0 = g.QQ0, *P1 = g.QP1, *Q1 = g.QQ1;
+    const Polynomial<6> P0(g.QP0), Q0(g.QQ0), P1(g.QP1), Q1(g.QQ1);
     const f32 k = g.RK, k2 = g.RKSQ;
+    Vertical z;
+    vertical_factor<SECOND>(g, b, z);
     // Each in a loop of its own: side by side GCC joins them to sincosf, which has no vector version.
     alignas(64) f32 cosine[GREEN_LANES], sine[GREEN_LANES];
 #pragma omp simd
@@ -94,12 +144,11 @@ template <bool FAR, bool SECOND>
 #pragma omp simd
     for (int i = 0; i < GREEN_LANES; ++i) {
         const f32 rinv = 1 / b.X[i], T = rinv * rinv;
-        const Vertical z = vertical_factor(k, b.Y[i], b.ZB[i], b.ZETAB[i]);
         // cos and sin of k R - pi/4 from those of k R: the difference itself would round at large k R.
         const f32 half = std::sqrt(rinv) * QUARTER_PI_COS;
         const f32 cs = half * (cosine[i] + sine[i]), sn = half * (sine[i] - cosine[i]);
-        const f32 p0 = polynomial<6>(P0, T), q0 = rinv * polynomial<6>(Q0, T);
-        const f32 p1 = polynomial<6>(P1, T), q1 = rinv * polynomial<6>(Q1, T);
+        const f32 p0 = P0(T), q0 = rinv * Q0(T);
+        const f32 p1 = P1(T), q1 = rinv * Q1(T);
         store_mode<SECOND>(b.im, i, p0 * cs - q0 * sn, q1 * cs + p1 * sn, z, k2);
         if constexpr (FAR)
             store_mode<SECOND>(b.re, i, q0 * cs + p0 * sn, q1 * sn - p1 * cs, z, k2);
@@ -126,13 +175,16 @@ struct Turn {
 // One evanescent mode. The sums of the expansion, cos(mu D) + cos(mu A) and the like, stand as products of
 // the factors of either point.
 template <int TERMS, bool SECOND>
-[[gnu::always_inline]] inline void add_evanescent(f32 mu, const f32 *K0, const f32 *K1,
-                                                  const f32 (&rinv)[GREEN_LANES],
+[[gnu::always_inline]] inline void add_evanescent(const GSTATE &g, int n, const f32 (&rinv)[GREEN_LANES],
                                                   const f32 (&root)[GREEN_LANES], GreenBlock &b) {
+    const Polynomial<TERMS> K0(g.EVA[n]), K1(g.EVB[n]);
+    const f32 mu = g.EVK[n];
+    alignas(64) f32 decay[GREEN_LANES];
+    exponentials([&](int k) { return mu * b.X[k]; }, MAX_DECAY, decay);
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
-        const f32 x = mu * b.X[k], e = 2 * root[k] * expf(-(x < MAX_DECAY ? x : MAX_DECAY));
-        const f32 T0 = e * polynomial<TERMS>(K0, rinv[k]), T1 = e * polynomial<TERMS>(K1, rinv[k]);
+        const f32 e = 2 * root[k] * decay[k];
+        const f32 T0 = e * K0(rinv[k]), T1 = e * K1(rinv[k]);
         const Turn z = turn(mu * b.ZB[k]), zeta = turn(mu * b.ZETAB[k]);
         const f32 cc = z.c * zeta.c, sc = mu * z.s * zeta.c, cs = mu * z.c * zeta.s;
         b.re[G_][k] += T0 * cc;
@@ -155,9 +207,9 @@ template <bool SECOND> [[gnu::always_inline]] inline void evanescent(const GSTAT
         rinv[k] = 1 / b.X[k];
         root[k] = std::sqrt(rinv[k]);
     }
-    add_evanescent<7, SECOND>(g.EVK[0], g.EVA[0], g.EVB[0], rinv, root, b);
+    add_evanescent<7, SECOND>(g, 0, rinv, root, b);
     for (int n = 1; n < 5; ++n)
-        add_evanescent<5, SECOND>(g.EVK[n], g.EVA[n], g.EVB[n], rinv, root, b);
+        add_evanescent<5, SECOND>(g, n, rinv, root, b);
 }
 
 } // namespace

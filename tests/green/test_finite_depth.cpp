@@ -54,7 +54,7 @@ class RayDefinition {
 };
 
 enum Region { NEAR, DEEP, FAR };
-const char *const REGION[3] = {"near", "deep", "far"};
+const char *const REGION[4] = {"near", "deep", "far", "just above R = H"};
 
 Region region_of(double R, double Y, double H) {
     return R > H ? FAR : Y >= H ? DEEP : NEAR;
@@ -188,16 +188,29 @@ struct ErrorLists {
     std::vector<double> value, slope;
 };
 
-void report(const char *name, ErrorLists &errors, double value_limit, double slope_limit) {
-    for (const bool slope : {false, true}) {
-        std::vector<double> &list = slope ? errors.slope : errors.value;
-        ASSERT_GT(list.size(), 500u) << name;
-        std::sort(list.begin(), list.end());
-        const double typical = list[list.size() * 999 / 1000];
-        std::printf("%-12s %s: %zu points, worst %.2e, 99.9 per cent below %.2e, half below %.1e\n", name,
-                    slope ? "slopes" : "value ", list.size(), list.back(), typical, list[list.size() / 2]);
-        EXPECT_LT(list.back(), slope ? slope_limit : value_limit) << name;
-    }
+// Of NEAR, DEEP, FAR and just above R = H: limits of the worst error (measured with ten times as many points)
+// and of the error that 99.9 per cent stay below. The near ones come from places where G is small: there the
+// fitted J0 (1e-6 of 2 pi C E) and the last boxes of the table of F2 show; the far ones from the rounding of
+// k.
+struct Limits {
+    double worst, typical;
+};
+constexpr Limits VALUE_LIMIT[4] = {{3e-6, 2.5e-6}, {1e-6, 6e-7}, {4e-6, 2e-6}, {3e-6, 1.5e-6}};
+constexpr Limits SLOPE_LIMIT[4] = {{1e-5, 4e-6}, {1e-6, 8e-7}, {2e-6, 1.2e-6}, {3e-6, 1.5e-6}};
+// Errors are relative to the larger of |G| and 1/r1, but not below this: the table of F2 is good to 1e-7
+// absolute, which shows when both points are deep on the scale of a wave.
+constexpr double FLOOR = 0.1;
+// From this k R on an error may grow with the distance: k is a single-precision number.
+constexpr double LONG_WAY = 10;
+
+void report(const char *name, std::vector<double> &list, Limits limits) {
+    ASSERT_GT(list.size(), 500u) << name;
+    std::sort(list.begin(), list.end());
+    const double typical = list[list.size() * 999 / 1000];
+    std::printf("%s: %zu points, worst %.2e, 99.9 per cent below %.2e, half below %.1e\n", name, list.size(),
+                list.back(), typical, list[list.size() / 2]);
+    EXPECT_LT(list.back(), limits.worst) << name;
+    EXPECT_LT(typical, limits.typical) << name;
 }
 
 } // namespace
@@ -215,7 +228,7 @@ TEST(FiniteDepth, RandomPointsMeetTheDefinition) {
         w.push_back(vertical[i] * vertical[i]);
     }
     RayDefinition ray(t, w, vertical);
-    ErrorLists errors[3][2];
+    ErrorLists errors[4];
     for (int depth = 0; depth < 250; ++depth) {
         const f32 H = static_cast<f32>(std::pow(10, -5 + 10 * part(random)));
         const GSTATE state = state_of(H);
@@ -226,10 +239,12 @@ TEST(FiniteDepth, RandomPointsMeetTheDefinition) {
             f32 record[16];
             VGRN1P(R, z, zeta, H, state, ISNG, IBOT, record);
             const auto got = [&](int j) { return Complex(record[2 * j], record[2 * j + 1]); };
-            const double r1 = std::hypot(R, static_cast<double>(z) + zeta);
-            const double scale = std::max(std::abs(exact.G), 1 / r1);
-            const double scale1 = std::max(gradient(exact), 1 / (r1 * r1));
-            ErrorLists &e = errors[region_of(R, z + zeta, H)][H > 30];
+            const double r1 = std::hypot(R, static_cast<double>(z) + zeta), kR = modes.k * R;
+            const double phase = std::max(1.0, kR / LONG_WAY);
+            const double scale = phase * std::max({std::abs(exact.G), 1 / r1, FLOOR});
+            const double scale1 = phase * std::max({gradient(exact), 1 / (r1 * r1), FLOOR});
+            const Region region = region_of(R, z + zeta, H);
+            ErrorLists &e = errors[region == FAR && R < 1.2f * H ? 3 : region];
             e.value.push_back(std::abs(got(G_) - exact.G) / scale);
             e.slope.push_back(std::max({std::abs(got(G_R) - exact.G_R), std::abs(got(G_Z) - exact.G_z),
                                         std::abs(got(G_ZETA) - exact.G_zeta)}) /
@@ -265,9 +280,144 @@ TEST(FiniteDepth, RandomPointsMeetTheDefinition) {
             compare(R, z, zeta, exact, ISNG, IBOT);
         }
     }
-    for (const Region region : {NEAR, DEEP, FAR}) {
-        for (const bool large : {false, true})
-            report((std::string(REGION[region]) + (large ? ", H > 30" : "")).c_str(), errors[region][large],
-                   1e-6, 5e-6);
+    for (int i = 0; i < 4; ++i) {
+        report((std::string(REGION[i]) + ", G").c_str(), errors[i].value, VALUE_LIMIT[i]);
+        report((std::string(REGION[i]) + ", first derivatives").c_str(), errors[i].slope, SLOPE_LIMIT[i]);
+    }
+}
+
+// Across the borders of the regions, of the Bessel ranges and of the table of F2: both sides meet the
+// definition, so the step is no larger than their errors.
+TEST(FiniteDepth, NoStepAtTheBordersOfTheRegions) {
+    struct Border {
+        const char *name;
+        f32 H, R, z, zeta, R2, z2;
+    };
+    const auto up = [](f32 x) { return std::nextafter(x, 1e9f); };
+    const auto down = [](f32 x) { return std::nextafter(x, 0.0f); };
+    std::vector<Border> borders;
+    for (const f32 H : {0.01f, 0.3f, 1.5f, 4.8f, 6.0f, 25.0f}) {
+        const f32 k = state_of(H).RK, R3 = 3 / k;
+        for (const f32 part : {0.1f, 0.6f, 0.95f}) {
+            borders.push_back({"R = H", H, H, part * H, 0.3f * H, up(H), part * H});
+            // z + zeta = H exactly and just below
+            const f32 zeta = 0.25f * H, z = 0.75f * H;
+            borders.push_back({"Y = H", H, part * H, z, zeta, part * H, down(z)});
+            if (R3 > 0.1f * H)
+                borders.push_back({"kR = 3", H, R3, part * H, 0.2f * H, up(R3), part * H});
+            if (H > 3.1f)
+                borders.push_back({"R = 3", H, 3, part, 0.2f, up(3), part});
+            if (H > 4.5f)
+                borders.push_back({"Y = 4", H, part * 4, 3, 1, part * 4, down(3)});
+        }
+    }
+    for (const Border &b : borders) {
+        const GSTATE state = state_of(b.H);
+        ModeExpansion modes(b.H);
+        for (int ISNG = 0; ISNG <= 3; ++ISNG) {
+            const auto check = [&](f32 R, f32 z) {
+                f32 record[16];
+                VGRN1P(R, z, b.zeta, b.H, state, ISNG, ISNG / 2, record);
+                const FiniteValues whole = modes(R, z, b.zeta);
+                FiniteValues exact = whole;
+                exact += selected_values(R, z, b.zeta, b.H, ISNG, ISNG / 2);
+                const double r1 = std::hypot(R, z + b.zeta);
+                // Rounding of the parts, and the error of the table of F2 and of its slope
+                // (docs/numerics.md).
+                const double allowed = 2e-6 * std::max({std::abs(whole.G), std::abs(exact.G), 1 / r1}) + 3e-7;
+                const double allowed1 =
+                    2e-6 * std::max({gradient(whole), gradient(exact), 1 / (r1 * r1)}) + 1.1e-6;
+                const Complex got[4] = {{record[0], record[1]},
+                                        {record[2], record[3]},
+                                        {record[4], record[5]},
+                                        {record[12], record[13]}};
+                const Complex asked[4] = {exact.G, exact.G_R, exact.G_z, exact.G_zeta};
+                for (int j = 0; j < 4; ++j)
+                    EXPECT_LT(std::abs(got[j] - asked[j]), j == 0 ? allowed : allowed1)
+                        << b.name << " H " << b.H << " R " << R << " z " << z << " ISNG " << ISNG << " value "
+                        << j;
+            };
+            check(b.R, b.z);
+            check(b.R2, b.z2);
+        }
+    }
+}
+
+// The borders of the depth tables, H = 1 among them, and H = 4.8, above which the root is not corrected.
+TEST(FiniteDepth, NoStepInDepth) {
+    for (const f32 H : {1.0f, 2.0f, 3.0f, 4.0f, 4.8f, 6.0f, 8.0f, 12.0f, 16.0f}) {
+        const f32 H2 = std::nextafter(H, 99.0f);
+        const GSTATE state = state_of(H), state2 = state_of(H2);
+        for (const f32 ratio : {0.2f, 0.8f, 1.5f}) {
+            for (const f32 depth : {0.05f, 0.4f, 0.9f}) {
+                f32 a[16], b[16];
+                const f32 R = ratio * H, z = depth * H, zeta = 0.3f * H;
+                VGRN1P(R, z, zeta, H, state, 0, 0, a);
+                VGRN1P(R, z, zeta, H2, state2, 0, 0, b);
+                for (const int j : {0, 1, 2, 3, 4, 5, 12, 13}) {
+                    const double scale = std::max({std::hypot(a[j & ~1], a[j | 1]), 1 / R, 0.1f});
+                    EXPECT_NEAR(a[j], b[j], 3e-6 * scale) << H << " " << R << " " << z << " value " << j;
+                }
+            }
+        }
+    }
+}
+
+// On the bottom there is no vertical derivative, in no region; in the surface G + dG/dz = 0.
+TEST(FiniteDepth, BottomAndSurfaceConditions) {
+    for (const f32 H : {0.05f, 1.5f, 7.0f}) {
+        const GSTATE state = state_of(H);
+        for (const f32 R : {0.3f * H, H, 1.01f * H, 3 * H}) {
+            f32 a[16];
+            for (const f32 zeta : {0.1f * H, 0.8f * H}) {
+                VGRN1P(R, H, zeta, H, state, 0, 0, a);
+                const double slope = std::max(std::hypot(a[2], a[3]), 1 / H);
+                EXPECT_NEAR(a[4], 0, 3e-6 * slope) << H << " " << R << " " << zeta;
+                EXPECT_EQ(a[5], 0) << H << " " << R << " " << zeta;
+                EXPECT_NEAR(a[6], 0, 3e-6 * slope / H) << H << " " << R << " " << zeta;
+                EXPECT_NEAR(a[10], 0, 3e-6 * slope / H) << H << " " << R << " " << zeta;
+                VGRN1P(R, 0, zeta, H, state, 0, 0, a);
+                const double size = std::max({std::hypot(a[0], a[1]), std::hypot(a[2], a[3]), 1 / (H * H)});
+                EXPECT_NEAR(a[0] + a[4], 0, 3e-6 * size) << H << " " << R << " " << zeta;
+                EXPECT_NEAR(a[1] + a[5], 0, 3e-6 * size) << H << " " << R << " " << zeta;
+            }
+        }
+    }
+}
+
+// At great depth the function is that of deep water.
+TEST(FiniteDepth, TendsToDeepWater) {
+    const f32 H = 2000;
+    const GSTATE state = state_of(H);
+    for (const f32 R : {0.1f, 2.5f, 3.5f, 40.0f}) {
+        for (const f32 Y : {0.1f, 3.0f, 9.0f}) {
+            for (int ISNG = 0; ISNG <= 3; ++ISNG) {
+                f32 a[16], b[16];
+                VGRN1P(R, 0.3f * Y, 0.7f * Y, H, state, ISNG, 1, a);
+                VGRN1P(R, 0.3f * Y, 0.7f * Y, -1, state, ISNG, 1, b);
+                // What the bottom adds is of the order 1/H; the imaginary parts come from two fits of the
+                // same J0.
+                EXPECT_NEAR(a[0], b[0], 1.0 / H) << R << " " << Y << " " << ISNG;
+                for (int j = 1; j < 16; ++j)
+                    EXPECT_NEAR(a[j], b[j], j % 2 ? 2e-6 : 1.0 / (H * H) + 5e-7 * (1 + std::abs(b[j])))
+                        << R << " " << Y << " " << ISNG << " " << j;
+            }
+        }
+    }
+}
+
+TEST(FiniteDepth, ResultDependsOnThePointAlone) {
+    for (const f32 H : {0.02f, 1.5f, 40.0f}) {
+        std::mt19937 random(7);
+        std::uniform_real_distribution<f32> part(0, 1);
+        Points points;
+        for (int i = 0; i < 1501; ++i) {
+            const f32 R = H * (i % 3 ? 1.3f * part(random) : 5 * part(random)), reach = i % 2 ? H : 0.1f * H;
+            points.add(R, reach * part(random), reach * part(random), i % 4, i / 4 % 2);
+        }
+        std::vector<int> place(points.size());
+        std::iota(place.begin(), place.end(), 0);
+        std::shuffle(place.begin(), place.end(), random);
+        expect_result_depends_on_point_alone(points, place, H, state_of(H));
     }
 }

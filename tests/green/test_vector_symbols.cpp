@@ -30,10 +30,13 @@ TEST(VectorSymbols, GreenLibraryCallsTheVectorFunctions) {
         for (const std::string function : {"expf", "logf", "sinf", "cosf"})
             EXPECT_TRUE(asks("deep_kernels", width + function)) << width + function;
         EXPECT_TRUE(asks("rankine_terms", width + "logf")) << width;
+        for (const std::string function : {"expf", "logf", "sinf", "cosf"})
+            EXPECT_TRUE(asks("mode_kernels", width + function)) << width + function;
     }
     for (const std::string scalar : {"expf", "logf", "sinf", "cosf", "sincosf"}) {
         EXPECT_FALSE(asks("deep_kernels", scalar)) << scalar;
         EXPECT_FALSE(asks("rankine_terms", scalar)) << scalar;
+        EXPECT_FALSE(asks("mode_kernels", scalar)) << scalar;
     }
 #endif
 }

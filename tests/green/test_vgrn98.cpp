@@ -140,6 +140,22 @@ TEST(Vgrn98, RandomPointsMeetTheDefinition) {
     }
 }
 
+// At great distances the error falls with F2 ~ -2/r1, and that of the depth slope with it.
+TEST(Vgrn98, FarAway) {
+    constexpr double TOLERANCE =
+        3e-5; // measured 2.2e-5, near the borders X = 15 and Y = 16 of the last boxes
+    const F2Definition F2;
+    for (const f32 R : {0.0f, 2.0f, 4.0f, 300.0f, 3000.0f, 30000.0f}) {
+        for (const f32 Y : {25.0f, 300.0f, 3000.0f, 30000.0f}) {
+            f32 record[16];
+            VGRN1P(R, Y, 0, -1, GSTATE{}, 2, 0, record);
+            const double F = F2(R, Y).value, allowed = TOLERANCE * std::abs(F);
+            EXPECT_NEAR(record[2 * G_], F, allowed) << R << " " << Y;
+            EXPECT_NEAR(record[2 * G_Z], -F - 2 / std::hypot(R, Y), allowed) << R << " " << Y;
+        }
+    }
+}
+
 // The borders of the boxes from both sides: the values differ by what the function changes by, no more.
 TEST(Vgrn98, NoStepAtTheBordersOfTheBoxes) {
     // Table and rounding on one side of a border: docs/numerics.md, worst row 41; values go up to 6.

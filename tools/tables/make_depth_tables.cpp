@@ -245,7 +245,11 @@ Errors check(const DepthDefinition &definition, const std::vector<f32> &t, const
     std::uniform_real_distribution<double> spread(std::log(LOWER[interval]), std::log(UPPER[interval]));
     std::vector<double> all[DepthValues::N];
     for (int k = 0; k < CHECKED_DEPTHS; ++k) {
-        const f32 H = static_cast<f32>(std::exp(spread(random)));
+        // The ends of the interval are among the depths, the lower one from inside.
+        const f32 lowest = std::nextafter(static_cast<f32>(LOWER[interval]), 1e6f);
+        const f32 H = k == 0   ? lowest
+                      : k == 1 ? static_cast<f32>(UPPER[interval])
+                               : static_cast<f32>(std::exp(spread(random)));
         const DepthVariable at = depth_variable(H, true);
         if (at.interval != interval)
             continue; // rounded across the border

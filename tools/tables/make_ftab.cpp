@@ -65,6 +65,12 @@ struct Box {
     bool deep() const { return band() > 4; }                       // Y >= 4
     double X(double v) const { return near() ? 3 * std::sqrt(v) : 15 / (5 * band() - row + v); }
     double Y(double t) const { return deep() ? 16 / (8 - band() + t) : band() - 1 + t; }
+    // What is fitted vanishes at infinity: where v = 0 is X = infinity the terms without v are left out,
+    // where t = 0 is Y = infinity those without t. Otherwise the error at great distances would not fall with
+    // F2 itself.
+    bool left_out(int n, int k) const {
+        return (!near() && row % 5 == 0 && n == 0) || (band() == 8 && k == 0);
+    }
     double slope_factor(double X) const { return near() ? 2 * X / 9 : -15 / (X * X); } // dv/dX
 };
 
@@ -180,8 +186,19 @@ void fit(const F2Definition &definition, Box box, f32 (&coefficients)[FTAB_TERMS
             add_point(definition, box, v, t, all);
         }
     }
-    bool fixed[FTAB_TERMS] = {};
+    bool fixed[FTAB_TERMS] = {}; // left out, or rounded already
     long double c[FTAB_TERMS] = {};
+    int rounded = 0;
+    for (int n = 0; n < 7; ++n) {
+        for (int k = 0; k <= FTAB_DEGREE[n]; ++k) {
+            const int term = FTAB_FIRST[n] + k;
+            fixed[term] = box.left_out(n, k);
+            if (fixed[term]) {
+                coefficients[term] = 0;
+                ++rounded;
+            }
+        }
+    }
     std::vector<double> weight_of_best(all.size(), 1.0);
     double best = 1e30;
     for (int step = 0; step < LAWSON_STEPS; ++step) {
@@ -205,7 +222,7 @@ void fit(const F2Definition &definition, Box box, f32 (&coefficients)[FTAB_TERMS
         all[i].weight = weight_of_best[i] + 0.05; // no point without weight while the rounding is made good
     solve(all, fixed, c);
     // Largest first: its rounding error is the largest, and the others make up for it.
-    for (int done = 0; done < FTAB_TERMS; ++done) {
+    while (rounded < FTAB_TERMS) {
         int next = -1;
         for (int k = 0; k < FTAB_TERMS; ++k) {
             if (!fixed[k] && (next < 0 || std::abs(c[k]) > std::abs(c[next])))
@@ -214,7 +231,7 @@ void fit(const F2Definition &definition, Box box, f32 (&coefficients)[FTAB_TERMS
         coefficients[next] = static_cast<f32>(c[next]);
         c[next] = coefficients[next];
         fixed[next] = true;
-        if (done + 1 < FTAB_TERMS)
+        if (++rounded < FTAB_TERMS)
             solve(all, fixed, c);
     }
 }

@@ -1,0 +1,150 @@
+// The Green function at the limit frequencies. Truth: the image series in double precision, the boundary
+// conditions, printed sample values.
+#include "green/vgrn0.hpp"
+#include "green_points.hpp"
+
+#include <algorithm>
+
+namespace {
+
+// Sum over all images of the pair between the surface and the bottom, less those that the selectors leave
+// out. With the lid all have the sign +, and 2/(n H) is taken off each four to make the sum finite; the
+// constant is such that far away G tends to -ln(R^2/H^2)/H, as the sum of 1/sqrt(R^2 + (2 n H)^2) tells.
+double image_series(double R, double z, double zeta, double H, int ISNG, int IBOT, int IPLIM) {
+    constexpr int N = 300;
+    constexpr double EULER = 0.57721566490153286061;
+    const double D = z - zeta, Y = z + zeta, sigma = IPLIM == 1 ? 1 : -1;
+    const auto image = [&](double Z) { return 1 / std::hypot(R, Z); };
+    double sum = image(D) + sigma * image(Y), last = 0;
+    for (int n = 1; n <= N; ++n) {
+        const double s = 2 * n * H, sign = IPLIM == 1 || n % 2 == 0 ? 1 : -1;
+        last = sign * (image(D + s) + image(D - s) + sigma * (image(Y + s) + image(Y - s)));
+        sum += last - (IPLIM == 1 ? 2 / (n * H) : 0);
+    }
+    if (IPLIM == 1) {
+        // What is left falls as n^-3: its sum from N + 1 on.
+        const double cubic = (D * D + Y * Y - R * R) / (4 * H * H * H), n = N;
+        sum += cubic * (1 / (2 * n * n) - 1 / (2 * n * n * n) + 1 / (4 * n * n * n * n));
+        sum += 2 / H * (EULER - std::log(4.0));
+    } else {
+        sum -= 0.5 * last; // an alternating series
+    }
+    if (ISNG >= 1)
+        sum -= image(D);
+    if (ISNG >= 2)
+        sum -= sigma * image(Y);
+    if (IBOT >= 1)
+        sum -= image(2 * H - Y);
+    return sum;
+}
+
+} // namespace
+
+TEST(Vgrn0, SampleValues) {
+    f32 record[16];
+    VGRN0(1, 0.4f, 0.3f, 2, 0, 0, 1, record);
+    EXPECT_NEAR(record[0], 0.98544362f, 3e-7);
+    VGRN0(1, 0.4f, 0.3f, 2, 0, 0, 2, record);
+    EXPECT_NEAR(record[0], 0.18717630f, 3e-7);
+    VGRN0(1, 1.5f, 1.2f, 2, 0, 0, 2, record);
+    EXPECT_NEAR(record[0], 0.85654450f, 3e-7);
+    VGRN0(1, 0.5f, 1.5f, -1, 2, 0, 1, record);
+    for (const f32 value : record)
+        EXPECT_EQ(value, 0);
+}
+
+// All eight values, near and far, either side of Y = H, all selectors.
+TEST(Vgrn0, EqualsTheImageSeries) {
+    constexpr double TOLERANCE = 2e-6;
+    double worst[2] = {};
+    for (const f32 H : {2.0f, 0.03f}) {
+        for (const int IPLIM : {1, 2}) {
+            for (const double ratio : {0.01, 0.3, 0.9, 1.1, 2.0, 5.0}) {
+                for (const auto &[a, b] :
+                     {std::pair{0.1, 0.15}, {0.45, 0.3}, {0.02, 0.93}, {0.7, 0.5}, {0.95, 0.9}}) {
+                    for (int selector = 0; selector < 8; ++selector) {
+                        const int ISNG = selector / 2, IBOT = selector % 2;
+                        const f32 R = static_cast<f32>(ratio * H), z = static_cast<f32>(a * H),
+                                  zeta = static_cast<f32>(b * H);
+                        const double r = std::hypot(R, z - zeta), r1 = std::hypot(R, z + zeta),
+                                     rb = std::hypot(R, 2 * H - z - zeta);
+                        const double h = 4e-3 * std::min({r, r1, rb});
+                        if (selector > 1 && ratio != 0.3 && ratio != 2.0)
+                            continue;
+                        const auto exact = record_by_differences(
+                            [&](double s, double u, double v) {
+                                return Complex(image_series(s, u, v, H, ISNG, IBOT, IPLIM));
+                            },
+                            R, z, zeta, h);
+                        f32 record[16];
+                        VGRN0(R, z, zeta, H, ISNG, IBOT, IPLIM, record);
+                        for (int j = 0; j < GREEN_VALUES; ++j) {
+                            const double scale = std::pow(H, -ORDER[j] - 1) +
+                                                 (ISNG < 1 || ratio > 1 ? std::pow(r, -ORDER[j] - 1) : 0) +
+                                                 (ISNG < 2 || ratio > 1 ? std::pow(r1, -ORDER[j] - 1) : 0) +
+                                                 (IBOT < 1 || ratio > 1 ? std::pow(rb, -ORDER[j] - 1) : 0);
+                            const double error = std::abs(record[2 * j] - exact[j].real());
+                            worst[IPLIM - 1] = std::max(worst[IPLIM - 1], error / scale);
+                            EXPECT_LT(error, TOLERANCE * scale)
+                                << "IPLIM " << IPLIM << " H " << H << " R/H " << ratio << " z/H " << a
+                                << " zeta/H " << b << " ISNG " << ISNG << " IBOT " << IBOT << " value " << j
+                                << ": " << record[2 * j] << " for " << exact[j].real();
+                            EXPECT_EQ(record[2 * j + 1], 0);
+                        }
+                    }
+                }
+            }
+        }
+    }
+    std::printf("limit frequencies: worst error of all values %.2e (lid), %.2e of their parts\n", worst[0],
+                worst[1]);
+}
+
+// Near and far forms at R = H, on both sides of Y = H; then the borders of Y themselves.
+TEST(Vgrn0, NearAndFarFormsAgree) {
+    const auto compare = [](f32 R, f32 z, f32 R2, f32 z2, f32 H, int IPLIM) {
+        f32 a[16], b[16];
+        for (int selector = 0; selector < 8; ++selector) {
+            VGRN0(R, z, 0.3f * H, H, selector / 2, selector % 2, IPLIM, a);
+            VGRN0(R2, z2, 0.3f * H, H, selector / 2, selector % 2, IPLIM, b);
+            for (int j = 0; j < GREEN_VALUES; ++j) {
+                const double size = 5 * std::pow(std::min(R, H), -ORDER[j] - 1);
+                EXPECT_NEAR(a[2 * j], b[2 * j], 4e-7 * size) << "IPLIM " << IPLIM << " R " << R << " z " << z
+                                                             << " selectors " << selector << " value " << j;
+            }
+        }
+    };
+    for (const int IPLIM : {1, 2}) {
+        for (const f32 H : {1.0f, 8.0f}) {
+            for (const f32 depth : {0.0f, 0.1f, 0.6f, 0.69f, 0.71f, 0.8f, 1.0f})
+                compare(H, depth * H, std::nextafter(H, 99.0f), depth * H, H, IPLIM);
+            for (const f32 ratio : {0.2f, 0.9f})
+                compare(ratio * H, 0.7f * H, ratio * H, std::nextafter(0.7f * H, 0.0f), H, IPLIM);
+        }
+    }
+}
+
+TEST(Vgrn0, DeepWaterAndBoundaryConditions) {
+    f32 record[16];
+    for (const int IPLIM : {1, 2}) {
+        const double sigma = IPLIM == 1 ? 1 : -1;
+        for (int ISNG = 0; ISNG <= 3; ++ISNG) {
+            const auto exact = record_by_differences(
+                [&](double R, double z, double zeta) {
+                    return Complex((ISNG < 1 ? 1 / std::hypot(R, z - zeta) : 0) +
+                                   (ISNG < 2 ? sigma / std::hypot(R, z + zeta) : 0));
+                },
+                0.7, 0.3, 0.5, 1e-3);
+            VGRN0(0.7f, 0.3f, 0.5f, 0, ISNG, 1, IPLIM, record);
+            for (int j = 0; j < GREEN_VALUES; ++j)
+                EXPECT_NEAR(record[2 * j], exact[j].real(), 2e-6 * (1 + std::abs(exact[j])))
+                    << ISNG << " " << j;
+        }
+        for (const f32 R : {0.4f, 3.5f}) {
+            VGRN0(R, 0, 0.6f, 2, 0, 0, IPLIM, record); // lid: no slope; else no value
+            EXPECT_NEAR(IPLIM == 1 ? record[4] : record[0], 0, 1e-6);
+            VGRN0(R, 2, 0.6f, 2, 0, 0, IPLIM, record);
+            EXPECT_NEAR(record[4], 0, 1e-6);
+        }
+    }
+}
