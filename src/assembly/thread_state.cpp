@@ -9,7 +9,11 @@ Status allocate_solution(const RunState &run, ThreadState &thread) {
     bool made = thread.PHIR.alloc(n, run.sym.NSYMD) && thread.PHID.alloc(n, headings, classes);
     if (run.opt.IDIFF >= 0)
         made = made && thread.SRCD.alloc(n, headings, classes) && thread.PHI0.alloc(n, headings, classes);
-    return made ? Status::ok : MSGOUT(" RAM too small for number of panels ");
+    if (!made)
+        return MSGOUT(" RAM too small for number of panels ");
+    if (!run.memory.INCORE && !thread.AMAT.alloc(run.opt.NCORE, run.opt.NCORE))
+        return MSGOUT(" RAM too small.  Reduce MAXSCR ");
+    return Status::ok;
 }
 
 Status ALLOCATE_WA(const RunState &run, ThreadState &thread) {

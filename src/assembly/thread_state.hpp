@@ -4,6 +4,8 @@
 #include "green/gstate.hpp"
 #include "run/state.hpp"
 
+struct ScratchStore;
+
 struct ThreadState {
     Array<c32, 2> PHIR;  // right-hand sides, then radiation potentials (NEQN,NSYMD)
     Array<c32, 3> PHID;  // right-hand sides, then diffraction potentials (NEQN,NBETAM,NSYMR)
@@ -13,10 +15,15 @@ struct ThreadState {
     Array<c32, 3> ECORE; // normal velocity of sources, ISOR=1 (NEQN,NEQN,NSYMR)
     Array<c32, 3> VCORE; // their velocity, axis and class in the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR)
     Array<c32, 2> ALU;   // the class that the direct solver factors (NEQN,NEQN)
+    Array<c32, 2> ALU;   // factors of a class (NEQN,NEQN), or of its diagonal blocks (NBLKSZ,NEQN), in memory
+    // The matrix, packed rows or block that is in memory while the rest is on scratch (NCORE,NCORE).
+    Array<c32, 2> AMAT;
+    ScratchStore *scratch = nullptr; // files of the run when the matrices are not in memory; the driver owns them
     GSTATE gstate;       // depth state of the period
 };
 
-// The solution arrays, for the life of the thread. Failed: " RAM too small for number of panels ".
+// The solution arrays and, without INCORE, AMAT, for the life of the thread. Failed: " RAM too small for number of
+// panels ", " RAM too small.  Reduce MAXSCR ".
 [[nodiscard]] Status allocate_solution(const RunState &run, ThreadState &thread);
 // The matrices of a period in memory; nothing without INCORE. Failed: " RAM too small ".
 [[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread);

@@ -1,12 +1,75 @@
 #include "base/platform.hpp"
 
+#include <algorithm>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <fstream>
+#include <iterator>
+#include <mutex>
 #include <pwd.h>
 #include <sstream>
 #include <sys/utsname.h>
 #include <unistd.h>
+
+namespace {
+
+// The number behind `key` in a file of lines "key number", or the first number when the key is empty; -1: none, which
+// is also what the word "max" stands for.
+std::int64_t number_in(const std::string &file, const std::string &key = {}) {
+    std::ifstream in(file);
+    std::string word;
+    std::int64_t value = -1;
+    while (!key.empty() && in >> word && word != key)
+        in.ignore(1000, '\n');
+    return in >> value ? value : -1;
+}
+
+struct GroupFiles {
+    const char *limit;
+    const char *usage;
+    const char *cache; // key in memory.stat
+};
+
+// Goes from the group's folder up to the root of the hierarchy: each may have a limit.
+void apply_hierarchy(const std::string &root, std::string path, const GroupFiles &files, MemorySizes &sizes) {
+    for (;;) {
+        const std::string folder = root + path + "/";
+        const std::int64_t limit = number_in(folder + files.limit);
+        const std::int64_t usage = number_in(folder + files.usage);
+        const std::int64_t cache = std::max<std::int64_t>(number_in(folder + "memory.stat", files.cache), 0);
+        if (limit >= 0 && usage >= 0)
+            sizes.available = std::clamp<std::int64_t>(limit - usage + cache, 0, sizes.available);
+        const std::size_t slash = path.rfind('/');
+        if (slash == std::string::npos)
+            return;
+        path.erase(slash);
+    }
+}
+
+} // namespace
+
+void apply_control_groups(const std::string &groups, const std::string &root, MemorySizes &sizes) {
+    std::istringstream lines(groups);
+    std::string line;
+    while (std::getline(lines, line)) {
+        // hierarchy:controllers:path
+        const std::size_t first = line.find(':');
+        const std::size_t second = first == std::string::npos ? first : line.find(':', first + 1);
+        if (second == std::string::npos)
+            continue;
+        const std::string controllers = "," + line.substr(first + 1, second - first - 1) + ",";
+        std::string path = line.substr(second + 1);
+        if (path == "/")
+            path.clear();
+        if (controllers == ",,")
+            apply_hierarchy(root, path, {"memory.max", "memory.current", "inactive_file"}, sizes);
+        else if (controllers.find(",memory,") != std::string::npos)
+            apply_hierarchy(root + "/memory", path,
+                            {"memory.limit_in_bytes", "memory.usage_in_bytes", "total_inactive_file"}, sizes);
+    }
+}
 
 bool query_memory(MemorySizes &sizes) {
     std::ifstream in("/proc/meminfo");
@@ -29,7 +92,78 @@ bool query_memory(MemorySizes &sizes) {
             sizes.pagefile = kibibytes * 1024;
         }
     }
-    return has_total && has_available;
+    if (!has_total || !has_available)
+        return false;
+    std::ifstream groups("/proc/self/cgroup");
+    apply_control_groups(std::string(std::istreambuf_iterator<char>(groups), {}), "/sys/fs/cgroup", sizes);
+    return true;
+}
+
+namespace {
+
+// What a signal handler can work with: fixed storage, process-wide as signals are.
+struct RegisteredFile {
+    volatile std::sig_atomic_t used = 0;
+    char name[16] = {};
+};
+RegisteredFile registered[32];
+std::mutex registering;
+
+void remove_and_die(int signal_number) {
+    remove_registered_files();
+    raise(signal_number); // now with its default action
+}
+
+void watch_signals() {
+    for (const int signal_number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGABRT, SIGXCPU, SIGXFSZ}) {
+        struct sigaction before {};
+        // A signal that is ignored, or that someone else handles, stays so.
+        if (sigaction(signal_number, nullptr, &before) != 0 || before.sa_handler != SIG_DFL)
+            continue;
+        struct sigaction action {};
+        action.sa_handler = remove_and_die;
+        action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+        sigemptyset(&action.sa_mask);
+        (void)sigaction(signal_number, &action, nullptr);
+    }
+}
+
+} // namespace
+
+bool remove_at_end(const std::string &name) {
+    const std::lock_guard hold(registering);
+    if (name.size() >= sizeof registered[0].name)
+        return false;
+    watch_signals();
+    RegisteredFile *place = nullptr;
+    for (RegisteredFile &entry : registered) {
+        if (entry.used != 0 && name == entry.name)
+            return true;
+        if (entry.used == 0 && place == nullptr)
+            place = &entry;
+    }
+    if (place == nullptr)
+        return false;
+    std::memcpy(place->name, name.c_str(), name.size() + 1);
+    place->used = 1; // last: the handler may come at any moment
+    return true;
+}
+
+void forget_at_end(const std::string &name) {
+    const std::lock_guard hold(registering);
+    for (RegisteredFile &entry : registered) {
+        if (entry.used != 0 && name == entry.name)
+            entry.used = 0;
+    }
+}
+
+void remove_registered_files() noexcept {
+    for (RegisteredFile &entry : registered) {
+        if (entry.used != 0) {
+            entry.used = 0;
+            unlink(entry.name);
+        }
+    }
 }
 
 DateTime DATTIM() {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <initializer_list>
+#include <memory>
 #include <string>
 
 // A run of bytes that goes into a record or is taken from one.
@@ -20,10 +21,11 @@ template <class T> Bytes bytes_of(const T &value) {
     return {&value, sizeof(T)};
 }
 
-// One open file of records, known by its unit number. Every call returns false when the system refuses, a short
-// disk included; error() then tells why. Closing is implied.
+// One open file of records, known by its unit number. Every call returns false when the system refuses, a
+// short disk included; error() then tells why. Closing is implied. The file is sequential: a record that is
+// written is the last one, what was behind it is cut off.
 class RecordFile {
-public:
+  public:
     explicit RecordFile(int unit) : unit_(unit) {}
     RecordFile(const RecordFile &) = delete;
     RecordFile &operator=(const RecordFile &) = delete;
@@ -33,8 +35,11 @@ public:
     [[nodiscard]] bool create(const std::string &path);
     // An existing file, to be read.
     [[nodiscard]] bool open(const std::string &path);
+    // A named file at its first record, to be read or written over; made when it does not exist.
+    [[nodiscard]] bool open_or_create(const std::string &path);
     // An unnamed file in the folder of the run, gone with its close.
     [[nodiscard]] bool open_scratch();
+    bool is_open() const { return file_ != nullptr; }
 
     // One record of all parts in order.
     [[nodiscard]] bool write(std::initializer_list<Bytes> parts);
@@ -55,9 +60,13 @@ public:
     int unit() const { return unit_; }
     const std::string &error() const { return error_; }
 
-private:
+  private:
     bool complain();
+    bool adopt(int descriptor);
+    bool start_writing();
     int unit_;
     std::FILE *file_ = nullptr;
+    std::unique_ptr<char[]> buffer_; // of the stream, when it is made for long sweeps
+    bool writing_ = false;           // the end of the file is where it stands
     std::string error_;
 };

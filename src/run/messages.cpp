@@ -160,6 +160,7 @@ void STOPRN(int code) {
     if (list.file != nullptr)
         std::fclose(list.file);
     list.file = nullptr;
+    remove_registered_files();
     std::fflush(nullptr);
     // No destructors: other threads may still be working on what they would destroy.
     std::_Exit(code);

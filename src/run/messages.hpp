@@ -34,6 +34,6 @@ std::string first_fault();
 // Tells the stop routine that the results are complete in this file.
 void results_complete(const std::string &name);
 
-// Closes all and ends the process. It does not return. On a terminal it tells where the results are, or the first
+// Closes all, removes the named scratch files and ends the process. It does not return. On a terminal it tells where the results are, or the first
 // fault.
 [[noreturn]] void STOPRN(int code);

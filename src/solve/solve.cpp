@@ -1,86 +1,87 @@
 #include "solve/solve.hpp"
 
-#include "base/lapack.hpp"
 #include "run/messages.hpp"
+#include "solve/class_columns.hpp"
 #include "solve/lu.hpp"
+#include "solve/scratch_solve.hpp"
+#include "solve/sweeps.hpp"
 
 #include <algorithm>
 #include <cstring>
-#include <vector>
 
 namespace {
 
-// The columns of a class: its modes in the radiation array, its headings in the diffraction array.
-std::vector<c32 *> columns_of_class(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR,
-                                    View<c32, 3> PHID, int s) {
-    std::vector<c32 *> columns;
-    if (request.IRAD != -1) {
-        for (int k = 1; k <= run.sym.NMCLS[s]; ++k)
-            columns.push_back(&PHIR(1, run.sym.MODPOS(run.sym.MODCLS(k, s))));
+struct CoreSolve {
+    const RunState &run;
+    ThreadState &thread;
+    Array<int, 1> IPIV;
+    int n;
+};
+
+Status solve_full_direct(CoreSolve &c, int s, const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
+    Array<c32, 2> &ALU = c.thread.ALU;
+    std::memcpy(ALU.data(), c.thread.ACORE.slice(s).data(),
+                static_cast<std::size_t>(ALU.size()) * sizeof(c32));
+    if (failed(LUFACT(ALU, c.IPIV.data(), c.n))) {
+        (void)MSGOUT(" Error in direct solver: left-hand-side is singular ", s);
+        return report_columns(columns);
     }
-    if (request.IDIFF >= 0) {
-        for (int b = 1; b <= run.periods.NBETAM; ++b)
-            columns.push_back(&PHID(1, b, s));
-    }
-    return columns;
+    return solve_directly(ALU, c.IPIV.data(), c.n, columns, ITER);
 }
 
-// Solves with the factors for all columns. Each group is one back substitution; the groups are the same on any number
-// of cores, and so are the results.
-Status solve_columns(View<const c32, 2> LU, const int *IPIV, int n, const std::vector<c32 *> &columns) {
-    constexpr int GROUP = 4;
-    const int count = static_cast<int>(columns.size());
-    if (count == 0)
+// Only the diagonal blocks are copied, to be factored; the sweeps read the others where they are.
+Status solve_blocks(CoreSolve &c, const SolveRequest &request, int s,
+                    const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
+    const int block = c.run.opt.NBLKSZ;
+    const View<c32, 2> A = c.thread.ACORE.slice(s);
+    c32 *LU = c.thread.ALU.data();
+    for (int L = 0; L < c.n; L += block) {
+        const int S = std::min(block, c.n - L);
+        const View<c32, 2> part(LU + std::int64_t{L} * block, {Range(S), Range(S)});
+        for (int j = 1; j <= S; ++j)
+            std::copy_n(&A(L + 1, L + j), S, &part(1, j));
+        if (failed(LUFACT(part, &c.IPIV(L + 1), S)))
+            return MSGOUT(" Error in block iteration: left-hand-side is singular ", s);
+    }
+    const FullBlocks matrix{A.data(), c.n, block, LU, c.IPIV.data()};
+    const Sweep sweep = [&matrix](const std::vector<SweepColumn> &work) {
+        sweep_full_blocks(matrix, work);
         return Status::ok;
-    Array<c32, 2> XR;
-    if (!XR.alloc(n, count))
+    };
+    return solve_iteratively(c.n, request.EPS, sweep, columns, ITER);
+}
+
+Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,
+                     ThreadState &thread, int (&ITER)[2]) {
+    const int ISOLVE = run.opt.ISOLVE;
+    CoreSolve c{run, thread, {}, run.mesh.NEQN};
+    bool made = c.IPIV.alloc(c.n);
+    if (thread.ALU.empty() && ISOLVE > 0)
+        made = made && thread.ALU.alloc(ISOLVE == 1 ? c.n : run.opt.NBLKSZ, c.n);
+    if (!made)
         return MSGOUT(" RAM too small. Allocation error in SOLVE ");
-    const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(c32);
-#pragma omp parallel for schedule(static, 1)
-    for (int first = 0; first < count; first += GROUP) {
-        const SerialBlas serial;
-        const int width = std::min(GROUP, count - first);
-        for (int j = first; j < first + width; ++j)
-            std::memcpy(&XR(1, j + 1), columns[static_cast<std::size_t>(j)], bytes);
-        int info = 0;
-        cgetrs_("N", &n, &width, LU.data(), &n, IPIV, &XR(1, first + 1), &n, &info, 1);
-        for (int j = first; j < first + width; ++j)
-            std::memcpy(columns[static_cast<std::size_t>(j)], &XR(1, j + 1), bytes);
+    for (int s = 1; s <= run.sym.NSYMR; ++s) {
+        const auto columns = columns_of_class(run, request, PHIR, PHID, s);
+        const FullMatrix matrix{thread.ACORE.slice(s).data(), c.n};
+        const Sweep sweep = [&matrix](const std::vector<SweepColumn> &work) {
+            sweep_full(matrix, work);
+            return Status::ok;
+        };
+        const Status status = ISOLVE == 1   ? solve_full_direct(c, s, columns, ITER)
+                              : ISOLVE == 0 ? solve_iteratively(c.n, request.EPS, sweep, columns, ITER)
+                                            : solve_blocks(c, request, s, columns, ITER);
+        if (failed(status))
+            return status;
     }
     return Status::ok;
-}
-
-// After a singular matrix every right-hand side of the class reports.
-Status report_singular(const RunState &run, const SolveRequest &request, int s) {
-    (void)MSGOUT(" Error in direct solver: left-hand-side is singular ", s);
-    for (int k = 1; request.IRAD != -1 && k <= run.sym.NMCLS[s]; ++k)
-        (void)MSGOUT("       Error in radiation solution for mode M=", run.sym.MODCLS(k, s));
-    for (int b = 1; request.IDIFF >= 0 && b <= run.periods.NBETAM; ++b)
-        (void)MSGOUT("       Error in diffraction solution for heading IBETA=", b);
-    return Status::failed;
 }
 
 } // namespace
 
 Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,
              ThreadState &thread, int (&ITER)[2]) {
-    const int n = run.mesh.NEQN;
-    Array<int, 1> IPIV;
-    if (!IPIV.alloc(n) || (thread.ALU.empty() && !thread.ALU.alloc(n, n)))
-        return MSGOUT(" RAM too small. Allocation error in SOLVE ");
     if (request.FACT == 1)
         ITER[0] = ITER[1] = 0;
-    for (int s = 1; s <= run.sym.NSYMR; ++s) {
-        std::memcpy(thread.ALU.data(), thread.ACORE.slice(s).data(),
-                    static_cast<std::size_t>(thread.ALU.size()) * sizeof(c32));
-        if (failed(LUFACT(thread.ALU, IPIV.data(), n)))
-            return report_singular(run, request, s);
-        if (failed(solve_columns(thread.ALU, IPIV.data(), n, columns_of_class(run, request, PHIR, PHID, s))))
-            return Status::failed;
-        if (request.IRAD != -1 && run.sym.NMCLS[s] > 0)
-            ITER[0] = -1;
-        if (request.IDIFF >= 0)
-            ITER[1] = -1;
-    }
-    return Status::ok;
+    return run.memory.INCORE ? solve_in_core(run, request, PHIR, PHID, thread, ITER)
+                             : solve_on_scratch(run, request, PHIR, PHID, thread, ITER);
 }

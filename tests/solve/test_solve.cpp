@@ -1,0 +1,391 @@
+// Truth: the solution of the direct solver, which is held to its residual in double precision elsewhere;
+// closed forms of small systems.
+#include "solve/solve.hpp"
+
+#include "assembly/scratch_store.hpp"
+#include "period_system.hpp"
+#include "run_folder.hpp"
+
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <omp.h>
+
+namespace {
+
+// Both solvers stop at residuals of 1e-6 and carry the rounding of single precision through a
+// well-conditioned system.
+constexpr double SAME_SOLUTION = 1e-4;
+
+struct Hull {
+    const char *name;
+    int ISX, ISY;
+    hulls::Quads panels;
+};
+std::vector<Hull> all_hulls() {
+    return {{"box, 4 classes", 1, 1, hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 4, false)},
+            {"box, 1 class", 0, 0, hulls::mirrored(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 4, false))},
+            {"hemisphere", 0, 0, hulls::hemisphere(1, 8)}};
+}
+
+struct Method {
+    const char *name;
+    bool INCORE;
+    int ISOLVE, ISOLVN;
+    double core_share; // NCORE of the iterative solver as a share of NEQN; the block solver takes a block
+};
+constexpr Method METHODS[] = {{"direct, in core", true, 1, 0, 1},
+                              {"full, in core", true, 0, 0, 1},
+                              {"3 blocks, in core", true, 3, 0, 1},
+                              {"5 blocks, in core", true, 5, 0, 1},
+                              {"direct, scratch", false, 1, 0, 1},
+                              {"full, scratch", false, 0, 0, 1},
+                              {"packed, all rows", false, 0, 1, 1},
+                              {"packed, part of the rows", false, 0, 0, 0.4},
+                              {"packed, two rows", false, 0, 0, 0},
+                              {"4 blocks, even, scratch", false, 4, 0, 1},
+                              {"5 blocks, uneven, scratch", false, 5, 0, 1},
+                              {"7 blocks, uneven, scratch", false, 7, 0, 1}};
+
+void set_method(const Method &method, RunState &run) {
+    const int n = run.mesh.NEQN;
+    run.memory.INCORE = method.INCORE;
+    run.opt.ISOLVE = method.ISOLVE;
+    run.opt.ISOLVN = method.ISOLVN;
+    run.opt.NCORE = std::max(2, static_cast<int>(method.core_share * n));
+    if (method.ISOLVE > 1) {
+        run.opt.NBLKSZ = run.opt.NCORE = (n + method.ISOLVE - 1) / method.ISOLVE;
+        run.opt.NBLKLS = n - run.opt.NBLKSZ * (method.ISOLVE - 1);
+        ASSERT_GT(run.opt.NBLKLS, 0);
+    }
+}
+
+// The right-hand sides of the case in a thread of their own, the matrix where the method has it.
+struct Attempt {
+    ThreadState thread;
+    ScratchStore scratch;
+    bool prepare(PeriodSystem &c) {
+        thread.scratch = &scratch;
+        if (failed(allocate_solution(c.run, thread)))
+            return false;
+        copy_right_hand_sides(c);
+        if (!c.run.memory.INCORE)
+            return !failed(rows_to_scratch(c.run, c.thread, scratch.IUL, thread.AMAT.data()));
+        if (failed(ALLOCATE_WA(c.run, thread)))
+            return false;
+        std::memcpy(thread.ACORE.data(), c.thread.ACORE.data(),
+                    static_cast<std::size_t>(thread.ACORE.size()) * sizeof(c32));
+        return true;
+    }
+    void copy_right_hand_sides(const PeriodSystem &c) {
+        std::memcpy(thread.PHIR.data(), c.thread.PHIR.data(),
+                    static_cast<std::size_t>(thread.PHIR.size()) * sizeof(c32));
+        std::memcpy(thread.PHID.data(), c.thread.PHID.data(),
+                    static_cast<std::size_t>(thread.PHID.size()) * sizeof(c32));
+    }
+    Status solve(const PeriodSystem &c, SolveRequest request, int (&ITER)[2]) {
+        return SOLVE(c.run, request, thread.PHIR, thread.PHID, thread, ITER);
+    }
+};
+
+// Largest difference of two solutions over the largest value of the second.
+template <class A> double difference(const A &a, const A &b) {
+    double worst = 0, largest = 0;
+    for (std::int64_t i = 0; i < a.size(); ++i) {
+        worst = std::max(worst, static_cast<double>(std::abs(a.data()[i] - b.data()[i])));
+        largest = std::max(largest, static_cast<double>(std::abs(b.data()[i])));
+    }
+    return worst / largest;
+}
+
+template <class A> bool same_bits(const A &a, const A &b) {
+    return std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(c32)) == 0;
+}
+
+int files_left() {
+    int count = 0;
+    for (const auto &entry : std::filesystem::directory_iterator("."))
+        count += entry.path().filename().string().rfind("SCRATCH", 0) == 0 ? 1 : 0;
+    return count;
+}
+
+void reference(PeriodSystem &c, Attempt &direct) {
+    int ITER[2];
+    set_method(METHODS[0], c.run);
+    ASSERT_TRUE(direct.prepare(c));
+    ASSERT_EQ(direct.solve(c, {1, 1, 1}, ITER), Status::ok);
+    EXPECT_EQ(ITER[0], -1);
+    EXPECT_EQ(ITER[1], -1);
+}
+
+TEST(Solve, EveryMethodGivesTheDirectSolution) {
+    const RunFolder folder;
+    for (const Hull &hull : all_hulls()) {
+        PeriodSystem c;
+        ASSERT_TRUE(make_system(hull.panels, hull.ISX, hull.ISY, 2, c));
+        Attempt direct;
+        reference(c, direct);
+        for (const Method &method : METHODS) {
+            SCOPED_TRACE(std::string(hull.name) + ": " + method.name);
+            set_method(method, c.run);
+            Attempt attempt;
+            ASSERT_TRUE(attempt.prepare(c));
+            int ITER[2] = {7, 7};
+            ASSERT_EQ(attempt.solve(c, {1, 1, 1}, ITER), Status::ok);
+            EXPECT_LT(difference(attempt.thread.PHIR, direct.thread.PHIR), SAME_SOLUTION);
+            EXPECT_LT(difference(attempt.thread.PHID, direct.thread.PHID), SAME_SOLUTION);
+            EXPECT_EQ(files_left(), 0);
+            if (method.ISOLVE == 1)
+                continue;
+            for (const int count : ITER) {
+                EXPECT_GE(count, 2);
+                EXPECT_LE(count, 20);
+            }
+            std::printf("%-16s N=%d %-26s iterations %d, %d\n", hull.name, c.run.mesh.NEQN, method.name,
+                        ITER[0], ITER[1]);
+        }
+    }
+}
+
+TEST(Solve, AKeptMatrixServesLaterCalls) {
+    const RunFolder folder;
+    PeriodSystem c;
+    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
+    for (const Method &method : METHODS) {
+        SCOPED_TRACE(method.name);
+        set_method(method, c.run);
+        Attempt attempt, once;
+        ASSERT_TRUE(once.prepare(c));
+        int ITER[2], again[2];
+        ASSERT_EQ(once.solve(c, {1, 1, 1, 0}, ITER), Status::ok);
+        ASSERT_TRUE(attempt.prepare(c));
+        ASSERT_EQ(attempt.solve(c, {1, 1, 1, 1}, again), Status::ok);
+        EXPECT_TRUE(same_bits(attempt.thread.PHIR, once.thread.PHIR));
+        // The matrix in AMAT is gone when another one has been solved in between.
+        attempt.thread.AMAT.fill(c32(1, 2));
+        attempt.copy_right_hand_sides(c);
+        again[0] = 30;
+        ASSERT_EQ(attempt.solve(c, {-1, 1, 0, 1}, again), Status::ok);
+        EXPECT_EQ(again[0], 30) << "the counts of the chain are kept";
+        EXPECT_TRUE(same_bits(attempt.thread.PHID, once.thread.PHID));
+        attempt.thread.AMAT.fill(c32(1, 2));
+        attempt.copy_right_hand_sides(c);
+        ASSERT_EQ(attempt.solve(c, {1, 1, 0, 0}, again), Status::ok);
+        EXPECT_TRUE(same_bits(attempt.thread.PHIR, once.thread.PHIR));
+        EXPECT_TRUE(same_bits(attempt.thread.PHID, once.thread.PHID));
+        EXPECT_EQ(files_left(), 0);
+    }
+}
+
+TEST(Solve, TheSourceMatrixComesFromItsOwnUnits) {
+    const RunFolder folder;
+    PeriodSystem c;
+    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
+    Attempt direct;
+    reference(c, direct);
+    for (const Method &method : METHODS) {
+        if (method.INCORE)
+            continue;
+        SCOPED_TRACE(method.name);
+        set_method(method, c.run);
+        Attempt attempt;
+        ASSERT_TRUE(attempt.prepare(c));
+        ASSERT_EQ(rows_to_scratch(c.run, c.thread, attempt.scratch.IUE, nullptr), Status::ok);
+        attempt.thread.AMAT.fill(0); // class 1, too, is read
+        int ITER[2];
+        for (const int FACT : {1, 0}) {
+            attempt.copy_right_hand_sides(c);
+            ASSERT_EQ(attempt.solve(c, {1, 1, FACT, FACT, 1}, ITER), Status::ok);
+            EXPECT_LT(difference(attempt.thread.PHIR, direct.thread.PHIR), SAME_SOLUTION);
+            EXPECT_LT(difference(attempt.thread.PHID, direct.thread.PHID), SAME_SOLUTION);
+        }
+    }
+}
+
+// A right-hand side alone, with others and on another number of cores: the same to the last bit.
+TEST(Solve, AColumnDoesNotDependOnItsCompany) {
+    const RunFolder folder;
+    PeriodSystem c;
+    ASSERT_TRUE(make_system(hulls::hemisphere(1, 12), 0, 0, 1, c));
+    const int threads = omp_get_max_threads();
+    for (const Method &method : METHODS) {
+        SCOPED_TRACE(method.name);
+        set_method(method, c.run);
+        Attempt all, alone;
+        int ITER[2];
+        omp_set_num_threads(2);
+        ASSERT_TRUE(all.prepare(c));
+        ASSERT_EQ(all.solve(c, {1, 1, 1}, ITER), Status::ok);
+        omp_set_num_threads(1);
+        ASSERT_TRUE(alone.prepare(c));
+        ASSERT_EQ(alone.solve(c, {-1, 1, 1}, ITER), Status::ok);
+        EXPECT_EQ(ITER[0], 0);
+        if (method.ISOLVE != 1) { // the factors go to LAPACK with up to four columns at a time
+            EXPECT_TRUE(same_bits(alone.thread.PHID, all.thread.PHID));
+        }
+        ASSERT_TRUE(alone.prepare(c));
+        ASSERT_EQ(alone.solve(c, {1, 1, 1}, ITER), Status::ok);
+        EXPECT_TRUE(same_bits(alone.thread.PHIR, all.thread.PHIR));
+        EXPECT_TRUE(same_bits(alone.thread.PHID, all.thread.PHID));
+        omp_set_num_threads(threads);
+    }
+}
+
+// Makes a system of order n with one class, one radiation column and no headings.
+void small_system(int n, PeriodSystem &c) {
+    c.run.mesh.NEQN = n;
+    c.run.sym.NSYMR = c.run.sym.NSYMD = c.run.sym.NMCLS[1] = 1;
+    ASSERT_TRUE(c.run.sym.MODCLS.alloc(1, 4) && c.run.sym.MODPOS.alloc(1) && c.thread.ACORE.alloc(n, n, 1) &&
+                c.thread.PHIR.alloc(n, 1) && c.thread.PHID.alloc(n, 1, 1));
+    c.run.sym.MODCLS(1, 1) = c.run.sym.MODPOS(1) = 1;
+    for (int i = 1; i <= n; ++i)
+        c.thread.ACORE(i, i, 1) = 1;
+}
+
+TEST(Solve, SmallSystemsOfClosedForm) {
+    const RunFolder folder;
+    for (const Method &method : METHODS) {
+        if (method.ISOLVE > 1)
+            continue;
+        SCOPED_TRACE(method.name);
+        PeriodSystem one;
+        small_system(1, one);
+        one.thread.ACORE(1, 1, 1) = {0, 2};
+        one.thread.PHIR(1, 1) = {4, 0};
+        set_method(method, one.run);
+        Attempt attempt;
+        int ITER[2];
+        ASSERT_TRUE(attempt.prepare(one));
+        ASSERT_EQ(attempt.solve(one, {1, -1, 1}, ITER), Status::ok);
+        EXPECT_LT(std::abs(attempt.thread.PHIR(1, 1) - c32(0, -2)), 1e-6);
+        EXPECT_EQ(ITER[0], method.ISOLVE == 1 ? -1 : 1);
+        EXPECT_EQ(ITER[1], 0);
+
+        // Nothing on the right: nothing comes out, after one sweep.
+        attempt.thread.PHIR.fill(0);
+        ASSERT_TRUE(attempt.prepare(one));
+        attempt.thread.PHIR.fill(0);
+        ASSERT_EQ(attempt.solve(one, {1, -1, 1}, ITER), Status::ok);
+        EXPECT_EQ(attempt.thread.PHIR(1, 1), c32(0));
+        EXPECT_EQ(ITER[0], method.ISOLVE == 1 ? -1 : 1);
+    }
+}
+
+// One above the diagonal: each sweep moves the residual by one row, so that all residuals are orthonormal and
+// the best combination of the first 36 is their mean, of norm 1/6.
+TEST(Solve, WhatDoesNotConvergeSaysSoAndGoesOn) {
+    for (const Method &method : METHODS) {
+        if (method.ISOLVE != 0)
+            continue;
+        SCOPED_TRACE(method.name);
+        const RunFolder folder;
+        const int n = 60;
+        PeriodSystem c;
+        small_system(n, c);
+        for (int i = 1; i < n; ++i)
+            c.thread.ACORE(i, i + 1, 1) = 1;
+        c.thread.PHIR(n, 1) = 1;
+        set_method(method, c.run);
+        Attempt attempt;
+        int ITER[2];
+        ASSERT_TRUE(attempt.prepare(c));
+        ASSERT_EQ(attempt.solve(c, {1, -1, 1}, ITER), Status::ok);
+        EXPECT_EQ(ITER[0], 35);
+        EXPECT_TRUE(folder.told(" No convergence after MAXITT iterations "));
+        double norm = 0;
+        for (int i = 1; i <= n; ++i) {
+            const c32 above = i < n ? attempt.thread.PHIR(i + 1, 1) : c32(0);
+            norm += std::norm(c.thread.PHIR(i, 1) - attempt.thread.PHIR(i, 1) - above);
+        }
+        EXPECT_NEAR(std::sqrt(norm), 1.0 / 6, 1e-5);
+    }
+}
+
+TEST(Solve, ASweepOutOfTheRangeOfNumbersIsAFault) {
+    const RunFolder folder;
+    PeriodSystem c;
+    small_system(60, c);
+    for (int i = 1; i <= 60; ++i) {
+        for (int j = 1; j <= 60; ++j)
+            c.thread.ACORE(i, j, 1) = i == j ? c32(1) : c32(9, static_cast<f32>((i * 53 + j * 29) % 13 - 6));
+        c.thread.PHIR(i, 1) = 1;
+    }
+    set_method(METHODS[1], c.run);
+    Attempt attempt;
+    int ITER[2];
+    ASSERT_TRUE(attempt.prepare(c));
+    EXPECT_EQ(attempt.solve(c, {1, -1, 1}, ITER), Status::failed);
+    EXPECT_TRUE(folder.told(" Error in iterative solver: residual matrix is singular "));
+    EXPECT_TRUE(folder.told("       Error in radiation solution for mode M=1"));
+}
+
+TEST(Solve, ASingularMatrixIsRefused) {
+    for (const Method &method : METHODS) {
+        if (method.ISOLVE == 0)
+            continue;
+        SCOPED_TRACE(method.name);
+        const RunFolder folder;
+        PeriodSystem c;
+        small_system(40, c);
+        for (int i = 1; i <= 40; ++i)
+            c.thread.ACORE(i, 39, 1) = 0;
+        set_method(method, c.run);
+        Attempt attempt;
+        int ITER[2];
+        ASSERT_TRUE(attempt.prepare(c));
+        EXPECT_EQ(attempt.solve(c, {1, -1, 1}, ITER), Status::failed);
+        EXPECT_TRUE(folder.told(method.ISOLVE == 1
+                                    ? " Error in direct solver: left-hand-side is singular 1"
+                                    : " Error in block iteration: left-hand-side is singular 1"));
+        EXPECT_EQ(folder.told("       Error in radiation solution for mode M=1"), method.ISOLVE == 1);
+    }
+}
+
+struct Damage {
+    int method;
+    int unit;
+    bool truncated; // else empty
+    const char *told;
+};
+TEST(Solve, DamagedFilesAreTold) {
+    const Damage cases[] = {{4, 65, true, " Error reading scratch file for LHS from SOLVE, UNIT=65"},
+                            {5, 66, false, " Error reading scratch file for LHS from SOLVE, UNIT=66"},
+                            {7, 66, true, " Error reading LHS scratch file in SOLVE "},
+                            {7, 68, true, " Error reading LHS scratch file in ITRCC "},
+                            {9, 68, true, " Error reading LHS scratch file in ITRCC "},
+                            {9, 69, true, " Error reading LHS scratch file in ITRCC "},
+                            {9, 70, false, " Error reading LHS scratch file in SOLVE "},
+                            {9, 67, true, " Error reading LHS scratch file in SOLVE "}};
+    PeriodSystem c;
+    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
+    for (const Damage &damage : cases) {
+        const RunFolder folder;
+        const Method &method = METHODS[damage.method];
+        SCOPED_TRACE(std::string(method.name) + ": " + damage.told);
+        set_method(method, c.run);
+        Attempt attempt;
+        ASSERT_TRUE(attempt.prepare(c));
+        const std::string name = std::string("SCRATCH") + static_cast<char>(damage.unit);
+        ASSERT_TRUE(folder.exists(name));
+        std::filesystem::resize_file(name, damage.truncated ? std::filesystem::file_size(name) - 10 : 0);
+        int ITER[2];
+        EXPECT_EQ(attempt.solve(c, {1, 1, 1}, ITER), Status::failed);
+        EXPECT_TRUE(folder.told(damage.told)) << folder.list_text();
+    }
+}
+
+TEST(Solve, SavedFactorsThatAreGoneAreTold) {
+    const RunFolder folder;
+    PeriodSystem c;
+    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
+    set_method(METHODS[4], c.run);
+    Attempt attempt;
+    int ITER[2];
+    ASSERT_TRUE(attempt.prepare(c));
+    ASSERT_EQ(attempt.solve(c, {1, 1, 1, 1}, ITER), Status::ok);
+    std::filesystem::resize_file("SCRATCHA", 100);
+    EXPECT_EQ(attempt.solve(c, {1, 1, 0, 0}, ITER), Status::failed);
+    EXPECT_TRUE(folder.told("Unable to read scratch LHS file, UNIT=65")) << folder.list_text();
+}
+
+} // namespace
