@@ -1,5 +1,8 @@
 #include "assembly/right_hand_sides.hpp"
 
+#include "assembly/scratch_store.hpp"
+#include "run/messages.hpp"
+
 namespace {
 
 int column_count(const RunState &run) {
@@ -72,19 +75,40 @@ void add_diffraction(const RunState &run, const SourceWeights &weights, int I, i
     }
 }
 
-void start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread) {
+void BlockSums::clear() {
+    re.fill(0);
+    im.fill(0);
+}
+
+Status start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread) {
     if (run.opt.ISCATT == 1 && run.opt.IDIFF >= 0)
         thread.PHID.fill(0);
     if (run.opt.IRAD < 0)
-        return;
-    for (int k = 1; k <= run.sym.NSYMD; ++k) {
-        for (int ip = 1; ip <= run.mesh.NEQN; ++ip) {
-            f32 share = run.store.RHSRAN(ip, k, 0);
-            if (run.opt.ILOG == 1)
-                share += NUL * run.store.RHSRAN(ip, k, 1);
-            thread.PHIR(ip, k) = share;
+        return Status::ok;
+    const auto add_level = [&](int level, View<const f32, 2> share) {
+        const f32 factor = level == 0 ? 1.0f : NUL;
+        for (int k = 1; k <= run.sym.NSYMD; ++k) {
+            for (int ip = 1; ip <= run.mesh.NEQN; ++ip)
+                thread.PHIR(ip, k) = (level == 0 ? c32(0) : thread.PHIR(ip, k)) + factor * share(ip, k);
         }
+    };
+    if (run.memory.INCORE) {
+        for (int level = 0; level <= run.opt.ILOG; ++level)
+            add_level(level, run.store.RHSRAN.slice(level));
+        return Status::ok;
     }
+    RecordFile &unit = thread.scratch->RANKRHS;
+    Array<f32, 2> RBUF;
+    if (!RBUF.alloc(run.mesh.NEQN, run.sym.NSYMD))
+        return MSGOUT(" RAM too small to allocate WAVEGR arrays ");
+    if (failed(rewind_unit(unit)))
+        return Status::failed;
+    for (int level = 0; level <= run.opt.ILOG; ++level) {
+        if (!unit.read({{RBUF.data(), static_cast<std::size_t>(RBUF.size()) * sizeof(f32)}}))
+            return MSGOUT_with(" Error reading scratch file for Rankine LHS, UNIT=", unit.unit(), unit.error());
+        add_level(level, RBUF);
+    }
+    return Status::ok;
 }
 
 void add_block(const RunState &run, const SourceWeights &weights, const BlockSums &sums, int last,

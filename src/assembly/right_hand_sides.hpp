@@ -21,6 +21,7 @@ struct BlockSums {
     Array<f32, 2> re; // (NEQN, columns): the radiation columns, then heading and class of diffraction
     Array<f32, 2> im;
     [[nodiscard]] bool alloc(int NEQN, const RunState &run);
+    void clear();
 };
 
 // Add row I of class s: SROW for J = 1..I, SCOL for J = 1..I-1. Radiation takes the wave part of the source
@@ -29,8 +30,9 @@ void add_radiation(const RunState &run, const SourceWeights &weights, int I, int
                    BlockSums &sums);
 void add_diffraction(const RunState &run, const SourceWeights &weights, int I, int s, ConstSplit SROW,
                      ConstSplit SCOL, BlockSums &sums);
-// Starts PHIR from the Rankine share; with ISCATT=1 clears PHID.
-void start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread);
+// Starts PHIR from the Rankine share, in memory or on unit 61; with ISCATT=1 clears PHID. Failed: the unit cannot be
+// read; the message is out.
+[[nodiscard]] Status start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread);
 // Adds the sums of a block, whose last row is `last`, to PHIR and PHID.
 void add_block(const RunState &run, const SourceWeights &weights, const BlockSums &sums, int last,
                ThreadState &thread);

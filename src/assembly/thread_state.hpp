@@ -14,7 +14,6 @@ struct ThreadState {
     Array<c32, 3> ACORE; // dipole influence of the period (NEQN,NEQN,NSYMR)
     Array<c32, 3> ECORE; // normal velocity of sources, ISOR=1 (NEQN,NEQN,NSYMR)
     Array<c32, 3> VCORE; // their velocity, axis and class in the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR)
-    Array<c32, 2> ALU;   // the class that the direct solver factors (NEQN,NEQN)
     Array<c32, 2> ALU;   // factors of a class (NEQN,NEQN), or of its diagonal blocks (NBLKSZ,NEQN), in memory
     // The matrix, packed rows or block that is in memory while the rest is on scratch (NCORE,NCORE).
     Array<c32, 2> AMAT;

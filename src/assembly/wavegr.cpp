@@ -96,6 +96,8 @@ Status WAVEGR(const RunState &run, const PeriodWave &wave, ThreadState &thread) 
     SourceWeights weights;
     if (!panels.make(run.mesh, run.opt.IQUAD == 1) || !weights.make(run, thread))
         return MSGOUT(" RAM too small to allocate WAVEGR arrays ");
-    start_right_hand_sides(run, wave.NUL, thread);
-    return assemble_rows({run, wave, panels, weights}, thread);
+    if (failed(start_right_hand_sides(run, wave.NUL, thread)))
+        return Status::failed;
+    const AssemblyFrame frame{run, wave, panels, weights};
+    return run.memory.INCORE ? assemble_rows(frame, thread) : assemble_on_scratch(frame, thread);
 }

@@ -16,3 +16,7 @@ struct RowWork {
 // tile and its share of the right-hand sides. Failed: an image has no value; the message is out.
 [[nodiscard]] Status assemble_row(const AssemblyFrame &frame, const GSTATE &gstate, int I, int a, const int *stored,
                                   RowWork &work, TileRows &tile, BlockSums &sums);
+
+// All rows of a period whose matrices are not in memory, from the Rankine records to AMAT and the scratch files.
+// Failed: memory, a scratch file, or a row without a value; the message is out.
+[[nodiscard]] Status assemble_on_scratch(const AssemblyFrame &frame, ThreadState &thread);

@@ -5,6 +5,7 @@
 #include "geometry/pregeo.hpp"
 #include "input/input.hpp"
 #include "rankine/rankin.hpp"
+#include "rankine/rankin_scratch.hpp"
 #include "results/p2f_writer.hpp"
 #include "run/limits.hpp"
 #include "run/memory_plan.hpp"
@@ -38,6 +39,13 @@ void write_report_head(RunState &run) {
     }
 }
 
+// In memory, or as records on the scratch units.
+Status rankine_matrices(RunState &run, ScratchStore &scratch) {
+    if (run.memory.INCORE)
+        return RANKIN(run.opt, run.bodies, run.mesh, run.dipoles, run.sym, run.store);
+    return rankin_on_scratch(run.opt, run.mesh, run.dipoles, run.sym, scratch.RANKINE, scratch.RANKRHS);
+}
+
 } // namespace
 
 void run_solver() {
@@ -60,13 +68,14 @@ void run_solver() {
     require(FSMARK(run.opt, run.bodies, run.mesh));
     require(SYMSET(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.bodies.MODE, run.opt.IDIFF, run.sym));
     MEMPLN(run.opt, run.mesh.NEQN, run.sym.NSYMR, run.memory);
-    require(store_in_memory(run));
-    require(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store));
+    if (run.memory.INCORE)
+        require(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store));
     const int threads = period_threads(run.memory);
     write_report_head(run);
     if (run.periods.NPER > 0) {
-        require(RANKIN(run.opt, run.bodies, run.mesh, run.dipoles, run.sym, run.store));
-        period_loop(run, threads, RESSCR);
+        ScratchStore scratch;
+        require(rankine_matrices(run, scratch));
+        period_loop(run, threads, scratch, RESSCR);
     }
     require(RESWRT(run, RESSCR));
     results_complete(run.files.FILNAM(3));

@@ -9,9 +9,6 @@ Status within_limits(const RunState &run) {
         if (asked)
             status = MSGOUT(text, value);
     };
-    refuse(opt.ISOLVE != 1, "Iterative solution is not supported by this version: set ISOLVE=1 and MAXSCR to at least",
-           run.mesh.NEQN);
-    refuse(opt.IUSESCR == 1, "Matrices on scratch files are not supported by this version: set IUSESCR=0");
     refuse(opt.ISOR == 1, "Sources and velocities are not supported by this version: set ISOR=0");
     refuse(opt.IRR != 0 || opt.IRRX != 0,
            "Irregular-frequency treatment and tanks are not supported by this version: set IRR=0");
@@ -20,11 +17,4 @@ Status within_limits(const RunState &run) {
     refuse(opt.IWADD == 1, "Runs for wave drift damping are not supported by this version: set IWADD=0");
     refuse(run.bodies.IBDT3 == 1, "Lid bodies (BDTYP=3) are not supported by this version");
     return status;
-}
-
-Status store_in_memory(const RunState &run) {
-    if (run.memory.INCORE)
-        return Status::ok;
-    return MSGOUT("Matrices on scratch files are not supported by this version: more memory is needed for NEQN=",
-                  run.mesh.NEQN);
 }

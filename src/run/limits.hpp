@@ -5,6 +5,3 @@
 
 // Tests the input after the cross-checks. Failed: one message per case is out.
 [[nodiscard]] Status within_limits(const RunState &run);
-
-// The matrices must fit in memory: tests INCORE. Failed: the message is out.
-[[nodiscard]] Status store_in_memory(const RunState &run);

@@ -58,7 +58,7 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, int (&ITE
     if (opt.IDIFF >= 0)
         INCWAV(run, W * F, thread);
     require(WAVEGR(run, wave, thread));
-    require(SOLVE(run, {opt.IRAD, opt.IDIFF, 1}, thread.PHIR, thread.PHID, thread, ITER));
+    require(SOLVE(run, {opt.IRAD, opt.IDIFF}, thread.PHIR, thread.PHID, thread, ITER));
     if (opt.IDIFF >= 0 && opt.ISCATT == 1)
         ADDINC(thread);
     return W * F;
@@ -66,12 +66,13 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, int (&ITE
 
 } // namespace
 
-void period_loop(RunState &run, int threads, RecordFile &RESSCR) {
+void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &RESSCR) {
     const int NPER = run.periods.NPER;
     Progress progress("period", NPER);
 #pragma omp parallel num_threads(std::min(threads, NPER)) if (std::min(threads, NPER) > 1)
     {
         ThreadState thread;
+        thread.scratch = &scratch;
         require(allocate_solution(run, thread));
 #pragma omp for ordered schedule(dynamic, 1)
         for (int period = 1; period <= NPER; ++period) {

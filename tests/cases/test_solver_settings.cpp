@@ -1,0 +1,99 @@
+// Truth: the direct solution in memory. Every other solver and store must give its potentials, and leave nothing behind.
+#include "case_folder.hpp"
+
+namespace {
+
+constexpr const char *BARGE = "box --length 2 --beam 1.2 --draft 0.5 --nu 5 --nv 4 --nw 4"; // 56 panels a quarter
+constexpr int PANELS = 56;
+
+Pot three_waves() {
+    Pot pot;
+    pot.HBOT = "2.0";
+    pot.NPER = 3;
+    pot.PER = "0.4 1.1 2.3";
+    pot.BETA = "40";
+    return pot;
+}
+
+void run_with(const std::string &config, P2fFile &p2f, Coefficients &c, std::string *list = nullptr,
+              const std::string &part = "quarter") {
+    CaseFolder folder;
+    prepare(folder, three_waves());
+    folder.write("config.vrd", "IPERIO=3\n" + config);
+    make_mesh(folder, std::string(BARGE) + " --part " + part);
+    folder.solve();
+    folder.results(p2f, c);
+    if (list != nullptr)
+        *list = folder.list();
+    EXPECT_EQ(folder.files(), (std::vector<std::string>{"config.vrd", "fnames.vrd", "run.gdf", "run.p2f", "run.pot",
+                                                        "stderr.txt", "stdout.txt", "vorda.lis"}));
+}
+
+template <class A> double largest_difference(const A &a, const A &b) {
+    double difference = 0, largest = 0;
+    for (std::int64_t i = 0; i < a.size(); ++i) {
+        difference = std::max(difference, static_cast<double>(std::abs(a.data()[i] - b.data()[i])));
+        largest = std::max(largest, static_cast<double>(std::abs(a.data()[i])));
+    }
+    return difference / largest;
+}
+
+struct Setting {
+    const char *name;
+    const char *config;
+    const char *in_list; // what the report must hold
+};
+void PrintTo(const Setting &setting, std::ostream *out) {
+    *out << setting.name;
+}
+class Settings : public testing::TestWithParam<Setting> {};
+
+TEST_P(Settings, GiveThePotentialsOfTheDirectSolution) {
+    constexpr double TOLERANCE = 1e-4; // of the largest potential: the iteration ends at a residual of 1e-6
+    for (const char *part : {"quarter", "full"}) {
+        SCOPED_TRACE(part);
+        P2fFile direct, other;
+        Coefficients c, d;
+        std::string list;
+        run_with("ISOLVE=1\nMAXSCR=1000\n", direct, c, nullptr, part);
+        run_with(GetParam().config, other, d, &list, part);
+        EXPECT_LT(largest_difference(direct.PHIR, other.PHIR), TOLERANCE);
+        EXPECT_LT(largest_difference(direct.PHID, other.PHID), TOLERANCE);
+        EXPECT_NE(list.find(GetParam().in_list), std::string::npos) << list;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Solver, Settings,
+    testing::Values(Setting{"direct on scratch", "ISOLVE=1\nMAXSCR=1000\nIUSESCR=1\n", "-1      -1"},
+                    Setting{"iterative in core", "ISOLVE=0\nMAXSCR=1000\n", "stored in physical memory"},
+                    Setting{"iterative on scratch", "ISOLVE=0\nMAXSCR=1000\nIUSESCR=1\n", "run completed"},
+                    Setting{"half in memory", "ISOLVE=0\nMAXSCR=28\n", "run completed"},
+                    Setting{"all defaults", "", "run completed"},
+                    Setting{"ISOLVE=-1", "ISOLVE=-1\nMAXSCR=1000\n", "run completed"},
+                    Setting{"blocks on scratch", "ISOLVE=3\nMAXSCR=100\nIUSESCR=1\n", "run completed"},
+                    Setting{"blocks in core", "ISOLVE=3\nMAXSCR=1000\n", "stored in physical memory"},
+                    Setting{"blocks by switch", "ISOLVE=1\nMAXSCR=40\n",
+                            "Switched from direct solver to block-iterative solver"},
+                    Setting{"scattered on scratch", "ISOLVE=0\n", "run completed"}));
+
+TEST(Scratch, AnInterruptedRunLeavesNothing) {
+    for (const char *signal : {"INT", "TERM"}) {
+        CaseFolder folder;
+        Pot pot = three_waves();
+        pot.NPER = 200;
+        pot.PER = "200*0.7";
+        prepare(folder, pot);
+        folder.write("config.vrd", "IPERIO=3\n");
+        make_mesh(folder, "box --length 2 --beam 1.2 --draft 0.5 --nu 10 --nv 8 --nw 8");
+        // A shell starts its background jobs with SIGINT ignored.
+        folder.shell("env --default-signal=INT vorda & p=$!; for i in $(seq 100); do ls SCRATCH* >/dev/null 2>&1 && break; sleep 0.02; done; "
+                     "ls SCRATCH* > seen.txt; kill -" + std::string(signal) + " $p; wait $p");
+        EXPECT_NE(folder.read("seen.txt").find("SCRATCH"), std::string::npos);
+        for (const std::string &name : folder.files())
+            EXPECT_EQ(name.find("SCRATCH"), std::string::npos) << name;
+        EXPECT_FALSE(folder.exists("run.p2f"));
+    }
+}
+
+} // namespace
