@@ -66,3 +66,29 @@ TEST(RecordFile, AFullDiskIsAnError) {
     EXPECT_FALSE(nowhere.create("/no/such/folder/x"));
     EXPECT_NE(nowhere.error().find("No such file"), std::string::npos);
 }
+
+TEST(RecordFile, AReopenedFileEndsAtItsLastNewRecord) {
+    const std::string name = testing::TempDir() + "/reopened.bin";
+    std::remove(name.c_str());
+    RecordFile file(65);
+    const std::vector<f32> values(200000, 1.5f);
+    ASSERT_TRUE(file.open_or_create(name));
+    for (int i = 0; i < 3; ++i)
+        ASSERT_TRUE(file.write({bytes_of(values.data(), 200000)}));
+    ASSERT_TRUE(file.close());
+    f32 got[2];
+    ASSERT_TRUE(file.open_or_create(name)); // what was there is there
+    EXPECT_EQ(file.next_length(), 800000);
+    ASSERT_TRUE(file.rewind());
+    for (int i = 0; i < 2; ++i) { // the second time behind the first
+        ASSERT_TRUE(file.write({bytes_of(values.data(), 2)}));
+        EXPECT_FALSE(file.read({{got, 8}})) << "nothing is behind the record just written";
+    }
+    ASSERT_TRUE(file.rewind());
+    ASSERT_TRUE(file.read({{got, 8}}));
+    ASSERT_TRUE(file.write({bytes_of(values.data(), 1)})); // between two records
+    ASSERT_TRUE(file.close());
+    std::ifstream raw(name, std::ios::binary | std::ios::ate);
+    EXPECT_EQ(static_cast<int>(raw.tellg()), 8 + 8 + 8 + 4);
+    std::remove(name.c_str());
+}

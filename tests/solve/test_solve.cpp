@@ -25,7 +25,8 @@ struct Hull {
 std::vector<Hull> all_hulls() {
     return {{"box, 4 classes", 1, 1, hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 4, false)},
             {"box, 1 class", 0, 0, hulls::mirrored(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 4, false))},
-            {"hemisphere", 0, 0, hulls::hemisphere(1, 8)}};
+            {"hemisphere", 0, 0, hulls::hemisphere(1, 8)},
+            {"hemisphere", 0, 0, hulls::hemisphere(1, 16)}};
 }
 
 struct Method {
@@ -371,6 +372,27 @@ TEST(Solve, DamagedFilesAreTold) {
         int ITER[2];
         EXPECT_EQ(attempt.solve(c, {1, 1, 1}, ITER), Status::failed);
         EXPECT_TRUE(folder.told(damage.told)) << folder.list_text();
+    }
+}
+
+// The disk is full for one unit: with four classes and blocks all eight are in use, the last two for the
+// factors and, with KEEP, for the saved class 1.
+TEST(Solve, AFullDiskIsTold) {
+    PeriodSystem c;
+    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
+    ASSERT_EQ(c.run.sym.NSYMR, 4);
+    for (const bool last_unit : {true, false}) {
+        const RunFolder folder;
+        set_method(METHODS[9], c.run);
+        Attempt attempt;
+        ASSERT_TRUE(attempt.prepare(c));
+        EXPECT_EQ(files_left(), 6); // classes 2 to 4, rows, columns, blocks
+        std::filesystem::create_symlink("/dev/full", last_unit ? "SCRATCHG" : "SCRATCH@");
+        int ITER[2];
+        EXPECT_EQ(attempt.solve(c, {1, 1, 1, 1}, ITER), Status::failed);
+        EXPECT_TRUE(folder.told(last_unit ? "Error writing scratch LHS file, UNIT=71"
+                                          : "Error writing scratch LHS file, UNIT=64"))
+            << folder.list_text();
     }
 }
 
