@@ -139,13 +139,13 @@ double k_of(double T) {
 double T_of(double k) {
     return 2 * PI / std::sqrt(k * 9.80665 / 2);
 }
-const double FINITE = 1.5 * std::tanh(1.5 * 0.5); // depth 1 is 0.5 ULEN
+const double FINITE = 1.5 * std::tanh(1.5 * 1.5); // depth 3 is 1.5 ULEN
 INSTANTIATE_TEST_SUITE_P(
     forms, WaveNumber,
     testing::Values(Depth{1, "-1.", 8, k_of(8), 8}, Depth{0, "-1.", 8, k_of(8), 8},
                     Depth{2, "-1.", 0.5, k_of(4 * PI), 4 * PI}, Depth{3, "4.", 1.5, 1.5, T_of(1.5)},
                     Depth{5, "4.", 1.5, 1.5, T_of(1.5)}, Depth{4, "-1.", 1.5, 1.5, T_of(1.5)},
-                    Depth{4, "1.", 1.5, FINITE, T_of(FINITE)}, Depth{1, "-1.", 0, 0, 0},
+                    Depth{4, "3.", 1.5, FINITE, T_of(FINITE)}, Depth{1, "-1.", 0, 0, 0},
                     Depth{1, "-1.", -1, -1, -1}, Depth{2, "-1.", 0, 0, 0}, Depth{3, "-1.", -2, -2, -2}));
 
 TEST(Depth, zero_or_less_is_infinite) {
