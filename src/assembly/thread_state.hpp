@@ -12,12 +12,15 @@ struct ThreadState {
     Array<c32, 3> ACORE; // dipole influence of the period (NEQN,NEQN,NSYMR)
     Array<c32, 3> ECORE; // normal velocity of sources, ISOR=1 (NEQN,NEQN,NSYMR)
     Array<c32, 3> VCORE; // their velocity, axis and class in the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR)
+    Array<c32, 3> VELR;  // fluid velocities of the radiation sources, ISOR=1 (NEQN,3,NSYMD)
+    Array<c32, 4> VELD;  // those of the diffraction sources, without the incident wave (NEQN,3,NBETAM,NSYMR)
     Array<c32, 2> ALU;   // the class that the direct solver factors (NEQN,NEQN)
     GSTATE gstate;       // depth state of the period
 };
 
 // The solution arrays, for the life of the thread. Failed: " RAM too small for number of panels ".
 [[nodiscard]] Status allocate_solution(const RunState &run, ThreadState &thread);
-// The matrices of a period in memory; nothing without INCORE. Failed: " RAM too small ".
+// The velocities of a period (ISOR=1) and, with INCORE, its matrices. Failed: " RAM too small.or try to set ISOR=0 " or
+// " RAM too small ".
 [[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread);
 void DEALLOCATE_WA(ThreadState &thread);
