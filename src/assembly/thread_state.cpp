@@ -16,7 +16,8 @@ Status ALLOCATE_WA(const RunState &run, ThreadState &thread) {
     const int n = run.mesh.NEQN;
     if (run.opt.ISOR == 1) {
         bool velocities = run.opt.IRAD < 0 || thread.VELR.alloc(n, 3, run.sym.NSYMD);
-        velocities = velocities && (run.opt.IDIFF < 0 || thread.VELD.alloc(n, 3, run.periods.NBETAM, run.sym.NSYMR));
+        velocities =
+            velocities && (run.opt.IDIFF < 0 || thread.VELD.alloc(n, 3, run.periods.NBETAM, run.sym.NSYMR));
         if (!velocities)
             return MSGOUT(" RAM too small.or try to set ISOR=0 ");
     }

@@ -20,7 +20,7 @@ struct ThreadState {
 
 // The solution arrays, for the life of the thread. Failed: " RAM too small for number of panels ".
 [[nodiscard]] Status allocate_solution(const RunState &run, ThreadState &thread);
-// The velocities of a period (ISOR=1) and, with INCORE, its matrices. Failed: " RAM too small.or try to set ISOR=0 " or
-// " RAM too small ".
+// The velocities of a period (ISOR=1) and, with INCORE, its matrices. Failed: " RAM too small.or try to set
+// ISOR=0 " or " RAM too small ".
 [[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread);
 void DEALLOCATE_WA(ThreadState &thread);

@@ -13,10 +13,11 @@ bool allocate_mesh(Bodies &bodies, Mesh &mesh) {
     const int N = mesh.NEQN;
     // The input stage may have marked panels already.
     const bool marked = mesh.projected.empty() ? mesh.projected.alloc(N) : mesh.projected.resize_last(N);
-    return marked && mesh.XCT.alloc(3, N) && mesh.TRM.alloc(3, 3, N) && mesh.XIV.alloc(4, N) && mesh.ETV.alloc(4, N) &&
-           mesh.PMOM.alloc(13, N) && mesh.SIDE.alloc(4, N) && mesh.XGP.alloc(4, 3, N) &&
-           mesh.GJAC.alloc(4, N) && mesh.PSIZ.alloc(2, N) && mesh.VEL.alloc(bodies.NMODES, N) &&
-           mesh.RXNG.alloc(4, 3, N) && mesh.IFSP.alloc(N) && bodies.CHYD.alloc(bodies.NMODES, bodies.NMODES);
+    return marked && mesh.XCT.alloc(3, N) && mesh.TRM.alloc(3, 3, N) && mesh.XIV.alloc(4, N) &&
+           mesh.ETV.alloc(4, N) && mesh.PMOM.alloc(13, N) && mesh.SIDE.alloc(4, N) &&
+           mesh.XGP.alloc(4, 3, N) && mesh.GJAC.alloc(4, N) && mesh.PSIZ.alloc(2, N) &&
+           mesh.VEL.alloc(bodies.NMODES, N) && mesh.RXNG.alloc(4, 3, N) && mesh.IFSP.alloc(N) &&
+           bodies.CHYD.alloc(bodies.NMODES, bodies.NMODES);
 }
 
 Status PREGEO(const Options &opt, const Files &files, const Dipoles &dipoles, Bodies &bodies, Mesh &mesh) {

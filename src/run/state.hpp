@@ -104,8 +104,9 @@ struct Mesh {
     Array<f32, 2> VEL;  // normal velocity of each mode (NMODES,NEQN)
     Array<f32, 3> RXNG; // r x N at the Gauss points, body axes (4,3,NEQN)
     Array<int, 1> IFSP; // 0 ordinary, 1 interior free-surface panel, -1 in z = 0 with normal up (NEQN)
-    // 1: made from a hull panel by projection on the free surface (NEQN). With IFSP=-1 such a panel is the image of an
-    // overhang that takes away part of the panels of IFSP=1; without it IFSP=-1 is hull of no draught.
+    // 1: made from a hull panel by projection on the free surface (NEQN). With IFSP=-1 such a panel is the
+    // image of an overhang that takes away part of the panels of IFSP=1; without it IFSP=-1 is hull of no
+    // draught.
     Array<int, 1> projected;
 };
 

@@ -288,7 +288,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Merge{" -1 0", " -1 1", -1, 0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
                     Merge{" -1 1", " 0 -1", 0, 0, {0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}}));
 
-// With IRR=2 the bottom panel of a body gets its projection before the body is mirrored; the side is a thin plate here.
+// With IRR=2 the bottom panel of a body gets its projection before the body is mirrored; the side is a thin
+// plate here.
 TEST(ProjectedPanels, are_made_before_the_images) {
     struct Row {
         const char *symmetry, *place;
@@ -301,7 +302,8 @@ TEST(ProjectedPanels, are_made_before_the_images) {
                         {" 1 1", " 3 4 0 20", 12, {3, 6, 9, 12}}};
     for (const Row &row : rows) {
         InputFiles files = good_files();
-        files["box.gdf"] = with_line(with_line(GOOD_GDF, 3, row.symmetry), 4, " 2 1") + " 1 0 0 0\n 0 0 0 0\n";
+        files["box.gdf"] =
+            with_line(with_line(GOOD_GDF, 3, row.symmetry), 4, " 2 1") + " 1 0 0 0\n 0 0 0 0\n";
         files["box.pot"] = with_line(with_line(GOOD_POT, 4, " 2"), 5, std::string(" 50. ") + row.place);
         const InputRun in(files);
         ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
