@@ -17,9 +17,16 @@ Status allocate_solution(const RunState &run, ThreadState &thread) {
 }
 
 Status ALLOCATE_WA(const RunState &run, ThreadState &thread) {
+    const int n = run.mesh.NEQN;
+    if (run.opt.ISOR == 1) {
+        bool velocities = run.opt.IRAD < 0 || thread.VELR.alloc(n, 3, run.sym.NSYMD);
+        velocities =
+            velocities && (run.opt.IDIFF < 0 || thread.VELD.alloc(n, 3, run.periods.NBETAM, run.sym.NSYMR));
+        if (!velocities)
+            return MSGOUT(" RAM too small.or try to set ISOR=0 ");
+    }
     if (!run.memory.INCORE)
         return Status::ok;
-    const int n = run.mesh.NEQN;
     bool made = thread.ACORE.alloc(n, n, run.sym.NSYMR);
     if (run.opt.ISOR == 1)
         made = made && thread.ECORE.alloc(n, n, run.sym.NSYMR) && thread.VCORE.alloc(n, n, 3 * run.sym.NSYMR);
@@ -30,4 +37,6 @@ void DEALLOCATE_WA(ThreadState &thread) {
     thread.ACORE.release();
     thread.ECORE.release();
     thread.VCORE.release();
+    thread.VELR.release();
+    thread.VELD.release();
 }

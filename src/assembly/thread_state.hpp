@@ -18,12 +18,15 @@ struct ThreadState {
     // The matrix, packed rows or block that is in memory while the rest is on scratch (NCORE,NCORE).
     Array<c32, 2> AMAT;
     ScratchStore *scratch = nullptr; // files of the run when the matrices are not in memory; the driver owns them
+    Array<c32, 3> VELR;  // fluid velocities of the radiation sources, ISOR=1 (NEQN,3,NSYMD)
+    Array<c32, 4> VELD;  // those of the diffraction sources, without the incident wave (NEQN,3,NBETAM,NSYMR)
     GSTATE gstate;       // depth state of the period
 };
 
 // The solution arrays and, without INCORE, AMAT, for the life of the thread. Failed: " RAM too small for number of
 // panels ", " RAM too small.  Reduce MAXSCR ".
 [[nodiscard]] Status allocate_solution(const RunState &run, ThreadState &thread);
-// The matrices of a period in memory; nothing without INCORE. Failed: " RAM too small ".
+// The velocities of a period (ISOR=1) and, with INCORE, its matrices. Failed: " RAM too small.or try to set
+// ISOR=0 " or " RAM too small ".
 [[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread);
 void DEALLOCATE_WA(ThreadState &thread);

@@ -63,7 +63,10 @@ void INCWAV(const RunState &run, f32 K, ThreadState &thread) {
     for (int ip = 1; ip <= mesh.NEQN; ++ip) {
         const f32 point[3] = {mesh.XCT(1, ip), mesh.XCT(2, ip), mesh.XCT(3, ip)};
         const bool dipole = dipoles && run.dipoles.IDIP(ip) != 0;
-        const bool no_source = opt.ISCATT == 1 && opt.IRR >= 1 && mesh.IFSP(ip) == 1;
+        // The images of overhangs are to cancel interior panels: they have the same share in the scattering
+        // sum, none.
+        const bool interior = mesh.IFSP(ip) == 1 || (mesh.IFSP(ip) == -1 && mesh.projected(ip) != 0);
+        const bool no_source = opt.ISCATT == 1 && opt.IRR >= 1 && interior;
         for (int b = 1; b <= run.periods.NBETA; ++b) {
             WaveComponents wave;
             PLNWAV(opt.HBOT, K, run.periods.SINBET(b), run.periods.COSBET(b), point, gradient, wave);

@@ -187,8 +187,9 @@ Status BODGEO(const Options &opt, const Dipoles &dipoles, const BodyRange &range
         Panel p{};
         if (failed(PANGEO(mesh.XVER.slice(ip), opt.IDIAG, ip - range.ip1 + 1, p)))
             return Status::failed;
-        // A panel of the free surface that looks down is no wetted hull: no mode moves it.
-        if (!(p.TRM[3][3] <= DOWN && p.XCT[3] + at.z >= SURFACE))
+        // A panel of the free surface that looks down is no wetted hull, nor is one made by projection: no
+        // mode moves it.
+        if (mesh.projected(ip) == 0 && !(p.TRM[3][3] <= DOWN && p.XCT[3] + at.z >= SURFACE))
             fill_velocities(p, mesh.VEL, range.mode, ip);
         if (gauss) {
             const f32 *n = p.TRM[3];

@@ -1,6 +1,7 @@
 #include "geometry/pregeo.hpp"
 
 #include "base/text.hpp"
+#include "geometry/rdmod.hpp"
 #include "run/messages.hpp"
 
 #include <algorithm>
@@ -10,10 +11,13 @@
 
 bool allocate_mesh(Bodies &bodies, Mesh &mesh) {
     const int N = mesh.NEQN;
-    return mesh.XCT.alloc(3, N) && mesh.TRM.alloc(3, 3, N) && mesh.XIV.alloc(4, N) && mesh.ETV.alloc(4, N) &&
-           mesh.PMOM.alloc(13, N) && mesh.SIDE.alloc(4, N) && mesh.XGP.alloc(4, 3, N) &&
-           mesh.GJAC.alloc(4, N) && mesh.PSIZ.alloc(2, N) && mesh.VEL.alloc(bodies.NMODES, N) &&
-           mesh.RXNG.alloc(4, 3, N) && mesh.IFSP.alloc(N) && bodies.CHYD.alloc(bodies.NMODES, bodies.NMODES);
+    // The input stage may have marked panels already.
+    const bool marked = mesh.projected.empty() ? mesh.projected.alloc(N) : mesh.projected.resize_last(N);
+    return marked && mesh.XCT.alloc(3, N) && mesh.TRM.alloc(3, 3, N) && mesh.XIV.alloc(4, N) &&
+           mesh.ETV.alloc(4, N) && mesh.PMOM.alloc(13, N) && mesh.SIDE.alloc(4, N) &&
+           mesh.XGP.alloc(4, 3, N) && mesh.GJAC.alloc(4, N) && mesh.PSIZ.alloc(2, N) &&
+           mesh.VEL.alloc(bodies.NMODES, N) && mesh.RXNG.alloc(4, 3, N) && mesh.IFSP.alloc(N) &&
+           bodies.CHYD.alloc(bodies.NMODES, bodies.NMODES);
 }
 
 Status PREGEO(const Options &opt, const Files &files, const Dipoles &dipoles, Bodies &bodies, Mesh &mesh) {
@@ -35,6 +39,8 @@ Status PREGEO(const Options &opt, const Files &files, const Dipoles &dipoles, Bo
                 return Status::failed;
             if (bodies.NBODY > 1)
                 message(" PRE file completed for body NBDY=", b);
+        } else if (bodies.NEWMDS(b) > 0 && failed(RDMOD(opt, files, range, bodies, mesh))) {
+            return Status::failed;
         }
         range.mode += 6 + std::max(bodies.NEWMDS(b), 0);
         range.ip1 = range.ip2 + 1;

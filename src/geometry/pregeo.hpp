@@ -4,14 +4,15 @@
 
 #include "run/state.hpp"
 
-// Makes the panel arrays (all but XVER) for NEQN panels and CHYD for NMODES modes, zeroed; false when memory
-// is refused.
+// Makes the panel arrays (all but XVER) for NEQN panels and CHYD for NMODES modes, zeroed; `projected` keeps
+// the marks of the input stage. False when memory is refused.
 [[nodiscard]] bool allocate_mesh(Bodies &bodies, Mesh &mesh);
 
 // For each body BODGEO; then turns its six mode switches into mode numbers 1..6, or 0 for a mode that is off.
-// In a first pass of an extra-mode analysis (NEWMDS(b) < 0) it writes the PRE file of the body. Fills the
-// panel arrays, VEL, RXNG, VOL, XCB, CHYD and MODE. Failed: a panel was refused, a PRE file could not be
-// written, or IMDRUN < 0, since a first pass ends here.
+// In a first pass of an extra-mode analysis (NEWMDS(b) < 0) it writes the PRE file of the body; the MOD file
+// of a body with NEWMDS(b) > 0 is read. Fills the panel arrays, VEL, RXNG, VOL, XCB, CHYD and MODE. Failed: a
+// panel was refused, a PRE file could not be written or a MOD file not be used, or IMDRUN < 0, since a first
+// pass ends here.
 [[nodiscard]] Status PREGEO(const Options &opt, const Files &files, const Dipoles &dipoles, Bodies &bodies,
                             Mesh &mesh);
 

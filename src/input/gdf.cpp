@@ -1,5 +1,6 @@
 #include "input/gdf.hpp"
 
+#include "freesurface/fsproj.hpp"
 #include "freesurface/mirror.hpp"
 #include "freesurface/waterline.hpp"
 #include "geometry/dipoles.hpp"
@@ -80,7 +81,11 @@ Status read_single(FreeReader &in, GdfHead &head, RunState &run) {
         return Status::failed;
     for (int c = 1; c <= 3; ++c)
         bodies.XBODY(c, 1) *= run.opt.RULEN;
-    if (failed(mirror_single_body(run)) || failed(find_waterline(0, 1, 1, run)))
+    if (failed(project_body(1, 1, run)))
+        return Status::failed;
+    const int block = bodies.NEQNB(1);
+    if (failed(mirror_single_body(run)) || failed(mark_projected(1, 1, n, block, run)) ||
+        failed(find_waterline(0, 1, 1, run)))
         return Status::failed;
     bodies.NBODY = 0;
     bodies.NMODES = bodies.NEWMDS(1) + 6;
@@ -157,6 +162,28 @@ Status read_gdf_panels(FreeReader &in, int slot, int first, const RunState &run,
                 XVER(v, c, first + i - 1) = vertex[c - 1] * run.opt.RULEN;
         }
     }
+    return Status::ok;
+}
+
+Status project_body(int slot, int first, RunState &run) {
+    if (run.opt.IRR != 2)
+        return Status::ok;
+    View<const int, 1> IDIP;
+    if (run.bodies.NDIPB(slot) == 1)
+        IDIP = run.dipoles.IDIP;
+    return FSPROJ(first, run.bodies.NEQNB(slot), run.bodies.XBODY(3, slot), IDIP, run.mesh.XVER);
+}
+
+Status mark_projected(int slot, int first, int hull, int block, RunState &run) {
+    if (run.opt.IRR != 2)
+        return Status::ok;
+    Array<int, 1> &projected = run.mesh.projected;
+    const int n = run.bodies.NEQNB(slot);
+    const std::int64_t end = static_cast<std::int64_t>(first) + n - 1;
+    if (!(projected.empty() ? projected.alloc(end) : projected.resize_last(end)))
+        return MSGOUT(" For IRR=2, RAM too small for free-surface panels");
+    for (int i = 0; i < n; ++i)
+        projected(first + i) = i % block >= hull ? 1 : 0;
     return Status::ok;
 }
 

@@ -31,6 +31,12 @@ Status gdf_fault(const char *text, int body, const std::string &detail = {});
 // The vertices of the NEQNB(slot) panels from panel `first` on. XVER has room for them.
 [[nodiscard]] Status read_gdf_panels(FreeReader &in, int slot, int first, const RunState &run,
                                      Array<f32, 3> &XVER);
+// With IRR=2 adds the interior free-surface panels of body `slot`, whose panels start at `first`, by
+// projection; NEQNB(slot) counts them. Nothing otherwise.
+[[nodiscard]] Status project_body(int slot, int first, RunState &run);
+// Marks in mesh.projected which panels of a body are projections: the last of each block of `block` panels
+// from the `hull`-th on. Images of a block follow it in its order.
+[[nodiscard]] Status mark_projected(int slot, int first, int hull, int block, RunState &run);
 // Mirrors the panels of body `slot`, which start at `first`, and their dipole records; NEQNB(slot) counts
 // them.
 [[nodiscard]] Status mirror_body(int slot, int first, RunState &run);

@@ -210,8 +210,14 @@ Status read_body(int N, int first, bool keep, RunState &run) {
         return Status::failed;
     for (int c = 1; c <= 3; ++c)
         bodies.XBODY(c, N) *= run.opt.RULEN;
+    const int hull = bodies.NEQNB(N);
+    if (failed(project_body(N, first, run)))
+        return gdf_fault("Error reading GDF file", N);
+    const int block = bodies.NEQNB(N);
     if (!keep && failed(mirror_one_of_many(N, first, run)))
         return Status::failed;
+    if (failed(mark_projected(N, first, hull, block, run)))
+        return gdf_fault("Error reading GDF file", N);
     if (failed(find_waterline(N, N, first, run)))
         return gdf_fault("Error reading GDF file", N);
     if (run.opt.IFSLID != 0) {

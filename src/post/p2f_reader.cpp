@@ -75,13 +75,14 @@ public:
     bool options() {
         const std::size_t n = static_cast<std::size_t>(p.NEQN) * sizeof(f32);
         int isolvn = 0, iusescr = 0, ntrd = 0, nblksz = 0, nblkls = 0;
-        bool good = skip("NWLB", static_cast<std::size_t>(p.NBODY) * sizeof(int));
-        for (int k = 0; good && p.ISOR == 1 && k < 3; ++k)
-            good = skip("waterline", next_length());
+        bool good = p.NWLB.alloc(p.NBODY) && next("NWLB", {into(p.NWLB)}) && (p.ISOR != 1 || waterline());
         good = good && next("solver", {into(p.ISOLVE), into(isolvn), into(iusescr), into(ntrd), into(p.ISCATT), into(p.IRR)});
-        // IFSP stands here for IRR 1 to 4 or a lid run, IRRP for IRR 1 to 4: records longer than the three integers.
-        for (int k = 0; good && k < 2 && (p.IRR > 0 || next_length() == n) && next_length() != 3 * sizeof(int); ++k)
-            good = skip("free-surface marks", n);
+        // A run with lid bodies has IFSP as well. Only the length of its next record tells that, and for
+        // three panels not even that: such a file is refused.
+        if (good && (p.IRR > 0 || (next_length() == n && n != 3 * sizeof(int))))
+            good = p.IFSP.alloc(p.NEQN) && next("IFSP", {into(p.IFSP)});
+        if (good && p.IRR > 0)
+            good = p.IRRP.alloc(p.NEQN) && next("IRRP", {into(p.IRRP)});
         good = good && next("I2ND", {into(p.I2ND), into(nblksz), into(nblkls)});
         if (good && p.IWADD == 1)
             return refuse("it is of a run for wave drift damping, which is not read here");
@@ -103,21 +104,16 @@ public:
     }
 
     bool periods() {
-        if (p.IRAD >= 0 && !p.PHIR.alloc(p.NEQN, p.NSYMD, p.NPER))
-            return refuse("there is not enough memory for its potentials");
-        if (p.IDIFF >= 0 && !p.PHID.alloc(p.NEQN, p.NBETAM, p.NSYMR, p.NPER))
-            return refuse("there is not enough memory for its potentials");
+        if (!allocate_periods())
+            return refuse("there is not enough memory for its solutions");
         for (int i = 1; i <= p.NPER; ++i) {
-            if (p.IRAD >= 0) {
-                const auto PHIR = p.PHIR.slice(i);
-                if (!next("PHIR", {{PHIR.data(), static_cast<std::size_t>(PHIR.size()) * sizeof(c32)}}) || !sources())
-                    return false;
-            }
-            if (p.IDIFF >= 0) {
-                const auto PHID = p.PHID.slice(i);
-                if (!next("PHID", {{PHID.data(), static_cast<std::size_t>(PHID.size()) * sizeof(c32)}}) || !sources())
-                    return false;
-            }
+            if (p.IRAD >= 0 &&
+                !(period("PHIR", p.PHIR, i) &&
+                  (p.ISOR != 1 || (period("radiation sources", p.SRCR, i) && period("VELR", p.VELR, i)))))
+                return false;
+            if (p.IDIFF >= 0 && !(period("PHID", p.PHID, i) &&
+                                  (p.ISOR != 1 || (period("SRCD", p.SRCD, i) && period("VELD", p.VELD, i)))))
+                return false;
         }
         return file_.next_length() < 0 || refuse("it goes on behind its last period");
     }
@@ -126,9 +122,31 @@ private:
     static Target list(int (&values)[5]) { return {values + 1, 4 * sizeof(int)}; }
     std::size_t next_length() { return static_cast<std::size_t>(std::max<std::int64_t>(0, file_.next_length())); }
 
-    // Sources and velocities of a run that has them are passed over.
-    bool sources() {
-        return p.ISOR != 1 || (skip("sources", next_length()) && skip("velocities", next_length()));
+    bool waterline() {
+        int NWL = 0;
+        if (!next("NWL", {into(NWL)}))
+            return false;
+        if (NWL < 0 || NWL > p.NEQN)
+            return refuse("its sizes make no sense");
+        return p.IWLP.alloc(NWL) && p.IWLE.alloc(NWL) && next("IWLP", {into(p.IWLP)}) &&
+               next("IWLE", {into(p.IWLE)});
+    }
+
+    bool allocate_periods() {
+        const bool sources = p.ISOR == 1;
+        bool made = p.IRAD < 0 || p.PHIR.alloc(p.NEQN, p.NSYMD, p.NPER);
+        made = made && (p.IDIFF < 0 || p.PHID.alloc(p.NEQN, p.NBETAM, p.NSYMR, p.NPER));
+        if (sources && p.IRAD >= 0)
+            made = made && p.SRCR.alloc(p.NEQN, p.NSYMD, p.NPER) && p.VELR.alloc(p.NEQN, 3 * p.NSYMD, p.NPER);
+        if (sources && p.IDIFF >= 0)
+            made = made && p.SRCD.alloc(p.NEQN, p.NBETAM, p.NSYMR, p.NPER) &&
+                   p.VELD.alloc(p.NEQN, 3 * p.NBETAM, p.NSYMR, p.NPER);
+        return made;
+    }
+
+    template <int R> bool period(const char *what, Array<c32, R> &array, int i) {
+        const auto part = array.slice(i);
+        return next(what, {{part.data(), static_cast<std::size_t>(part.size()) * sizeof(c32)}});
     }
 
     bool check_sizes() {

@@ -27,8 +27,17 @@ struct P2fFile {
     Array<f32, 2> XCT, PMOM, VEL;
     Array<f32, 2> VOL, XCB, CHYD;
     std::vector<std::string> text; // the text block without its end mark
+    Array<int, 1> IFSP, IRRP;      // (NEQN), empty when the file has none
+    Array<int, 1> NWLB;            // (NBODY)
+    Array<int, 1> IWLP, IWLE;      // (NWL), panels counted within the body; empty unless ISOR=1
     Array<c32, 3> PHIR;            // (NEQN,NSYMD,NPER), empty for IRAD=-1
     Array<c32, 4> PHID;            // (NEQN,NBETAM,NSYMR,NPER), empty for IDIFF=-1
+    // Sources and their velocities, empty as above and unless ISOR=1. In VELR and VELD axis and column share
+    // the second index, 3 (column-1) + axis.
+    Array<c32, 3> SRCR; // (NEQN,NSYMD,NPER)
+    Array<c32, 3> VELR; // (NEQN,3*NSYMD,NPER)
+    Array<c32, 4> SRCD; // (NEQN,NBETAM,NSYMR,NPER)
+    Array<c32, 4> VELD; // (NEQN,3*NBETAM,NSYMR,NPER)
 };
 
 // Reads the file. False, with the reason in `error`, when it cannot be opened, is no hand-over file of this format, or

@@ -3,6 +3,7 @@
 #include "base/text.hpp"
 #include "run/messages.hpp"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -64,21 +65,36 @@ bool write_geometry(const RunState &run, RecordFile &file) {
            file.write({first_elements(bodies.NWLB, bodies.NBODY)});
 }
 
+// The waterline lists. With IRR=4 the panels count over the mesh in the run, in the file within the body as
+// ever.
+bool write_waterline(const RunState &run, RecordFile &file) {
+    const Waterline &line = run.waterline;
+    Array<int, 1> panel;
+    if (!panel.alloc(line.NWL))
+        return false;
+    int w = 0;
+    int before = 0; // panels of earlier bodies
+    for (int b = 1; b <= run.bodies.NBODY; ++b) {
+        for (const int end = w + run.bodies.NWLB(b); w < end;) {
+            ++w;
+            panel(w) = line.IWLP(w) - (run.opt.IRR == 4 ? before : 0);
+        }
+        before += run.bodies.NEQNB(b);
+    }
+    return file.write({bytes_of(line.NWL)}) && file.write({whole(panel)}) &&
+           file.write({first_elements(line.IWLE, line.NWL)});
+}
+
 bool write_options(const RunState &run, RecordFile &file) {
     const Options &opt = run.opt;
     const bool treated = opt.IRR >= 1 && opt.IRR <= 4;
-    bool good = true;
-    if (opt.ISOR == 1) {
-        const Waterline &line = run.waterline;
-        good = file.write({bytes_of(line.NWL)}) && file.write({first_elements(line.IWLP, line.NWL)}) &&
-               file.write({first_elements(line.IWLE, line.NWL)});
-    }
+    bool good = opt.ISOR != 1 || write_waterline(run, file);
     good = good && file.write({bytes_of(opt.ISOLVE), bytes_of(opt.ISOLVN), bytes_of(opt.IUSESCR), bytes_of(opt.NTRD),
                                bytes_of(opt.ISCATT), bytes_of(opt.IRR)});
     if (treated || opt.IFSLID == 1)
         good = good && file.write({whole(run.mesh.IFSP)});
     if (treated)
-        good = good && file.write({whole(run.strips.IRRP)});
+        good = good && file.write({first_elements(run.strips.IRRP, run.mesh.NEQN)});
     good = good && file.write({bytes_of(opt.I2ND), bytes_of(opt.NBLKSZ), bytes_of(opt.NBLKLS)});
     if (run.dipoles.IDIPOL) {
         const Dipoles &dipoles = run.dipoles;
@@ -98,31 +114,58 @@ bool write_text(const RunState &run, RecordFile &file) {
     return good && file.write({{end.data(), end.size()}});
 }
 
-// The records of the periods, each in its order in the hand-over file, which for potentials alone is that of the
-// scratch file.
+// Lengths of the records of a period, in complex numbers.
+struct PeriodSizes {
+    std::int64_t radiation;
+    std::int64_t diffraction;
+    explicit PeriodSizes(const RunState &run)
+        : radiation(static_cast<std::int64_t>(run.mesh.NEQN) * run.sym.NSYMD),
+          diffraction(static_cast<std::int64_t>(run.mesh.NEQN) * run.periods.NBETAM * run.sym.NSYMR) {}
+};
+
+// The records of the periods, each problem with its sources and velocities behind its potentials. In the
+// scratch file both potentials come first: those of diffraction wait in `held`.
 bool copy_periods(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
-    Array<c32, 1> record;
-    const std::int64_t radiation = static_cast<std::int64_t>(run.mesh.NEQN) * run.sym.NSYMD;
-    const std::int64_t diffraction = static_cast<std::int64_t>(run.mesh.NEQN) * run.periods.NBETAM * run.sym.NSYMR;
-    if (!record.alloc(std::max(radiation, diffraction)))
+    const PeriodSizes size(run);
+    const bool radiation = run.opt.IRAD >= 0;
+    const bool diffraction = run.opt.IDIFF >= 0;
+    const bool sources = run.opt.ISOR == 1;
+    Array<c32, 1> record, held;
+    if (!record.alloc((sources ? 3 : 1) * std::max(size.radiation, size.diffraction)) ||
+        !held.alloc(size.diffraction))
         return false;
+    const auto read = [&](Array<c32, 1> &into, std::int64_t n) {
+        return RESSCR.read({{into.data(), static_cast<std::size_t>(n) * sizeof(c32)}});
+    };
     const auto copy = [&](std::int64_t n) {
-        return RESSCR.read({{record.data(), static_cast<std::size_t>(n) * sizeof(c32)}}) &&
-               file.write({first_elements(record, n)});
+        return read(record, n) && file.write({first_elements(record, n)});
     };
     bool good = RESSCR.rewind();
     for (int period = 1; good && period <= run.periods.NPER; ++period) {
-        good = run.opt.IRAD < 0 || copy(radiation);
-        good = good && (run.opt.IDIFF < 0 || copy(diffraction));
+        good = !radiation || copy(size.radiation);
+        good = good && (!diffraction || read(held, size.diffraction));
+        if (radiation && sources)
+            good = good && copy(size.radiation) && copy(3 * size.radiation);
+        if (diffraction)
+            good = good && file.write({first_elements(held, size.diffraction)});
+        if (diffraction && sources)
+            good = good && copy(size.diffraction) && copy(3 * size.diffraction);
     }
     return good;
 }
 
 } // namespace
 
-Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR) {
-    bool good = opt.IRAD < 0 || RESSCR.write({whole(thread.PHIR)});
-    good = good && (opt.IDIFF < 0 || RESSCR.write({whole(thread.PHID)}));
+Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR, PeriodPart part) {
+    bool good = true;
+    if (part == PeriodPart::potentials) {
+        good = opt.IRAD < 0 || RESSCR.write({whole(thread.PHIR)});
+        good = good && (opt.IDIFF < 0 || RESSCR.write({whole(thread.PHID)}));
+    } else {
+        good = opt.IRAD < 0 || (RESSCR.write({whole(thread.PHIR)}) && RESSCR.write({whole(thread.VELR)}));
+        good = good &&
+               (opt.IDIFF < 0 || (RESSCR.write({whole(thread.SRCD)}) && RESSCR.write({whole(thread.VELD)})));
+    }
     return good ? Status::ok : MSGOUT_with("Error writing the solution of a period, UNIT=", RESSCR.unit(), RESSCR.error());
 }
 

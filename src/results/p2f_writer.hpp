@@ -5,9 +5,13 @@
 #include "base/record_file.hpp"
 #include "run/state.hpp"
 
-// Writes the potentials of one period to the scratch file: PHIR if IRAD >= 0, PHID if IDIFF >= 0. The periods stand
-// there in order, without any index. Failed: the disk has no room; the message is out.
-[[nodiscard]] Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR);
+// What a call of PERWRT writes: the potentials PHIR if IRAD >= 0 and PHID if IDIFF >= 0; or, when PHIR and
+// SRCD hold the sources, PHIR and VELR if IRAD >= 0, SRCD and VELD if IDIFF >= 0.
+enum class PeriodPart { potentials = 0, sources = 1 };
+// Writes a part of one period to the scratch file. The periods stand there in order, without any index, the
+// potentials of each before its sources. Failed: the disk has no room; the message is out.
+[[nodiscard]] Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR,
+                            PeriodPart part = PeriodPart::potentials);
 
 // Makes the hand-over file FILNAM(3) from the run state, the text echo and the scratch file of the periods. The file
 // appears under its name only when it is complete. Failed: it cannot be written; the message is out.

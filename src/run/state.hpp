@@ -104,6 +104,10 @@ struct Mesh {
     Array<f32, 2> VEL;  // normal velocity of each mode (NMODES,NEQN)
     Array<f32, 3> RXNG; // r x N at the Gauss points, body axes (4,3,NEQN)
     Array<int, 1> IFSP; // 0 ordinary, 1 interior free-surface panel, -1 in z = 0 with normal up (NEQN)
+    // 1: made from a hull panel by projection on the free surface (NEQN). With IFSP=-1 such a panel is the
+    // image of an overhang that takes away part of the panels of IFSP=1; without it IFSP=-1 is hull of no
+    // draught.
+    Array<int, 1> projected;
 };
 
 // Panels with a side in the free surface. Panel numbers count within the body, but for IRR=4 over the mesh.
@@ -115,7 +119,8 @@ struct Waterline {
 
 // Interior panels behind each waterline panel: a count and that many panel numbers, one strip after the other.
 struct Strips {
-    Array<int, 1> IRRP; // (NEQN)
+    Array<int, 1> IRRP; // (at least NEQN)
+    Array<int, 1> head; // waterline panel of each strip, counted over the mesh (NWL)
 };
 
 // Dipole panels; the arrays exist only when IDIPOL.

@@ -2,6 +2,7 @@
 // direction of a panel's normal from the cross product of its diagonals in double precision.
 #include "input_files.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -286,5 +287,59 @@ INSTANTIATE_TEST_SUITE_P(
                     Merge{" -1 1", " -1 1", -1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
                     Merge{" -1 0", " -1 1", -1, 0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
                     Merge{" -1 1", " 0 -1", 0, 0, {0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}}));
+
+// With IRR=2 the bottom panel of a body gets its projection before the body is mirrored; the side is a thin
+// plate here.
+TEST(ProjectedPanels, are_made_before_the_images) {
+    struct Row {
+        const char *symmetry, *place;
+        int panels;
+        std::vector<int> projected;
+    };
+    const Row rows[] = {{" 0 0", " 0 0 -1 0", 3, {3}},
+                        {" 1 1", " 0 0 0 0", 3, {3}},
+                        {" 1 0", " 3 0 0 0", 6, {3, 6}},
+                        {" 1 1", " 3 4 0 20", 12, {3, 6, 9, 12}}};
+    for (const Row &row : rows) {
+        InputFiles files = good_files();
+        files["box.gdf"] =
+            with_line(with_line(GOOD_GDF, 3, row.symmetry), 4, " 2 1") + " 1 0 0 0\n 0 0 0 0\n";
+        files["box.pot"] = with_line(with_line(GOOD_POT, 4, " 2"), 5, std::string(" 50. ") + row.place);
+        const InputRun in(files);
+        ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+        ASSERT_EQ(in.run.mesh.NEQN, row.panels) << row.place;
+        ASSERT_EQ(in.run.mesh.projected.dim(1), row.panels);
+        for (int p = 1; p <= row.panels; ++p) {
+            const bool is = std::find(row.projected.begin(), row.projected.end(), p) != row.projected.end();
+            EXPECT_EQ(in.run.mesh.projected(p), is ? 1 : 0) << p;
+            EXPECT_EQ(in.run.dipoles.IDIP(p), p % 3 == 1 ? 1 : 0) << p;
+            if (is) {
+                EXPECT_LT(normal(in.run.mesh, p)[2], 0);
+                EXPECT_NEAR(centre(in.run.mesh, p)[2] + in.run.bodies.XBODY(3, 1), 0, 1e-7);
+            }
+        }
+    }
+}
+
+TEST(ProjectedPanels, of_several_bodies_follow_each_other) {
+    InputFiles files = good_bodies();
+    files["box.pot"] = with_line(GOOD_POT, 4, " 2");
+    for (const char *symmetry : {" 0 0", " 1 0"}) {
+        files["a.gdf"] = files["b.gdf"] = with_line(GOOD_GDF, 3, symmetry);
+        files["box.gdf"] = with_line(GOOD_GLOBAL, 8, "b.gdf\n 9 -10 -1 0").erase(0);
+        files["box.gdf"] = with_line(GOOD_GLOBAL, 9, " 9 -10 -1 0");
+        const InputRun in(files);
+        ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+        const int each = std::string(symmetry) == " 1 0" ? 6 : 3;
+        ASSERT_EQ(in.run.mesh.NEQN, 2 * each);
+        for (int p = 1; p <= 2 * each; ++p) {
+            EXPECT_EQ(in.run.mesh.projected(p), p % 3 == 0 ? 1 : 0) << p;
+            if (p % 3 == 0) {
+                EXPECT_EQ(in.run.mesh.XVER(1, 3, p), p > each ? 0.5f : 0.0f) << p;
+            }
+        }
+        EXPECT_EQ(in.run.waterline.NWL, each / 3) << "body 2 lies below the surface";
+    }
+}
 
 } // namespace

@@ -1,0 +1,11 @@
+// Fluid velocities on the body.
+#pragma once
+
+#include "assembly/thread_state.hpp"
+
+// The velocity vector at every panel centroid from the source strengths, class by class: thread.VELR from
+// thread.PHIR, which holds the radiation sources, and thread.VELD from thread.SRCD, through the influence
+// thread.VCORE. Nothing is done for IRAD=-1 or IDIFF < 0. The incident wave is not part of VELD. Each axis of
+// a class is one product of matrices, worked in strips of rows of fixed size with serial BLAS calls, so that
+// the result does not depend on the number of threads. Failed: " RAM too small to allocate BVEL arrays ".
+[[nodiscard]] Status BVEL(const RunState &run, ThreadState &thread);

@@ -1,0 +1,229 @@
+// The passes between the solutions of a period on a small state with a panel of every kind. Truth: the
+// boundary condition of each kind, written out.
+#include "assembly/lid.hpp"
+#include "boundary/source_rhs.hpp"
+
+#include <array>
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Panels by kind. 1 and 2 are hull at the waterline, the heads of the two strips.
+enum Kind {
+    HEAD1 = 1,
+    HEAD2,
+    DEEP,
+    STRIP1A,
+    STRIP1B,
+    STRIP2,
+    UNREACHED,
+    RAFT,
+    REVERSED,
+    PLATE,
+    STILL_PLATE,
+    LID,
+    PANELS = LID
+};
+constexpr int MODES = 7; // the last one an extra mode; mode 2 is off
+constexpr int COLUMNS = 6, HEADINGS = 2, CLASSES = 2;
+constexpr f32 K = 1.75f, F = 1.25f, DAMPING = 0.5f;
+const c32 Z1(-0.3f * K * F, 0.2f * K * F), Z3(-0.7f * K * F, 0.4f * K * F);
+const c32 Y = K * c32(1, -DAMPING) * c32(1, -DAMPING);
+
+f32 noise(int i) {
+    return static_cast<f32>(std::sin(12.9898 * i));
+}
+void fill(c32 *values, std::int64_t n, int seed) {
+    for (std::int64_t i = 0; i < n; ++i)
+        values[i] = {noise(seed + 2 * static_cast<int>(i)), noise(seed + 2 * static_cast<int>(i) + 1)};
+}
+
+// Normal velocity of a mode on a panel that has one.
+f32 velocity(int mode, int p) {
+    return static_cast<f32>(10 * mode + p);
+}
+
+struct State {
+    RunState run;
+    ThreadState thread;
+    Array<c32, 2> PHIR; // before
+    Array<c32, 3> PHID, PHI0, SRCD;
+
+    State() {
+        Symmetry &sym = run.sym;
+        Dipoles &dipoles = run.dipoles;
+        Bodies &bodies = run.bodies;
+        run.mesh.NEQN = PANELS;
+        run.opt.IRR = 1;
+        run.opt.IRAD = run.opt.IDIFF = 1;
+        run.periods.NBETA = run.periods.NBETAM = HEADINGS;
+        sym.NSYMR = CLASSES;
+        sym.NSYMD = COLUMNS;
+        bodies.NBODY = 2;
+        bodies.IBDT3 = 1;
+        dipoles.IDIPOL = true;
+        const bool made =
+            sym.MODLST.alloc(MODES) && run.mesh.IFSP.alloc(PANELS) && run.mesh.projected.alloc(PANELS) &&
+            run.mesh.VEL.alloc(MODES, PANELS) && run.strips.IRRP.alloc(PANELS) && run.strips.head.alloc(2) &&
+            dipoles.IDIP.alloc(PANELS) && dipoles.DPORA.alloc(PANELS) && dipoles.DPORB.alloc(PANELS) &&
+            bodies.BDTYP.alloc(2) && bodies.FSDMP.alloc(2) && bodies.IPANB0.alloc(2) &&
+            bodies.IPANB1.alloc(2) && PHIR.alloc(PANELS, COLUMNS) && PHID.alloc(PANELS, HEADINGS, CLASSES) &&
+            PHI0.alloc(PANELS, HEADINGS, CLASSES) && SRCD.alloc(PANELS, HEADINGS, CLASSES) &&
+            thread.PHIR.alloc(PANELS, COLUMNS) && thread.PHID.alloc(PANELS, HEADINGS, CLASSES) &&
+            thread.PHI0.alloc(PANELS, HEADINGS, CLASSES) && thread.SRCD.alloc(PANELS, HEADINGS, CLASSES);
+        if (!made)
+            std::abort();
+        const int active[COLUMNS] = {1, 3, 5, 4, 6, 7};
+        for (int c = 1; c <= COLUMNS; ++c)
+            sym.MODLST(c) = active[c - 1];
+        for (const int p : {STRIP1A, STRIP1B, STRIP2, UNREACHED})
+            run.mesh.IFSP(p) = 1;
+        for (const int p : {RAFT, REVERSED, LID})
+            run.mesh.IFSP(p) = -1;
+        run.mesh.projected(REVERSED) = 1;
+        for (int p = 1; p <= PANELS; ++p)
+            for (int m = 1; m <= MODES; ++m)
+                run.mesh.VEL(m, p) = run.mesh.IFSP(p) == 1 || p == REVERSED ? 0 : velocity(m, p);
+        run.waterline.NWL = 2;
+        run.strips.head(1) = HEAD1;
+        run.strips.head(2) = HEAD2;
+        const int list[5] = {2, STRIP1A, STRIP1B, 1, STRIP2};
+        for (int i = 1; i <= 5; ++i)
+            run.strips.IRRP(i) = list[i - 1];
+        dipoles.IDIP(PLATE) = 1;
+        dipoles.IDIP(STILL_PLATE) = 3;
+        dipoles.DPORA(PLATE) = 0.3f;
+        dipoles.DPORB(PLATE) = 0.2f;
+        dipoles.DPORA(STILL_PLATE) = 0.7f;
+        dipoles.DPORB(STILL_PLATE) = 0.4f;
+        bodies.BDTYP(2) = 3;
+        bodies.FSDMP(2) = DAMPING;
+        bodies.IPANB0(1) = 1;
+        bodies.IPANB1(1) = LID - 1;
+        bodies.IPANB0(2) = bodies.IPANB1(2) = LID;
+        fill(PHIR.data(), PHIR.size(), 1);
+        fill(PHID.data(), PHID.size(), 100);
+        fill(PHI0.data(), PHI0.size(), 200);
+        fill(SRCD.data(), SRCD.size(), 300);
+        fill(thread.PHIR.data(), PHIR.size(), 1);
+        fill(thread.PHID.data(), PHID.size(), 100);
+        fill(thread.PHI0.data(), PHI0.size(), 200);
+        fill(thread.SRCD.data(), SRCD.size(), 300);
+    }
+    c32 scattered(int p, int b, int s) const { return PHID(p, b, s) - PHI0(p, b, s); }
+    void expect_radiation(int p, int c, c32 wanted) const {
+        EXPECT_LT(std::abs(thread.PHIR(p, c) - wanted), 1e-6f * (1 + std::abs(wanted)))
+            << "panel " << p << " column " << c;
+    }
+    void expect_diffraction(int p, int b, int s, c32 wanted) const {
+        EXPECT_LT(std::abs(thread.SRCD(p, b, s) - wanted), 1e-6f * (1 + std::abs(wanted))) << "panel " << p;
+    }
+};
+
+TEST(SourceRhs, RadiationHasTheVelocityOfEachKind) {
+    for (const int IDIFF : {1, -1}) { // the diffraction problem plays no part
+        State a;
+        a.run.opt.IDIFF = IDIFF;
+        SRCRHS(a.run, K, F, a.thread.PHIR, a.thread);
+        for (int c = 1; c <= COLUMNS; ++c) {
+            const int mode = a.run.sym.MODLST(c);
+            for (const int p : {HEAD1, HEAD2, DEEP, RAFT})
+                a.expect_radiation(p, c, velocity(mode, p));
+            a.expect_radiation(STRIP1A, c, -K * a.PHIR(HEAD1, c));
+            a.expect_radiation(STRIP1B, c, -K * a.PHIR(HEAD1, c));
+            a.expect_radiation(STRIP2, c, -K * a.PHIR(HEAD2, c));
+            a.expect_radiation(UNREACHED, c, a.PHIR(UNREACHED, c));
+            a.expect_radiation(REVERSED, c, 0);
+            a.expect_radiation(PLATE, c, velocity(mode, PLATE) - a.PHIR(PLATE, c) * Z1);
+            a.expect_radiation(STILL_PLATE, c, -a.PHIR(STILL_PLATE, c) * Z3);
+            a.expect_radiation(LID, c, Y * a.PHIR(LID, c));
+        }
+        for (std::int64_t i = 0; IDIFF == -1 && i < a.SRCD.size(); ++i)
+            EXPECT_EQ(a.thread.SRCD.data()[i], a.SRCD.data()[i]);
+    }
+}
+
+TEST(SourceRhs, DiffractionHasTheVelocityOfEachKind) {
+    for (const int IRAD : {1, -1}) {
+        State a;
+        a.run.opt.IRAD = IRAD;
+        SRCRHS(a.run, K, F, a.thread.PHIR, a.thread);
+        for (int s = 1; s <= CLASSES; ++s)
+            for (int b = 1; b <= HEADINGS; ++b) {
+                for (const int p : {HEAD1, HEAD2, DEEP, RAFT, REVERSED, UNREACHED})
+                    a.expect_diffraction(p, b, s, a.SRCD(p, b, s));
+                a.expect_diffraction(STRIP1A, b, s, -K * a.scattered(HEAD1, b, s));
+                a.expect_diffraction(STRIP1B, b, s, -K * a.scattered(HEAD1, b, s));
+                a.expect_diffraction(STRIP2, b, s, -K * a.scattered(HEAD2, b, s));
+                a.expect_diffraction(PLATE, b, s, a.SRCD(PLATE, b, s) - a.PHID(PLATE, b, s) * Z1);
+                a.expect_diffraction(STILL_PLATE, b, s,
+                                     a.SRCD(STILL_PLATE, b, s) - a.PHID(STILL_PLATE, b, s) * Z3);
+                a.expect_diffraction(LID, b, s, Y * a.scattered(LID, b, s));
+            }
+        for (std::int64_t i = 0; IRAD == -1 && i < a.PHIR.size(); ++i)
+            EXPECT_EQ(a.thread.PHIR.data()[i], a.PHIR.data()[i]);
+        for (std::int64_t i = 0; i < a.PHID.size(); ++i)
+            EXPECT_EQ(a.thread.PHID.data()[i], a.PHID.data()[i]) << "the potentials stay";
+    }
+}
+
+TEST(SourceRhs, LimitFrequencyHasNoWaveTerms) {
+    State a;
+    SRCRHS(a.run, 0, 1, a.thread.PHIR, a.thread);
+    for (int c = 1; c <= COLUMNS; ++c) {
+        a.expect_radiation(STRIP1A, c, 0);
+        a.expect_radiation(LID, c, 0);
+        a.expect_radiation(PLATE, c, velocity(a.run.sym.MODLST(c), PLATE));
+        a.expect_radiation(STILL_PLATE, c, 0);
+    }
+    a.expect_diffraction(PLATE, 1, 1, a.SRCD(PLATE, 1, 1));
+    a.expect_diffraction(STRIP2, 1, 1, 0);
+}
+
+TEST(SourceRhs, PlainRunReadsNoLists) {
+    State a;
+    a.run.opt.IRR = 0;
+    a.run.strips = Strips();
+    a.run.dipoles = Dipoles();
+    a.run.bodies.IBDT3 = 0;
+    a.run.bodies.BDTYP.release();
+    a.run.mesh.IFSP.fill(0);
+    SRCRHS(a.run, K, F, a.thread.PHIR, a.thread);
+    for (int p = 1; p <= PANELS; ++p) {
+        for (int c = 1; c <= COLUMNS; ++c)
+            EXPECT_EQ(a.thread.PHIR(p, c), c32(a.run.mesh.VEL(a.run.sym.MODLST(c), p)));
+        EXPECT_EQ(a.thread.SRCD(p, 2, 2), a.SRCD(p, 2, 2));
+    }
+}
+
+TEST(Zerofs, ClearsInteriorPanelsOnly) {
+    for (const auto &[IRAD, IDIFF] : {std::pair{1, 1}, {-1, 0}, {0, -1}}) {
+        State a;
+        a.run.opt.IRAD = IRAD;
+        a.run.opt.IDIFF = IDIFF;
+        ZEROFS(a.run, a.thread);
+        for (int p = 1; p <= PANELS; ++p) {
+            const bool interior = p >= STRIP1A && p <= UNREACHED;
+            for (int c = 1; c <= COLUMNS; ++c)
+                EXPECT_EQ(a.thread.PHIR(p, c), interior && IRAD != -1 ? c32(0) : a.PHIR(p, c));
+            for (int b = 1; b <= HEADINGS; ++b)
+                for (int s = 1; s <= CLASSES; ++s)
+                    EXPECT_EQ(a.thread.PHID(p, b, s), interior && IDIFF != -1 ? c32(0) : a.PHID(p, b, s));
+        }
+    }
+}
+
+TEST(Lid, FirstLidWithThePanelCounts) {
+    State a;
+    f32 EPS = 9;
+    EXPECT_FALSE(LIDDMP(a.run.bodies, LID - 1, EPS));
+    EXPECT_EQ(EPS, 0);
+    EXPECT_TRUE(LIDDMP(a.run.bodies, LID, EPS));
+    EXPECT_EQ(EPS, DAMPING);
+    a.run.bodies.BDTYP(2) = 2;
+    EXPECT_FALSE(LIDDMP(a.run.bodies, LID, EPS));
+    EXPECT_EQ(EPS, 0);
+}
+
+} // namespace
