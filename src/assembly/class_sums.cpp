@@ -40,6 +40,37 @@ void velocity_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &r
     }
 }
 
+// Element j of a matrix row or column becomes the source influence times the lid factor z.
+void make_lid_coefficient(const Split &source, const Split &coefficient, int j, c32 z) {
+    const c32 value = c32(source.re[j], source.im[j]) * z;
+    coefficient.re[j] = value.real();
+    coefficient.im[j] = value.imag();
+}
+
+// Every coefficient whose source panel belongs to a lid of damping e becomes the source influence times (e^2, 2 e) NU,
+// with 4 pi on the diagonal. Panels of opposite marks do not feel each other's sources.
+void lid_rules(const AssemblyFrame &f, int I, int a, int s, const ClassWork &w, TileRows &tile) {
+    const auto factor = [&](int P) {
+        const f32 e = f.panels.DAMP(P);
+        return c32(e * e * f.wave.NU, 2 * e * f.wave.NU);
+    };
+    const bool own = f.panels.LID(I) == 1;
+    for (int J = 1; J <= I; ++J) {
+        if (f.panels.LID(J) == 1)
+            make_lid_coefficient(w.SROW, tile.row(a, s), J - 1, factor(J));
+        if (own && J < I)
+            make_lid_coefficient(w.SCOL, tile.column(a, s), J - 1, factor(I));
+    }
+    if (own)
+        tile.row(a, s).re[I - 1] += PI4;
+    for (int J = 1; tile.planes > 1 && J < I; ++J) {
+        if (f.panels.IFSP(J) * f.panels.IFSP(I) != -1)
+            continue;
+        for (const Split &line : {tile.row(a, s, PLANE_E), tile.column(a, s, PLANE_E)})
+            line.re[J - 1] = line.im[J - 1] = 0;
+    }
+}
+
 } // namespace
 
 bool ClassWork::alloc(int NEQN, bool velocities) {
@@ -82,7 +113,7 @@ void free_surface_pairs(const AssemblyFrame &f, int I, int a, const int *stored,
                 f32 &coefficient = tile.row(a, s, plane).re[j];
                 coefficient *= -f.wave.NUL;
                 if (j + 1 == I)
-                    coefficient -= PI4 * mark;
+                    coefficient -= PI4 * f.panels.DIAG(I);
                 else
                     tile.column(a, s, plane).re[j] *= -f.wave.NUL;
             }
@@ -103,12 +134,15 @@ void class_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &row,
     // The Rankine share of the radiation right-hand sides comes ready-made; diffraction needs the whole source row.
     if (f.weights.radiation)
         add_radiation(f.run, f.weights, I, s, w.SROW, w.SCOL, sums);
-    if (f.weights.diffraction) {
+    if (tile.keep_source) {
         const f32 *source_row = tile.source_row(a, s), *source_column = tile.source_column(a, s);
         for (int j = 0; j < I; ++j)
             w.SROW.re[j] += source_row[j];
         for (int j = 0; j < I - 1; ++j)
             w.SCOL.re[j] += source_column[j];
-        add_diffraction(f.run, f.weights, I, s, w.SROW, w.SCOL, sums);
     }
+    if (f.run.opt.IBDT3 == 1)
+        lid_rules(f, I, a, s, w, tile);
+    if (f.weights.diffraction)
+        add_diffraction(f.run, f.weights, I, s, w.SROW, w.SCOL, sums);
 }

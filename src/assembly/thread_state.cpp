@@ -19,7 +19,7 @@ Status allocate_solution(const RunState &run, ThreadState &thread) {
 Status ALLOCATE_WA(const RunState &run, ThreadState &thread) {
     const int n = run.mesh.NEQN;
     if (run.opt.ISOR == 1) {
-        bool velocities = run.opt.IRAD < 0 || thread.VELR.alloc(n, 3, run.sym.NSYMD);
+        bool velocities = run.opt.IRAD < 0 || (thread.SRCR.alloc(n, run.sym.NSYMD) && thread.VELR.alloc(n, 3, run.sym.NSYMD));
         velocities =
             velocities && (run.opt.IDIFF < 0 || thread.VELD.alloc(n, 3, run.periods.NBETAM, run.sym.NSYMR));
         if (!velocities)
@@ -37,6 +37,7 @@ void DEALLOCATE_WA(ThreadState &thread) {
     thread.ACORE.release();
     thread.ECORE.release();
     thread.VCORE.release();
+    thread.SRCR.release();
     thread.VELR.release();
     thread.VELD.release();
 }

@@ -18,6 +18,7 @@ struct ThreadState {
     // The matrix, packed rows or block that is in memory while the rest is on scratch (NCORE,NCORE).
     Array<c32, 2> AMAT;
     ScratchStore *scratch = nullptr; // files of the run when the matrices are not in memory; the driver owns them
+    Array<c32, 2> SRCR;  // radiation right-hand sides, then sources, ISOR=1 (NEQN,NSYMD)
     Array<c32, 3> VELR;  // fluid velocities of the radiation sources, ISOR=1 (NEQN,3,NSYMD)
     Array<c32, 4> VELD;  // those of the diffraction sources, without the incident wave (NEQN,3,NBETAM,NSYMR)
     GSTATE gstate;       // depth state of the period

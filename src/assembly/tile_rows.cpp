@@ -46,7 +46,7 @@ c32 *matrix_column(ThreadState &thread, int plane, int I, int J, int s) {
 bool TileRows::alloc(int NEQN, int NSYMR, const Options &opt, bool columns_of_their_own) {
     planes = opt.ISOR == 1 ? 5 : 1;
     own_columns = columns_of_their_own;
-    keep_source = opt.ISCATT == 1;
+    keep_source = keeps_source(opt);
     const int lines = TILE + (own_columns ? TILE : 1);
     return values_.alloc(NEQN, 2, lines, planes * NSYMR) && (!keep_source || source_.alloc(NEQN, lines, NSYMR));
 }

@@ -1,5 +1,6 @@
 #include "assembly/wave_row.hpp"
 
+#include "assembly/lid.hpp"
 #include "assembly/limit_row.hpp"
 #include "run/symmetry.hpp"
 
@@ -208,9 +209,16 @@ PeriodWave frequency_variables(f32 W, f32 HBOT, f32 F) {
     return wave;
 }
 
-bool PanelArrays::make(const Mesh &mesh, bool gauss) {
+bool PanelArrays::make(const RunState &run) {
+    const Mesh &mesh = run.mesh;
     const int n = mesh.NEQN;
-    if (!X.alloc(n, 3) || !N.alloc(n, 3) || !A.alloc(n) || !IFSP.alloc(n))
+    const bool gauss = run.opt.IQUAD == 1;
+    const bool lids = run.opt.IBDT3 == 1;
+    if (lids && (!LID.alloc(n) || !DAMP.alloc(n)))
+        return false;
+    for (int i = 1; lids && i <= n; ++i)
+        LID(i) = LIDDMP(run.bodies, i, DAMP(i)) ? 1 : 0;
+    if (!X.alloc(n, 3) || !N.alloc(n, 3) || !A.alloc(n) || !IFSP.alloc(n) || !DIAG.alloc(n))
         return false;
     if (gauss && (!XG.alloc(n, 3, 4) || !GW.alloc(n, 4)))
         return false;
@@ -225,6 +233,8 @@ bool PanelArrays::make(const Mesh &mesh, bool gauss) {
             GW(i, q) = mesh.GJAC(q, i);
         A(i) = mesh.PMOM(1, i);
         IFSP(i) = static_cast<f32>(mesh.IFSP(i));
+        const bool overhang = mesh.IFSP(i) == -1 && !mesh.projected.empty() && mesh.projected(i) != 0;
+        DIAG(i) = overhang ? 1 : IFSP(i);
     }
     return true;
 }

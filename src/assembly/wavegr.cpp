@@ -94,7 +94,7 @@ Status assemble_row(const AssemblyFrame &f, const GSTATE &gstate, int I, int a, 
 Status WAVEGR(const RunState &run, const PeriodWave &wave, ThreadState &thread) {
     PanelArrays panels;
     SourceWeights weights;
-    if (!panels.make(run.mesh, run.opt.IQUAD == 1) || !weights.make(run, thread))
+    if (!panels.make(run) || !weights.make(run, thread))
         return MSGOUT(" RAM too small to allocate WAVEGR arrays ");
     if (failed(start_right_hand_sides(run, wave.NUL, thread)))
         return Status::failed;

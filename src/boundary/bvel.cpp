@@ -21,7 +21,7 @@ std::vector<Column> columns_of_class(const RunState &run, int s, ThreadState &th
     std::vector<Column> columns;
     for (int k = 1; run.opt.IRAD != -1 && k <= run.sym.NMCLS[s]; ++k) {
         const int col = run.sym.MODPOS(run.sym.MODCLS(k, s));
-        columns.push_back({&thread.PHIR(1, col), &thread.VELR(1, 1, col)});
+        columns.push_back({&thread.SRCR(1, col), &thread.VELR(1, 1, col)});
     }
     for (int b = 1; run.opt.IDIFF >= 0 && b <= run.periods.NBETAM; ++b)
         columns.push_back({&thread.SRCD(1, b, s), &thread.VELD(1, 1, b, s)});

@@ -4,7 +4,7 @@
 #include "assembly/thread_state.hpp"
 
 // The velocity vector at every panel centroid from the source strengths, class by class: thread.VELR from
-// thread.PHIR, which holds the radiation sources, and thread.VELD from thread.SRCD, through the influence
+// the radiation sources thread.SRCR, and thread.VELD from thread.SRCD, through the influence
 // thread.VCORE. Nothing is done for IRAD=-1 or IDIFF < 0. The incident wave is not part of VELD. Each axis of
 // a class is one product of matrices, worked in strips of rows of fixed size with serial BLAS calls, so that
 // the result does not depend on the number of threads. Failed: " RAM too small to allocate BVEL arrays ".

@@ -19,7 +19,7 @@ template <class Action> void walk_strips(const RunState &run, Action action) {
 // Calls action(I, y) for each panel of a lid, y the ratio of vertical velocity to potential.
 template <class Action> void walk_lids(const RunState &run, f32 K, Action action) {
     f32 EPS = 0;
-    for (int I = 1; run.bodies.IBDT3 == 1 && I <= run.mesh.NEQN; ++I) {
+    for (int I = 1; run.opt.IBDT3 == 1 && I <= run.mesh.NEQN; ++I) {
         if (LIDDMP(run.bodies, I, EPS))
             action(I, K * c32(1 - EPS * EPS, -2 * EPS));
     }

@@ -88,7 +88,7 @@ Status read_body_entry(FreeReader &in, int N, int modes, RunState &run) {
         if (!in.read(bodies.BDTYP(N), bodies.FSDMP(N)))
             return MSGOUT_with("Error reading array BDTYP/FSDMP in global GDF file ", 0, in.fault());
         if (bodies.BDTYP(N) == 3)
-            bodies.IBDT3 = 1;
+            run.opt.IBDT3 = 1;
     }
     return Status::ok;
 }
@@ -104,7 +104,7 @@ Status read_index(FreeReader &in, RunState &run) {
         return MSGOUT("A global GDF file is not possible when IWADD=1");
     if (!make_body_arrays(run.opt, bodies))
         return MSGOUT("Insufficient memory to allocate NBODY arrays");
-    bodies.IBDT3 = 0;
+    run.opt.IBDT3 = 0;
     int modes = 0;
     for (int N = 1; N <= bodies.NBODY; ++N) {
         if (failed(read_body_entry(in, N, modes, run)))

@@ -11,7 +11,7 @@ struct Planes {
 
     Planes(const Options &opt, const Symmetry &sym) {
         int next = 1;
-        source = opt.ISCATT == 1 ? next++ : -1;
+        source = keeps_source(opt) ? next++ : -1;
         normal = opt.ISOR == 1 ? next++ : -1;
         velocity = opt.ISOR == 1 ? next : -1;
         per_class = next + (opt.ISOR == 1 ? 3 : 0);

@@ -162,7 +162,7 @@ Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR,
         good = opt.IRAD < 0 || RESSCR.write({whole(thread.PHIR)});
         good = good && (opt.IDIFF < 0 || RESSCR.write({whole(thread.PHID)}));
     } else {
-        good = opt.IRAD < 0 || (RESSCR.write({whole(thread.PHIR)}) && RESSCR.write({whole(thread.VELR)}));
+        good = opt.IRAD < 0 || (RESSCR.write({whole(thread.SRCR)}) && RESSCR.write({whole(thread.VELR)}));
         good = good &&
                (opt.IDIFF < 0 || (RESSCR.write({whole(thread.SRCD)}) && RESSCR.write({whole(thread.VELD)})));
     }

@@ -5,8 +5,8 @@
 #include "base/record_file.hpp"
 #include "run/state.hpp"
 
-// What a call of PERWRT writes: the potentials PHIR if IRAD >= 0 and PHID if IDIFF >= 0; or, when PHIR and
-// SRCD hold the sources, PHIR and VELR if IRAD >= 0, SRCD and VELD if IDIFF >= 0.
+// What a call of PERWRT writes: the potentials PHIR if IRAD >= 0 and PHID if IDIFF >= 0; or the
+// sources SRCR and velocities VELR if IRAD >= 0, SRCD and VELD if IDIFF >= 0.
 enum class PeriodPart { potentials = 0, sources = 1 };
 // Writes a part of one period to the scratch file. The periods stand there in order, without any index, the
 // potentials of each before its sources. Failed: the disk has no room; the message is out.

@@ -2,6 +2,7 @@
 
 #include "base/platform.hpp"
 #include "freesurface/fsmark.hpp"
+#include "freesurface/fsstrip.hpp"
 #include "geometry/pregeo.hpp"
 #include "input/input.hpp"
 #include "rankine/rankin.hpp"
@@ -66,6 +67,8 @@ void run_solver() {
         require(MSGOUT(" RAM too small for number of panels "));
     require(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh));
     require(FSMARK(run.opt, run.bodies, run.mesh));
+    if (run.opt.IRR >= 1)
+        require(fill_strips(run, run.strips));
     require(SYMSET(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.bodies.MODE, run.opt.IDIFF, run.sym));
     MEMPLN(run.opt, run.mesh.NEQN, run.sym.NSYMR, run.memory);
     if (run.memory.INCORE)

@@ -73,7 +73,7 @@ Status allocate_store(const Options &opt, const Symmetry &sym, int NEQN, Rankine
     const Range planes(0, opt.ILOG);
     bool made = store.RKDM.alloc(n, n, sym.NSYMR, planes) && store.ICODM.alloc(n, n) &&
                 store.RHSRAN.alloc(n, sym.NSYMD, planes);
-    if (opt.ISCATT == 1)
+    if (keeps_source(opt))
         made = made && store.RKSM.alloc(n, n, sym.NSYMR, planes);
     if (opt.ISOR == 1)
         made = made && store.RKNM.alloc(n, n, sym.NSYMR, planes) && store.RKVM.alloc(n, n, 3 * sym.NSYMR, planes);

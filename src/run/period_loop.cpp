@@ -3,7 +3,9 @@
 #include "assembly/wavegr.hpp"
 #include "base/platform.hpp"
 #include "base/text.hpp"
+#include "boundary/bvel.hpp"
 #include "boundary/incident_wave.hpp"
+#include "boundary/source_rhs.hpp"
 #include "results/p2f_writer.hpp"
 #include "run/messages.hpp"
 #include "run/progress.hpp"
@@ -19,20 +21,32 @@ void require(Status status) {
         STOPRN(0);
 }
 
-// Both iteration counts, or the one that is not 0 in its column; nothing when both are.
-std::string report_counts(const int (&ITER)[2]) {
-    if (ITER[0] != 0 && ITER[1] != 0)
-        return " " + int_in(8, ITER[0]) + int_in(8, ITER[1]);
-    if (ITER[0] != 0)
-        return " " + int_in(8, ITER[0]);
-    return std::string(9, ' ') + int_in(8, ITER[1]);
+// Iteration counts of a period, radiation and diffraction.
+struct PeriodCounts {
+    int potentials[2] = {0, 0};
+    int sources[2] = {0, 0};
+};
+
+// The counts of potentials that are not 0, in their columns; those of the sources stand behind them in parentheses.
+std::string report_counts(bool sources, const PeriodCounts &counts) {
+    const int radiation = counts.potentials[0], diffraction = counts.potentials[1];
+    const auto pair = [&](int k) {
+        return int_in(3, counts.potentials[k]) + " (" + int_in(2, counts.sources[k]) + ")";
+    };
+    if (sources && radiation != 0)
+        return std::string(5, ' ') + pair(0) + (diffraction != 0 ? " " + pair(1) : "");
+    if (sources)
+        return std::string(13, ' ') + pair(1);
+    if (radiation != 0)
+        return " " + int_in(8, radiation) + (diffraction != 0 ? int_in(8, diffraction) : "");
+    return std::string(9, ' ') + int_in(8, diffraction);
 }
 
-void write_report_row(RunState &run, int period, int thread_number, const int (&ITER)[2]) {
-    if (ITER[0] == 0 && ITER[1] == 0)
+void write_report_row(RunState &run, int period, int thread_number, const PeriodCounts &counts) {
+    if (counts.potentials[0] == 0 && counts.potentials[1] == 0)
         return;
     const std::string row = int_in(7, period) + int_in(7, thread_number) +
-                            fixed(10, 4, run.periods.PER(period)) + "  " + DATTIM().time + report_counts(ITER);
+                            fixed(10, 4, run.periods.PER(period)) + "  " + DATTIM().time + report_counts(run.opt.ISOR == 1, counts);
     run.HDRSCR.push_back(row);
     list_line(row);
 }
@@ -48,8 +62,19 @@ f32 depth_factor(const RunState &run, int period, ThreadState &thread) {
     return F;
 }
 
+// The sources of a period and the velocities that they make, from its potentials.
+void solve_sources(const RunState &run, const PeriodWave &wave, ThreadState &thread, int (&ITER)[2]) {
+    const Options &opt = run.opt;
+    if (opt.IRAD >= 0)
+        std::copy_n(thread.PHIR.data(), thread.PHIR.size(), thread.SRCR.data());
+    SRCRHS(run, wave.NUL, wave.F, thread.SRCR, thread);
+    const SolveRequest request{opt.IRAD, opt.IDIFF, 1, 0, 1, opt.IRR == 0 ? EPSIT : 1.0e-4f};
+    require(SOLVE(run, request, thread.SRCR, thread.SRCD, thread, ITER));
+    require(BVEL(run, thread));
+}
+
 // All of a period but what must come in order. Returns the wave number at the depth of the run.
-f32 solve_period(const RunState &run, int period, ThreadState &thread, int (&ITER)[2]) {
+f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCounts &counts) {
     const Options &opt = run.opt;
     const f32 W = run.periods.WVN0(period);
     require(ALLOCATE_WA(run, thread));
@@ -58,9 +83,13 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, int (&ITE
     if (opt.IDIFF >= 0)
         INCWAV(run, W * F, thread);
     require(WAVEGR(run, wave, thread));
-    require(SOLVE(run, {opt.IRAD, opt.IDIFF}, thread.PHIR, thread.PHID, thread, ITER));
+    require(SOLVE(run, {opt.IRAD, opt.IDIFF}, thread.PHIR, thread.PHID, thread, counts.potentials));
     if (opt.IDIFF >= 0 && opt.ISCATT == 1)
         ADDINC(thread);
+    if (opt.IRR >= 1)
+        ZEROFS(run, thread);
+    if (opt.ISOR == 1)
+        solve_sources(run, wave, thread, counts.sources);
     return W * F;
 }
 
@@ -76,16 +105,20 @@ void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &
         require(allocate_solution(run, thread));
 #pragma omp for ordered schedule(dynamic, 1)
         for (int period = 1; period <= NPER; ++period) {
-            int ITER[2] = {0, 0};
-            run.periods.WVNH(period) = solve_period(run, period, thread, ITER);
+            PeriodCounts counts;
+            run.periods.WVNH(period) = solve_period(run, period, thread, counts);
 #pragma omp ordered
             {
 #pragma omp critical
-                require(PERWRT(run.opt, thread, RESSCR));
+                {
+                    require(PERWRT(run.opt, thread, RESSCR));
+                    if (run.opt.ISOR == 1)
+                        require(PERWRT(run.opt, thread, RESSCR, PeriodPart::sources));
+                }
             }
 #pragma omp critical
             {
-                write_report_row(run, period, omp_get_thread_num(), ITER);
+                write_report_row(run, period, omp_get_thread_num(), counts);
                 progress.step();
             }
             DEALLOCATE_WA(thread);

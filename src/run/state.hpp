@@ -45,11 +45,17 @@ struct Options {
     int IMDRUN = 0;    // extra modes: -1 first pass, 0 none, 1 MOD files present
     int NBLKSZ = 0;    // block size of the block-iterative solver
     int NBLKLS = 0;    // size of its last block
+    int IBDT3 = 0;     // 1: some BDTYP is 3, a lid body
     int NCORE = 0;     // order of the matrix AMAT of one thread
     f32 HBOT = 0;      // water depth; negative for infinite depth
     f32 GRAV = 0;      // gravity, dimensional
     f32 RULEN = 0;     // 1 / ULEN(1)
 };
+
+// The source influence itself is kept: for the scattered potential, and for lids, whose coefficients it makes.
+inline bool keeps_source(const Options &opt) {
+    return opt.ISCATT == 1 || opt.IBDT3 == 1;
+}
 
 // Names and titles of the input files, numbered from 1.
 struct NameTable {
@@ -70,7 +76,6 @@ constexpr std::array<const char *, 6> EXTS = {".gdf", ".pot", ".p2f", ".pre", ".
 struct Bodies {
     int NBODY = 0;             // number of bodies; 0 from the reader in the single-body form, then 1
     int NMODES = 0;            // modes of all bodies: 6 + NEWMDS(b) each
-    int IBDT3 = 0;             // 1: some BDTYP is 3
     Array<f32, 1> ULEN;        // length scale of each body, dimensional (NBODY)
     Array<f32, 2> XBODY;       // origin x, y, z and heading [degrees] (4,NBODY)
     Array<int, 1> NEQNB;       // panels of each body (NBODY)

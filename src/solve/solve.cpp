@@ -14,13 +14,14 @@ namespace {
 struct CoreSolve {
     const RunState &run;
     ThreadState &thread;
+    Array<c32, 3> &matrices; // dipole or source influence, by class
     Array<int, 1> IPIV;
     int n;
 };
 
 Status solve_full_direct(CoreSolve &c, int s, const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
     Array<c32, 2> &ALU = c.thread.ALU;
-    std::memcpy(ALU.data(), c.thread.ACORE.slice(s).data(),
+    std::memcpy(ALU.data(), c.matrices.slice(s).data(),
                 static_cast<std::size_t>(ALU.size()) * sizeof(c32));
     if (failed(LUFACT(ALU, c.IPIV.data(), c.n))) {
         (void)MSGOUT(" Error in direct solver: left-hand-side is singular ", s);
@@ -33,7 +34,7 @@ Status solve_full_direct(CoreSolve &c, int s, const std::vector<RightHandSide> &
 Status solve_blocks(CoreSolve &c, const SolveRequest &request, int s,
                     const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
     const int block = c.run.opt.NBLKSZ;
-    const View<c32, 2> A = c.thread.ACORE.slice(s);
+    const View<c32, 2> A = c.matrices.slice(s);
     c32 *LU = c.thread.ALU.data();
     for (int L = 0; L < c.n; L += block) {
         const int S = std::min(block, c.n - L);
@@ -54,7 +55,7 @@ Status solve_blocks(CoreSolve &c, const SolveRequest &request, int s,
 Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,
                      ThreadState &thread, int (&ITER)[2]) {
     const int ISOLVE = run.opt.ISOLVE;
-    CoreSolve c{run, thread, {}, run.mesh.NEQN};
+    CoreSolve c{run, thread, request.ISRC == 1 ? thread.ECORE : thread.ACORE, {}, run.mesh.NEQN};
     bool made = c.IPIV.alloc(c.n);
     if (thread.ALU.empty() && ISOLVE > 0)
         made = made && thread.ALU.alloc(ISOLVE == 1 ? c.n : run.opt.NBLKSZ, c.n);
@@ -62,7 +63,7 @@ Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32,
         return MSGOUT(" RAM too small. Allocation error in SOLVE ");
     for (int s = 1; s <= run.sym.NSYMR; ++s) {
         const auto columns = columns_of_class(run, request, PHIR, PHID, s);
-        const FullMatrix matrix{thread.ACORE.slice(s).data(), c.n};
+        const FullMatrix matrix{c.matrices.slice(s).data(), c.n};
         const Sweep sweep = [&matrix](const std::vector<SweepColumn> &work) {
             sweep_full(matrix, work);
             return Status::ok;

@@ -15,7 +15,8 @@ struct SolveRequest {
     f32 EPS = EPSIT; // tolerance of the iterative solvers
 };
 
-// Solves all classes by the method of ISOLVE, with the matrices in thread.ACORE (INCORE) or where the
+// Solves all classes by the method of ISOLVE, with the matrices in thread.ACORE or, with
+// ISRC=1, ECORE (INCORE) or where the
 // assembly left them in thread.AMAT and on the files of thread.scratch. ITER[0], ITER[1]: largest iteration
 // counts of radiation and diffraction, -1 after a direct solution. In memory nothing is consumed, so that
 // KEEP has no effect and FACT=0 only leaves the counts. Failed: allocation, a scratch file, or a singular

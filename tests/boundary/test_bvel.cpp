@@ -38,7 +38,7 @@ void make(RunState &run, ThreadState &thread, int IRAD, int IDIFF) {
     std::mt19937 random(7);
     std::uniform_real_distribution<f32> unit(-1, 1);
     for (const auto &[data, size] : {std::pair{thread.VCORE.data(), thread.VCORE.size()},
-                                     {thread.PHIR.data(), thread.PHIR.size()},
+                                     {thread.SRCR.data(), thread.SRCR.size()},
                                      {thread.SRCD.data(), thread.SRCD.size()}})
         for (std::int64_t i = 0; i < size; ++i)
             data[i] = {unit(random), unit(random)};
@@ -65,9 +65,9 @@ TEST(Bvel, IsTheProductOfEachClass) {
     ThreadState thread;
     make(run, thread, 0, 0);
     ASSERT_EQ(BVEL(run, thread), Status::ok);
-    EXPECT_LT(error(thread, 1, &thread.PHIR(1, 3), &thread.VELR(1, 1, 3)), TOLERANCE);
-    EXPECT_LT(error(thread, 1, &thread.PHIR(1, 1), &thread.VELR(1, 1, 1)), TOLERANCE);
-    EXPECT_LT(error(thread, 2, &thread.PHIR(1, 2), &thread.VELR(1, 1, 2)), TOLERANCE);
+    EXPECT_LT(error(thread, 1, &thread.SRCR(1, 3), &thread.VELR(1, 1, 3)), TOLERANCE);
+    EXPECT_LT(error(thread, 1, &thread.SRCR(1, 1), &thread.VELR(1, 1, 1)), TOLERANCE);
+    EXPECT_LT(error(thread, 2, &thread.SRCR(1, 2), &thread.VELR(1, 1, 2)), TOLERANCE);
     for (int s = 1; s <= CLASSES; ++s)
         for (int b = 1; b <= HEADINGS; ++b)
             EXPECT_LT(error(thread, s, &thread.SRCD(1, b, s), &thread.VELD(1, 1, b, s)), TOLERANCE);
@@ -78,7 +78,7 @@ TEST(Bvel, ProblemThatIsNotSolvedIsLeftOut) {
     ThreadState r, d, n;
     make(radiation, r, 1, -1);
     ASSERT_EQ(BVEL(radiation, r), Status::ok);
-    EXPECT_LT(error(r, 2, &r.PHIR(1, 2), &r.VELR(1, 1, 2)), TOLERANCE);
+    EXPECT_LT(error(r, 2, &r.SRCR(1, 2), &r.VELR(1, 1, 2)), TOLERANCE);
     EXPECT_TRUE(r.VELD.empty());
     make(diffraction, d, -1, 1);
     diffraction.sym.NMCLS[2] = 0;

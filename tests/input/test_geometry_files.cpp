@@ -236,7 +236,7 @@ TEST_P(CommonSymmetry, is_kept_where_all_bodies_have_it) {
     EXPECT_EQ(b.IPANB1(1), b.NEQNB(1));
     EXPECT_EQ(b.IPANB0(2), b.NEQNB(1) + 1);
     EXPECT_EQ(b.IPANB1(2), row.panels);
-    EXPECT_EQ(b.IBDT3, 1);
+    EXPECT_EQ(in.run.opt.IBDT3, 1);
     EXPECT_EQ(b.FSDMP(2), 0.2f);
     EXPECT_EQ(in.run.waterline.NWL, row.panels / 2);
 }

@@ -94,7 +94,7 @@ void write(RunState &run) {
         fill(thread.PHID, DIFFRACTION, period);
         ASSERT_EQ(PERWRT(run.opt, thread, scratch), Status::ok);
         if (run.opt.ISOR == 1) {
-            fill(thread.PHIR, RADIATION_SOURCES, period);
+            fill(thread.SRCR, RADIATION_SOURCES, period);
             fill(thread.VELR, RADIATION_VELOCITY, period);
             fill(thread.SRCD, DIFFRACTION_SOURCES, period);
             fill(thread.VELD, DIFFRACTION_VELOCITY, period);
