@@ -1,5 +1,6 @@
 #include "assembly/right_hand_sides.hpp"
 
+#include "assembly/lid.hpp"
 #include "assembly/scratch_store.hpp"
 #include "run/messages.hpp"
 
@@ -12,6 +13,13 @@ int column_count(const RunState &run) {
 
 int heading_column(const RunState &run, int b, int s) {
     return run.sym.NSYMD + b + run.periods.NBETAM * (s - 1);
+}
+
+// Panels of the free surface that are no hull: images of overhangs, and lids. A hull of no draught has the same mark, and
+// scatters like any other.
+bool takes_no_part(const RunState &run, int ip) {
+    f32 damping = 0;
+    return run.mesh.IFSP(ip) == -1 && (run.mesh.projected(ip) != 0 || LIDDMP(run.bodies, ip, damping));
 }
 
 } // namespace
@@ -36,7 +44,7 @@ bool SourceWeights::make(const RunState &run, const ThreadState &thread) {
         for (int s = 1; s <= run.sym.NSYMR; ++s) {
             for (int b = 1; b <= headings; ++b) {
                 for (int ip = 1; ip <= n; ++ip) {
-                    const c32 value = run.mesh.IFSP(ip) == -1 ? c32(0) : thread.SRCD(ip, b, s);
+                    const c32 value = takes_no_part(run, ip) ? c32(0) : thread.SRCD(ip, b, s);
                     incident_re(ip, b, s) = value.real();
                     incident_im(ip, b, s) = value.imag();
                 }

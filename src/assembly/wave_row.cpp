@@ -233,7 +233,7 @@ bool PanelArrays::make(const RunState &run) {
             GW(i, q) = mesh.GJAC(q, i);
         A(i) = mesh.PMOM(1, i);
         IFSP(i) = static_cast<f32>(mesh.IFSP(i));
-        const bool overhang = mesh.IFSP(i) == -1 && !mesh.projected.empty() && mesh.projected(i) != 0;
+        const bool overhang = mesh.IFSP(i) == -1 && mesh.projected(i) != 0;
         DIAG(i) = overhang ? 1 : IFSP(i);
     }
     return true;

@@ -65,7 +65,7 @@ void check_depth(const RunState &run, Faults &faults) {
     if (run.opt.HBOT <= 0)
         return;
     int first = 1;
-    for (int b = 1; b <= run.bodies.NBODY; ++b) {
+    for (int b = 1; b <= run.bodies.NEQNB.dim(1); ++b) {
         for (int ip = first; ip < first + run.bodies.NEQNB(b); ++ip) {
             for (int v = 1; v <= 4; ++v) {
                 if (run.mesh.XVER(v, 3, ip) + run.bodies.XBODY(3, b) < lowest)

@@ -61,7 +61,7 @@ struct State {
         sym.NSYMR = CLASSES;
         sym.NSYMD = COLUMNS;
         bodies.NBODY = 2;
-        bodies.IBDT3 = 1;
+        run.opt.IBDT3 = 1;
         dipoles.IDIPOL = true;
         const bool made =
             sym.MODLST.alloc(MODES) && run.mesh.IFSP.alloc(PANELS) && run.mesh.projected.alloc(PANELS) &&
@@ -186,7 +186,7 @@ TEST(SourceRhs, PlainRunReadsNoLists) {
     a.run.opt.IRR = 0;
     a.run.strips = Strips();
     a.run.dipoles = Dipoles();
-    a.run.bodies.IBDT3 = 0;
+    a.run.opt.IBDT3 = 0;
     a.run.bodies.BDTYP.release();
     a.run.mesh.IFSP.fill(0);
     SRCRHS(a.run, K, F, a.thread.PHIR, a.thread);

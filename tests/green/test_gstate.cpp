@@ -63,6 +63,8 @@ TEST(Hgrn98, SampleDepth) {
     EXPECT_FLOAT_EQ(state.HINV2X8, 8 / 2.25f);
     EXPECT_FLOAT_EQ(state.RKSQ, k * k);
     EXPECT_FLOAT_EQ(state.RKTWO, 2 * k);
+    EXPECT_NEAR(state.COEF91[90], -0.81565911f, 3e-7); // S and P at R = Z = Y = 0; the tables err by 2.3e-7
+    EXPECT_NEAR(state.COEF57[56], -0.088309646f, 3e-7);
 }
 
 TEST(Hgrn98, RangeOfDepths) {
