@@ -207,7 +207,7 @@ TEST(Solve, TheSourceMatrixComesFromItsOwnUnits) {
 TEST(Solve, AColumnDoesNotDependOnItsCompany) {
     const RunFolder folder;
     PeriodSystem c;
-    ASSERT_TRUE(make_system(hulls::hemisphere(1, 12), 0, 0, 1, c));
+    ASSERT_TRUE(make_system(hulls::hemisphere(1, 16), 0, 0, 1, c));
     const int threads = omp_get_max_threads();
     for (const Method &method : METHODS) {
         SCOPED_TRACE(method.name);
