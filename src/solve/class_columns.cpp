@@ -65,7 +65,7 @@ Status solve_iteratively(int n, f32 EPS, const Sweep &sweep, const std::vector<R
     for (std::size_t c = 0; c < columns.size(); ++c)
         solutions[c].B = columns[c].B;
     if (failed(ITRCC(n, EPS, sweep, solutions)))
-        return Status::failed;
+        return report_columns(columns);
     Status status = Status::ok;
     for (std::size_t c = 0; c < columns.size(); ++c) {
         int &largest = ITER[columns[c].radiation ? 0 : 1];

@@ -372,6 +372,8 @@ TEST(Solve, DamagedFilesAreTold) {
         int ITER[2];
         EXPECT_EQ(attempt.solve(c, {1, 1, 1}, ITER), Status::failed);
         EXPECT_TRUE(folder.told(damage.told)) << folder.list_text();
+        EXPECT_EQ(folder.told("       Error in diffraction solution for heading IBETA=1"),
+                  folder.list_has("in ITRCC"));
     }
 }
 
