@@ -15,12 +15,13 @@ struct ThreadState {
     Array<c32, 2> ALU;   // factors of a class (NEQN,NEQN), or of its diagonal blocks (NBLKSZ,NEQN), in memory
     // The matrix, packed rows or block that is in memory while the rest is on scratch (NCORE,NCORE).
     Array<c32, 2> AMAT;
-    ScratchStore *scratch = nullptr; // files of the run when the matrices are not in memory; the driver owns them
-    GSTATE gstate;       // depth state of the period
+    ScratchStore *scratch =
+        nullptr;   // files of the run when the matrices are not in memory; the driver owns them
+    GSTATE gstate; // depth state of the period
 };
 
-// The solution arrays and, without INCORE, AMAT, for the life of the thread. Failed: " RAM too small for number of
-// panels ", " RAM too small.  Reduce MAXSCR ".
+// The solution arrays and, without INCORE, AMAT, for the life of the thread. Failed: " RAM too small for
+// number of panels ", " RAM too small.  Reduce MAXSCR ".
 [[nodiscard]] Status allocate_solution(const RunState &run, ThreadState &thread);
 // The matrices of a period in memory; nothing without INCORE. Failed: " RAM too small ".
 [[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread);
