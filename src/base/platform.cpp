@@ -15,8 +15,8 @@
 
 namespace {
 
-// The number behind `key` in a file of lines "key number", or the first number when the key is empty; -1: none, which
-// is also what the word "max" stands for.
+// The number behind `key` in a file of lines "key number", or the first number when the key is empty; -1:
+// none, which is also what the word "max" stands for.
 std::int64_t number_in(const std::string &file, const std::string &key = {}) {
     std::ifstream in(file);
     std::string word;

@@ -10,16 +10,16 @@ struct MemorySizes {
     std::int64_t available = 0;
     std::int64_t pagefile = 0;
 };
-// False when the system does not tell. A memory limit of the control group that the process belongs to lowers what
-// is available.
+// False when the system does not tell. A memory limit of the control group that the process belongs to lowers
+// what is available.
 [[nodiscard]] bool query_memory(MemorySizes &sizes);
-// Lowers sizes.available to what the control groups leave: `groups` is the text of /proc/self/cgroup, `root` the
-// folder where version 2 is mounted and, in its subfolder "memory", version 1. A group and all above it count; the
-// page cache that the kernel would give back first is not held against the group.
+// Lowers sizes.available to what the control groups leave: `groups` is the text of /proc/self/cgroup, `root`
+// the folder where version 2 is mounted and, in its subfolder "memory", version 1. A group and all above it
+// count; the page cache that the kernel would give back first is not held against the group.
 void apply_control_groups(const std::string &groups, const std::string &root, MemorySizes &sizes);
 
-// Files that must not outlive the process, by name in the folder of the run: the table has 32 entries of up to 15
-// characters. A signal that ends the process removes them; the stop routine does so itself.
+// Files that must not outlive the process, by name in the folder of the run: the table has 32 entries of up
+// to 15 characters. A signal that ends the process removes them; the stop routine does so itself.
 [[nodiscard]] bool remove_at_end(const std::string &name);
 void forget_at_end(const std::string &name);
 void remove_registered_files() noexcept; // may be called from a signal handler

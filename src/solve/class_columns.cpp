@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <omp.h>
 
 std::vector<RightHandSide> columns_of_class(const RunState &run, const SolveRequest &request,
                                             View<c32, 2> PHIR, View<c32, 3> PHID, int s) {
@@ -42,7 +43,7 @@ Status solve_directly(View<const c32, 2> LU, const int *IPIV, int n,
     if (!XR.alloc(n, count))
         return MSGOUT(" RAM too small. Allocation error in SOLVE ");
     const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(c32);
-#pragma omp parallel for schedule(static, 1)
+#pragma omp parallel for schedule(static, 1) if (count > GROUP && !omp_in_parallel())
     for (int first = 0; first < count; first += GROUP) {
         const SerialBlas serial;
         const int width = std::min(GROUP, count - first);
@@ -64,7 +65,7 @@ Status solve_iteratively(int n, f32 EPS, const Sweep &sweep, const std::vector<R
     for (std::size_t c = 0; c < columns.size(); ++c)
         solutions[c].B = columns[c].B;
     if (failed(ITRCC(n, EPS, sweep, solutions)))
-        return Status::failed;
+        return report_columns(columns);
     Status status = Status::ok;
     for (std::size_t c = 0; c < columns.size(); ++c) {
         int &largest = ITER[columns[c].radiation ? 0 : 1];

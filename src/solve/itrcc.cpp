@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <omp.h>
 
 namespace {
 
@@ -14,6 +15,8 @@ constexpr f32 NOTHING = 1.0e-12f; // largest squared right-hand side that is tak
 constexpr f32 TINY = 1.0e-37f;    // what has no reciprocal in single precision
 constexpr std::int64_t GROUP_LIMIT = 512ll
                                      << 20; // bytes of the vectors of all columns that are worked together
+
+constexpr std::int64_t SHARED_LENGTH = 4096; // vector elements that are worth a call of the other cores
 
 // The iteration of one right-hand side.
 struct Iteration {
@@ -173,7 +176,8 @@ Status iterate_group(f32 EPS, const Sweep &sweep, std::vector<Iteration> &group)
         if (failed(sweep(at_work)))
             return Status::failed;
         const int count = static_cast<int>(active.size());
-#pragma omp parallel for schedule(dynamic, 1)
+        const bool shared = std::int64_t{count} * active[0]->N > SHARED_LENGTH;
+#pragma omp parallel for schedule(dynamic, 1) if (shared && !omp_in_parallel())
         for (int c = 0; c < count; ++c)
             advance(*active[static_cast<std::size_t>(c)], k, EPS);
     }

@@ -71,10 +71,10 @@ void factor_parallel(const Factors &f, int &singular_at) {
 #pragma omp single
     {
         for (int k = 0; k < f.n; k += STRIP) {
-#pragma omp task depend(inout : strip[k / STRIP]) priority(2) shared(singular_at)
+#pragma omp task depend(inout : strip[k / STRIP]) shared(singular_at)
             factor_strip(f, k, singular_at);
             for (int j = k + STRIP; j < f.n; j += STRIP) {
-#pragma omp task depend(in : strip[k / STRIP]) depend(inout : strip[j / STRIP]) priority(j == k + STRIP ? 1 : 0)
+#pragma omp task depend(in : strip[k / STRIP]) depend(inout : strip[j / STRIP])
                 update_strip(f, k, j);
             }
         }

@@ -9,10 +9,12 @@
 
 namespace {
 
-constexpr int STRIP =
-    512; // rows that are worked for all columns while four pieces of the matrix stay in the cache
-constexpr int PANEL =
-    32; // columns that are eliminated one by one before the rest of their rows is brought up to date
+// Rows that are worked for all columns while four pieces of the matrix stay in the cache.
+constexpr int STRIP = 512;
+// Columns that are eliminated one by one before the rest of their rows is brought up to date.
+constexpr int PANEL = 32;
+// Products that are worth a call of the other cores.
+constexpr std::int64_t SHARED_WORK = 1 << 17;
 
 Split behind(Split v, int n) {
     return {v.re + n, v.im + n};
@@ -46,8 +48,9 @@ void update_strip(const c32 *A, std::int64_t lead, int lo, int hi, int b0, int b
 void update_rows(const c32 *A, std::int64_t lead, int lo, int hi, int b0, int b1, const Updates &updates) {
     const int first = lo / STRIP;
     const int last = (hi + STRIP - 1) / STRIP;
-#pragma omp parallel for schedule(static) if (!omp_in_parallel() && omp_get_max_threads() > 1 &&             \
-                                              last - first > 1)
+    const bool shared =
+        std::int64_t{hi - lo} * (b1 - b0) * static_cast<std::int64_t>(updates.size()) > SHARED_WORK;
+#pragma omp parallel for schedule(static) if (shared && !omp_in_parallel())
     for (int k = first; k < last; ++k) {
         const int from = std::max(lo, k * STRIP);
         const int to = std::min(hi, (k + 1) * STRIP);

@@ -207,7 +207,7 @@ TEST(Solve, TheSourceMatrixComesFromItsOwnUnits) {
 TEST(Solve, AColumnDoesNotDependOnItsCompany) {
     const RunFolder folder;
     PeriodSystem c;
-    ASSERT_TRUE(make_system(hulls::hemisphere(1, 12), 0, 0, 1, c));
+    ASSERT_TRUE(make_system(hulls::hemisphere(1, 16), 0, 0, 1, c));
     const int threads = omp_get_max_threads();
     for (const Method &method : METHODS) {
         SCOPED_TRACE(method.name);
@@ -372,6 +372,8 @@ TEST(Solve, DamagedFilesAreTold) {
         int ITER[2];
         EXPECT_EQ(attempt.solve(c, {1, 1, 1}, ITER), Status::failed);
         EXPECT_TRUE(folder.told(damage.told)) << folder.list_text();
+        EXPECT_EQ(folder.told("       Error in diffraction solution for heading IBETA=1"),
+                  folder.list_has("in ITRCC"));
     }
 }
 
