@@ -17,17 +17,11 @@ struct ThreadState {
     Array<c32, 2> ALU;   // factors of a class (NEQN,NEQN), or of its diagonal blocks (NBLKSZ,NEQN), in memory
     // The matrix, packed rows or block that is in memory while the rest is on scratch (NCORE,NCORE).
     Array<c32, 2> AMAT;
-<<<<<<< HEAD
     ScratchStore *scratch = nullptr; // files of the run when the matrices are not in memory; the driver owns them
     Array<c32, 2> SRCR;  // radiation right-hand sides, then sources, ISOR=1 (NEQN,NSYMD)
     Array<c32, 3> VELR;  // fluid velocities of the radiation sources, ISOR=1 (NEQN,3,NSYMD)
     Array<c32, 4> VELD;  // those of the diffraction sources, without the incident wave (NEQN,3,NBETAM,NSYMR)
     GSTATE gstate;       // depth state of the period
-=======
-    ScratchStore *scratch =
-        nullptr;   // files of the run when the matrices are not in memory; the driver owns them
-    GSTATE gstate; // depth state of the period
->>>>>>> itrcc
 };
 
 // The solution arrays and, without INCORE, AMAT, for the life of the thread. Failed: " RAM too small for
