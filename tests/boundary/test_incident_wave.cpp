@@ -1,6 +1,7 @@
-// Truth: the plane wave exp(-i K (x cos b + y sin b)) with its depth factor in double precision, and its central
-// differences.
+// Truth: the plane wave exp(-i K (x cos b + y sin b)) with its depth factor in double precision, and its
+// central differences.
 #include "boundary/incident_wave.hpp"
+#include "run/symmetry.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -16,7 +17,8 @@ struct Sea {
 };
 
 c64 plane_wave(const Sea &sea, double x, double y, double z) {
-    const double F = sea.depth < 0 ? std::exp(sea.K * z) : std::cosh(sea.K * (z + sea.depth)) / std::cosh(sea.K * sea.depth);
+    const double F = sea.depth < 0 ? std::exp(sea.K * z)
+                                   : std::cosh(sea.K * (z + sea.depth)) / std::cosh(sea.K * sea.depth);
     const double phase = sea.K * (x * std::cos(sea.beta) + y * std::sin(sea.beta));
     return F * c64(std::cos(phase), -std::sin(phase));
 }
@@ -36,7 +38,8 @@ TEST_P(Seas, ComponentsHaveTheirParitiesAndSumToTheWave) {
         // The part of these parities, from the four images of the point.
         const auto part = [&](double u, double v, double w) {
             return (plane_wave(sea, u, v, w) + double(px[j]) * plane_wave(sea, -u, v, w) +
-                    double(py[j]) * plane_wave(sea, u, -v, w) + double(px[j] * py[j]) * plane_wave(sea, -u, -v, w)) /
+                    double(py[j]) * plane_wave(sea, u, -v, w) +
+                    double(px[j] * py[j]) * plane_wave(sea, -u, -v, w)) /
                    4.0;
         };
         EXPECT_LT(std::abs(c64(wave.C[j]) - part(x, y, z)), TOLERANCE);
@@ -44,7 +47,8 @@ TEST_P(Seas, ComponentsHaveTheirParitiesAndSumToTheWave) {
                               (part(x, y + step, z) - part(x, y - step, z)) / (2 * step),
                               (part(x, y, z + step) - part(x, y, z - step)) / (2 * step)};
         for (int c = 1; c <= 3; ++c)
-            EXPECT_LT(std::abs(c64(wave.DC[j][c]) - slope[c]), TOLERANCE * std::max(1.0, sea.K)) << j << " " << c;
+            EXPECT_LT(std::abs(c64(wave.DC[j][c]) - slope[c]), TOLERANCE * std::max(1.0, sea.K))
+                << j << " " << c;
     }
 }
 
@@ -57,6 +61,43 @@ TEST(IncidentWave, DepthFactorIsClippedNotLost) {
     const f32 point[3] = {0, 0, -200};
     PLNWAV(-1, 1, 0, 1, point, false, wave);
     EXPECT_FLOAT_EQ(wave.C[1].real(), std::exp(-30.0f));
+}
+
+// Panels of the plane z = 0 in the scattering sum: interior panels and the images of overhangs that cancel
+// some of them take no part, hull without draught does.
+TEST(IncidentWave, ScatteringSumLeavesOutInteriorPanels) {
+    enum { HULL = 1, INTERIOR, OVERHANG, RAFT, PANELS = RAFT };
+    for (const int ISCATT : {1, 0}) {
+        RunState run;
+        run.mesh.NEQN = PANELS;
+        run.opt.HBOT = -1;
+        run.opt.ISOR = 1;
+        run.opt.IRR = 2;
+        run.opt.ISCATT = ISCATT;
+        run.periods.NBETA = 1;
+        ASSERT_EQ(SYMSET(0, 0, 0, {}, 1, run.sym), Status::ok);
+        ThreadState thread;
+        ASSERT_TRUE(run.mesh.XCT.alloc(3, PANELS) && run.mesh.TRM.alloc(3, 3, PANELS) &&
+                    run.mesh.IFSP.alloc(PANELS) && run.mesh.projected.alloc(PANELS) &&
+                    run.periods.SINBET.alloc(1) && run.periods.COSBET.alloc(1) &&
+                    allocate_solution(run, thread) == Status::ok);
+        run.periods.COSBET(1) = 1;
+        const f32 up[PANELS + 1] = {0, 1, -1, 1, 1};
+        const int mark[PANELS + 1] = {0, 0, 1, -1, -1};
+        for (int p = 1; p <= PANELS; ++p) {
+            run.mesh.TRM(3, 3, p) = up[p];
+            run.mesh.IFSP(p) = mark[p];
+        }
+        run.mesh.projected(INTERIOR) = run.mesh.projected(OVERHANG) = 1;
+        const f32 K = 2; // the vertical velocity at the origin
+        INCWAV(run, K, thread);
+        EXPECT_EQ(thread.SRCD(HULL, 1, 1), c32(-K));
+        EXPECT_EQ(thread.SRCD(RAFT, 1, 1), c32(-K));
+        EXPECT_EQ(thread.SRCD(INTERIOR, 1, 1), c32(ISCATT == 1 ? 0 : K));
+        EXPECT_EQ(thread.SRCD(OVERHANG, 1, 1), c32(ISCATT == 1 ? 0 : -K));
+        for (int p = 1; p <= PANELS; ++p)
+            EXPECT_EQ(thread.PHI0(p, 1, 1), c32(1)) << "kept for the source conditions of interior panels";
+    }
 }
 
 } // namespace
