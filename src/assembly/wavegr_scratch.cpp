@@ -60,18 +60,66 @@ Status read_row(const RunState &run, f32 NUL, RecordFile &unit, int I, int a, Re
     return status;
 }
 
-// The finished rows of a tile, in order.
-Status store_tile_rows(const RunState &run, ScratchTile &tile, RowStore &store) {
-    for (int I = tile.first; I <= tile.last; ++I) {
-        Split row[5], column[5];
-        for (int s = 1; s <= run.sym.NSYMR; ++s) {
-            row[s] = tile.rows.row(I - tile.first, s);
-            column[s] = tile.rows.column(I - tile.first, s);
+// Where the finished rows go: dipole matrix, and with ISOR=1 source matrix and velocities.
+struct Stores {
+    RowStore dipole;
+    RowStore source;
+    RecordFile &VELOCITY;
+    Array<c32, 3> VROW, VCOL; // the row at work (NEQN,3,NSYMR)
+};
+
+Status open_stores(const RunState &run, Stores &stores) {
+    if (failed(open_rows(stores.dipole)))
+        return Status::failed;
+    if (run.opt.ISOR != 1)
+        return Status::ok;
+    const int n = run.mesh.NEQN;
+    if (!stores.VROW.alloc(n, 3, run.sym.NSYMR) || !stores.VCOL.alloc(n, 3, run.sym.NSYMR))
+        return MSGOUT(" RAM too small to allocate WAVEGR arrays ");
+    if (!stores.VELOCITY.open_scratch())
+        return MSGOUT_with("Error opening scratch file, subroutine WAVEGR, UNIT=", stores.VELOCITY.unit(),
+                           stores.VELOCITY.error());
+    return open_rows(stores.source);
+}
+
+// Row I of one matrix plane, all classes.
+Status store_plane(const RunState &run, ScratchTile &tile, int I, int plane, RowStore &store) {
+    Split row[5], column[5];
+    for (int s = 1; s <= run.sym.NSYMR; ++s) {
+        row[s] = tile.rows.row(I - tile.first, s, plane);
+        column[s] = tile.rows.column(I - tile.first, s, plane);
+    }
+    return store_row(store, I, row, column);
+}
+
+Status store_velocities(const RunState &run, ScratchTile &tile, int I, Stores &stores) {
+    const int a = I - tile.first;
+    for (int s = 1; s <= run.sym.NSYMR; ++s) {
+        for (int c = 0; c < 3; ++c) {
+            store_column(I, tile.rows.row(a, s, PLANE_V + c), &stores.VROW(1, c + 1, s));
+            store_column(I - 1, tile.rows.column(a, s, PLANE_V + c), &stores.VCOL(1, c + 1, s));
         }
-        if (failed(store_row(store, I, row, column)))
+    }
+    return VWRITE(stores.VELOCITY, stores.VROW, stores.VCOL, I, run.sym.NSYMR);
+}
+
+// The finished rows of a tile, in order.
+Status store_tile_rows(const RunState &run, ScratchTile &tile, Stores &stores) {
+    for (int I = tile.first; I <= tile.last; ++I) {
+        if (failed(store_plane(run, tile, I, PLANE_D, stores.dipole)))
+            return Status::failed;
+        if (run.opt.ISOR == 1 && (failed(store_plane(run, tile, I, PLANE_E, stores.source)) ||
+                                  failed(store_velocities(run, tile, I, stores))))
             return Status::failed;
     }
     return Status::ok;
+}
+
+Status close_stores(const RunState &run, Stores &stores) {
+    Status status = close_rows(stores.dipole);
+    if (run.opt.ISOR == 1 && failed(close_rows(stores.source)))
+        status = Status::failed;
+    return status;
 }
 
 } // namespace
@@ -89,8 +137,12 @@ Status assemble_on_scratch(const AssemblyFrame &f, ThreadState &thread) {
         made = made && tiles[static_cast<std::size_t>(k)].alloc(run) && work[static_cast<std::size_t>(k)].alloc(run);
     if (!made)
         return MSGOUT(no_memory);
-    RowStore store{run, thread.scratch->IUL, thread.AMAT.data(), 1, {}};
-    if (failed(open_rows(store)) || failed(rewind_unit(thread.scratch->RANKINE)))
+    Stores stores{{run, thread.scratch->IUL, thread.AMAT.data(), 1, {}},
+                  {run, thread.scratch->IUE, nullptr, 1, {}},
+                  thread.scratch->VELOCITY,
+                  {},
+                  {}};
+    if (failed(open_stores(run, stores)) || failed(rewind_unit(thread.scratch->RANKINE)))
         return Status::failed;
     Status status = Status::ok;
     for (int start = 1; !failed(status) && start <= n; start += group * TILE) {
@@ -115,11 +167,11 @@ Status assemble_on_scratch(const AssemblyFrame &f, ThreadState &thread) {
             status = Status::failed;
         for (int k = 0; !failed(status) && k < count; ++k) {
             ScratchTile &tile = tiles[static_cast<std::size_t>(k)];
-            status = store_tile_rows(run, tile, store);
+            status = store_tile_rows(run, tile, stores);
             add_block(run, f.weights, tile.sums, tile.last, thread);
         }
     }
-    if (failed(close_rows(store)))
+    if (failed(close_stores(run, stores)))
         status = Status::failed;
     return status;
 }

@@ -1,5 +1,6 @@
 #include "boundary/bvel.hpp"
 
+#include "assembly/scratch_store.hpp"
 #include "base/lapack.hpp"
 #include "run/messages.hpp"
 
@@ -42,9 +43,58 @@ void multiply(const c32 *V, const c32 *B, c32 *C, int n, int columns) {
     }
 }
 
+// The velocity records of a row: VROW(1..I,1..3), VCOL(1..I-1,1..3).
+Status read_row(RecordFile &unit, int I, c32 *VR, c32 *VC) {
+    const std::size_t row = 3 * static_cast<std::size_t>(I) * sizeof(c32);
+    if (unit.read({{VR, row}}) && unit.read({{VC, row - 3 * sizeof(c32)}}))
+        return Status::ok;
+    return MSGOUT_with("Error reading scratch file for velocities, UNIT=", unit.unit(), unit.error());
+}
+
+// The row and the column of panel I, one axis after the other, on a column of sources.
+void add_row(int n, int I, const c32 *VR, const c32 *VC, const Column &column) {
+    const c32 own = column.source[I - 1];
+    for (int axis = 0; axis < 3; ++axis) {
+        c32 *velocity = column.velocity + static_cast<std::int64_t>(axis) * n;
+        c32 sum = own * VR[I - 1];
+        for (int j = 0; j < I - 1; ++j) {
+            sum += column.source[j] * VR[j];
+            velocity[j] += own * VC[j];
+        }
+        velocity[I - 1] = sum;
+        VR += I;
+        VC += I - 1;
+    }
+}
+
+// The same from the velocity rows on unit 62, which is dropped at the end.
+Status velocities_from_scratch(const RunState &run, ThreadState &thread) {
+    const int n = run.mesh.NEQN;
+    RecordFile &unit = thread.scratch->VELOCITY;
+    Array<c32, 1> VR, VC;
+    if (!VR.alloc(3LL * n) || !VC.alloc(3LL * n))
+        return MSGOUT(" RAM too small to allocate BVEL arrays ");
+    std::vector<std::vector<Column>> columns;
+    for (int s = 1; s <= run.sym.NSYMR; ++s)
+        columns.push_back(columns_of_class(run, s, thread));
+    Status status = rewind_unit(unit);
+    for (int I = 1; I <= n; ++I) {
+        for (const std::vector<Column> &of_class : columns) {
+            if (failed(status) || failed(status = read_row(unit, I, VR.data(), VC.data())))
+                return Status::failed;
+            for (const Column &column : of_class)
+                add_row(n, I, VR.data(), VC.data(), column);
+        }
+    }
+    unit.close();
+    return status;
+}
+
 } // namespace
 
 Status BVEL(const RunState &run, ThreadState &thread) {
+    if (!run.memory.INCORE)
+        return velocities_from_scratch(run, thread);
     const int n = run.mesh.NEQN;
     const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(c32);
     Array<c32, 2> B, C;

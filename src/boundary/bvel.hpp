@@ -7,5 +7,5 @@
 // the radiation sources thread.SRCR, and thread.VELD from thread.SRCD, through the influence
 // thread.VCORE. Nothing is done for IRAD=-1 or IDIFF < 0. The incident wave is not part of VELD. Each axis of
 // a class is one product of matrices, worked in strips of rows of fixed size with serial BLAS calls, so that
-// the result does not depend on the number of threads. Failed: " RAM too small to allocate BVEL arrays ".
+// the result does not depend on the number of threads; without INCORE the rows of unit 62 are streamed. Failed: " RAM too small to allocate BVEL arrays ".
 [[nodiscard]] Status BVEL(const RunState &run, ThreadState &thread);
