@@ -62,6 +62,19 @@ private:
     std::filesystem::path path_;
 };
 
+// With a file system of a few pages in small/, where files cannot grow. Mounting takes root.
+class SmallDisk : public CaseFolder {
+public:
+    explicit SmallDisk(const std::string &size) {
+        mounted = shell("mkdir small && mount -t tmpfs -o size=" + size + " none small") == 0;
+    }
+    ~SmallDisk() {
+        if (mounted)
+            shell("umount small");
+    }
+    bool mounted = false;
+};
+
 // The text of a control file; what a case does not set stands at a plain value.
 struct Pot {
     std::string HBOT = "0.0";

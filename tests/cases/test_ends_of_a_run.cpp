@@ -187,19 +187,8 @@ TEST(Ends, AFolderThatCannotBeWrittenIsToldOnTheConsole) {
     EXPECT_NE(folder.read("told.txt").find("Error opening vorda.lis"), std::string::npos);
 }
 
-// A file system of a few pages, in which the hand-over file cannot end.
-class SmallDisk : public CaseFolder {
-public:
-    SmallDisk() { mounted = shell("mkdir small && mount -t tmpfs -o size=64k none small") == 0; }
-    ~SmallDisk() {
-        if (mounted)
-            shell("umount small");
-    }
-    bool mounted = false;
-};
-
 TEST(Ends, AFullDiskIsToldAndLeavesNoPartOfAResult) {
-    SmallDisk folder;
+    SmallDisk folder("64k");
     if (!folder.mounted)
         GTEST_SKIP() << "a small file system cannot be mounted here";
     Pot pot;
@@ -210,6 +199,22 @@ TEST(Ends, AFullDiskIsToldAndLeavesNoPartOfAResult) {
     folder.shell("mv run.* *.vrd small && cd small && vorda && ls > ../left.txt && cp vorda.lis ..");
     EXPECT_NE(folder.list().find("No space left on device"), std::string::npos) << folder.list();
     EXPECT_EQ(folder.read("left.txt"), "config.vrd\nfnames.vrd\nrun.gdf\nrun.pot\nvorda.lis\n");
+}
+
+TEST(Ends, AFullDiskWhileScratchFilesGrowIsToldAndLeavesNone) {
+    // The Rankine records fit or do not; then the rows of a period.
+    for (const char *size : {"64k", "300k"}) {
+        SmallDisk folder(size);
+        if (!folder.mounted)
+            GTEST_SKIP() << "a small file system cannot be mounted here";
+        prepare(folder, Pot());
+        folder.write("config.vrd", "IPERIO=3\n");
+        make_mesh(folder, "box --length 2 --beam 1 --draft 0.5 --nu 6 --nv 5 --nw 5");
+        folder.shell("mv run.* *.vrd small && cd small && vorda; ls > ../left.txt && cp vorda.lis ..");
+        EXPECT_NE(folder.list().find("scratch"), std::string::npos) << folder.list();
+        EXPECT_NE(folder.list().find("No space left on device"), std::string::npos) << folder.list();
+        EXPECT_EQ(folder.read("left.txt"), "config.vrd\nfnames.vrd\nrun.gdf\nrun.pot\nvorda.lis\n");
+    }
 }
 
 TEST(Tools, RefuseWhatIsNoHandOverFile) {

@@ -83,6 +83,51 @@ INSTANTIATE_TEST_SUITE_P(
                             "Switched from direct solver to block-iterative solver"},
                     Setting{"scattered on scratch", "ISOLVE=0\n", "run completed"}));
 
+// Largest iteration count in the report of a run at five periods.
+int largest_count(const std::string &mesh) {
+    CaseFolder folder;
+    Pot pot;
+    pot.NPER = 5;
+    pot.PER = "0.2 0.6 1.0 1.6 2.2";
+    prepare(folder, pot);
+    folder.write("config.vrd", "IPERIO=3\nMAXSCR=2000\n");
+    make_mesh(folder, mesh);
+    folder.solve();
+    std::istringstream list(folder.list());
+    std::string line;
+    int largest = 0;
+    int rows = 0;
+    for (bool table = false; std::getline(list, line);) {
+        std::istringstream row(line);
+        int index, thread, radiation, diffraction;
+        double period;
+        std::string time;
+        if (table && row >> index >> thread >> period >> time >> radiation >> diffraction) {
+            largest = std::max({largest, radiation, diffraction});
+            ++rows;
+        }
+        table = table || line.find("(max iterations)") != std::string::npos;
+    }
+    EXPECT_EQ(rows, 5) << folder.list();
+    return largest;
+}
+
+TEST(Iterations, DoNotGrowWithTheMesh) {
+    for (const char *hull : {"hemisphere --nu %d --nv %d", "box --length 2 --beam 2 --draft 1 --nu %d --nv %d"}) {
+        int counts[3];
+        for (int level = 0; level < 3; ++level) { // 256, 1024, 4096 panels of the whole hemisphere; a box with as many
+            const bool box = std::string(hull).find("box") == 0;
+            const int n = (box ? 5 : 8) << level;
+            char mesh[100];
+            std::snprintf(mesh, sizeof mesh, hull, n, n);
+            counts[level] = largest_count(std::string(mesh) + (box ? " --nw " + std::to_string(n) : ""));
+            RecordProperty((box ? "box" : "hemisphere") + std::to_string(level), counts[level]);
+            EXPECT_LT(counts[level], 20) << mesh;
+        }
+        EXPECT_LE(std::abs(counts[2] - counts[0]), 3);
+    }
+}
+
 TEST(Scratch, SourcesAndVelocitiesAreThoseOfTheRunInMemory) {
     for (const char *config : {"ISOLVE=1\nMAXSCR=1000\nIUSESCR=1\n", "", "ISOLVE=3\nMAXSCR=100\n"}) {
         SCOPED_TRACE(config);
