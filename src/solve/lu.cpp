@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <omp.h>
-#include <vector>
 
 namespace {
 
@@ -53,36 +52,28 @@ void finish_strip(const Factors &f, int j) {
         swap_rows(f, k, j);
 }
 
-void factor_serial(const Factors &f, int &singular_at) {
-    const SerialBlas serial;
-    for (int k = 0; k < f.n; k += STRIP) {
-        factor_strip(f, k, singular_at);
-        for (int j = k + STRIP; j < f.n; j += STRIP)
-            update_strip(f, k, j);
-    }
-    for (int j = 0; j < f.n; j += STRIP)
-        finish_strip(f, j);
-}
-
-void factor_parallel(const Factors &f, int &singular_at) {
-    std::vector<char> marks(static_cast<std::size_t>(f.n / STRIP + 1));
-    [[maybe_unused]] char *strip = marks.data(); // only their addresses serve, as names of the strips
-#pragma omp parallel
-#pragma omp single
+// The strips behind strip k are shared out; whoever has the next one factors it, too, while the others go on.
+void factor_all(const Factors &f, int &singular_at) {
+    const int strips = (f.n + STRIP - 1) / STRIP;
+    const bool share = !omp_in_parallel() && omp_get_max_threads() > 1 && strips > 1;
+    const int threads = share ? omp_get_max_threads() : 1;
     {
-        for (int k = 0; k < f.n; k += STRIP) {
-#pragma omp task depend(inout : strip[k / STRIP]) shared(singular_at)
-            factor_strip(f, k, singular_at);
-            for (int j = k + STRIP; j < f.n; j += STRIP) {
-#pragma omp task depend(in : strip[k / STRIP]) depend(inout : strip[j / STRIP])
-                update_strip(f, k, j);
-            }
+        const SerialBlas serial;
+        factor_strip(f, 0, singular_at);
+    }
+    for (int k = 0; k < strips; ++k) {
+#pragma omp parallel for schedule(dynamic, 1) num_threads(threads) if (share)
+        for (int j = k + 1; j < strips; ++j) {
+            const SerialBlas serial;
+            update_strip(f, k * STRIP, j * STRIP);
+            if (j == k + 1)
+                factor_strip(f, j * STRIP, singular_at);
         }
-#pragma omp taskwait
-        for (int j = 0; j < f.n; j += STRIP) {
-#pragma omp task
-            finish_strip(f, j);
-        }
+    }
+#pragma omp parallel for schedule(dynamic, 1) num_threads(threads) if (share)
+    for (int j = 0; j < strips; ++j) {
+        const SerialBlas serial;
+        finish_strip(f, j * STRIP);
     }
 }
 
@@ -91,10 +82,8 @@ void factor_parallel(const Factors &f, int &singular_at) {
 Status LUFACT(View<c32, 2> A, int *IPIV, int n) {
     const Factors f{A.data(), n, IPIV};
     int singular_at = 0;
-    if (omp_in_parallel() || omp_get_max_threads() == 1 || n <= STRIP)
-        factor_serial(f, singular_at);
-    else
-        factor_parallel(f, singular_at);
+    if (n > 0)
+        factor_all(f, singular_at);
     for (int i = 0; i < n; ++i)
         IPIV[i] += i / STRIP * STRIP;
     return singular_at == 0 ? Status::ok : Status::failed;
