@@ -84,7 +84,7 @@ TEST(ExtraModes, SourcesOfARepeatedModeAreItsSources) {
 }
 
 // Two barges side by side, each with an extra mode.
-class TwoBodies : public testing::Test {
+class ExtraModesOfTwo : public testing::Test {
   protected:
     void SetUp() override {
         prepare(folder, two_waves(), "NEWMDS(1)=1\nNEWMDS(2)=1\n");
@@ -97,13 +97,13 @@ class TwoBodies : public testing::Test {
     CaseFolder folder;
 };
 
-TEST_F(TwoBodies, AreBothAskedForInTheFirstPass) {
+TEST_F(ExtraModesOfTwo, AreBothAskedForInTheFirstPass) {
     EXPECT_TRUE(folder.exists("one.pre"));
     EXPECT_TRUE(folder.exists("two.pre"));
     EXPECT_FALSE(folder.exists("run.p2f"));
 }
 
-TEST_F(TwoBodies, StayInTheFirstPassUntilBothModFilesAreThere) {
+TEST_F(ExtraModesOfTwo, StayInTheFirstPassUntilBothModFilesAreThere) {
     for (const std::string there : {"one", "two"}) {
         SCOPED_TRACE(there);
         const std::string missing = there == "one" ? "two" : "one";
@@ -120,7 +120,7 @@ TEST_F(TwoBodies, StayInTheFirstPassUntilBothModFilesAreThere) {
     }
 }
 
-TEST_F(TwoBodies, HaveTheirModesBehindTheirRigidOnes) {
+TEST_F(ExtraModesOfTwo, HaveTheirModesBehindTheirRigidOnes) {
     for (const std::string name : {"one", "two"})
         folder.write(name + ".mod", heave_again(folder, name + ".pre"));
     folder.solve();
