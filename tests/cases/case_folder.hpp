@@ -79,6 +79,7 @@ public:
 struct Pot {
     std::string HBOT = "0.0";
     std::string XBODY = "0 0 0 0";
+    int ISOR = 0, IRR = 0;
     int IQUAD = 0, ILOG = 0, IDIAG = 0;
     int IRAD = 1, IDIFF = 1;
     std::string PER = "1.0";
@@ -87,7 +88,7 @@ struct Pot {
     int NBETA = 1;
     std::string text() const {
         std::ostringstream out;
-        out << "test run\n0 I2ND\n0 ISOR\n0 IRR\n" << HBOT << " " << XBODY << "\n"
+        out << "test run\n0 I2ND\n" << ISOR << " ISOR\n" << IRR << " IRR\n" << HBOT << " " << XBODY << "\n"
             << IQUAD << " " << ILOG << " " << IDIAG << "\n"
             << IRAD << " " << IDIFF << "\n1 1 1 1 1 1\n"
             << NPER << "\n"
