@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -59,21 +60,19 @@ class Front {
         FALL.add({{edge.a, edge.b}, {point(edge.a), point(edge.b)}});
     }
 
-    // The nodes of the front on the right of the edge and near to it, those nearest to both its ends first.
-    // The first `near_count` of them are nearer than the new node is.
-    std::vector<Candidate> candidates(int a, int b, SurfacePoint ideal, std::size_t &near_count) const {
+    // The nodes of the front on the right of the edge and within the reach of `centre`, those nearest to both
+    // its ends first.
+    std::vector<Candidate> candidates(int a, int b, SurfacePoint centre, double reach) const {
         std::vector<Candidate> list;
         for (std::size_t f = 1; f < FRONT.size(); ++f) {
             const int i = FRONT[f].b;
             const SurfacePoint V = point(i);
-            if (i == a || i == b || !(EDGDST(point(a), point(b), V) < 0) || !(distance(ideal, V) < REACH * H))
+            if (i == a || i == b || !(distance(centre, V) < reach) || !(EDGDST(point(a), point(b), V) < 0))
                 continue;
             list.push_back({std::max(distance(point(a), V), distance(point(b), V)), i});
         }
         std::stable_sort(list.begin(), list.end(),
                          [](const Candidate &p, const Candidate &q) { return p.R < q.R; });
-        near_count = static_cast<std::size_t>(
-            std::count_if(list.begin(), list.end(), [&](const Candidate &p) { return p.R < NEAR * H; }));
         return list;
     }
 
@@ -81,27 +80,37 @@ class Front {
         return !FALL.crosses({{c, a}, {point(c), point(a)}}) && !FALL.crosses({{c, b}, {point(c), point(b)}});
     }
 
-    int choose(int a, int b) {
-        const SurfacePoint A = point(a), B = point(b);
-        const double dx = B.x - A.x, dy = B.y - A.y;
-        const double L = distance(A, B);
-        const double out = H * H / (L * L);
-        const SurfacePoint ideal{(A.x + B.x) / 2 + out * dy, (A.y + B.y) / 2 - out * dx};
-        const int new_node = static_cast<int>(FPT.size());
-        FPT.push_back(ideal);
-        std::size_t near_count = 0;
-        std::vector<Candidate> list = candidates(a, b, ideal, near_count);
-        list.insert(list.begin() + static_cast<std::ptrdiff_t>(near_count), {0, new_node});
-        int chosen = -1;
+    // The first candidate that makes a good triangle without crossing an edge, else the first that makes a
+    // poor one; -1 when there is none.
+    int best_of(const std::vector<Candidate> &list, int a, int b) const {
+        int poor = -1;
         for (const Candidate &candidate : list) {
             if (!is_free(a, b, candidate.node))
                 continue;
-            const bool good = TRIQ(A, B, point(candidate.node)).Q < POOR;
-            if (good || chosen < 0)
-                chosen = candidate.node;
-            if (good)
-                break;
+            if (TRIQ(point(a), point(b), point(candidate.node)).Q < POOR)
+                return candidate.node;
+            if (poor < 0)
+                poor = candidate.node;
         }
+        return poor;
+    }
+
+    int choose(int a, int b) {
+        const SurfacePoint A = point(a), B = point(b);
+        const double L = distance(A, B);
+        const double out = H * H / (L * L);
+        const SurfacePoint ideal{(A.x + B.x) / 2 + out * (B.y - A.y), (A.y + B.y) / 2 - out * (B.x - A.x)};
+        const int new_node = static_cast<int>(FPT.size());
+        FPT.push_back(ideal);
+        std::vector<Candidate> list = candidates(a, b, ideal, REACH * H);
+        const auto far_ones =
+            std::find_if(list.begin(), list.end(), [&](const Candidate &p) { return !(p.R < NEAR * H); });
+        list.insert(far_ones, {0, new_node});
+        int chosen = best_of(list, a, b);
+        // The ideal point of a short edge lies far out, and the reach may miss what lies between. Some node
+        // of the front sees the edge.
+        if (chosen < 0)
+            chosen = best_of(candidates(a, b, ideal, std::numeric_limits<double>::infinity()), a, b);
         if (chosen != new_node)
             FPT.pop_back();
         return chosen;
