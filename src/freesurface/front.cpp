@@ -80,17 +80,39 @@ class Front {
         return !FALL.crosses({{c, a}, {point(c), point(a)}}) && !FALL.crosses({{c, b}, {point(c), point(b)}});
     }
 
+    // True when a node of the front lies in the triangle or on its rim. New edges may pass that close to a
+    // node without crossing an edge, and out of the area; and a small hole may lie in the triangle as a
+    // whole.
+    bool holds_node(int a, int b, int c) const {
+        const SurfacePoint A = point(a), B = point(b), Z = point(c);
+        const double rim = E1 * H;
+        const auto [x1, x2] = std::minmax({A.x, B.x, Z.x});
+        const auto [y1, y2] = std::minmax({A.y, B.y, Z.y});
+        for (const Edge &edge : FRONT) {
+            const int i = edge.b;
+            const SurfacePoint V = point(i);
+            if (V.x < x1 - rim || V.x > x2 + rim || V.y < y1 - rim || V.y > y2 + rim || i == a || i == b ||
+                i == c)
+                continue;
+            if (EDGDST(A, B, V) < rim && EDGDST(B, Z, V) < rim && EDGDST(Z, A, V) < rim &&
+                std::min({distance(V, A), distance(V, B), distance(V, Z)}) > rim)
+                return true;
+        }
+        return false;
+    }
+
     // The first candidate that makes a good triangle without crossing an edge, else the first that makes a
     // poor one; -1 when there is none.
-    int best_of(const std::vector<Candidate> &list, int a, int b) const {
+    int best_of(const std::vector<Candidate> &list, int a, int b, bool empty_ones) const {
         int poor = -1;
         for (const Candidate &candidate : list) {
-            if (!is_free(a, b, candidate.node))
+            const int c = candidate.node;
+            if (!is_free(a, b, c) || (empty_ones && holds_node(a, b, c)))
                 continue;
-            if (TRIQ(point(a), point(b), point(candidate.node)).Q < POOR)
-                return candidate.node;
+            if (TRIQ(point(a), point(b), point(c)).Q < POOR)
+                return c;
             if (poor < 0)
-                poor = candidate.node;
+                poor = c;
         }
         return poor;
     }
@@ -106,11 +128,13 @@ class Front {
         const auto far_ones =
             std::find_if(list.begin(), list.end(), [&](const Candidate &p) { return !(p.R < NEAR * H); });
         list.insert(far_ones, {0, new_node});
-        int chosen = best_of(list, a, b);
+        int chosen = best_of(list, a, b, true);
         // The ideal point of a short edge lies far out, and the reach may miss what lies between. Some node
         // of the front sees the edge.
         if (chosen < 0)
-            chosen = best_of(candidates(a, b, ideal, std::numeric_limits<double>::infinity()), a, b);
+            chosen = best_of(candidates(a, b, ideal, std::numeric_limits<double>::infinity()), a, b, true);
+        if (chosen < 0)
+            chosen = best_of(list, a, b, false);
         if (chosen != new_node)
             FPT.pop_back();
         return chosen;

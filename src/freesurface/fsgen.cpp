@@ -18,12 +18,15 @@ namespace {
 constexpr double SLIVER = 0.1;   // area of a panel that is left out, in mean areas
 constexpr double NO_AREA = 1e-6; // area of a polygon that has none, in squared mean sides
 
+// Dipole panels are left out: a thin plate bounds no inside.
 std::vector<WaterSide> water_sides(const RunState &run, int first, int w1, int count) {
     std::vector<WaterSide> sides;
     const auto XVER = run.mesh.XVER.view();
     for (int w = w1; w < w1 + count; ++w) {
         const int p = first - 1 + run.waterline.IWLP(w);
         const int v = run.waterline.IWLE(w);
+        if (run.dipoles.IDIPOL && run.dipoles.IDIP(p) != 0)
+            continue;
         sides.push_back({{XVER(v, 1, p), XVER(v, 2, p)}, {XVER(JP[v], 1, p), XVER(JP[v], 2, p)}});
     }
     return sides;
@@ -100,7 +103,8 @@ Status make_front(const std::vector<WaterSide> &sides, SurfacePlanes planes, con
         if (end == FrontEnd::stuck)
             warn_incomplete("the panels made so far stand");
         if (end == FrontEnd::out_of_steps) {
-            (void)MSGOUT("Number of free-surface panels exceeds limit ", static_cast<int>(limit));
+            (void)MSGOUT("Number of free-surface panels exceeds limit ",
+                         static_cast<int>(std::min<std::int64_t>(limit, std::numeric_limits<int>::max())));
             return MSGOUT("Allocation error, insufficient RAM for IRR=3");
         }
     }
@@ -108,9 +112,9 @@ Status make_front(const std::vector<WaterSide> &sides, SurfacePlanes planes, con
     return Status::ok;
 }
 
-// The new panels of one body, of which the first panel is `first` and the first waterline panel `w1`.
-Status make_panels(const RunState &run, int body, int first, int w1, double PSCALE, SurfacePanels &panels) {
-    const std::vector<WaterSide> sides = water_sides(run, first, w1, run.bodies.NWLB(body));
+// The new panels of one body with these wet sides.
+Status make_panels(const RunState &run, int body, const std::vector<WaterSide> &sides, double PSCALE,
+                   SurfacePanels &panels) {
     const SurfacePlanes planes{run.opt.ISX == 1, run.opt.ISY == 1};
     WaterlineContours line;
     if (!WLSORT(sides, planes, line))
@@ -161,11 +165,18 @@ Status insert_panels(int body, int last, const SurfacePanels &panels, RunState &
     return Status::ok;
 }
 
-Status cover_body(int body, int first, int w1, double PSCALE, RunState &run) {
+// Covers the body, of which the first panel is `first` and the first waterline panel `w1`, and writes its
+// file.
+Status cover_body(int body, int first, int w1, double PSCALE, const std::string &idf_name, RunState &run) {
     try {
+        const std::vector<WaterSide> sides = water_sides(run, first, w1, run.bodies.NWLB(body));
+        if (sides.empty())
+            return Status::ok;
         SurfacePanels panels;
-        const Status status = make_panels(run, body, first, w1, PSCALE, panels);
-        return failed(status) ? status : insert_panels(body, first - 1 + run.bodies.NEQNB(body), panels, run);
+        if (failed(make_panels(run, body, sides, PSCALE, panels)) ||
+            failed(insert_panels(body, first - 1 + run.bodies.NEQNB(body), panels, run)))
+            return Status::failed;
+        return write_generated_geometry(run, body, first, idf_name);
     } catch (const std::bad_alloc &) {
         return MSGOUT("Allocation error, insufficient RAM for IRR=3");
     }
@@ -179,11 +190,9 @@ Status FSGEN(double PSCALE, const std::vector<std::string> &idf_names, RunState 
     int w1 = 1;
     for (int b = 1; b <= std::max(bodies.NBODY, 1); ++b) {
         const bool is_hull = run.opt.IFSLID == 0 || bodies.BDTYP.empty() || bodies.BDTYP(b) == 0;
-        if (is_hull && bodies.NWLB(b) != 0) {
-            if (failed(cover_body(b, first, w1, PSCALE, run)) ||
-                failed(write_generated_geometry(run, b, first, idf_names[static_cast<std::size_t>(b) - 1])))
-                return MSGOUT("Error in generating free-surface panels for body N=", b);
-        }
+        if (is_hull && bodies.NWLB(b) != 0 &&
+            failed(cover_body(b, first, w1, PSCALE, idf_names[static_cast<std::size_t>(b) - 1], run)))
+            return MSGOUT("Error in generating free-surface panels for body N=", b);
         if (run.opt.IFSLID != 0 && !bodies.IPANB0.empty()) {
             bodies.IPANB0(b) = first;
             bodies.IPANB1(b) = first + bodies.NEQNB(b) - 1;

@@ -176,8 +176,8 @@ TEST(FSFRNT, fills_two_hundred_random_stars) {
         EXPECT_EQ(cover.doubled, 0) << k;
     }
     EXPECT_EQ(filled, 200);
-    EXPECT_LT(worst_points, 3e-3); // points beside a rim that is cut short; the worst is 1.05e-3
-    EXPECT_LT(worst, 1e-3);        // of short sides that are skipped; the worst is 4.4e-4
+    EXPECT_LT(worst_points, 3e-3); // points in such slivers; the worst is 1.05e-3
+    EXPECT_LT(worst, 1e-3);        // of slivers that are left out; the worst is 4.4e-4
 }
 
 // Ten thousand panels. The limit is that of a user's patience; one core of a small machine needs much less.

@@ -158,7 +158,8 @@ TEST(Generated, two_bodies_keep_their_panels_marks_and_files) {
                 run.dipoles.DPORB.alloc(run.mesh.NEQN) && run.dipoles.DTHK.alloc(run.mesh.NEQN));
     run.dipoles.IDIPOL = true;
     for (int i = 1; i <= run.mesh.NEQN; ++i) {
-        run.dipoles.IDIP(i) = i;
+        const bool at_waterline = (i - 1) % 4 == 0;
+        run.dipoles.IDIP(i) = at_waterline ? 0 : i;
         run.dipoles.DTHK(i) = static_cast<f32>(i);
     }
     run.bodies.NDIPB(2) = 1;
@@ -175,7 +176,7 @@ TEST(Generated, two_bodies_keep_their_panels_marks_and_files) {
         for (int k = 0; k < 12; ++k)
             EXPECT_EQ(run.mesh.XVER.slice(97 + moved + i).data()[k],
                       second[static_cast<std::size_t>(12 * i + k)]);
-        EXPECT_EQ(run.dipoles.IDIP(97 + moved + i), 97 + i);
+        EXPECT_EQ(run.dipoles.IDIP(97 + moved + i), i % 4 == 0 ? 0 : 97 + i);
         EXPECT_EQ(run.dipoles.DTHK(97 + moved + i), 97 + i);
     }
     for (int i = 97; i < 97 + moved; ++i)
@@ -212,6 +213,21 @@ TEST(Generated, bodies_without_waterline_and_lids_are_left_alone) {
     ASSERT_EQ(deep.generate(), Status::ok);
     EXPECT_EQ(deep.run.mesh.NEQN, 48);
     EXPECT_FALSE(folder.exists("run.idf"));
+}
+
+TEST(Generated, a_plate_through_the_surface_bounds_no_inside) {
+    const RunFolder folder;
+    Body body({{circle(1, 24)}, {{{2, 0}, {2.3, 0}, {2.6, 0}}, false}}, 2);
+    RunState &run = body.run;
+    ASSERT_TRUE(run.dipoles.IDIP.alloc(run.mesh.NEQN) && run.dipoles.DPORA.alloc(run.mesh.NEQN) &&
+                run.dipoles.DPORB.alloc(run.mesh.NEQN) && run.dipoles.DTHK.alloc(run.mesh.NEQN));
+    run.dipoles.IDIPOL = true;
+    for (int i = 49; i <= 52; ++i)
+        run.dipoles.IDIP(i) = 1;
+    ASSERT_EQ(body.generate(), Status::ok) << folder.list_text();
+    const Cover cover = cover_of(body, {circle(1, 24)});
+    EXPECT_NEAR(cover.area, cover.wanted, AREA * cover.wanted);
+    EXPECT_EQ(cover.missed + cover.doubled, 0);
 }
 
 TEST(Generated, short_sides_do_not_break_a_contour) {
