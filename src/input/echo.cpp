@@ -1,18 +1,20 @@
 #include "input/echo.hpp"
 
 #include "base/text.hpp"
+#include "freesurface/fsgen.hpp"
 #include "geometry/dipoles.hpp"
 #include "input/input.hpp"
 #include "input/names.hpp"
 #include "run/messages.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 
 namespace {
 
-enum Extension { PRE = 4, MOD = 5 }; // places in EXTS
+enum Extension { PRE = 4, MOD = 5, IDF = 6 }; // places in EXTS
 
 // A line of the report that goes into the result file as well.
 void echo_line(RunState &run, const std::string &line) {
@@ -87,6 +89,18 @@ Status echo_mod_titles(FreeReader &in, int body, RunState &run) {
     return Status::ok;
 }
 
+// The panels that IRR=3 asks for; each body's geometry file names the generated one.
+Status generate_free_surface(RunState &run) {
+    constexpr double PSCALE = 1.4;
+    NameTable &FILNAM = run.files.FILNAM;
+    std::vector<std::string> names;
+    for (int b = 1; b <= std::max(run.bodies.NBODY, 1); ++b) {
+        SETEXT(FILNAM, run.bodies.NBODY == 0 ? 1 : b + 4, 4, IDF);
+        names.push_back(FILNAM(4));
+    }
+    return FSGEN(PSCALE, names, run);
+}
+
 void choose_solver(Options &opt, int NEQN) {
     if (NEQN > opt.MAXSCR && opt.ISOLVE == 1 && opt.IWADD == 0) {
         opt.ISOLVE = NEQN / opt.MAXSCR + 1;
@@ -145,6 +159,8 @@ Status MODCHK(int body, int source, const DateTime &now, RunState &run) {
 }
 
 Status INECHO(RunState &run) {
+    if (run.opt.IRR == 3 && failed(generate_free_surface(run)))
+        return Status::failed;
     if (run.dipoles.IDIPOL && failed(DIPGRW(run.mesh.NEQN, run.dipoles)))
         return Status::failed;
     choose_solver(run.opt, run.mesh.NEQN);

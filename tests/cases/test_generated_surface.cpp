@@ -1,0 +1,199 @@
+// Runs with a generated free surface. Truth: smoothness through an irregular frequency, where the untreated
+// run fails; the run with the generated file as its geometry; the same body as full and quarter mesh, moved,
+// beside another one.
+#include "case_folder.hpp"
+
+namespace {
+
+constexpr const char *CYLINDER = "cylinder --radius 1 --draft 0.5 --nu 8 --nv 6 --nw 6";
+
+struct Solved {
+    P2fFile p2f;
+    Coefficients c;
+};
+
+void write_control(const CaseFolder &folder, Pot pot, int IRR, int ISOR) {
+    pot.ILOG = 1;
+    std::string text = pot.text();
+    text.replace(text.find("0 ISOR"), 6, std::to_string(ISOR) + " ISOR");
+    text.replace(text.find("0 IRR"), 5, std::to_string(IRR) + " IRR");
+    folder.write("run.pot", text);
+}
+void solve(const CaseFolder &folder, const Pot &pot, int IRR, int ISOR, Solved &run) {
+    write_control(folder, pot, IRR, ISOR);
+    folder.solve();
+    EXPECT_EQ(folder.list().find("not completed"), std::string::npos) << folder.list();
+    folder.results(run.p2f, run.c);
+}
+void start(const CaseFolder &folder, const std::string &mesh) {
+    prepare(folder, Pot());
+    make_mesh(folder, mesh);
+}
+
+// Largest difference of all coefficients, relative to the largest added mass.
+double difference(const Solved &a, const Solved &b) {
+    double size = 0, worst = 0;
+    for (std::int64_t i = 0; i < a.c.A.size(); ++i)
+        size = std::max(size, std::abs(static_cast<double>(a.c.A.data()[i])));
+    const auto compare = [&](const auto &x, const auto &y) {
+        ASSERT_EQ(x.size(), y.size());
+        for (std::int64_t i = 0; i < x.size(); ++i)
+            worst = std::max(worst, static_cast<double>(std::abs(x.data()[i] - y.data()[i])) / size);
+    };
+    compare(a.c.A, b.c.A);
+    compare(a.c.B, b.c.B);
+    compare(a.c.X, b.c.X);
+    return worst;
+}
+
+// The first irregular frequency of the heaving cylinder, radius a = 1 and draft 0.5: K = k / tanh(0.5 k) with
+// J0(k) = 0, k = 2.4048; the panels are a little smaller than the circle.
+TEST(GeneratedSurface, IsSmoothThroughTheIrregularFrequency) {
+    Pot pot;
+    pot.NPER = 3;
+    pot.PER = "2.80 2.884 2.968";
+    const auto jump = [](const Solved &run) {
+        const double between = (run.c.A(3, 3, 1) + run.c.A(3, 3, 3)) / 2;
+        return std::abs(run.c.A(3, 3, 2) / between - 1);
+    };
+    CaseFolder folder;
+    start(folder, CYLINDER);
+    Solved untreated, given;
+    solve(folder, pot, 0, 0, untreated);
+    EXPECT_GT(jump(untreated), 0.2);
+    {
+        CaseFolder other;
+        start(other, std::string(CYLINDER) + " --lid");
+        solve(other, pot, 1, 0, given);
+    }
+    for (const int ISOR : {0, 1}) {
+        Solved run;
+        solve(folder, pot, 3, ISOR, run);
+        EXPECT_LT(jump(run), 0.01);
+        EXPECT_GT(run.p2f.NEQN, untreated.p2f.NEQN);
+        for (int t = 1; t <= 3; ++t) // panels of another shape cover the same surface
+            EXPECT_NEAR(run.c.A(3, 3, t), given.c.A(3, 3, t), 0.01 * std::abs(given.c.A(3, 3, t)));
+    }
+}
+
+// Single precision of a run that reads the same panels.
+constexpr double SAME = 1e-6;
+
+TEST(GeneratedSurface, ItsFileIsAGeometryFileOfTheSameBody) {
+    struct Row {
+        const char *mesh;
+        const char *XBODY;
+    };
+    const Row rows[] = {
+        {CYLINDER, "0 0 0 0"},
+        {"box --length 7.3 --beam 4.1 --draft 2 --nu 6 --nv 4 --nw 3 --ulen 3.7 --offset 0 0 -46.27",
+         "0 0 46.27 0"},
+        {"box --length 2 --beam 1.2 --draft 0.5 --nu 4 --nv 3 --nw 3", "3.5 -2 0 25"}, // mirrored
+        {"wigley --length 4 --beam 0.8 --draft 0.5 --nu 12 --nv 4 --part half-y", "1.5 0 0 0"},
+    };
+    Pot pot;
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.mesh);
+        for (const int ISOR : {0, 1}) {
+            CaseFolder folder;
+            start(folder, row.mesh);
+            pot.XBODY = row.XBODY;
+            Solved made, read;
+            solve(folder, pot, 3, ISOR, made);
+            ASSERT_EQ(folder.shell("mv run.idf run.gdf"), 0);
+            solve(folder, pot, 1, ISOR, read);
+            EXPECT_EQ(made.p2f.NEQN, read.p2f.NEQN);
+            EXPECT_LE(difference(made, read), SAME);
+        }
+    }
+}
+
+TEST(GeneratedSurface, RingsAreTheSameAsFullHalfAndQuarterMesh) {
+    Solved quarter;
+    for (const char *part : {"quarter", "half-x", "half-y", "full"}) {
+        SCOPED_TRACE(part);
+        CaseFolder folder;
+        start(folder,
+              std::string("box --length 2 --beam 1.2 --draft 0.5 --nu 4 --nv 3 --nw 3 --part ") + part);
+        Solved run;
+        solve(folder, Pot(), 3, 1, run);
+        if (quarter.p2f.NEQN == 0)
+            quarter = std::move(run);
+        else
+            EXPECT_LT(difference(quarter, run), 1e-4);
+    }
+}
+
+TEST(GeneratedSurface, OfTwoBodies) {
+    CaseFolder folder;
+    start(folder, CYLINDER);
+    make_mesh(folder, CYLINDER, "a.gdf");
+    make_mesh(folder, "box --length 2 --beam 1.2 --draft 0.5 --nu 4 --nv 3 --nw 3 --offset 0 0 -0.3",
+              "b.gdf");
+    const auto global = [](const char *end) {
+        return std::string("pair\n0 9.80665\n2\na.") + end + "\n2 0 0 0\n1 1\n1 1 1 1 1 1\nb." + end +
+               "\n-2 0 0.3 30\n1 1\n1 1 1 1 1 1\n";
+    };
+    folder.write("run.gdf", global("gdf"));
+    Solved made, read;
+    solve(folder, Pot(), 3, 0, made);
+    EXPECT_TRUE(folder.exists("a.idf") && folder.exists("b.idf"));
+    folder.write("run.gdf", global("idf"));
+    solve(folder, Pot(), 1, 0, read);
+    EXPECT_EQ(made.p2f.NEQN, read.p2f.NEQN);
+    EXPECT_LE(difference(made, read), SAME);
+}
+
+TEST(GeneratedSurface, AnOpenWaterlineEndsTheRun) {
+    CaseFolder folder;
+    start(folder, "box --part full --length 2 --beam 1.2 --draft 0.5 --nu 4 --nv 3 --nw 1");
+    std::vector<std::string> lines;
+    std::istringstream gdf(folder.read("run.gdf"));
+    for (std::string line; std::getline(gdf, line);)
+        lines.push_back(line);
+    // The first panel with a vertex in the surface is left out.
+    std::size_t at = 4;
+    while (at < lines.size() && lines[at].substr(lines[at].rfind(' ')) != " 0")
+        ++at;
+    ASSERT_LT(at, lines.size());
+    at -= at % 4;
+    lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(at),
+                lines.begin() + static_cast<std::ptrdiff_t>(at) + 4);
+    lines[3] = " " + std::to_string(std::stoi(lines[3]) - 1);
+    std::string text;
+    for (const std::string &line : lines)
+        text += line + "\n";
+    folder.write("run.gdf", text);
+    write_control(folder, Pot(), 3, 0);
+    folder.solve();
+    EXPECT_NE(folder.list().find("Waterline panels do not form a closed contour"), std::string::npos)
+        << folder.list();
+    EXPECT_NE(folder.list().find("Error in generating free-surface panels for body N=1"), std::string::npos);
+    EXPECT_FALSE(folder.exists("run.idf") || folder.exists("run.p2f"));
+    // The generated file must not take the place of its own source.
+    start(folder, CYLINDER);
+    ASSERT_EQ(folder.shell("mv run.gdf run.idf"), 0);
+    folder.write("fnames.vrd", "run.idf\nrun.pot\n");
+    write_control(folder, Pot(), 3, 0);
+    const std::string before = folder.read("run.idf");
+    folder.solve();
+    EXPECT_EQ(folder.read("run.idf"), before);
+    EXPECT_NE(folder.list().find("The generated geometry file would replace another file"),
+              std::string::npos);
+}
+
+TEST(GeneratedSurface, IsDrawn) {
+    CaseFolder folder;
+    start(folder, CYLINDER);
+    Solved run;
+    solve(folder, Pot(), 3, 0, run);
+    ASSERT_EQ(folder.shell(VORDA_SOURCE_DIR "/scripts/draw_panels run.idf"), 0) << folder.read("stderr.txt");
+    const std::string svg = folder.read("stdout.txt");
+    int polygons = 0;
+    for (std::size_t at = 0; (at = svg.find("<polygon", at)) != std::string::npos; ++at)
+        ++polygons;
+    EXPECT_EQ(polygons, run.p2f.NEQN);
+    EXPECT_EQ(folder.shell(VORDA_SOURCE_DIR "/scripts/draw_panels none.gdf"), 1);
+}
+
+} // namespace
