@@ -132,7 +132,8 @@ TEST(Generated, rings_are_as_many_as_the_area_asks_for) {
     const RunFolder folder;
     Body body({{circle(1, 40)}}, 2);
     ASSERT_EQ(body.generate(1), Status::ok);
-    // Twice the area over the squared side is 40 / (2 tan(pi/40) sin..) = 254.2: 6 more rings than one.
+    // Twice the area over the squared side is 20 / tan(pi / 40) = 254.1, six times the sides: 6 rings more
+    // than one.
     ASSERT_EQ(body.run.mesh.NEQN - body.hull[0], 40 * 7);
     const int first = body.first_new();
     for (int ring = 0; ring < 7; ++ring) {
