@@ -59,6 +59,9 @@ struct Setting {
     double depth;
     int IQUAD, ILOG;
 };
+void PrintTo(const Setting &setting, std::ostream *out) {
+    *out << setting.hull->name << " depth " << setting.depth << " IQUAD " << setting.IQUAD << " ILOG " << setting.ILOG;
+}
 class Sources : public testing::TestWithParam<Setting> {};
 
 TEST_P(Sources, MakeTheVelocitiesOfTheBoundaryConditionAndOfThePotentials) {
