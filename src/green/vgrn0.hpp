@@ -3,7 +3,7 @@
 
 #include "base/types.hpp"
 
-// One pair, all eight values in the order of VGRN1P, imaginary parts 0; lengths in any one unit.
+// One pair, all eight values in the order of VGRN1P, with imaginary parts of 0; lengths in any one unit.
 // IPLIM: 1 zero frequency (the surface z = 0 is a rigid lid), 2 infinite frequency (G = 0 there). H: depth,
 // <= 0: deep water. ISNG, IBOT: as in GreenPoints; ISNG = 3 counts as 2, the image here has no logarithm with
 // it. With IPLIM = 1 and H > 0 G is fixed up to a constant, which is chosen such that G + ln(R^2 / H^2) / H

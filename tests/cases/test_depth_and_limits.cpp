@@ -46,7 +46,7 @@ double maccamy_fuchs_error(int around, int down) {
     return worst;
 }
 
-TEST(Depth, ForceOnACylinderOnTheBottom) {
+TEST(Depth, SurgeOfAStandingCylinder) {
     const double coarse = maccamy_fuchs_error(6, 10), fine = maccamy_fuchs_error(12, 20);
     RecordProperty("largest_error_percent", std::to_string(100 * fine));
     EXPECT_LT(fine, 0.015);
