@@ -6,6 +6,23 @@
 
 struct ScratchStore;
 
+// What a period of a run with IWADD=1 has beyond the ordinary arrays.
+struct SecondOrder {
+    Array<c32, 3> PHID2; // heading derivative of the diffraction potential (NEQN,NBETAM,NSYMR)
+    Array<c32, 3> SRCD2; // that of its sources (NEQN,NBETAM,NSYMR)
+    Array<c32, 4> VELD2; // that of its velocity (NEQN,3,NBETAM,NSYMR)
+    // Right-hand sides, then potentials: derivative by the wave number, terms linear in slow surge, sway and
+    // yaw.
+    Array<c32, 2> W2R0, W2R1, W2R2, W2R3; // (NEQN,NSYMD)
+    Array<c32, 3> W2D0, W2D1, W2D2, W2D3; // (NEQN,NBETAM,NSYMR)
+    Array<c32, 3> W2D0B;                  // heading derivative of W2D0 (NEQN,NBETAM,NSYMR)
+    // On the free surface: potential by Green's formula, by the sources, its second vertical derivative
+    // (NFSP,NSYMD).
+    Array<c32, 2> FSR1, FSR2, FSR3;
+    // The same with the incident wave; 4 and 5 the heading derivatives of 2 and 3 (NFSP,NBETAM,NSYMR).
+    Array<c32, 3> FSD1, FSD2, FSD3, FSD4, FSD5;
+};
+
 struct ThreadState {
     Array<c32, 2> PHIR;  // right-hand sides, then radiation potentials (NEQN,NSYMD)
     Array<c32, 3> PHID;  // right-hand sides, then diffraction potentials (NEQN,NBETAM,NSYMR)
@@ -13,15 +30,19 @@ struct ThreadState {
     Array<c32, 3> PHI0;  // incident wave on the panels (NEQN,NBETAM,NSYMR)
     Array<c32, 3> ACORE; // dipole influence of the period (NEQN,NEQN,NSYMR)
     Array<c32, 3> ECORE; // normal velocity of sources, ISOR=1 (NEQN,NEQN,NSYMR)
-    Array<c32, 3> VCORE; // their velocity, axis and class in the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR)
-    Array<c32, 2> ALU;   // factors of a class (NEQN,NEQN), or of its diagonal blocks (NBLKSZ,NEQN), in memory
+    Array<c32, 3>
+        VCORE; // their velocity, axis and class in the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR)
+    Array<c32, 2> ALU; // factors of a class (NEQN,NEQN), or of its diagonal blocks (NBLKSZ,NEQN), in memory
     // The matrix, packed rows or block that is in memory while the rest is on scratch (NCORE,NCORE).
     Array<c32, 2> AMAT;
-    ScratchStore *scratch = nullptr; // files of the run when the matrices are not in memory; the driver owns them
-    Array<c32, 2> SRCR;  // radiation right-hand sides, then sources, ISOR=1 (NEQN,NSYMD)
-    Array<c32, 3> VELR;  // fluid velocities of the radiation sources, ISOR=1 (NEQN,3,NSYMD)
-    Array<c32, 4> VELD;  // those of the diffraction sources, without the incident wave (NEQN,3,NBETAM,NSYMR)
-    GSTATE gstate;       // depth state of the period
+    ScratchStore *scratch =
+        nullptr;        // files of the run when the matrices are not in memory; the driver owns them
+    Array<c32, 2> SRCR; // radiation right-hand sides, then sources, ISOR=1 (NEQN,NSYMD)
+    Array<c32, 3> VELR; // fluid velocities of the radiation sources, ISOR=1 (NEQN,3,NSYMD)
+    // Those of the diffraction sources, without the incident wave but for IWADD=1 (NEQN,3,NBETAM,NSYMR).
+    Array<c32, 4> VELD;
+    GSTATE gstate;      // depth state of the period
+    SecondOrder second; // IWADD=1
 };
 
 // The solution arrays and, without INCORE, AMAT, for the life of the thread. Failed: " RAM too small for

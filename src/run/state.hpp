@@ -1,6 +1,7 @@
-// The run state: every parameter and array that crosses a folder, grouped by the stage that fills it. The driver
-// owns one RunState; after the input stage it is read-only, but for WVNH, of which each period writes its element.
-// Lengths are non-dimensional, divided by ULEN(1), unless told otherwise. Arrays have their first index fastest.
+// The run state: every parameter and array that crosses a folder, grouped by the stage that fills it. The
+// driver owns one RunState; after the input stage it is read-only, but for WVNH, of which each period writes
+// its element. Lengths are non-dimensional, divided by ULEN(1), unless told otherwise. Arrays have their
+// first index fastest.
 #pragma once
 
 #include "base/array.hpp"
@@ -22,37 +23,38 @@ constexpr f32 PI4 = 12.566371f;      // 4 pi
 // Switches and scalars of the input.
 struct Options {
     std::array<bool, NKEY + 1> KFLAG{}; // KFLAG(k) true: keyword k was not in the configuration file (from 1)
-    int MAXSCR = 2;    // largest matrix order that may be held in memory; at least 2
-    int ISOLVE = 0;    // equation solver: 0 iterative, 1 direct, above 1 block-iterative with that many blocks
-    int ISOLVN = 0;    // 1: ISOLVE was given as -1
-    int ISOR = 0;      // 1: sources and fluid velocities are computed
-    int IRR = 0;       // irregular-frequency treatment: 0 none, 1 to 4
-    int IRRX = 0;      // reference panel of a fully filled tank; 0: no such tank
-    int IQUAD = 0;     // 1: the wave term is integrated with four Gauss points, not one point
-    int ILOG = 0;      // 1: the logarithmic part of the wave term is integrated with the Rankine part
-    int IDIAG = 0;     // 0: the size scale of a panel is its area; 1: its squared diagonal
-    int ISCATT = 0;    // 1: the diffraction problem is solved for the scattered potential
-    int IPERIO = 1;    // meaning of PER as read: 1 period [s], 2 frequency [rad/s], 3, 4 wave number
-    int I2ND = 0;      // second-order flag, needs ISOR=1
-    int IWADD = 0;     // 1: run for wave drift damping
-    int IFSLID = 0;    // not 0: the global GDF holds BDTYP, FSDMP of each body
-    int IUSESCR = 0;   // 1: influence matrices go to scratch files whatever the memory
-    int NTRD = 0;      // upper limit of the thread count; 0 none
-    int IRAD = 0;      // radiation: -1 none, 0 the modes of MODE, 1 all modes
-    int IDIFF = 0;     // diffraction: -1 none, 0 only the classes of the wanted modes, 1 all
-    int ISX = 0;       // symmetry about x = 0: 0 none, 1 symmetric, -1 wall (-2 on input: wall, mirror the panels)
-    int ISY = 0;       // the same about y = 0
-    int IMDRUN = 0;    // extra modes: -1 first pass, 0 none, 1 MOD files present
-    int NBLKSZ = 0;    // block size of the block-iterative solver
-    int NBLKLS = 0;    // size of its last block
-    int IBDT3 = 0;     // 1: some BDTYP is 3, a lid body
-    int NCORE = 0;     // order of the matrix AMAT of one thread
-    f32 HBOT = 0;      // water depth; negative for infinite depth
-    f32 GRAV = 0;      // gravity, dimensional
-    f32 RULEN = 0;     // 1 / ULEN(1)
+    int MAXSCR = 2;                     // largest matrix order that may be held in memory; at least 2
+    int ISOLVE = 0;  // equation solver: 0 iterative, 1 direct, above 1 block-iterative with that many blocks
+    int ISOLVN = 0;  // 1: ISOLVE was given as -1
+    int ISOR = 0;    // 1: sources and fluid velocities are computed
+    int IRR = 0;     // irregular-frequency treatment: 0 none, 1 to 4
+    int IRRX = 0;    // reference panel of a fully filled tank; 0: no such tank
+    int IQUAD = 0;   // 1: the wave term is integrated with four Gauss points, not one point
+    int ILOG = 0;    // 1: the logarithmic part of the wave term is integrated with the Rankine part
+    int IDIAG = 0;   // 0: the size scale of a panel is its area; 1: its squared diagonal
+    int ISCATT = 0;  // 1: the diffraction problem is solved for the scattered potential
+    int IPERIO = 1;  // meaning of PER as read: 1 period [s], 2 frequency [rad/s], 3, 4 wave number
+    int I2ND = 0;    // second-order flag, needs ISOR=1
+    int IWADD = 0;   // 1: run for wave drift damping
+    int IFSLID = 0;  // not 0: the global GDF holds BDTYP, FSDMP of each body
+    int IUSESCR = 0; // 1: influence matrices go to scratch files whatever the memory
+    int NTRD = 0;    // upper limit of the thread count; 0 none
+    int IRAD = 0;    // radiation: -1 none, 0 the modes of MODE, 1 all modes
+    int IDIFF = 0;   // diffraction: -1 none, 0 only the classes of the wanted modes, 1 all
+    int ISX = 0; // symmetry about x = 0: 0 none, 1 symmetric, -1 wall (-2 on input: wall, mirror the panels)
+    int ISY = 0; // the same about y = 0
+    int IMDRUN = 0; // extra modes: -1 first pass, 0 none, 1 MOD files present
+    int NBLKSZ = 0; // block size of the block-iterative solver
+    int NBLKLS = 0; // size of its last block
+    int IBDT3 = 0;  // 1: some BDTYP is 3, a lid body
+    int NCORE = 0;  // order of the matrix AMAT of one thread
+    f32 HBOT = 0;   // water depth; negative for infinite depth
+    f32 GRAV = 0;   // gravity, dimensional
+    f32 RULEN = 0;  // 1 / ULEN(1)
 };
 
-// The source influence itself is kept: for the scattered potential, and for lids, whose coefficients it makes.
+// The source influence itself is kept: for the scattered potential, and for lids, whose coefficients it
+// makes.
 inline bool keeps_source(const Options &opt) {
     return opt.ISCATT == 1 || opt.IBDT3 == 1;
 }
@@ -74,23 +76,23 @@ struct Files {
 constexpr std::array<const char *, 6> EXTS = {".gdf", ".pot", ".p2f", ".pre", ".mod", ".idf"};
 
 struct Bodies {
-    int NBODY = 0;             // number of bodies; 0 from the reader in the single-body form, then 1
-    int NMODES = 0;            // modes of all bodies: 6 + NEWMDS(b) each
-    Array<f32, 1> ULEN;        // length scale of each body, dimensional (NBODY)
-    Array<f32, 2> XBODY;       // origin x, y, z and heading [degrees] (4,NBODY)
-    Array<int, 1> NEQNB;       // panels of each body (NBODY)
-    Array<int, 1> NWLB;        // waterline panels of each body (NBODY)
-    Array<int, 1> NDIPB;       // dipole marker of each body (NBODY)
-    Array<int, 1> NEWMDS;      // extra modes of each body, negative in a first pass (NBODY)
-    Array<int, 1> NPANS;       // panels without interior free-surface panels (NBODY)
-    Array<int, 1> BDTYP;       // body type, 3: lid; only with IFSLID (NBODY)
-    Array<f32, 1> FSDMP;       // damping of a lid body; only with IFSLID (NBODY)
-    Array<int, 1> IPANB0;      // first and last panel of each body; only with IFSLID (NBODY)
+    int NBODY = 0;        // number of bodies; 0 from the reader in the single-body form, then 1
+    int NMODES = 0;       // modes of all bodies: 6 + NEWMDS(b) each
+    Array<f32, 1> ULEN;   // length scale of each body, dimensional (NBODY)
+    Array<f32, 2> XBODY;  // origin x, y, z and heading [degrees] (4,NBODY)
+    Array<int, 1> NEQNB;  // panels of each body (NBODY)
+    Array<int, 1> NWLB;   // waterline panels of each body (NBODY)
+    Array<int, 1> NDIPB;  // dipole marker of each body (NBODY)
+    Array<int, 1> NEWMDS; // extra modes of each body, negative in a first pass (NBODY)
+    Array<int, 1> NPANS;  // panels without interior free-surface panels (NBODY)
+    Array<int, 1> BDTYP;  // body type, 3: lid; only with IFSLID (NBODY)
+    Array<f32, 1> FSDMP;  // damping of a lid body; only with IFSLID (NBODY)
+    Array<int, 1> IPANB0; // first and last panel of each body; only with IFSLID (NBODY)
     Array<int, 1> IPANB1;
-    Array<int, 1> MODE;        // mode switches 0, 1; after the body pre-pass the rigid-mode number or 0 (NMODES)
-    Array<f32, 2> VOL;         // volume from the x, y and z integrals (3,NBODY)
-    Array<f32, 2> XCB;         // centre of buoyancy, body axes (3,NBODY)
-    Array<f32, 2> CHYD;        // hydrostatic matrix per density and gravity (NMODES,NMODES)
+    Array<int, 1> MODE; // mode switches 0, 1; after the body pre-pass the rigid-mode number or 0 (NMODES)
+    Array<f32, 2> VOL;  // volume from the x, y and z integrals (3,NBODY)
+    Array<f32, 2> XCB;  // centre of buoyancy, body axes (3,NBODY)
+    Array<f32, 2> CHYD; // hydrostatic matrix per density and gravity (NMODES,NMODES)
 };
 
 // Panels of all bodies. NEQN counts them.
@@ -122,7 +124,8 @@ struct Waterline {
     Array<int, 1> IWLE; // first vertex of its wet side (NWL)
 };
 
-// Interior panels behind each waterline panel: a count and that many panel numbers, one strip after the other.
+// Interior panels behind each waterline panel: a count and that many panel numbers, one strip after the
+// other.
 struct Strips {
     Array<int, 1> IRRP; // (at least NEQN)
     Array<int, 1> head; // waterline panel of each strip, counted over the mesh (NWL)
@@ -134,23 +137,34 @@ struct Dipoles {
     Array<int, 1> IDIP;  // 0 ordinary, else dipole panel; 3: its own VEL is left out (NEQN)
     Array<f32, 1> DPORA; // resistance coefficients (NEQN)
     Array<f32, 1> DPORB;
-    Array<f32, 1> DTHK;  // thickness (NEQN)
-    Array<f32, 1> DEPS;  // step of the finite differences (NEQN)
+    Array<f32, 1> DTHK; // thickness (NEQN)
+    Array<f32, 1> DEPS; // step of the finite differences (NEQN)
 };
 
 struct Symmetry {
-    int NSYMG = 0;                  // number of images
-    int ISYMG[9] = {};              // 1..4: image numbers; 5..8: parity type of each class of the table row
-    int NCLS = 0;                   // classes of the table row
-    int NSYMR = 0;                  // active classes
-    int ICLS[5] = {};               // parity type of each active class, from 1
-    int NMCLS[5] = {};              // active modes of each active class, from 1
-    int NSYMD = 0;                  // active modes of all classes: radiation solution columns
-    int NDCLS = 0;                  // parts of the incident wave that go into one class
-    int IDCLS[5] = {};              // those of active class s at (s-1) NDCLS + 1 .. s NDCLS, from 1
-    Array<int, 1> MODLST;           // active modes, class after class (NMODES)
-    Array<int, 2> MODCLS;           // k-th active mode of active class s (NMODES,4)
-    Array<int, 1> MODPOS;           // solution column of a mode, 0 for a mode that is off (NMODES)
+    int NSYMG = 0;        // number of images
+    int ISYMG[9] = {};    // 1..4: image numbers; 5..8: parity type of each class of the table row
+    int NCLS = 0;         // classes of the table row
+    int NSYMR = 0;        // active classes
+    int ICLS[5] = {};     // parity type of each active class, from 1
+    int NMCLS[5] = {};    // active modes of each active class, from 1
+    int NSYMD = 0;        // active modes of all classes: radiation solution columns
+    int NDCLS = 0;        // parts of the incident wave that go into one class
+    int IDCLS[5] = {};    // those of active class s at (s-1) NDCLS + 1 .. s NDCLS, from 1
+    Array<int, 1> MODLST; // active modes, class after class (NMODES)
+    Array<int, 2> MODCLS; // k-th active mode of active class s (NMODES,4)
+    Array<int, 1> MODPOS; // solution column of a mode, 0 for a mode that is off (NMODES)
+
+    // IWADD=1: class to which a function of each class moves with the slow surge, sway and yaw, from 1, and
+    // the active modes by the class to which they move.
+    int WCLS1[5] = {}, WCLS2[5] = {}, WCLS3[5] = {};
+    int NMCLS1[5] = {}, NMCLS2[5] = {}, NMCLS3[5] = {};
+    Array<int, 2> MODCLS1, MODCLS2, MODCLS3; // (NMODES,4)
+    // Modes of the steady flows (surge, sway, yaw) by class: counts, from 1, modes, and columns 1 to 3 of a
+    // mode.
+    int WMODC[5] = {};
+    Array<int, 2> WMODM; // (NMODES,4)
+    Array<int, 1> WMODP; // (NMODES)
 };
 
 struct Periods {
@@ -176,6 +190,33 @@ struct RankineStore {
     Array<f32, 4> RKVM;
 };
 
+// Panels on the free surface around the body, IWADD=1. NFSP counts them, 1 in other runs, which have no
+// arrays.
+struct SurfaceMesh {
+    int NFSP = 1;
+    Array<f32, 2> XIVF;  // as XIV of the body panels (4,NFSP)
+    Array<f32, 2> ETVF;  // as ETV (4,NFSP)
+    Array<f32, 2> XCTF;  // as XCT (3,NFSP)
+    Array<f32, 3> TRMF;  // as TRM (3,3,NFSP)
+    Array<f32, 2> PMOMF; // as PMOM (13,NFSP)
+    Array<f32, 2> SIDEF; // as SIDE (4,NFSP)
+    Array<f32, 3> XGPF;  // as XGP (4,3,NFSP)
+    Array<f32, 2> GJACF; // as GJAC (4,NFSP)
+    Array<f32, 2> PSIZF; // as PSIZ (2,NFSP)
+};
+
+// The flows of slow steady surge, sway and yaw (d = 1, 2, 3) past the body under a rigid lid, IWADD=1; unit
+// velocities.
+struct SteadyFlow {
+    Array<f32, 2> STB1; // potential at waterline panels, by their place in IWLP, with the stream; d = 1, 2;
+                        // else 0 (NEQN,3)
+    Array<f32, 2> STB2; // source strength (NEQN,3)
+    Array<f32, 3> STB3; // velocity on the body relative to it (NEQN,3,3): panel, axis, d
+    Array<f32, 2> STF1; // potential on the free surface, with the stream; d = 1, 2 (NFSP,2)
+    Array<f32, 3> STF2; // its horizontal gradient without the stream (NFSP,2,3)
+    Array<f32, 2> STF3; // its second vertical derivative (NFSP,3)
+};
+
 struct Memory {
     std::int64_t AVAILM = 0; // physical memory available [bytes]
     bool INCORE = false;     // the influence matrices are held in memory
@@ -194,5 +235,7 @@ struct RunState {
     Periods periods;
     Memory memory;
     RankineStore store;
+    SurfaceMesh surface;
+    SteadyFlow flow;
     std::vector<std::string> HDRSCR; // text echo of the run, lines as in the list file; goes to the P2F file
 };
