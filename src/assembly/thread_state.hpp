@@ -32,12 +32,15 @@ struct ThreadState {
     Array<c32, 3> ECORE; // normal velocity of sources, ISOR=1 (NEQN,NEQN,NSYMR)
     Array<c32, 3>
         VCORE; // their velocity, axis and class in the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR)
+    Array<int, 2> APIV, EPIV; // pivots, when factors have taken the place of ACORE and ECORE (NEQN,NSYMR)
     Array<c32, 2> ALU; // factors of a class (NEQN,NEQN), or of its diagonal blocks (NBLKSZ,NEQN), in memory
     // The matrix, packed rows or block that is in memory while the rest is on scratch (NCORE,NCORE).
     Array<c32, 2> AMAT;
     ScratchStore *scratch =
-        nullptr;        // files of the run when the matrices are not in memory; the driver owns them
-    Array<c32, 2> SRCR; // radiation right-hand sides, then sources, ISOR=1 (NEQN,NSYMD)
+        nullptr; // files of the run when the matrices are not in memory; the driver owns them
+    // Radiation right-hand sides, then sources, ISOR=1 (NEQN,NSYMD); with IWADD=1 at least three columns, for
+    // the steady flows, of which those behind NSYMD are 0 in a period.
+    Array<c32, 2> SRCR;
     Array<c32, 3> VELR; // fluid velocities of the radiation sources, ISOR=1 (NEQN,3,NSYMD)
     // Those of the diffraction sources, without the incident wave but for IWADD=1 (NEQN,3,NBETAM,NSYMR).
     Array<c32, 4> VELD;
@@ -45,10 +48,10 @@ struct ThreadState {
     SecondOrder second; // IWADD=1
 };
 
-// The solution arrays and, without INCORE, AMAT, for the life of the thread. Failed: " RAM too small for
-// number of panels ", " RAM too small.  Reduce MAXSCR ".
+// The solution arrays, those of IWADD=1 too, and, without INCORE, AMAT, for the life of the thread. Failed: "
+// RAM too small for number of panels ", " RAM too small ", " RAM too small.  Reduce MAXSCR ".
 [[nodiscard]] Status allocate_solution(const RunState &run, ThreadState &thread);
-// The velocities of a period (ISOR=1) and, with INCORE, its matrices. Failed: " RAM too small.or try to set
-// ISOR=0 " or " RAM too small ".
-[[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread);
+// The velocities of a period (ISOR=1) and, with INCORE, its matrices; `flows`: of the steady flows, which
+// have three columns at least. Failed: " RAM too small.or try to set ISOR=0 " or " RAM too small ".
+[[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread, bool flows = false);
 void DEALLOCATE_WA(ThreadState &thread);

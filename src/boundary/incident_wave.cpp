@@ -1,37 +1,18 @@
 #include "boundary/incident_wave.hpp"
 
+#include "boundary/incident_derivatives.hpp"
+
 #include <algorithm>
 #include <cmath>
-
-namespace {
-
-constexpr f32 LARGEST_EXPONENT = 30.0f;
-
-// Depth factor F and its z derivative.
-void depth_factor(f32 HBOT, f32 K, f32 z, f32 &F, f32 &dF) {
-    const f32 e2 = std::exp(std::max(K * z, -LARGEST_EXPONENT));
-    if (HBOT < 0) {
-        F = e2;
-        dF = K * F;
-        return;
-    }
-    const f32 e1 = std::exp(-std::min(K * HBOT, LARGEST_EXPONENT));
-    const f32 e3 = e1 * std::exp(-std::min(K * (z + HBOT), LARGEST_EXPONENT));
-    const f32 d = 1.0f / (1.0f + e1 * e1);
-    F = (e2 + e3) * d;
-    dF = K * (e2 - e3) * d;
-}
-
-} // namespace
 
 void PLNWAV(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], bool gradient, WaveComponents &wave) {
     const f32 kx = K * cos_beta;
     const f32 ky = K * sin_beta;
     const f32 sin_a = std::sin(kx * point[0]), cos_a = std::cos(kx * point[0]);
     const f32 sin_b = std::sin(ky * point[1]), cos_b = std::cos(ky * point[1]);
-    f32 F;
-    f32 dF;
-    depth_factor(HBOT, K, point[2], F, dF);
+    const DepthFactors depth = DEPFAC(point[2], HBOT, K);
+    const f32 F = depth.C;
+    const f32 dF = K * depth.S;
     const c32 i(0, 1);
     // Horizontal factors with F left out, then their x and y derivatives.
     const c32 h[5] = {0, cos_a * cos_b, -i * (sin_a * cos_b), -sin_a * sin_b, -i * (cos_a * sin_b)};

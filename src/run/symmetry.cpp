@@ -29,6 +29,36 @@ constexpr SymmetryRow SYMTAB[9] = {
     {4, {1, 2, 3, 4}, 4, {1, 2, 3, 4}, {1, 2, 1, 2}, {3, 1, 5, 6, 2, 4}, 1, {1, 2, 3, 4}}, //  1  1
 };
 
+// Class maps by ISY + 2 ISX, for surge, sway and yaw.
+constexpr int CLASS_MAPS[4][3][4] = {{{1, 0, 0, 0}, {1, 0, 0, 0}, {1, 0, 0, 0}},
+                                     {{1, 2, 0, 0}, {2, 1, 0, 0}, {2, 1, 0, 0}},
+                                     {{2, 1, 0, 0}, {1, 2, 0, 0}, {2, 1, 0, 0}},
+                                     {{2, 1, 4, 3}, {4, 3, 2, 1}, {3, 4, 1, 2}}};
+
+// Modes of the steady flows by ISY + 2 ISX: how many each class has, and which, class after class.
+struct FlowRow {
+    int count[4];
+    int modes[3];
+};
+constexpr FlowRow FLOW_MODES[4] = {{{3, 0, 0, 0}, {1, 2, 6}},
+                                   {{1, 2, 0, 0}, {1, 2, 6}},
+                                   {{1, 2, 0, 0}, {2, 1, 6}},
+                                   {{0, 1, 1, 1}, {1, 6, 2}}};
+
+// One class map W with the modes by the class to which they move.
+Status move_classes(const Symmetry &sym, int NMODES, const int (&map)[4], int (&W)[5], int (&N)[5],
+                    Array<int, 2> &M) {
+    if (!M.alloc(NMODES, 4))
+        return MSGOUT(" RAM too small ");
+    for (int k = 1; k <= sym.NSYMR; ++k) {
+        W[k] = map[k - 1];
+        N[W[k]] = sym.NMCLS[k];
+        for (int i = 1; i <= sym.NMCLS[k]; ++i)
+            M(i, W[k]) = sym.MODCLS(i, k);
+    }
+    return Status::ok;
+}
+
 } // namespace
 
 Status SYMSET(int NMODES, int ISX, int ISY, View<const int, 1> MODE, int diffraction, Symmetry &sym) {
@@ -65,5 +95,29 @@ Status SYMSET(int NMODES, int ISX, int ISY, View<const int, 1> MODE, int diffrac
     }
     sym.NSYMR = active;
     sym.NSYMD = column;
+    return Status::ok;
+}
+
+Status WDDCLS(int NMODES, int ISX, int ISY, Symmetry &sym) {
+    const auto &maps = CLASS_MAPS[ISY + 2 * ISX];
+    if (failed(move_classes(sym, NMODES, maps[0], sym.WCLS1, sym.NMCLS1, sym.MODCLS1)) ||
+        failed(move_classes(sym, NMODES, maps[1], sym.WCLS2, sym.NMCLS2, sym.MODCLS2)))
+        return Status::failed;
+    return move_classes(sym, NMODES, maps[2], sym.WCLS3, sym.NMCLS3, sym.MODCLS3);
+}
+
+Status WDDLFM(int NMODES, int ISX, int ISY, Symmetry &sym) {
+    if (!sym.WMODM.alloc(NMODES, 4) || !sym.WMODP.alloc(NMODES))
+        return MSGOUT(" RAM too small ");
+    const FlowRow &row = FLOW_MODES[ISY + 2 * ISX];
+    const int *mode = row.modes;
+    for (int k = 1; k <= sym.NSYMR; ++k) {
+        sym.WMODC[k] = row.count[k - 1];
+        for (int i = 1; i <= sym.WMODC[k]; ++i)
+            sym.WMODM(i, k) = *mode++;
+    }
+    sym.WMODP(1) = 1;
+    sym.WMODP(2) = 2;
+    sym.WMODP(6) = 3;
     return Status::ok;
 }

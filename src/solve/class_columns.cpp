@@ -11,9 +11,10 @@ std::vector<RightHandSide> columns_of_class(const RunState &run, const SolveRequ
                                             View<c32, 2> PHIR, View<c32, 3> PHID, int s) {
     std::vector<RightHandSide> columns;
     if (request.IRAD != -1) {
-        for (int k = 1; k <= run.sym.NMCLS[s]; ++k) {
-            const int mode = run.sym.MODCLS(k, s);
-            columns.push_back({&PHIR(1, run.sym.MODPOS(mode)), true, mode});
+        const ModeLists modes = request.modes != nullptr ? *request.modes : modes_of_run(run.sym);
+        for (int k = 1; k <= modes.NMCLS[s]; ++k) {
+            const int mode = modes.MODCLS(k, s);
+            columns.push_back({&PHIR(1, modes.MODPOS(mode)), true, mode});
         }
     }
     if (request.IDIFF >= 0) {

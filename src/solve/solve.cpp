@@ -15,19 +15,29 @@ struct CoreSolve {
     const RunState &run;
     ThreadState &thread;
     Array<c32, 3> &matrices; // dipole or source influence, by class
-    Array<int, 1> IPIV;
+    Array<int, 2> &pivots;   // of the factors that take the place of the matrices (n,NSYMR)
+    Array<int, 1> IPIV;      // of other factors
     int n;
 };
 
-Status solve_full_direct(CoreSolve &c, int s, const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
-    Array<c32, 2> &ALU = c.thread.ALU;
-    std::memcpy(ALU.data(), c.matrices.slice(s).data(),
-                static_cast<std::size_t>(ALU.size()) * sizeof(c32));
-    if (failed(LUFACT(ALU, c.IPIV.data(), c.n))) {
+bool in_place(const SolveRequest &request) {
+    return request.KEEP == 1 || request.FACT == 0;
+}
+
+// The factors go to ALU or, for later calls, to the place of the matrix.
+Status solve_full_direct(CoreSolve &c, const SolveRequest &request, int s,
+                         const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
+    const View<c32, 2> matrix = c.matrices.slice(s);
+    const bool stays = in_place(request);
+    const View<c32, 2> LU = stays ? matrix : c.thread.ALU.view();
+    int *IPIV = stays ? &c.pivots(1, s) : c.IPIV.data();
+    if (!stays)
+        std::memcpy(LU.data(), matrix.data(), static_cast<std::size_t>(LU.size()) * sizeof(c32));
+    if (request.FACT == 1 && failed(LUFACT(LU, IPIV, c.n))) {
         (void)MSGOUT(" Error in direct solver: left-hand-side is singular ", s);
         return report_columns(columns);
     }
-    return solve_directly(ALU, c.IPIV.data(), c.n, columns, ITER);
+    return solve_directly(LU, IPIV, c.n, columns, ITER);
 }
 
 // Only the diagonal blocks are copied, to be factored; the sweeps read the others where they are.
@@ -55,9 +65,13 @@ Status solve_blocks(CoreSolve &c, const SolveRequest &request, int s,
 Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,
                      ThreadState &thread, int (&ITER)[2]) {
     const int ISOLVE = run.opt.ISOLVE;
-    CoreSolve c{run, thread, request.ISRC == 1 ? thread.ECORE : thread.ACORE, {}, run.mesh.NEQN};
+    const bool sources = request.ISRC == 1;
+    CoreSolve c{run, thread,       sources ? thread.ECORE : thread.ACORE, sources ? thread.EPIV : thread.APIV,
+                {},  run.mesh.NEQN};
     bool made = c.IPIV.alloc(c.n);
-    if (thread.ALU.empty() && ISOLVE > 0)
+    if (ISOLVE == 1 && request.KEEP == 1 && request.FACT == 1)
+        made = made && c.pivots.alloc(c.n, run.sym.NSYMR);
+    if (thread.ALU.empty() && ISOLVE > 0 && !(ISOLVE == 1 && in_place(request)))
         made = made && thread.ALU.alloc(ISOLVE == 1 ? c.n : run.opt.NBLKSZ, c.n);
     if (!made)
         return MSGOUT(" RAM too small. Allocation error in SOLVE ");
@@ -68,7 +82,7 @@ Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32,
             sweep_full(matrix, work);
             return Status::ok;
         };
-        const Status status = ISOLVE == 1   ? solve_full_direct(c, s, columns, ITER)
+        const Status status = ISOLVE == 1   ? solve_full_direct(c, request, s, columns, ITER)
                               : ISOLVE == 0 ? solve_iteratively(c.n, request.EPS, sweep, columns, ITER)
                                             : solve_blocks(c, request, s, columns, ITER);
         if (failed(status))

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "assembly/thread_state.hpp"
+#include "run/symmetry.hpp"
 
 // Which right-hand sides a call solves for (the results overwrite them), with which matrix, and what is left
 // behind.
@@ -10,16 +11,18 @@ struct SolveRequest {
     int IDIFF = 0; // below 0 leaves the diffraction columns out
     int FACT =
         1; // 1: the matrix is prepared and the iteration counts start from 0; 0: as an earlier call left it
-    int KEEP = 0;    // 1: the scratch files and the prepared matrix stay for a later call
-    int ISRC = 0;    // 1: the source matrix, on the second list of units
-    f32 EPS = EPSIT; // tolerance of the iterative solvers
+    int KEEP = 0;                     // 1: the scratch files and the prepared matrix stay for a later call
+    int ISRC = 0;                     // 1: the source matrix, on the second list of units
+    f32 EPS = EPSIT;                  // tolerance of the iterative solvers
+    const ModeLists *modes = nullptr; // of the radiation columns; null: the modes of the run
 };
 
 // Solves all classes by the method of ISOLVE, with the matrices in thread.ACORE or, with
 // ISRC=1, ECORE (INCORE) or where the
 // assembly left them in thread.AMAT and on the files of thread.scratch. ITER[0], ITER[1]: largest iteration
-// counts of radiation and diffraction, -1 after a direct solution. In memory nothing is consumed, so that
-// KEEP has no effect and FACT=0 only leaves the counts. Failed: allocation, a scratch file, or a singular
-// matrix (the messages name the class and the right-hand sides); the solution is then void.
+// counts of radiation and diffraction, -1 after a direct solution. In memory KEEP=1 lets the direct solver
+// put its factors in the place of the matrix, where a call with FACT=0 finds them; else nothing is consumed.
+// Failed: allocation, a scratch file, or a singular matrix (the messages name the class and the right-hand
+// sides); the solution is then void.
 [[nodiscard]] Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR,
                            View<c32, 3> PHID, ThreadState &thread, int (&ITER)[2]);
