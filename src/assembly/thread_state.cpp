@@ -22,7 +22,8 @@ bool allocate_second_order(const RunState &run, SecondOrder &second) {
     return made;
 }
 
-// Velocities, and the sources that a period has beside its potentials.
+} // namespace
+
 bool allocate_velocities(const RunState &run, ThreadState &thread, bool flows) {
     const int n = run.mesh.NEQN, columns = run.sym.NSYMD;
     const bool second = run.opt.IWADD == 1;
@@ -32,8 +33,6 @@ bool allocate_velocities(const RunState &run, ThreadState &thread, bool flows) {
                thread.VELR.alloc(n, 3, flows ? std::max(columns, 3) : columns);
     return made && (run.opt.IDIFF < 0 || thread.VELD.alloc(n, 3, run.periods.NBETAM, run.sym.NSYMR));
 }
-
-} // namespace
 
 Status allocate_solution(const RunState &run, ThreadState &thread) {
     const int n = run.mesh.NEQN;

@@ -51,6 +51,9 @@ struct ThreadState {
 // The solution arrays, those of IWADD=1 too, and, without INCORE, AMAT, for the life of the thread. Failed: "
 // RAM too small for number of panels ", " RAM too small ", " RAM too small.  Reduce MAXSCR ".
 [[nodiscard]] Status allocate_solution(const RunState &run, ThreadState &thread);
+// The velocities and sources of a period, ISOR=1; `flows`: those of the steady flows, which have three
+// columns at least. False when memory is refused.
+[[nodiscard]] bool allocate_velocities(const RunState &run, ThreadState &thread, bool flows = false);
 // The velocities of a period (ISOR=1) and, with INCORE, its matrices; `flows`: of the steady flows, which
 // have three columns at least. Failed: " RAM too small.or try to set ISOR=0 " or " RAM too small ".
 [[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread, bool flows = false);

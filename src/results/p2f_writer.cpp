@@ -26,10 +26,10 @@ bool write_sizes(const RunState &run, RecordFile &file) {
     const Symmetry &sym = run.sym;
     const Periods &periods = run.periods;
     const int dipoles = run.dipoles.IDIPOL ? 1 : 0;
-    const int free_surface_panels = 1; // NFSP of a run without FDF file
     return file.write({bytes_of(FORMAT_VERSION)}) &&
-           file.write({bytes_of(run.mesh.NEQN), bytes_of(bodies.NBODY), bytes_of(sym.NSYMD), bytes_of(bodies.NMODES)}) &&
-           file.write({bytes_of(opt.IWADD), bytes_of(free_surface_panels)}) &&
+           file.write({bytes_of(run.mesh.NEQN), bytes_of(bodies.NBODY), bytes_of(sym.NSYMD),
+                       bytes_of(bodies.NMODES)}) &&
+           file.write({bytes_of(opt.IWADD), bytes_of(run.surface.NFSP)}) &&
            file.write({bytes_of(opt.ISX), bytes_of(opt.ISY), bytes_of(opt.IRAD), bytes_of(opt.IDIFF),
                        bytes_of(periods.NPER), bytes_of(periods.NBETA)}) &&
            file.write({bytes_of(sym.NSYMG), from_one(sym.ISYMG), bytes_of(sym.NCLS), bytes_of(sym.NSYMR),
@@ -42,7 +42,8 @@ bool write_sizes(const RunState &run, RecordFile &file) {
            file.write({first_elements(bodies.NEWMDS, bodies.NBODY)}) && file.write({whole(bodies.XBODY)}) &&
            file.write({whole(periods.PER), whole(periods.WVNH)}) &&
            file.write({whole(periods.BETA), whole(periods.SINBET), whole(periods.COSBET)}) &&
-           file.write({whole(sym.MODLST)}) && file.write({whole(sym.MODCLS)}) && file.write({whole(sym.MODPOS)});
+           file.write({whole(sym.MODLST)}) && file.write({whole(sym.MODCLS)}) &&
+           file.write({whole(sym.MODPOS)});
 }
 
 bool write_geometry(const RunState &run, RecordFile &file) {
@@ -59,8 +60,9 @@ bool write_geometry(const RunState &run, RecordFile &file) {
     }
     return file.write({whole(mesh.XIV)}) && file.write({whole(mesh.ETV)}) && file.write({whole(mesh.XCT)}) &&
            file.write({first_elements(mesh.XVER, 12LL * mesh.NEQN)}) && file.write({whole(mesh.TRM)}) &&
-           file.write({whole(mesh.PMOM)}) && file.write({whole(mesh.SIDE)}) && file.write({whole(mesh.XGP)}) &&
-           file.write({whole(mesh.GJAC)}) && file.write({whole(mesh.RXNG)}) && file.write({whole(mesh.VEL)}) &&
+           file.write({whole(mesh.PMOM)}) && file.write({whole(mesh.SIDE)}) &&
+           file.write({whole(mesh.XGP)}) && file.write({whole(mesh.GJAC)}) &&
+           file.write({whole(mesh.RXNG)}) && file.write({whole(mesh.VEL)}) &&
            file.write({whole(buoyancy), whole(bodies.CHYD)}) && file.write({whole(mesh.PSIZ)}) &&
            file.write({first_elements(bodies.NWLB, bodies.NBODY)});
 }
@@ -85,17 +87,37 @@ bool write_waterline(const RunState &run, RecordFile &file) {
            file.write({first_elements(line.IWLE, line.NWL)});
 }
 
+// Class maps, free-surface panels and steady flows of a run with IWADD=1.
+bool write_drift(const RunState &run, RecordFile &file) {
+    const Symmetry &sym = run.sym;
+    const SurfaceMesh &surface = run.surface;
+    const SteadyFlow &flow = run.flow;
+    return file.write({bytes_of(sym.WCLS1 + 1, sym.NSYMR)}) &&
+           file.write({bytes_of(sym.WCLS2 + 1, sym.NSYMR)}) &&
+           file.write({bytes_of(sym.WCLS3 + 1, sym.NSYMR)}) && file.write({from_one(sym.WMODC)}) &&
+           file.write({whole(sym.WMODM)}) && file.write({whole(sym.WMODP)}) &&
+           file.write({whole(surface.XIVF)}) && file.write({whole(surface.ETVF)}) &&
+           file.write({whole(surface.XCTF)}) && file.write({whole(surface.TRMF)}) &&
+           file.write({whole(surface.PMOMF)}) && file.write({whole(surface.SIDEF)}) &&
+           file.write({whole(surface.XGPF)}) && file.write({whole(surface.GJACF)}) &&
+           file.write({whole(surface.PSIZF)}) && file.write({whole(flow.STB1)}) &&
+           file.write({whole(flow.STB2)}) && file.write({whole(flow.STB3)}) &&
+           file.write({whole(flow.STF1)}) && file.write({whole(flow.STF2)}) && file.write({whole(flow.STF3)});
+}
+
 bool write_options(const RunState &run, RecordFile &file) {
     const Options &opt = run.opt;
     const bool treated = opt.IRR >= 1 && opt.IRR <= 4;
     bool good = opt.ISOR != 1 || write_waterline(run, file);
-    good = good && file.write({bytes_of(opt.ISOLVE), bytes_of(opt.ISOLVN), bytes_of(opt.IUSESCR), bytes_of(opt.NTRD),
-                               bytes_of(opt.ISCATT), bytes_of(opt.IRR)});
+    good = good && file.write({bytes_of(opt.ISOLVE), bytes_of(opt.ISOLVN), bytes_of(opt.IUSESCR),
+                               bytes_of(opt.NTRD), bytes_of(opt.ISCATT), bytes_of(opt.IRR)});
     if (treated || opt.IFSLID == 1)
         good = good && file.write({whole(run.mesh.IFSP)});
     if (treated)
         good = good && file.write({first_elements(run.strips.IRRP, run.mesh.NEQN)});
     good = good && file.write({bytes_of(opt.I2ND), bytes_of(opt.NBLKSZ), bytes_of(opt.NBLKLS)});
+    if (opt.IWADD == 1)
+        good = good && write_drift(run, file);
     if (run.dipoles.IDIPOL) {
         const Dipoles &dipoles = run.dipoles;
         good = good && file.write({whole(dipoles.IDIP)}) && file.write({whole(dipoles.DPORA)}) &&
@@ -154,7 +176,46 @@ bool copy_periods(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
     return good;
 }
 
+// Calls action(array) for each array of the block of a period with IWADD=1, in order, until one returns
+// false.
+template <class Action> bool each_of_block(const Options &opt, ThreadState &thread, Action action) {
+    SecondOrder &w = thread.second;
+    const auto all = [&](auto &...array) { return (action(array) && ...); };
+    const bool good = opt.IRAD < 0 || all(thread.PHIR, thread.SRCR, thread.VELR, w.W2R0, w.W2R1, w.W2R2,
+                                          w.W2R3, w.FSR1, w.FSR2, w.FSR3);
+    return good &&
+           (opt.IDIFF != 1 || all(thread.PHID, thread.SRCD, thread.VELD, w.W2D0, w.PHID2, w.W2D0B, w.SRCD2,
+                                  w.VELD2, w.W2D1, w.W2D2, w.W2D3, w.FSD1, w.FSD2, w.FSD3, w.FSD4, w.FSD5));
+}
+
+Status period_not_written(const RecordFile &file) {
+    return MSGOUT_with("Error writing the solution of a period, UNIT=", file.unit(), file.error());
+}
+
+// The blocks of a run with IWADD=1.
+bool copy_blocks(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
+    ThreadState thread;
+    bool good =
+        !failed(allocate_solution(run, thread)) && allocate_velocities(run, thread) && RESSCR.rewind();
+    for (int period = 1; good && period <= run.periods.NPER; ++period)
+        good = !failed(RWDPOT(run.opt, RESSCR, thread)) && !failed(WDDWRT(run.opt, thread, file));
+    return good;
+}
+
 } // namespace
+
+Status WDDWRT(const Options &opt, ThreadState &thread, RecordFile &file) {
+    const bool good =
+        each_of_block(opt, thread, [&](const auto &array) { return file.write({whole(array)}); });
+    return good ? Status::ok : period_not_written(file);
+}
+
+Status RWDPOT(const Options &opt, RecordFile &file, ThreadState &thread) {
+    const bool good = each_of_block(opt, thread, [&](auto &array) {
+        return file.read({{array.data(), static_cast<std::size_t>(array.size()) * sizeof(c32)}});
+    });
+    return good ? Status::ok : MSGOUT_with("Unable to read potentials in RWDPOT", 0, file.error());
+}
 
 Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR, PeriodPart part) {
     bool good = true;
@@ -166,7 +227,7 @@ Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR,
         good = good &&
                (opt.IDIFF < 0 || (RESSCR.write({whole(thread.SRCD)}) && RESSCR.write({whole(thread.VELD)})));
     }
-    return good ? Status::ok : MSGOUT_with("Error writing the solution of a period, UNIT=", RESSCR.unit(), RESSCR.error());
+    return good ? Status::ok : period_not_written(RESSCR);
 }
 
 Status RESWRT(RunState &run, RecordFile &RESSCR) {
@@ -174,10 +235,12 @@ Status RESWRT(RunState &run, RecordFile &RESSCR) {
     const std::string unfinished = name + ".part";
     RecordFile file(3);
     bool good = file.create(unfinished) && write_sizes(run, file) && write_geometry(run, file) &&
-                write_options(run, file) && write_text(run, file) && copy_periods(run, RESSCR, file);
+                write_options(run, file) && write_text(run, file) &&
+                (run.opt.IWADD == 1 ? copy_blocks(run, RESSCR, file) : copy_periods(run, RESSCR, file));
     good = file.close() && good;
     if (good && std::rename(unfinished.c_str(), name.c_str()) == 0)
         return Status::ok;
     std::remove(unfinished.c_str());
-    return MSGOUT_with("Error writing P2F file " + name, 0, file.error().empty() ? RESSCR.error() : file.error());
+    return MSGOUT_with("Error writing P2F file " + name, 0,
+                       file.error().empty() ? RESSCR.error() : file.error());
 }

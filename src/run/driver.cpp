@@ -1,6 +1,7 @@
 #include "run/driver.hpp"
 
 #include "base/platform.hpp"
+#include "freesurface/fdf.hpp"
 #include "freesurface/fsmark.hpp"
 #include "freesurface/fsstrip.hpp"
 #include "geometry/pregeo.hpp"
@@ -13,6 +14,7 @@
 #include "run/messages.hpp"
 #include "run/period_loop.hpp"
 #include "run/symmetry.hpp"
+#include "run/wdd_flows.hpp"
 
 #include <memory>
 #include <omp.h>
@@ -69,7 +71,16 @@ void run_solver() {
     require(FSMARK(run.opt, run.bodies, run.mesh));
     if (run.opt.IRR >= 1)
         require(fill_strips(run, run.strips));
-    require(SYMSET(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.bodies.MODE, run.opt.IDIFF, run.sym));
+    const bool drift = run.opt.IWADD == 1;
+    if (drift)
+        require(FDFSTG(run, run.surface));
+    require(SYMSET(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.bodies.MODE, drift ? 1 : run.opt.IDIFF,
+                   run.sym));
+    if (drift) {
+        require(WDDCLS(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.sym));
+        require(WDDLFM(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.sym));
+        require(allocate_flows(run));
+    }
     MEMPLN(run.opt, run.mesh.NEQN, run.sym.NSYMR, run.memory);
     if (run.memory.INCORE)
         require(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store));
@@ -78,6 +89,8 @@ void run_solver() {
     if (run.periods.NPER > 0) {
         ScratchStore scratch;
         require(rankine_matrices(run, scratch));
+        if (drift)
+            require(solve_flows(run, scratch));
         period_loop(run, threads, scratch, RESSCR);
     }
     require(RESWRT(run, RESSCR));

@@ -4,11 +4,13 @@
 #include "base/platform.hpp"
 #include "base/text.hpp"
 #include "boundary/bvel.hpp"
+#include "boundary/incident_derivatives.hpp"
 #include "boundary/incident_wave.hpp"
 #include "boundary/source_rhs.hpp"
 #include "results/p2f_writer.hpp"
 #include "run/messages.hpp"
 #include "run/progress.hpp"
+#include "run/wdd_chain.hpp"
 #include "solve/solve.hpp"
 
 #include <algorithm>
@@ -21,13 +23,8 @@ void require(Status status) {
         STOPRN(0);
 }
 
-// Iteration counts of a period, radiation and diffraction.
-struct PeriodCounts {
-    int potentials[2] = {0, 0};
-    int sources[2] = {0, 0};
-};
-
-// The counts of potentials that are not 0, in their columns; those of the sources stand behind them in parentheses.
+// The counts of potentials that are not 0, in their columns; those of the sources stand behind them in
+// parentheses.
 std::string report_counts(bool sources, const PeriodCounts &counts) {
     const int radiation = counts.potentials[0], diffraction = counts.potentials[1];
     const auto pair = [&](int k) {
@@ -46,20 +43,10 @@ void write_report_row(RunState &run, int period, int thread_number, const Period
     if (counts.potentials[0] == 0 && counts.potentials[1] == 0)
         return;
     const std::string row = int_in(7, period) + int_in(7, thread_number) +
-                            fixed(10, 4, run.periods.PER(period)) + "  " + DATTIM().time + report_counts(run.opt.ISOR == 1, counts);
+                            fixed(10, 4, run.periods.PER(period)) + "  " + DATTIM().time +
+                            report_counts(run.opt.ISOR == 1, counts);
     run.HDRSCR.push_back(row);
     list_line(row);
-}
-
-// Depth factor WVNH / WVN0 of the period, with the depth state of the thread: 1 in deep water and at the limits.
-f32 depth_factor(const RunState &run, int period, ThreadState &thread) {
-    f32 F = 1;
-    if (run.opt.HBOT > 0 && run.periods.PER(period) > 0) {
-        INIT_HGRN98_ARRAYS(thread.gstate);
-        if (HGRN98(run.periods.WVN0(period) * run.opt.HBOT, F, thread.gstate) > 0)
-            require(MSGOUT("Error return in HGRN98: depth HBOT is illegal "));
-    }
-    return F;
 }
 
 // The sources of a period and the velocities that they make, from its potentials.
@@ -78,11 +65,18 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCou
     const Options &opt = run.opt;
     const f32 W = run.periods.WVN0(period);
     require(ALLOCATE_WA(run, thread));
-    const f32 F = depth_factor(run, period, thread);
+    f32 F = 1;
+    require(depth_state(W, opt.HBOT, thread.gstate, F));
     const PeriodWave wave = frequency_variables(W, opt.HBOT, F);
-    if (opt.IDIFF >= 0)
+    if (opt.IDIFF >= 0 && opt.IWADD == 1)
+        INCWWD(run, W * F, thread);
+    else if (opt.IDIFF >= 0)
         INCWAV(run, W * F, thread);
     require(WAVEGR(run, wave, thread));
+    if (opt.IWADD == 1) {
+        require(solve_second_order(run, wave, thread, counts));
+        return W * F;
+    }
     require(SOLVE(run, {opt.IRAD, opt.IDIFF}, thread.PHIR, thread.PHID, thread, counts.potentials));
     if (opt.IDIFF >= 0 && opt.ISCATT == 1)
         ADDINC(thread);
@@ -93,7 +87,24 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCou
     return W * F;
 }
 
+Status write_period(const Options &opt, ThreadState &thread, RecordFile &RESSCR) {
+    if (opt.IWADD == 1)
+        return WDDWRT(opt, thread, RESSCR);
+    if (failed(PERWRT(opt, thread, RESSCR)))
+        return Status::failed;
+    return opt.ISOR == 1 ? PERWRT(opt, thread, RESSCR, PeriodPart::sources) : Status::ok;
+}
+
 } // namespace
+
+Status depth_state(f32 W, f32 HBOT, GSTATE &state, f32 &F) {
+    F = 1;
+    if (!(HBOT > 0 && W > 0))
+        return Status::ok;
+    INIT_HGRN98_ARRAYS(state);
+    return HGRN98(W * HBOT, F, state) > 0 ? MSGOUT("Error return in HGRN98: depth HBOT is illegal ")
+                                          : Status::ok;
+}
 
 void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &RESSCR) {
     const int NPER = run.periods.NPER;
@@ -110,11 +121,7 @@ void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &
 #pragma omp ordered
             {
 #pragma omp critical
-                {
-                    require(PERWRT(run.opt, thread, RESSCR));
-                    if (run.opt.ISOR == 1)
-                        require(PERWRT(run.opt, thread, RESSCR, PeriodPart::sources));
-                }
+                require(write_period(run.opt, thread, RESSCR));
             }
 #pragma omp critical
             {

@@ -23,7 +23,7 @@ for folder in "${order[@]}"; do
     for file in src/"$folder"/*.?pp src/"$folder"/tables/*.?pp; do
         [ -f "$file" ] || continue
         case "$file" in
-        src/run/driver.* | src/run/period_loop.*) check "$file" "${order[@]}" ;; # the roof of the house
+        src/run/driver.* | src/run/period_loop.* | src/run/wdd_*) check "$file" "${order[@]}" ;; # the roof of the house
         src/freesurface/*) check "$file" base run geometry freesurface ;;
         src/rankine/*) check "$file" base run geometry rankine ;;
         src/results/*) check "$file" base run geometry assembly green results ;;
