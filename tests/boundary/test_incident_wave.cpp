@@ -1,5 +1,6 @@
 // Truth: the plane wave exp(-i K (x cos b + y sin b)) with its depth factor in double precision, and its
 // central differences.
+#include "boundary/incident_derivatives.hpp"
 #include "boundary/incident_wave.hpp"
 #include "run/symmetry.hpp"
 
@@ -23,6 +24,14 @@ c64 plane_wave(const Sea &sea, double x, double y, double z) {
     return F * c64(std::cos(phase), -std::sin(phase));
 }
 
+// The part of these parities, from the four images of the point.
+c64 parity_part(const Sea &sea, int j, double x, double y, double z) {
+    const double px[5] = {0, 1, -1, -1, 1}, py[5] = {0, 1, 1, -1, -1};
+    return (plane_wave(sea, x, y, z) + px[j] * plane_wave(sea, -x, y, z) + py[j] * plane_wave(sea, x, -y, z) +
+            px[j] * py[j] * plane_wave(sea, -x, -y, z)) /
+           4.0;
+}
+
 class Seas : public testing::TestWithParam<Sea> {};
 
 TEST_P(Seas, ComponentsHaveTheirParitiesAndSumToTheWave) {
@@ -33,15 +42,8 @@ TEST_P(Seas, ComponentsHaveTheirParitiesAndSumToTheWave) {
     const f32 point[3] = {static_cast<f32>(x), static_cast<f32>(y), static_cast<f32>(z)};
     PLNWAV(static_cast<f32>(sea.depth), static_cast<f32>(sea.K), static_cast<f32>(std::sin(sea.beta)),
            static_cast<f32>(std::cos(sea.beta)), point, true, wave);
-    const int px[5] = {0, 1, -1, -1, 1}, py[5] = {0, 1, 1, -1, -1};
     for (int j = 1; j <= 4; ++j) {
-        // The part of these parities, from the four images of the point.
-        const auto part = [&](double u, double v, double w) {
-            return (plane_wave(sea, u, v, w) + double(px[j]) * plane_wave(sea, -u, v, w) +
-                    double(py[j]) * plane_wave(sea, u, -v, w) +
-                    double(px[j] * py[j]) * plane_wave(sea, -u, -v, w)) /
-                   4.0;
-        };
+        const auto part = [&](double u, double v, double w) { return parity_part(sea, j, u, v, w); };
         EXPECT_LT(std::abs(c64(wave.C[j]) - part(x, y, z)), TOLERANCE);
         const c64 slope[4] = {0, (part(x + step, y, z) - part(x - step, y, z)) / (2 * step),
                               (part(x, y + step, z) - part(x, y - step, z)) / (2 * step),
@@ -49,6 +51,66 @@ TEST_P(Seas, ComponentsHaveTheirParitiesAndSumToTheWave) {
         for (int c = 1; c <= 3; ++c)
             EXPECT_LT(std::abs(c64(wave.DC[j][c]) - slope[c]), TOLERANCE * std::max(1.0, sea.K))
                 << j << " " << c;
+    }
+}
+
+TEST_P(Seas, DerivativesByHeadingAndFrequencyAreThoseOfTheWave) {
+    constexpr double TOLERANCE = 2e-5; // single precision of factors up to K r
+    const Sea sea = GetParam();
+    const double x[4] = {0, 0.7, -1.9, -0.4}, step = 1e-4;
+    const auto nu = [&](double K) { return sea.depth < 0 ? K : K * std::tanh(K * sea.depth); };
+    const auto f = [](double v) { return static_cast<f32>(v); };
+    const Dispersion D = DISPD(f(sea.K), f(sea.depth));
+    EXPECT_NEAR(D.NU, nu(sea.K), 1e-6 * sea.K);
+    const double VG = (nu(sea.K + step) - nu(sea.K - step)) / (2 * step);
+    EXPECT_NEAR(D.NUK, VG, 1e-6);
+    EXPECT_NEAR(D.NUKK, (nu(sea.K + step) - 2 * nu(sea.K) + nu(sea.K - step)) / (step * step), 2e-5);
+    const f32 point[3] = {f(x[1]), f(x[2]), f(x[3])}, normal[3] = {0.6f, -0.48f, 0.64f};
+    WaveDerivatives d;
+    PLNWWD({f(sea.depth), f(sea.K), f(std::cos(sea.beta)), f(std::sin(sea.beta)), f(VG)}, point, normal, d);
+    const double scale = std::max(1.0, sea.K * sea.K);
+    for (int j = 1; j <= 4; ++j) {
+        // The part and, for c = 1..3, its gradient, at changed wave number and heading.
+        const auto part = [&](int c, double dK, double db) {
+            const Sea near{sea.depth, sea.K + dK, sea.beta + db};
+            const double h = 1e-5, dx = c == 1 ? h : 0, dy = c == 2 ? h : 0, dz = c == 3 ? h : 0;
+            const c64 ahead = parity_part(near, j, x[1] + dx, x[2] + dy, x[3] + dz);
+            return c == 0 ? ahead : (ahead - parity_part(near, j, x[1] - dx, x[2] - dy, x[3] - dz)) / (2 * h);
+        };
+        const auto by_heading = [&](int c, double dK) {
+            return (part(c, dK, step) - part(c, dK, -step)) / (2 * step);
+        };
+        const c64 PN = (part(0, step, 0) - part(0, -step, 0)) / (2 * step * VG);
+        const c64 PNB = (by_heading(0, step) - by_heading(0, -step)) / (2 * step * VG);
+        EXPECT_LT(std::abs(c64(d.P[j]) - part(0, 0, 0)), TOLERANCE);
+        EXPECT_LT(std::abs(c64(d.PB[j]) - by_heading(0, 0)), TOLERANCE * scale);
+        EXPECT_LT(std::abs(c64(d.PN[j]) - PN), TOLERANCE * scale);
+        EXPECT_LT(std::abs(c64(d.PNB[j]) - PNB), 3 * TOLERANCE * scale);
+        c64 N = 0, NB = 0;
+        for (int c = 1; c <= 3; ++c) {
+            EXPECT_LT(std::abs(c64(d.G[j][c]) - part(c, 0, 0)), TOLERANCE * scale) << c;
+            EXPECT_LT(std::abs(c64(d.GB[j][c]) - by_heading(c, 0)), TOLERANCE * scale) << c;
+            N += static_cast<double>(normal[c - 1]) * part(c, 0, 0);
+            NB += static_cast<double>(normal[c - 1]) * by_heading(c, 0);
+        }
+        EXPECT_LT(std::abs(c64(d.N[j]) - N), TOLERANCE * scale);
+        EXPECT_LT(std::abs(c64(d.NB[j]) - NB), TOLERANCE * scale);
+    }
+}
+
+// The depth factors by differences in double precision, also where the exponents are clipped.
+TEST(IncidentWave, DepthFactorsAndTheirDerivatives) {
+    for (const double H : {0.5, 3.0, 80.0}) {
+        for (const double z : {0.0, -0.3, -0.5}) {
+            const double K = 1.7, step = 1e-4;
+            const auto C = [&](double k) { return std::cosh(k * (z + H)) / std::cosh(k * H); };
+            const auto S = [&](double k) { return std::sinh(k * (z + H)) / std::cosh(k * H); };
+            const DepthFactors d = DEPFAC(static_cast<f32>(z), static_cast<f32>(H), static_cast<f32>(K));
+            EXPECT_NEAR(d.C, C(K), 1e-6);
+            EXPECT_NEAR(d.S, S(K), 1e-6);
+            EXPECT_NEAR(d.CK, (C(K + step) - C(K - step)) / (2 * step), 4e-7 * H + 1e-6);
+            EXPECT_NEAR(d.SK, (S(K + step) - S(K - step)) / (2 * step), 4e-7 * H + 1e-6);
+        }
     }
 }
 
@@ -61,6 +123,52 @@ TEST(IncidentWave, DepthFactorIsClippedNotLost) {
     const f32 point[3] = {0, 0, -200};
     PLNWAV(-1, 1, 0, 1, point, false, wave);
     EXPECT_FLOAT_EQ(wave.C[1].real(), std::exp(-30.0f));
+}
+
+// All arrays of a second-order period against the components, in classes of one, two and four of them.
+TEST(IncidentWave, SecondOrderArraysAreSumsOfTheirClass) {
+    for (const auto &[ISX, ISY] : {std::pair{0, 0}, {1, 0}, {0, 1}, {1, 1}}) {
+        RunState run;
+        run.mesh.NEQN = 1;
+        run.opt.HBOT = 2;
+        run.opt.IWADD = run.opt.ISOR = 1;
+        run.periods.NBETA = 1;
+        Array<int, 1> MODE;
+        ThreadState thread;
+        ASSERT_TRUE(MODE.alloc(6) && SYMSET(6, ISX, ISY, MODE, 1, run.sym) == Status::ok &&
+                    run.mesh.XCT.alloc(3, 1) && run.mesh.TRM.alloc(3, 3, 1) && run.periods.SINBET.alloc(1) &&
+                    run.periods.COSBET.alloc(1) && allocate_solution(run, thread) == Status::ok &&
+                    allocate_velocities(run, thread));
+        const f32 K = 0.8f, point[3] = {0.5f, -0.7f, -0.2f}, normal[3] = {0.6f, 0, 0.8f};
+        for (int c = 1; c <= 3; ++c) {
+            run.mesh.XCT(c, 1) = point[c - 1];
+            run.mesh.TRM(3, c, 1) = normal[c - 1];
+        }
+        run.periods.SINBET(1) = 0.6f;
+        run.periods.COSBET(1) = 0.8f;
+        INCWWD(run, K, thread);
+        WaveDerivatives d;
+        PLNWWD({2, K, 0.8f, 0.6f, DISPD(K, 2).NUK}, point, normal, d);
+        for (int s = 1; s <= run.sym.NSYMR; ++s) {
+            const auto differs = [&](c32 value, auto component) {
+                for (int k = 1; k <= run.sym.NDCLS; ++k)
+                    value -= component(run.sym.IDCLS[(s - 1) * run.sym.NDCLS + k]);
+                return std::abs(value);
+            };
+            const SecondOrder &w = thread.second;
+            constexpr f32 ROUNDING = 3e-6f;
+            EXPECT_LT(differs(thread.PHID(1, 1, s), [&](int j) { return PI4 * d.P[j]; }), ROUNDING);
+            EXPECT_LT(differs(w.PHID2(1, 1, s), [&](int j) { return PI4 * d.PB[j]; }), ROUNDING);
+            EXPECT_LT(differs(w.W2D0(1, 1, s), [&](int j) { return PI4 * d.PN[j]; }), ROUNDING);
+            EXPECT_LT(differs(w.W2D0B(1, 1, s), [&](int j) { return PI4 * d.PNB[j]; }), ROUNDING);
+            EXPECT_LT(differs(thread.SRCD(1, 1, s), [&](int j) { return -d.N[j]; }), ROUNDING);
+            EXPECT_LT(differs(w.SRCD2(1, 1, s), [&](int j) { return -d.NB[j]; }), ROUNDING);
+            for (int c = 1; c <= 3; ++c) {
+                EXPECT_LT(differs(thread.VELD(1, c, 1, s), [&](int j) { return d.G[j][c]; }), ROUNDING);
+                EXPECT_LT(differs(w.VELD2(1, c, 1, s), [&](int j) { return d.GB[j][c]; }), ROUNDING);
+            }
+        }
+    }
 }
 
 // Panels of the plane z = 0 in the scattering sum: interior panels and the images of overhangs that cancel
