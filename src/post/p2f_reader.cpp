@@ -18,7 +18,7 @@ template <class T, int R> Target into(Array<T, R> &array) {
 
 // Reads the parts of the file in order; the first fault ends it.
 class Reader {
-public:
+  public:
     Reader(P2fFile &p2f, RecordFile &file) : p(p2f), file_(file) {}
     std::string fault;
 
@@ -42,25 +42,27 @@ public:
     bool arrays() {
         p.NBETAM = std::max(p.NBETA, 1);
         Array<f32, 2> volumes;
-        const bool made =
-            p.ULEN.alloc(p.NBODY) && p.NEQNB.alloc(p.NBODY) && p.NPANS.alloc(p.NBODY) && p.NEWMDS.alloc(p.NBODY) &&
-            p.XBODY.alloc(4, p.NBODY) && p.PER.alloc(p.NPER) && p.WVNH.alloc(p.NPER) && p.BETA.alloc(p.NBETA) &&
-            p.SINBET.alloc(p.NBETA) && p.COSBET.alloc(p.NBETA) && p.MODLST.alloc(p.NMODES) &&
-            p.MODPOS.alloc(p.NMODES) && p.MODCLS.alloc(p.NMODES, 4) && p.XCT.alloc(3, p.NEQN) &&
-            p.PMOM.alloc(13, p.NEQN) && p.VEL.alloc(p.NMODES, p.NEQN) && p.VOL.alloc(3, p.NBODY) &&
-            p.XCB.alloc(3, p.NBODY) && p.CHYD.alloc(p.NMODES, p.NMODES) && volumes.alloc(6, p.NBODY);
+        const bool made = p.ULEN.alloc(p.NBODY) && p.NEQNB.alloc(p.NBODY) && p.NPANS.alloc(p.NBODY) &&
+                          p.NEWMDS.alloc(p.NBODY) && p.XBODY.alloc(4, p.NBODY) && p.PER.alloc(p.NPER) &&
+                          p.WVNH.alloc(p.NPER) && p.BETA.alloc(p.NBETA) && p.SINBET.alloc(p.NBETA) &&
+                          p.COSBET.alloc(p.NBETA) && p.MODLST.alloc(p.NMODES) && p.MODPOS.alloc(p.NMODES) &&
+                          p.MODCLS.alloc(p.NMODES, 4) && p.XCT.alloc(3, p.NEQN) && p.PMOM.alloc(13, p.NEQN) &&
+                          p.VEL.alloc(p.NMODES, p.NEQN) && p.VOL.alloc(3, p.NBODY) &&
+                          p.XCB.alloc(3, p.NBODY) && p.CHYD.alloc(p.NMODES, p.NMODES) &&
+                          volumes.alloc(6, p.NBODY);
         if (!made)
             return refuse("there is not enough memory for its arrays");
         const std::size_t n = static_cast<std::size_t>(p.NEQN) * sizeof(f32);
-        const bool good =
-            next("ULEN", {into(p.ULEN)}) && next("NEQNB", {into(p.NEQNB), into(p.NPANS)}) &&
-            next("NEWMDS", {into(p.NEWMDS)}) && next("XBODY", {into(p.XBODY)}) &&
-            next("PER", {into(p.PER), into(p.WVNH)}) && next("BETA", {into(p.BETA), into(p.SINBET), into(p.COSBET)}) &&
-            next("MODLST", {into(p.MODLST)}) && next("MODCLS", {into(p.MODCLS)}) && next("MODPOS", {into(p.MODPOS)}) &&
-            skip("XIV", 4 * n) && skip("ETV", 4 * n) && next("XCT", {into(p.XCT)}) && skip("XVER", 12 * n) &&
-            skip("TRM", 9 * n) && next("PMOM", {into(p.PMOM)}) && skip("SIDE", 4 * n) && skip("XGP", 12 * n) &&
-            skip("GJAC", 4 * n) && skip("RXNG", 12 * n) && next("VEL", {into(p.VEL)}) &&
-            next("volumes", {into(volumes), into(p.CHYD)}) && skip("PSIZ", 2 * n);
+        const bool good = next("ULEN", {into(p.ULEN)}) && next("NEQNB", {into(p.NEQNB), into(p.NPANS)}) &&
+                          next("NEWMDS", {into(p.NEWMDS)}) && next("XBODY", {into(p.XBODY)}) &&
+                          next("PER", {into(p.PER), into(p.WVNH)}) &&
+                          next("BETA", {into(p.BETA), into(p.SINBET), into(p.COSBET)}) &&
+                          next("MODLST", {into(p.MODLST)}) && next("MODCLS", {into(p.MODCLS)}) &&
+                          next("MODPOS", {into(p.MODPOS)}) && skip("XIV", 4 * n) && skip("ETV", 4 * n) &&
+                          next("XCT", {into(p.XCT)}) && skip("XVER", 12 * n) && skip("TRM", 9 * n) &&
+                          next("PMOM", {into(p.PMOM)}) && skip("SIDE", 4 * n) && skip("XGP", 12 * n) &&
+                          skip("GJAC", 4 * n) && skip("RXNG", 12 * n) && next("VEL", {into(p.VEL)}) &&
+                          next("volumes", {into(volumes), into(p.CHYD)}) && skip("PSIZ", 2 * n);
         if (!good)
             return false;
         for (int b = 1; b <= p.NBODY; ++b) {
@@ -76,7 +78,8 @@ public:
         const std::size_t n = static_cast<std::size_t>(p.NEQN) * sizeof(f32);
         int isolvn = 0, iusescr = 0, ntrd = 0, nblksz = 0, nblkls = 0;
         bool good = p.NWLB.alloc(p.NBODY) && next("NWLB", {into(p.NWLB)}) && (p.ISOR != 1 || waterline());
-        good = good && next("solver", {into(p.ISOLVE), into(isolvn), into(iusescr), into(ntrd), into(p.ISCATT), into(p.IRR)});
+        good = good && next("solver", {into(p.ISOLVE), into(isolvn), into(iusescr), into(ntrd),
+                                       into(p.ISCATT), into(p.IRR)});
         // A run with lid bodies has IFSP as well. Only the length of its next record tells that, and for
         // three panels not even that: such a file is refused.
         if (good && (p.IRR > 0 || (next_length() == n && n != 3 * sizeof(int))))
@@ -84,8 +87,8 @@ public:
         if (good && p.IRR > 0)
             good = p.IRRP.alloc(p.NEQN) && next("IRRP", {into(p.IRRP)});
         good = good && next("I2ND", {into(p.I2ND), into(nblksz), into(nblkls)});
-        if (good && p.IWADD == 1)
-            return refuse("it is of a run for wave drift damping, which is not read here");
+        if (p.IWADD == 1)
+            good = good && drift();
         for (int k = 0; good && p.IDIPOL == 1 && k < 3; ++k)
             good = skip("dipoles", n);
         return good;
@@ -107,6 +110,11 @@ public:
         if (!allocate_periods())
             return refuse("there is not enough memory for its solutions");
         for (int i = 1; i <= p.NPER; ++i) {
+            if (p.IWADD == 1) {
+                if (!block(i))
+                    return false;
+                continue;
+            }
             if (p.IRAD >= 0 &&
                 !(period("PHIR", p.PHIR, i) &&
                   (p.ISOR != 1 || (period("radiation sources", p.SRCR, i) && period("VELR", p.VELR, i)))))
@@ -118,9 +126,63 @@ public:
         return file_.next_length() < 0 || refuse("it goes on behind its last period");
     }
 
-private:
+  private:
+    // What a run with IWADD=1 has in the head.
+    bool drift() {
+        const int n = p.NEQN, m = p.NFSP;
+        const bool made = p.WMODM.alloc(p.NMODES, 4) && p.WMODP.alloc(p.NMODES) && p.XIVF.alloc(4, m) &&
+                          p.ETVF.alloc(4, m) && p.XCTF.alloc(3, m) && p.TRMF.alloc(3, 3, m) &&
+                          p.PMOMF.alloc(13, m) && p.STB1.alloc(n, 3) && p.STB2.alloc(n, 3) &&
+                          p.STB3.alloc(n, 3, 3) && p.STF1.alloc(m, 2) && p.STF2.alloc(m, 2, 3) &&
+                          p.STF3.alloc(m, 3);
+        if (!made)
+            return refuse("there is not enough memory for its arrays");
+        const std::size_t column = static_cast<std::size_t>(m) * sizeof(f32);
+        const std::size_t classes = static_cast<std::size_t>(p.NSYMR) * sizeof(int);
+        return next("WCLS1", {{p.WCLS1 + 1, classes}}) && next("WCLS2", {{p.WCLS2 + 1, classes}}) &&
+               next("WCLS3", {{p.WCLS3 + 1, classes}}) && next("WMODC", {list(p.WMODC)}) &&
+               next("WMODM", {into(p.WMODM)}) && next("WMODP", {into(p.WMODP)}) &&
+               next("XIVF", {into(p.XIVF)}) && next("ETVF", {into(p.ETVF)}) && next("XCTF", {into(p.XCTF)}) &&
+               next("TRMF", {into(p.TRMF)}) && next("PMOMF", {into(p.PMOMF)}) && skip("SIDEF", 4 * column) &&
+               skip("XGPF", 12 * column) && skip("GJACF", 4 * column) && skip("PSIZF", 2 * column) &&
+               next("STB1", {into(p.STB1)}) && next("STB2", {into(p.STB2)}) && next("STB3", {into(p.STB3)}) &&
+               next("STF1", {into(p.STF1)}) && next("STF2", {into(p.STF2)}) && next("STF3", {into(p.STF3)});
+    }
+
+    // Period i of a run with IWADD=1.
+    bool block(int i) {
+        if (p.IRAD >= 0 &&
+            !(period("PHIR", p.PHIR, i) && period("SRCR", p.SRCR, i) && period("VELR", p.VELR, i) &&
+              period("W2R0", p.W2R0, i) && period("W2R1", p.W2R1, i) && period("W2R2", p.W2R2, i) &&
+              period("W2R3", p.W2R3, i) && period("FSR1", p.FSR1, i) && period("FSR2", p.FSR2, i) &&
+              period("FSR3", p.FSR3, i)))
+            return false;
+        return p.IDIFF != 1 ||
+               (period("PHID", p.PHID, i) && period("SRCD", p.SRCD, i) && period("VELD", p.VELD, i) &&
+                period("W2D0", p.W2D0, i) && period("PHID2", p.PHID2, i) && period("W2D0B", p.W2D0B, i) &&
+                period("SRCD2", p.SRCD2, i) && period("VELD2", p.VELD2, i) && period("W2D1", p.W2D1, i) &&
+                period("W2D2", p.W2D2, i) && period("W2D3", p.W2D3, i) && period("FSD1", p.FSD1, i) &&
+                period("FSD2", p.FSD2, i) && period("FSD3", p.FSD3, i) && period("FSD4", p.FSD4, i) &&
+                period("FSD5", p.FSD5, i));
+    }
+
+    bool allocate_second_order() {
+        bool made = true;
+        for (Array<c32, 3> *set : {&p.W2R0, &p.W2R1, &p.W2R2, &p.W2R3})
+            made = made && (p.IRAD < 0 || set->alloc(p.NEQN, p.NSYMD, p.NPER));
+        for (Array<c32, 3> *set : {&p.FSR1, &p.FSR2, &p.FSR3})
+            made = made && (p.IRAD < 0 || set->alloc(p.NFSP, p.NSYMD, p.NPER));
+        for (Array<c32, 4> *set : {&p.PHID2, &p.SRCD2, &p.W2D0, &p.W2D0B, &p.W2D1, &p.W2D2, &p.W2D3})
+            made = made && (p.IDIFF < 0 || set->alloc(p.NEQN, p.NBETAM, p.NSYMR, p.NPER));
+        for (Array<c32, 4> *set : {&p.FSD1, &p.FSD2, &p.FSD3, &p.FSD4, &p.FSD5})
+            made = made && (p.IDIFF < 0 || set->alloc(p.NFSP, p.NBETAM, p.NSYMR, p.NPER));
+        return made && (p.IDIFF < 0 || p.VELD2.alloc(p.NEQN, 3 * p.NBETAM, p.NSYMR, p.NPER));
+    }
+
     static Target list(int (&values)[5]) { return {values + 1, 4 * sizeof(int)}; }
-    std::size_t next_length() { return static_cast<std::size_t>(std::max<std::int64_t>(0, file_.next_length())); }
+    std::size_t next_length() {
+        return static_cast<std::size_t>(std::max<std::int64_t>(0, file_.next_length()));
+    }
 
     bool waterline() {
         int NWL = 0;
@@ -137,10 +199,13 @@ private:
         bool made = p.IRAD < 0 || p.PHIR.alloc(p.NEQN, p.NSYMD, p.NPER);
         made = made && (p.IDIFF < 0 || p.PHID.alloc(p.NEQN, p.NBETAM, p.NSYMR, p.NPER));
         if (sources && p.IRAD >= 0)
-            made = made && p.SRCR.alloc(p.NEQN, p.NSYMD, p.NPER) && p.VELR.alloc(p.NEQN, 3 * p.NSYMD, p.NPER);
+            made = made && p.SRCR.alloc(p.NEQN, p.IWADD == 1 ? std::max(p.NSYMD, 3) : p.NSYMD, p.NPER) &&
+                   p.VELR.alloc(p.NEQN, 3 * p.NSYMD, p.NPER);
         if (sources && p.IDIFF >= 0)
             made = made && p.SRCD.alloc(p.NEQN, p.NBETAM, p.NSYMR, p.NPER) &&
                    p.VELD.alloc(p.NEQN, 3 * p.NBETAM, p.NSYMR, p.NPER);
+        if (p.IWADD == 1)
+            made = made && allocate_second_order();
         return made;
     }
 
@@ -150,13 +215,14 @@ private:
     }
 
     bool check_sizes() {
-        const bool good = p.NEQN > 0 && p.NBODY > 0 && p.NSYMD >= 0 && p.NMODES >= 6 && p.NPER >= 0 && p.NBETA >= 0 &&
-                          p.NSYMR >= 0 && p.NSYMR <= 4 && p.NSYMD <= p.NMODES;
+        const bool good = p.NEQN > 0 && p.NBODY > 0 && p.NSYMD >= 0 && p.NMODES >= 6 && p.NPER >= 0 &&
+                          p.NBETA >= 0 && p.NSYMR >= 0 && p.NSYMR <= 4 && p.NFSP >= 0 && p.NSYMD <= p.NMODES;
         return good || refuse("its sizes make no sense");
     }
 
     bool next(const char *what, std::initializer_list<Target> parts) {
-        return file_.read(parts) || refuse(std::string("record ") + what + " is missing or of another length");
+        return file_.read(parts) ||
+               refuse(std::string("record ") + what + " is missing or of another length");
     }
 
     bool skip(const char *what, std::size_t length) {

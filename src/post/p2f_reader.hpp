@@ -34,12 +34,29 @@ struct P2fFile {
     Array<c32, 4> PHID;            // (NEQN,NBETAM,NSYMR,NPER), empty for IDIFF=-1
     // Sources and their velocities, empty as above and unless ISOR=1. In VELR and VELD axis and column share
     // the second index, 3 (column-1) + axis.
-    Array<c32, 3> SRCR; // (NEQN,NSYMD,NPER)
+    Array<c32, 3> SRCR; // (NEQN,NSYMD,NPER), with IWADD=1 (NEQN,max(NSYMD,3),NPER)
     Array<c32, 3> VELR; // (NEQN,3*NSYMD,NPER)
     Array<c32, 4> SRCD; // (NEQN,NBETAM,NSYMR,NPER)
     Array<c32, 4> VELD; // (NEQN,3*NBETAM,NSYMR,NPER)
+
+    // IWADD=1: class maps, from 1, modes of the steady flows, free-surface panels and the flows.
+    int WCLS1[5] = {}, WCLS2[5] = {}, WCLS3[5] = {}, WMODC[5] = {};
+    Array<int, 2> WMODM;
+    Array<int, 1> WMODP;
+    Array<f32, 2> XIVF, ETVF, XCTF, PMOMF;
+    Array<f32, 3> TRMF;
+    Array<f32, 2> STB1, STB2, STF1, STF3;
+    Array<f32, 3> STB3, STF2;
+    // The second-order arrays, empty as above: IRAD=-1 without those of (..,NSYMD,NPER), IDIFF=-1 without the
+    // others.
+    Array<c32, 3> W2R0, W2R1, W2R2, W2R3;        // (NEQN,NSYMD,NPER)
+    Array<c32, 3> FSR1, FSR2, FSR3;              // (NFSP,NSYMD,NPER)
+    Array<c32, 4> PHID2, SRCD2;                  // (NEQN,NBETAM,NSYMR,NPER)
+    Array<c32, 4> VELD2;                         // (NEQN,3*NBETAM,NSYMR,NPER)
+    Array<c32, 4> W2D0, W2D0B, W2D1, W2D2, W2D3; // (NEQN,NBETAM,NSYMR,NPER)
+    Array<c32, 4> FSD1, FSD2, FSD3, FSD4, FSD5;  // (NFSP,NBETAM,NSYMR,NPER)
 };
 
-// Reads the file. False, with the reason in `error`, when it cannot be opened, is no hand-over file of this format, or
-// is cut short.
+// Reads the file. False, with the reason in `error`, when it cannot be opened, is no hand-over file of this
+// format, or is cut short.
 [[nodiscard]] bool read_p2f(const std::string &name, P2fFile &p2f, std::string &error);
