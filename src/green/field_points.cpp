@@ -4,6 +4,7 @@
 #include "run/messages.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -70,10 +71,11 @@ void evaluate_lid(const FieldPanels &panels, f32 HBOT, FieldWork &work) {
         for (int j = 1; j <= panels.n; ++j) {
             const LimitValues g = VGRN0G(work.R(j, k), work.Z(j, k), work.ZETA(j, k), HBOT, work.ISNG(j, k),
                                          work.IBOT(j, k), ZERO_FREQUENCY);
-            work.green(j, k, 2 * G_ + 1) = g.V;
-            work.green(j, k, 2 * G_R + 1) = g.VR;
-            work.green(j, k, 2 * G_Z + 1) = g.VZ;
-            work.green(j, k, 2 * G_ZETA + 1) = g.VZETA;
+            for (const auto &[value, is] :
+                 {std::pair{G_, g.V}, {G_R, g.VR}, {G_Z, g.VZ}, {G_ZETA, g.VZETA}}) {
+                work.green(j, k, 2 * value + 1) = is;
+                work.green(j, k, 2 * value + 2) = 0;
+            }
         }
 }
 

@@ -21,7 +21,7 @@ void find_near(FieldPoint P, const FieldPanels &panels, FieldWork &work);
 // Geometry of all points for P, in units of 1/K, and the selectors of the first column in the others.
 void place_points(FieldPoint P, f32 K, const FieldPanels &panels, FieldWork &work);
 
-// Fills work.green at all points. With the lid only the real parts are formed.
+// Fills work.green at all points.
 void evaluate_wave(const FieldPanels &panels, const FieldWave &wave, GreenOrder order, FieldWork &work);
 void evaluate_lid(const FieldPanels &panels, f32 HBOT, FieldWork &work);
 
