@@ -15,3 +15,7 @@
 // incident wave, the sums over the body are added. Read: PHIR, PHID, PHID2, FSR1, FSD1 and the steady flows.
 // Failed: as above, or the regular part of the kernel has no value.
 [[nodiscard]] Status WDDRHS(const RunState &run, const PeriodWave &wave, ThreadState &thread);
+
+// Parity components P of the incident wave at a point and their derivatives PB by the heading, components
+// from 1 as in WaveComponents.
+void PLNWFS(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], c32 (&P)[5], c32 (&PB)[5]);

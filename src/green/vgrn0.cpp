@@ -30,8 +30,9 @@ f32 polynomial6(const f32 (&c)[7], f32 w) {
     return (((((c[6] * w + c[5]) * w + c[4]) * w + c[3]) * w + c[2]) * w + c[1]) * w + c[0];
 }
 
-// The eight values of a sum of terms, lengths over H.
-struct Sum {
+// The values of a sum of terms, lengths over H: all eight, or G and its first derivatives alone.
+template <GreenOrder ORDER> struct Sum {
+    static constexpr bool SECOND = ORDER == GreenOrder::second;
     f32 R; // R / H
     f32 v[GREEN_VALUES] = {};
 
@@ -41,10 +42,12 @@ struct Sum {
         v[G_R] += by_R;
         v[G_Z] += dz * by_Z;
         v[G_ZETA] += dzeta * by_Z;
-        v[G_RZ] += dz * by_RZ;
-        v[G_RZETA] += dzeta * by_RZ;
-        v[G_ZZ] += by_ZZ;
-        v[G_ZZETA] += dz * dzeta * by_ZZ;
+        if constexpr (SECOND) {
+            v[G_RZ] += dz * by_RZ;
+            v[G_RZETA] += dzeta * by_RZ;
+            v[G_ZZ] += by_ZZ;
+            v[G_ZZETA] += dz * dzeta * by_ZZ;
+        }
     }
 
     // factor / sqrt(R^2 + Z^2)
@@ -58,8 +61,10 @@ struct Sum {
         const f32 t = R * R, w = Z * Z;
         f32 s = 0, s_t = 0, s_w = 0, s_tw = 0, half_ww = 0;
         const auto row = [&](f32 value, f32 slope) {
-            half_ww = half_ww * w + s_w;
-            s_tw = s_tw * w + s_t;
+            if constexpr (SECOND) {
+                half_ww = half_ww * w + s_w;
+                s_tw = s_tw * w + s_t;
+            }
             s_w = s_w * w + s;
             s = s * w + value;
             s_t = s_t * w + slope;
@@ -79,7 +84,8 @@ struct Sum {
 };
 
 // Lengths over H: D = z - zeta, Y = z + zeta, B = Y - 2 with its digits near the bottom.
-void near_images(Sum &sum, f32 D, f32 Y, f32 B, int ISNG, int IBOT, int IPLIM) {
+template <GreenOrder ORDER>
+void near_images(Sum<ORDER> &sum, f32 D, f32 Y, f32 B, int ISNG, int IBOT, int IPLIM) {
     const bool lid = IPLIM == 1, shallow = Y < 1;
     const f32 sigma = lid ? 1.0f : -1.0f;
     const f32(&rest)[22] = REST[lid ? 0 : 1];
@@ -97,7 +103,8 @@ void near_images(Sum &sum, f32 D, f32 Y, f32 B, int ISNG, int IBOT, int IPLIM) {
 }
 
 // Heights above the bottom u = 1 - z, v = 1 - zeta.
-void far_modes(Sum &sum, f32 D, f32 Y, f32 u, f32 v, int ISNG, int IBOT, int IPLIM) {
+template <GreenOrder ORDER>
+void far_modes(Sum<ORDER> &sum, f32 D, f32 Y, f32 u, f32 v, int ISNG, int IBOT, int IPLIM) {
     constexpr int MODES = 7;
     constexpr f32 LAST = 80; // modes of a faster decay are nothing
     const bool lid = IPLIM == 1;
@@ -129,10 +136,12 @@ void far_modes(Sum &sum, f32 D, f32 Y, f32 u, f32 v, int ISNG, int IBOT, int IPL
         sum.v[G_R] -= T1 * cc;
         sum.v[G_Z] += T0 * sc;
         sum.v[G_ZETA] += T0 * cs;
-        sum.v[G_RZ] -= T1 * sc;
-        sum.v[G_RZETA] -= T1 * cs;
-        sum.v[G_ZZ] -= beta * beta * T0 * cc;
-        sum.v[G_ZZETA] += beta * beta * T0 * (su * sv);
+        if constexpr (ORDER == GreenOrder::second) {
+            sum.v[G_RZ] -= T1 * sc;
+            sum.v[G_RZETA] -= T1 * cs;
+            sum.v[G_ZZ] -= beta * beta * T0 * cc;
+            sum.v[G_ZZETA] += beta * beta * T0 * (su * sv);
+        }
         const f32 next_cu = cu * step_cu - su * step_su, next_cv = cv * step_cv - sv * step_sv;
         su = su * step_cu + cu * step_su;
         sv = sv * step_cv + cv * step_sv;
@@ -143,12 +152,11 @@ void far_modes(Sum &sum, f32 D, f32 Y, f32 u, f32 v, int ISNG, int IBOT, int IPL
     }
 }
 
-} // namespace
-
-void VGRN0(f32 R, f32 Z, f32 ZETA, f32 H, int ISNG, int IBOT, int IPLIM, f32 (&record)[16]) {
-    const f32 scale = H > 0 ? 1 / H : 1.0f;
+// One pair, lengths over H.
+template <GreenOrder ORDER>
+Sum<ORDER> limit_sum(f32 scale, f32 R, f32 Z, f32 ZETA, f32 H, int ISNG, int IBOT, int IPLIM) {
     const f32 D = (Z - ZETA) * scale, Y = (Z + ZETA) * scale;
-    Sum sum{R * scale};
+    Sum<ORDER> sum{R * scale};
     if (H > 0) {
         const f32 u = (H - Z) * scale, v = (H - ZETA) * scale;
         if (sum.R > 1)
@@ -160,9 +168,27 @@ void VGRN0(f32 R, f32 Z, f32 ZETA, f32 H, int ISNG, int IBOT, int IPLIM, f32 (&r
         if (ISNG < 1)
             sum.add_image(1, D, 1, -1);
     }
+    return sum;
+}
+
+f32 scale_of(f32 H) {
+    return H > 0 ? 1 / H : 1.0f;
+}
+
+} // namespace
+
+void VGRN0(f32 R, f32 Z, f32 ZETA, f32 H, int ISNG, int IBOT, int IPLIM, f32 (&record)[16]) {
+    const f32 scale = scale_of(H);
+    const auto sum = limit_sum<GreenOrder::second>(scale, R, Z, ZETA, H, ISNG, IBOT, IPLIM);
     for (int j = 0; j < GREEN_VALUES; ++j) {
         const bool first = j == G_R || j == G_Z || j == G_ZETA;
         record[2 * j] = sum.v[j] * scale * (j == G_ ? 1.0f : first ? scale : scale * scale);
         record[2 * j + 1] = 0;
     }
+}
+
+LimitValues VGRN0G(f32 R, f32 Z, f32 ZETA, f32 H, int ISNG, int IBOT, int IPLIM) {
+    const f32 scale = scale_of(H), scale2 = scale * scale;
+    const auto sum = limit_sum<GreenOrder::first>(scale, R, Z, ZETA, H, ISNG, IBOT, IPLIM);
+    return {sum.v[G_] * scale, sum.v[G_R] * scale2, sum.v[G_Z] * scale2, sum.v[G_ZETA] * scale2};
 }

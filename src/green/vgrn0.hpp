@@ -11,3 +11,9 @@
 // image series, farther away the expansion in modes. (Newman 1992, The Green function for potential flow in a
 // rectangular channel, Journal of Engineering Mathematics 26, for the method.)
 void VGRN0(f32 R, f32 Z, f32 ZETA, f32 H, int ISNG, int IBOT, int IPLIM, f32 (&record)[16]);
+
+// The value and the first derivatives alone, equal to those of VGRN0.
+struct LimitValues {
+    f32 V, VR, VZ, VZETA;
+};
+LimitValues VGRN0G(f32 R, f32 Z, f32 ZETA, f32 H, int ISNG, int IBOT, int IPLIM);
