@@ -1,0 +1,304 @@
+// Whole runs for wave drift damping. Truth: the same body with and without its symmetry planes, in other
+// stores, by other solvers and on other numbers of threads; the condition on the hull; differences between
+// runs.
+#include "base/text.hpp"
+#include "case_folder.hpp"
+
+#include <cmath>
+
+namespace {
+
+using Vertices = std::array<std::array<double, 2>, 4>;
+
+// Panels of an FDF file.
+std::vector<Vertices> read_fdf(const CaseFolder &folder) {
+    FreeReader in;
+    std::string title;
+    f32 radius = 0;
+    int n = 0, other = 0;
+    EXPECT_TRUE(in.open((folder.path() / "run.fdf").string()) && in.line(title, 72) && in.read(radius) &&
+                in.read(n, other) && in.read(other));
+    std::vector<Vertices> panels(static_cast<std::size_t>(n));
+    for (Vertices &panel : panels) {
+        f32 xy[8];
+        EXPECT_TRUE(in.read_array(xy, 8));
+        for (std::size_t v = 0; v < 4; ++v)
+            panel[v] = {xy[v], xy[v + 4]};
+    }
+    return panels;
+}
+
+// The file of these panels and their images in the planes that are not planes of symmetry any more.
+void write_fdf(const CaseFolder &folder, const std::vector<Vertices> &panels, bool mirror_x, bool mirror_y) {
+    std::ostringstream out;
+    const std::size_t images = (mirror_x ? 2 : 1) * (mirror_y ? 2 : 1);
+    out << "images\n0\n" << images * panels.size() << " 0\n0\n";
+    for (const double sx : {1, -1}) {
+        for (const double sy : {1, -1}) {
+            if ((sx < 0 && !mirror_x) || (sy < 0 && !mirror_y))
+                continue;
+            for (const Vertices &panel : panels) {
+                for (const std::size_t c : {0, 1}) {
+                    for (std::size_t v = 0; v < 4; ++v) // an image runs the other way
+                        out << (c == 0 ? sx : sy) * panel[sx * sy > 0 ? v : 3 - v][c] << ' ';
+                }
+                out << '\n';
+            }
+        }
+    }
+    folder.write("run.fdf", out.str());
+}
+
+Pot drift_pot() {
+    Pot pot;
+    pot.ISOR = 1;
+    pot.PER = "0.9";
+    pot.BETA = "30.0";
+    return pot;
+}
+void prepare_drift(const CaseFolder &folder, const Pot &pot, const std::string &mesh,
+                   const std::string &config = "MAXSCR=5000\nISOLVE=1\n") {
+    prepare(folder, pot);
+    folder.write("config.vrd", "IPERIO=3\nIWADD=1\n" + config);
+    folder.write("fnames.vrd", "run.gdf\nrun.pot\n\n\nrun.fdf\n");
+    make_mesh(folder, mesh);
+}
+const std::string CYLINDER = "cylinder --radius 1 --draft 1 --nu 4 --nv 3 --nw 2 --part ";
+const std::string BOX = "box --length 2.4 --beam 1.4 --draft 0.7 --nu 4 --nv 3 --nw 2 --part ";
+void run_drift(const CaseFolder &folder, P2fFile &p2f) {
+    Coefficients c;
+    folder.solve();
+    folder.results(p2f, c);
+}
+
+// Values of an array of a period on the panels: one column of numbers for each mode and component,
+// diffraction summed over the classes.
+struct Field {
+    std::string name;
+    bool surface; // on free-surface panels, not on the hull
+    std::vector<std::vector<c32>> columns;
+};
+
+template <class T> std::vector<c32> column_of(const T *values, std::int64_t n) {
+    return {values, values + n};
+}
+
+void add_real(std::vector<Field> &fields, const char *name, bool surface, const auto &array) {
+    Field field{name, surface, {}};
+    const std::int64_t n = array.dim(1);
+    for (std::int64_t c = 0; c < array.size() / n; ++c)
+        field.columns.push_back(column_of(array.data() + c * n, n));
+    fields.push_back(field);
+}
+// Columns by mode, each of `parts` components.
+void add_radiation(std::vector<Field> &fields, const P2fFile &p, const char *name, const Array<c32, 3> &array,
+                   int t, int parts = 1) {
+    const std::int64_t n = array.dim(1);
+    Field field{name, n != p.NEQN, {}};
+    for (int mode = 1; mode <= 6; ++mode)
+        for (int a = 1; a <= parts; ++a)
+            field.columns.push_back(column_of(&array(1, parts * (p.MODPOS(mode) - 1) + a, t), n));
+    fields.push_back(field);
+}
+void add_diffraction(std::vector<Field> &fields, const P2fFile &p, const char *name,
+                     const Array<c32, 4> &array, int t) {
+    const std::int64_t n = array.dim(1);
+    Field field{name, n != p.NEQN, {}};
+    for (std::int64_t c = 1; c <= array.dim(2); ++c) {
+        std::vector<c32> sum(static_cast<std::size_t>(n));
+        for (int s = 1; s <= p.NSYMR; ++s)
+            for (std::int64_t i = 1; i <= n; ++i)
+                sum[static_cast<std::size_t>(i - 1)] += array(i, c, s, t);
+        field.columns.push_back(sum);
+    }
+    fields.push_back(field);
+}
+
+std::vector<Field> fields_of(const P2fFile &p, int t = 1) {
+    std::vector<Field> fields;
+    Field waterline{"STB1", false, {{}, {}}};
+    for (int d = 1; d <= 2; ++d) {
+        std::vector<c32> &column = waterline.columns[static_cast<std::size_t>(d - 1)];
+        column.resize(static_cast<std::size_t>(p.NEQN));
+        for (int u = 1; u <= p.NWLB(1); ++u)
+            column[static_cast<std::size_t>(p.IWLP(u) - 1)] = p.STB1(u, d);
+    }
+    fields.push_back(waterline);
+    add_real(fields, "STB2", false, p.STB2);
+    add_real(fields, "STB3", false, p.STB3);
+    add_real(fields, "STF1", true, p.STF1);
+    add_real(fields, "STF2", true, p.STF2);
+    add_real(fields, "STF3", true, p.STF3);
+    for (const auto &[name, array] : {std::pair{"PHIR", &p.PHIR},
+                                      {"SRCR", &p.SRCR},
+                                      {"W2R0", &p.W2R0},
+                                      {"W2R1", &p.W2R1},
+                                      {"W2R2", &p.W2R2},
+                                      {"W2R3", &p.W2R3},
+                                      {"FSR1", &p.FSR1},
+                                      {"FSR2", &p.FSR2},
+                                      {"FSR3", &p.FSR3}})
+        add_radiation(fields, p, name, *array, t);
+    add_radiation(fields, p, "VELR", p.VELR, t, 3);
+    for (const auto &[name, array] : {std::pair{"PHID", &p.PHID},
+                                      {"SRCD", &p.SRCD},
+                                      {"VELD", &p.VELD},
+                                      {"PHID2", &p.PHID2},
+                                      {"SRCD2", &p.SRCD2},
+                                      {"VELD2", &p.VELD2},
+                                      {"W2D0", &p.W2D0},
+                                      {"W2D0B", &p.W2D0B},
+                                      {"W2D1", &p.W2D1},
+                                      {"W2D2", &p.W2D2},
+                                      {"W2D3", &p.W2D3},
+                                      {"FSD1", &p.FSD1},
+                                      {"FSD2", &p.FSD2},
+                                      {"FSD3", &p.FSD3},
+                                      {"FSD4", &p.FSD4},
+                                      {"FSD5", &p.FSD5}})
+        add_diffraction(fields, p, name, *array, t);
+    return fields;
+}
+
+// For each centroid of `few` the nearest of `many`, from 0.
+std::vector<std::size_t> matches(const Array<f32, 2> &few, const Array<f32, 2> &many) {
+    std::vector<std::size_t> place;
+    for (int i = 1; i <= few.dim(2); ++i) {
+        std::int64_t best = 1;
+        const auto squared = [&](std::int64_t j) {
+            f32 sum = 0;
+            for (int c = 1; c <= 3; ++c)
+                sum += (few(c, i) - many(c, j)) * (few(c, i) - many(c, j));
+            return sum;
+        };
+        for (std::int64_t j = 1; j <= many.dim(2); ++j)
+            best = squared(j) < squared(best) ? j : best;
+        EXPECT_LT(squared(best), 1e-8f);
+        place.push_back(static_cast<std::size_t>(best - 1));
+    }
+    return place;
+}
+
+// Largest difference of each array on the panels of `few`, as part of its largest value.
+void expect_same(const P2fFile &few, const P2fFile &many, double tolerance) {
+    const auto a = fields_of(few), b = fields_of(many);
+    const auto hull = matches(few.XCT, many.XCT), surface = matches(few.XCTF, many.XCTF);
+    for (std::size_t f = 0; f < a.size(); ++f) {
+        const auto &place = a[f].surface ? surface : hull;
+        double worst = 0, largest = 0;
+        ASSERT_EQ(a[f].columns.size(), b[f].columns.size()) << a[f].name;
+        for (std::size_t c = 0; c < a[f].columns.size(); ++c) {
+            for (std::size_t i = 0; i < place.size(); ++i) {
+                worst = std::max(
+                    worst, static_cast<double>(std::abs(a[f].columns[c][i] - b[f].columns[c][place[i]])));
+                largest = std::max(largest, static_cast<double>(std::abs(b[f].columns[c][place[i]])));
+            }
+        }
+        EXPECT_LT(worst, tolerance * largest) << a[f].name;
+        EXPECT_GT(largest, 0) << a[f].name;
+        std::printf("%-6s %.1e of %.3g\n", a[f].name.c_str(), worst / largest, largest);
+    }
+}
+
+TEST(DriftDamping, PartsOfAMeshGiveTheWhole) {
+    for (const std::string &mesh : {CYLINDER, BOX}) {
+        P2fFile quarter;
+        CaseFolder first;
+        prepare_drift(first, drift_pot(), mesh + "quarter");
+        run_drift(first, quarter);
+        EXPECT_NE(first.list().find("Creates the free surface data file FDF"), std::string::npos);
+        const auto panels = read_fdf(first);
+        for (const std::string part : {"half-x", "half-y", "full"}) {
+            SCOPED_TRACE(mesh + part);
+            CaseFolder folder;
+            prepare_drift(folder, drift_pot(), mesh + part);
+            write_fdf(folder, panels, part != "half-x", part != "half-y");
+            P2fFile p2f;
+            run_drift(folder, p2f);
+            EXPECT_NE(folder.list().find(" Input from Free Surface Data File:      run.fdf"),
+                      std::string::npos);
+            expect_same(quarter, p2f, 1e-3);
+        }
+    }
+}
+
+// The matrices in memory and on scratch files, direct and by iteration: every setting that is admitted.
+TEST(DriftDamping, StoresAndSolversGiveTheSame) {
+    P2fFile direct;
+    for (const char *config :
+         {"MAXSCR=5000\nISOLVE=1\n", "MAXSCR=5000\nISOLVE=0\n", "MAXSCR=5000\nISOLVE=1\nIUSESCR=1\n",
+          "MAXSCR=5000\nISOLVE=0\nIUSESCR=1\n", "MAXSCR=2\nISOLVE=0\n", "MAXSCR=9\nISOLVE=0\n",
+          "MAXSCR=5000\nISOLVE=-1\n", "MAXSCR=9\nISOLVE=-1\n", "MAXSCR=9\nISOLVE=400\n"}) {
+        SCOPED_TRACE(config);
+        CaseFolder folder;
+        Pot pot = drift_pot();
+        pot.PER = "0.9 1.4";
+        pot.NPER = 2;
+        prepare_drift(folder, pot, BOX + "half-y", config);
+        P2fFile p2f;
+        run_drift(folder, direct.NEQN == 0 ? direct : p2f);
+        if (p2f.NEQN > 0)
+            expect_same(direct, p2f, 1e-4);
+        const bool by_iteration = std::string(config).find("ISOLVE=1") == std::string::npos;
+        EXPECT_NE(folder.list().find(by_iteration ? "       8 ( " : "      -1 (-1)  -1 (-1)"),
+                  std::string::npos)
+            << folder.list();
+        for (const std::string &name : folder.files())
+            EXPECT_EQ(name.find("SCRATCH"), std::string::npos) << name;
+    }
+}
+
+// Periods side by side, or the rows of one period: the same bytes.
+TEST(DriftDamping, DoesNotDependOnTheThreads) {
+    for (const int NPER : {1, 3}) {
+        P2fFile p2f[2];
+        for (const int threads : {1, 2}) {
+            CaseFolder folder;
+            Pot pot = drift_pot();
+            pot.PER = "0.9 1.4 2.0";
+            pot.NPER = NPER;
+            pot.HBOT = "2.0";
+            prepare_drift(folder, pot, BOX + "quarter");
+            folder.solve("OMP_NUM_THREADS=" + std::to_string(threads));
+            Coefficients c;
+            folder.results(p2f[threads - 1], c);
+        }
+        for (int t = 1; t <= NPER; ++t) {
+            const auto a = fields_of(p2f[0], t), b = fields_of(p2f[1], t);
+            for (std::size_t f = 0; f < a.size(); ++f)
+                EXPECT_TRUE(a[f].columns == b[f].columns) << a[f].name;
+        }
+    }
+}
+
+// No flow goes through the hull, with the incident wave and in the modes of motion.
+TEST(DriftDamping, VelocitiesMeetTheHull) {
+    CaseFolder folder;
+    Pot pot = drift_pot();
+    pot.HBOT = "3.0";
+    prepare_drift(folder, pot, BOX + "half-x");
+    P2fFile p;
+    run_drift(folder, p);
+    for (int i = 1; i <= p.NEQN; ++i) {
+        const auto through = [&](auto velocity) {
+            c32 sum = 0;
+            for (int c = 1; c <= 3; ++c)
+                sum += p.VEL(c, i) * velocity(c);
+            return sum;
+        };
+        constexpr f32 ROUNDING = 3e-6f;
+        for (int mode = 1; mode <= 6; ++mode) {
+            const int column = 3 * (p.MODPOS(mode) - 1);
+            const c32 normal = through([&](int c) { return p.VELR(i, column + c, 1); });
+            EXPECT_LT(std::abs(normal - p.VEL(mode, i)), ROUNDING);
+        }
+        for (int d = 1; d <= 3; ++d)
+            EXPECT_LT(std::abs(through([&](int c) { return p.STB3(i, c, d); })), ROUNDING);
+        for (int s = 1; s <= p.NSYMR; ++s) {
+            EXPECT_LT(std::abs(through([&](int c) { return p.VELD(i, c, s, 1); })), ROUNDING);
+            EXPECT_LT(std::abs(through([&](int c) { return p.VELD2(i, c, s, 1); })), ROUNDING);
+        }
+    }
+}
+
+} // namespace
