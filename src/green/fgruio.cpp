@@ -70,10 +70,14 @@ void evaluate_images(const DepthPoints &p, f32 H, int n, DepthWork &work) {
             ISNG[q * count + i] = q == SURFACE ? 3 : 1;
         }
     }
-    f32 *value[INFINITE_VALUES];
+    InfiniteArrays value;
     for (int j = 0; j < INFINITE_VALUES; ++j)
-        value[j] = &work.F(1, j + 1);
-    IGRUIO({POSITIONS * count, X, Y, ISNG}, work.infinite, value);
+        value.value[j] = &work.F(1, j + 1);
+    // All images but the last are deeper than H.
+    const int distant = H > DISTANT ? SURFACE * count : 0;
+    IGRUIO_distant(distant, X, Y, value);
+    IGRUIO({POSITIONS * count - distant, X + distant, Y + distant, ISNG + distant}, work.infinite,
+           value.from(distant));
 }
 
 // The block of points `first` to `first` + GREEN_LANES - 1 of `sorted`, from 0; `n` near points.
