@@ -1,5 +1,5 @@
 // The shape of the near-field polynomials of finite depth and their evaluation.
-//   S(t, w) = sum over j of w^j s_j(t),   P(t, y) = sum over j of y^j p_j(t)
+//   S(t, w) = sum over j of w^j s_j(t),   P(t, y) = sum over j of y^j p_j(t),   S3 like S
 // Coefficients are stored row by row, the row of the highest j first, a row by falling power of t; the last
 // one is the constant.
 #pragma once
@@ -9,6 +9,11 @@
 struct ShapeS {
     static constexpr int ROWS = 9, TERMS = 91;
     static constexpr int DEGREE[ROWS] = {5, 7, 8, 9, 10, 10, 11, 11, 11}; // of s_8 to s_0
+};
+
+struct ShapeS3 {
+    static constexpr int ROWS = 8, TERMS = 33;
+    static constexpr int DEGREE[ROWS] = {1, 2, 3, 3, 4, 4, 4, 4}; // of s_7 to s_0
 };
 
 struct ShapeP {
@@ -25,6 +30,7 @@ template <class Shape> constexpr int row_start(int row) {
 }
 static_assert(row_start<ShapeS>(ShapeS::ROWS) == ShapeS::TERMS);
 static_assert(row_start<ShapeP>(ShapeP::ROWS) == ShapeP::TERMS);
+static_assert(row_start<ShapeS3>(ShapeS3::ROWS) == ShapeS3::TERMS);
 
 // Sums of a polynomial at (t, v), v = w or y: value and derivatives; `half_vv` is half the second derivative,
 // as nested division gives it.

@@ -14,6 +14,11 @@
 constexpr int GREEN_LANES = 16;
 static_assert(BATCH % GREEN_LANES == 0);
 
+// n points in whole blocks.
+constexpr int padded(int n) {
+    return (n + GREEN_LANES - 1) / GREEN_LANES * GREEN_LANES;
+}
+
 struct GreenBlock {
     alignas(64) f32 X[GREEN_LANES]; // R
     alignas(64) f32 Y[GREEN_LANES]; // z + zeta

@@ -2,8 +2,8 @@
 
 #include "green/bessel_fits.hpp"
 #include "green/depth_coefficients.hpp"
+#include "green/depth_roots.hpp"
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -19,37 +19,12 @@ constexpr f32 B5[5] = {1.0000001f, 0.079573318f, -0.005241652f, 0.00086858543f, 
 
 constexpr f32 PI_F = 3.14159265f;
 
-// Root m of m tanh(m) = H.
-f32 propagating_root(f32 H) {
-    f32 m;
-    if (H <= 2) {
-        m = std::sqrt(H) * (1 + 0.169f * H + 0.031f * H * H);
-    } else {
-        const f32 E0 = std::exp(-std::min(2 * H, 30.0f));
-        m = H + H * E0 * (2 - 12 * E0);
-    }
-    if (H <= 4.8f) {
-        // One third-order step on atanh(H/m) = m. The logarithm of (m + H)/(m - H) is taken as log1p: at
-        // small H the quotient is near 1 and its own rounding would be all the error of k.
-        const f32 q = (H - m) * (H + m), p = 1 / (H - q);
-        const f32 f = (0.5f * std::log1p(2 * H / (m - H)) - m) * p;
-        m -= f * (1 + H * m * f * p) * q;
-    }
-    return m;
-}
-
 // Evanescent wave numbers and the two polynomials of each mode.
 void evanescent_modes(f32 H, GSTATE &state) {
-    const f32 x = H / (H + 2.3333f);
-    f32 y = (0.0371f / H + 0.1191f + (4.3152f - 2.8768f * x) * x) * x;
+    f32 y = 0;
     for (int n = 1; n <= 5; ++n) {
-        if (n > 1)
-            y *= x;
-        // m = n pi - y solves m tan(m) = -H; one third-order step on atan(H/m) = y.
-        f32 m = static_cast<f32>(n) * PI_F - y;
-        const f32 S = m * m + H * H, p = 1 / (H - S), f = (std::atan(H / m) - y) * p;
-        y -= S * f * (1 + m * p * f * H);
-        m = static_cast<f32>(n) * PI_F - y;
+        y = evanescent_angle(H, n, y, 1);
+        const f32 m = static_cast<f32>(n) * PI_F - y;
         const f32 mu = m / H;
         state.EVK[n - 1] = mu;
 
@@ -100,7 +75,7 @@ int HGRN98(f32 H, f32 &RATIO, GSTATE &state) {
     state.HINV2X2 = 2 * state.HINV2;
     state.HINV2X8 = 8 * state.HINV2;
 
-    const f32 m = propagating_root(H), k = m / H;
+    const f32 m = propagating_root(H, 1), k = m / H;
     state.RK = k;
     state.RKSQ = k * k;
     state.RKTWO = 2 * k;

@@ -16,7 +16,7 @@ enum Flag { NEAR = 1, SELECTOR, BOTTOM };
 struct BlockColumns {
     const f32 *R, *c, *s, *Z, *ZETA;
     const int *IFLAG;
-    const f32 *value[2][GREEN_VALUES]; // real, imaginary
+    const f32 *value[2][DEPTH_VALUES]; // real, imaginary; in deep water only those of the record
 };
 
 // Sums of one part of the complex numbers, without the explicit terms.
@@ -75,6 +75,23 @@ template <bool DEEP> [[gnu::always_inline]] inline void explicit_terms(const Blo
     }
 }
 
+// Depth H, with the derivatives by it.
+[[gnu::always_inline]] inline void finite_sums(const BlockColumns &g, f32 H, int part, Sums &s) {
+    const f32 *const *G = g.value[part];
+#pragma omp simd
+    for (int k = 0; k < GREEN_LANES; ++k) {
+        const f32 R = g.R[k], z = g.Z[k], zeta = g.ZETA[k];
+        const f32 U = G[G_][k] + R * G[G_R][k] + H * G[G_H][k] + zeta * G[G_ZETA][k] + z * G[G_Z][k];
+        s.Qs[k] = G[G_R][k] - R * G[G_ZZ][k] + H * G[G_RH][k] + zeta * G[G_RZETA][k] + z * G[G_RZ][k];
+        s.E[k] = U - (G[G_H][k] + G[G_ZETA][k] + G[G_Z][k]);
+        s.U[k] = U;
+        s.T[k] = 4 * G[G_ZETA][k] +
+                 2 * (H * G[G_ZETAH][k] + zeta * G[G_ZZ][k] + z * G[G_ZZETA][k] + R * G[G_RZETA][k]);
+        s.V[k] = 2 * G[G_RZETA][k] - R * G[G_ZZZETA][k] + H * G[G_RZETAH][k] + zeta * G[G_RZZ][k] +
+                 z * G[G_RZZETA][k];
+    }
+}
+
 // Rows of one part. On one vertical G is a function of R^2 to any order, so that B = -E/2 and Wc = 0.
 template <bool REAL>
 [[gnu::always_inline]] inline void rows(const BlockColumns &g, const Sums &s, const Explicit &e,
@@ -107,6 +124,16 @@ VORDA_SIMD void deep_block(const BlockColumns &g, Rows &r) {
     deep_sums(g, 0, s);
     rows<true>(g, s, e, r.v[0]);
     deep_sums(g, 1, s);
+    rows<false>(g, s, e, r.v[1]);
+}
+
+VORDA_SIMD void finite_block(const BlockColumns &g, f32 H, Rows &r) {
+    Sums s;
+    Explicit e;
+    explicit_terms<false>(g, e);
+    finite_sums(g, H, 0, s);
+    rows<true>(g, s, e, r.v[0]);
+    finite_sums(g, H, 1, s);
     rows<false>(g, s, e, r.v[1]);
 }
 
@@ -148,31 +175,45 @@ bool prepare(const KernelPoints &p, int padded, RegularWork &work) {
     return good;
 }
 
+Status evaluate(const KernelPoints &points, f32 H, const GSTATE &gstate, RegularWork &work) {
+    const f32 *R = &work.geometry(1, DISTANCE), *Z = &work.geometry(1, DEPTH1),
+              *ZETA = &work.geometry(1, DEPTH2);
+    GreenArrays record;
+    DepthArrays arrays;
+    for (int j = 0; j < DEPTH_VALUES; ++j) {
+        arrays.re[j] = &work.values(1, 1, j + 1);
+        arrays.im[j] = &work.values(1, 2, j + 1);
+    }
+    if (H > 0) {
+        if (failed(FGRUIO({points.n, R, Z, ZETA}, H, work.depth, arrays)))
+            return MSGOUT("REGPAR: ERROR IN CALL TO FGRUIO");
+        return Status::ok;
+    }
+    for (int j = 0; j < GREEN_VALUES; ++j) {
+        record.re[j] = arrays.re[j];
+        record.im[j] = arrays.im[j];
+    }
+    VGRN98({points.n, R, Z, ZETA, &work.flags(1, SELECTOR), &work.flags(1, BOTTOM)}, H, gstate,
+           GreenOrder::second, work.green, record);
+    return Status::ok;
+}
+
 } // namespace
 
 bool RegularWork::alloc(int n) {
-    const int padded = (n + GREEN_LANES - 1) / GREEN_LANES * GREEN_LANES;
-    return geometry.alloc(padded, DEPTH2) && flags.alloc(padded, BOTTOM) &&
-           values.alloc(padded, 2, GREEN_VALUES) && green.alloc(padded);
+    const int all = padded(n);
+    return geometry.alloc(all, DEPTH2) && flags.alloc(all, BOTTOM) && values.alloc(all, 2, DEPTH_VALUES) &&
+           green.alloc(n) && depth.alloc(n);
 }
 
 Status REGPAR(const KernelPoints &points, f32 H, const GSTATE &gstate, RegularWork &work,
               RegularTerms *result) {
     if (points.n < 1)
         return Status::ok;
-    const int padded = (points.n + GREEN_LANES - 1) / GREEN_LANES * GREEN_LANES;
-    if (!prepare(points, padded, work))
+    if (!prepare(points, padded(points.n), work))
         return MSGOUT("REGPAR: XX+Y*Y TOO SMALL");
-    GreenArrays arrays;
-    for (int j = 0; j < GREEN_VALUES; ++j) {
-        arrays.re[j] = &work.values(1, 1, j + 1);
-        arrays.im[j] = &work.values(1, 2, j + 1);
-    }
-    const auto column = [&](Geometry g) { return &work.geometry(1, g); };
-    VGRN98({points.n, column(DISTANCE), column(DEPTH1), column(DEPTH2), &work.flags(1, SELECTOR),
-            &work.flags(1, BOTTOM)},
-           H, gstate, GreenOrder::second, work.green, arrays);
-
+    if (failed(evaluate(points, H, gstate, work)))
+        return Status::failed;
     Rows r;
     for (int first = 1; first <= points.n; first += GREEN_LANES) {
         BlockColumns g{&work.geometry(first, DISTANCE),
@@ -182,11 +223,14 @@ Status REGPAR(const KernelPoints &points, f32 H, const GSTATE &gstate, RegularWo
                        &work.geometry(first, DEPTH2),
                        &work.flags(first, NEAR),
                        {}};
-        for (int j = 0; j < GREEN_VALUES; ++j) {
+        for (int j = 0; j < DEPTH_VALUES; ++j) {
             g.value[0][j] = &work.values(first, 1, j + 1);
             g.value[1][j] = &work.values(first, 2, j + 1);
         }
-        deep_block(g, r);
+        if (H > 0)
+            finite_block(g, H, r);
+        else
+            deep_block(g, r);
         for (int k = 0; k < GREEN_LANES && first + k <= points.n; ++k)
             store(r, k, result[first + k - 1]);
     }

@@ -6,6 +6,7 @@
 
 #include "base/array.hpp"
 #include "base/types.hpp"
+#include "green/fgruio.hpp"
 #include "green/gstate.hpp"
 #include "green/vgrn98.hpp"
 
@@ -31,6 +32,7 @@ struct RegularWork {
     Array<f32, 3> values;   // (points, real and imaginary part, value) of the Green function
     Array<int, 2> flags;    // (points, 3) IFLAG, ISNG, IBOT
     GreenWork green;
+    DepthWork depth;
     // False: no memory for n points.
     [[nodiscard]] bool alloc(int n);
 };
@@ -38,7 +40,7 @@ struct RegularWork {
 // Stores one record a point in `result`. H is the depth times nu, <= 0: deep water; `gstate` as for VGRN98.
 // Straight above each other (R <= 1e-5) the terms of one direction are 0 and the others have their limit R ->
 // 0. The result of a point depends neither on its place nor on the other points. Fails when both points of a
-// pair are at one point of the free surface, R^2 + Y^2 < 5e-7.
+// pair are at one point of the free surface, R^2 + Y^2 < 5e-7, or FGRUIO does.
 [[nodiscard]] Status REGPAR(const KernelPoints &points, f32 H, const GSTATE &gstate, RegularWork &work,
                             RegularTerms *result);
 

@@ -129,10 +129,15 @@ INSTANTIATE_TEST_SUITE_P(Deep, WaveNumberKernel,
                                          Pair{-1, 3, -4, 0.7, 1.2}, Pair{-1, 1, 1, 2, 3.5},
                                          Pair{-1, 9, 2, 3, 2}, Pair{-1, 0.01, -0.02, 0.05, 0.2}));
 
+INSTANTIATE_TEST_SUITE_P(Finite, WaveNumberKernel,
+                         testing::Values(Pair{0.3, 0.02, 0.1, 0.02, 0.1}, Pair{0.3, 0.3, -0.1, 0.2, 0.1},
+                                         Pair{1.5, 0.3, 0.4, 0.5, 1.1}, Pair{1.5, -2, 1, 0.3, 0.1},
+                                         Pair{6, 1, 2, 2, 4}, Pair{6, 3, 1, 1, 0.5}, Pair{30, 3, 3, 0.5, 1}));
+
 // Straight above each other the horizontal directions are alike, and a pair next to it differs by its
 // distance.
 TEST(WaveNumberKernelLimits, StraightAbove) {
-    for (const double H : {-1.0})
+    for (const double H : {-1.0, 1.5})
         for (const int near : {0, 1}) {
             const auto above = list(regular({H, 0, 0, 0.2, 0.4}, near)),
                        beside = list(regular({H, 3e-5, 4e-5, 0.2, 0.4}, near));

@@ -3,13 +3,17 @@
 //   I(R, Z) = PV integral over s from 0 to infinity of
 //             (s + 1) exp(-s H) cosh(s Z) J0(s R) / (s sinh(s H) - cosh(s H)) ds
 //   S(t, w) = I(R, Z),   P(t, y) = I(R, 2 H - Y) - F2(R, Y) - 1/sqrt(R^2 + Y^2)
+//   S3(t, w) = I(R, Z) - Phi(R, 2 H - Z) - Phi(R, 2 H + Z), t = (2 R/H)^2, w = (Z/(2 H))^2,
+//   Phi(R, Y) = F2(R, Y) + 1/sqrt(R^2 + Y^2)
 // With x = s H, H S and H P are integrals over x that have no length in them. They are taken along a ray from
 // 0 that passes above the poles x = m (m tanh m = H) and x = H on the real axis: the arc at infinity gives
 // nothing, half the residues are imaginary, and so the real part is the principal value. On the ray the
 // integrand neither has poles nor cancels. In P the difference of I and F2 + 1/r1 is formed under the
 // integral,
 //   H P = PV integral of (x + H) J0 [(x - H) exp(-x (4 - y)) + (x + H) exp(-x (2 + y))] / ((x - H) Q) dx,
-//   Q = (x - H) - (x + H) exp(-2 x).
+//   Q = (x - H) - (x + H) exp(-2 x),
+// and in S3 likewise
+//   H S3 = PV integral of 2 (x + H)^2 exp(-4 x) cosh(x Z/H) J0 / ((x - H) Q) dx.
 #pragma once
 
 #include "f2_definition.hpp"
@@ -38,16 +42,16 @@ inline double propagating_root_definition(double H) {
 
 class DepthDefinition {
   public:
-    enum class Function { S, P };
+    enum class Function { S, P, S3 };
 
-    // A function on all pairs of the given t and of the given w (S) or y (P).
+    // A function on all pairs of the given t and of the given w (S, S3) or y (P).
     DepthDefinition(Function which, std::vector<double> t, std::vector<double> vertical)
         : which_(which), t_(std::move(t)), vertical_(std::move(vertical)) {
         make_ray();
         for (const double at : t_)
-            add_radial(at);
+            add_radial(at * t_scale());
         for (const double at : vertical_)
-            add_vertical(at);
+            add_vertical(at * w_scale());
     }
 
     // H times the value and its derivatives for depth H; index i + k * (number of t). Without `derivatives`
@@ -75,21 +79,48 @@ class DepthDefinition {
                 out.f = real_part(radial_[i], 0, v, 0);
                 if (!derivatives)
                     continue;
-                out.t = real_part(radial_[i], 1, v, 0);
-                out.v = real_part(radial_[i], 0, v, 1);
-                out.tv = real_part(radial_[i], 1, v, 1);
-                out.vv = real_part(radial_[i], 0, v, 2);
+                out.t = t_scale() * real_part(radial_[i], 1, v, 0);
+                out.v = w_scale() * real_part(radial_[i], 0, v, 1);
+                out.tv = t_scale() * w_scale() * real_part(radial_[i], 1, v, 1);
+                out.vv = w_scale() * w_scale() * real_part(radial_[i], 0, v, 2);
             }
         }
         return result;
     }
 
-    // What multiplies ln m at small H: H S + L ln m (or H P + L ln m) is analytic in H at H = 0, and so is L.
+    // Of S3 alone: the slope in H of H times the value, at fixed t and w.
+    std::vector<double> slope_of_times_depth(double H) const {
+        const std::size_t n = x_.size();
+        std::vector<double> result;
+        Factor v;
+        v.resize(n);
+        for (std::size_t k = 0; k < vertical_.size(); ++k) {
+            for (std::size_t q = 0; q < n; ++q) {
+                const complex x = x_[q], ex = std::exp(-2.0 * x), Q = (x - H) - (x + H) * ex;
+                complex first, second;
+                kernel(H, x, weight_[q], first, second);
+                const complex value =
+                    first * (2.0 / (x + H) + 1.0 / (x - H) + (1.0 + ex) / Q) * near_[0][k * n + q];
+                v.re[0][q] = value.real();
+                v.im[0][q] = value.imag();
+            }
+            for (const Factor &radial : radial_)
+                result.push_back(real_part(radial, 0, v, 0));
+        }
+        return result;
+    }
+
+    // What multiplies ln m at small H: H S + L ln m (or with P or S3) is analytic in H at H = 0, and so is L.
     static double logarithm_factor(Function which, double H, double t, double vertical) {
         const double m = propagating_root_definition(H), q = (m - H) * (m + H), f = 2 * q / (q + H);
         const double J = f * ::j0(m * std::sqrt(t));
         if (which == Function::S)
             return J * std::cosh(m * std::sqrt(vertical));
+        if (which == Function::S3) {
+            const double R = 0.5 * std::sqrt(t), Z = 2 * std::sqrt(vertical);
+            return f * ::j0(m * R) * std::cosh(m * Z) -
+                   8 * H * std::exp(-2 * H) * ::j0(H * R) * std::cosh(H * Z);
+        }
         return J * std::cosh(m * (2 - vertical)) - 4 * H * std::exp(-H * vertical) * ::j0(H * std::sqrt(t));
     }
 
@@ -105,6 +136,10 @@ class DepthDefinition {
             }
         }
     };
+
+    // t and w of S3 in those of S.
+    double t_scale() const { return which_ == Function::S3 ? 0.25 : 1; }
+    double w_scale() const { return which_ == Function::S3 ? 4 : 1; }
 
     Function which_;
     std::vector<double> t_, vertical_;
@@ -193,6 +228,10 @@ class DepthDefinition {
         const complex half = a * x * std::sinh(x) - b * std::cosh(x), ex = std::exp(-x);
         if (which_ == Function::S) {
             first = weight * sum * ex / half;
+            return;
+        }
+        if (which_ == Function::S3) {
+            first = weight * sum * sum * ex * ex * ex / (difference * half);
             return;
         }
         first = weight * sum / (2.0 * ex * half);

@@ -1,10 +1,10 @@
-// Makes src/green/tables/scoef_table.cpp and pcoef_table.cpp: the near-field polynomials of finite depth,
-// with coefficients that are polynomials in a variable v of the depth, by intervals. Method: the function is
-// expanded in Chebyshev polynomials of t, w (or y) and v, all of 0..1, by interpolation at Chebyshev nodes;
-// of the terms that the shape of S or P allows, the small ones are dropped; only what is left is written out
-// in powers, in extended precision, and rounded. (Dropped after that, the terms would not be small against
-// the sums they belong to.)
-//   make_depth_tables S FILE            writes FILE; P the other table
+// Makes src/green/tables/scoef_table.cpp, pcoef_table.cpp and s3coef_table.cpp: the near-field polynomials of
+// finite depth, with coefficients that are polynomials in a variable v of the depth, by intervals. Method:
+// the function is expanded in Chebyshev polynomials of t, w (or y) and v, all of 0..1, by interpolation at
+// Chebyshev nodes; of the terms that the shape of S or P allows, the small ones are dropped; only what is
+// left is written out in powers, in extended precision, and rounded. (Dropped after that, the terms would not
+// be small against the sums they belong to.)
+//   make_depth_tables S FILE            writes FILE; P and S3 the other tables
 //   make_depth_tables --check S FILE    fits anew, compares with the table that is linked and with the head
 //   of
 //                                       FILE
@@ -30,6 +30,7 @@ constexpr int V_TERMS = 12; // a coefficient is of degree 11 in v at most
 // degree.
 constexpr double SMALLEST_TERM = 2e-9;
 constexpr double SLOPE_WEIGHT = 0.1, SECOND_WEIGHT = 0.02;
+constexpr double SHARE_OF_S3 = 0.2; // its slope in H counts, too
 constexpr int DEEPEST = 0, SHALLOWEST = DEPTH_INTERVALS - 1;
 constexpr const char *INTERVAL_NAME[DEPTH_INTERVALS] = {
     "H above 16, v = 16/H",      "12 < H <= 16, v = (H - 12)/4", "8 < H <= 12, v = (H - 8)/4",
@@ -177,6 +178,7 @@ void append(FittedInterval &interval, const std::vector<f32> &polynomial) {
 template <class Shape> FittedTable fit_table(Function which) {
     const std::vector<double> t = nodes(T_NODES), vertical = nodes(VERTICAL_NODES);
     const DepthDefinition definition(which, t, vertical);
+    const double smallest = which == Function::S3 ? SHARE_OF_S3 * SMALLEST_TERM : SMALLEST_TERM;
     FittedTable table;
     for (int interval = 0; interval < DEPTH_INTERVALS; ++interval) {
         NodeValues values, logarithm;
@@ -200,8 +202,8 @@ template <class Shape> FittedTable fit_table(Function which) {
         // Above 16 H times the function is fitted and the result multiplied by v/16 = 1/H, so that the
         // relative error does not grow with the depth.
         const bool deepest = interval == DEEPEST;
-        for (const std::vector<long double> &polynomial : fit<Shape>(
-                 values, deepest ? 16 * SMALLEST_TERM : SMALLEST_TERM, deepest ? V_TERMS - 1 : V_TERMS)) {
+        for (const std::vector<long double> &polynomial :
+             fit<Shape>(values, deepest ? 16 * smallest : smallest, deepest ? V_TERMS - 1 : V_TERMS)) {
             std::vector<f32> values_of_v = rounded(polynomial);
             if (deepest) {
                 for (f32 &c : values_of_v)
@@ -214,8 +216,7 @@ template <class Shape> FittedTable fit_table(Function which) {
         if (interval == SHALLOWEST) {
             // ln m reaches -6.
             int n = 0;
-            for (const std::vector<long double> &polynomial :
-                 fit<Shape>(logarithm, SMALLEST_TERM / 4, V_TERMS)) {
+            for (const std::vector<long double> &polynomial : fit<Shape>(logarithm, smallest / 4, V_TERMS)) {
                 ++n;
                 if (polynomial.size() == 1 && polynomial[0] == 0)
                     continue;
@@ -227,9 +228,11 @@ template <class Shape> FittedTable fit_table(Function which) {
     return table;
 }
 
-// Errors of the value and the derivatives on points that were not fitted.
+// Errors of the value and the derivatives on points that were not fitted; last, of S3 alone, H times the
+// slope in H.
+constexpr int ERRORS = DepthValues::N + 1;
 struct Errors {
-    double worst[DepthValues::N] = {}, most[DepthValues::N] = {}; // most: 99.9 % are below it
+    double worst[ERRORS] = {}, most[ERRORS] = {}; // most: 99.9 % are below it
 };
 
 constexpr int CHECKED_DEPTHS = 150, CHECKED_SIDE = 26;
@@ -243,7 +246,8 @@ Errors check(const DepthDefinition &definition, const std::vector<f32> &t, const
                      UPPER[DEPTH_INTERVALS] = {1e5, 16, 12, 8, 6, 4, 3, 2, 1};
     std::mt19937 random(interval + 1);
     std::uniform_real_distribution<double> spread(std::log(LOWER[interval]), std::log(UPPER[interval]));
-    std::vector<double> all[DepthValues::N];
+    constexpr bool S3 = Shape::TERMS == ShapeS3::TERMS;
+    std::vector<double> all[ERRORS];
     for (int k = 0; k < CHECKED_DEPTHS; ++k) {
         // The ends of the interval are among the depths, the lower one from inside.
         const f32 lowest = std::nextafter(static_cast<f32>(LOWER[interval]), 1e6f);
@@ -253,21 +257,30 @@ Errors check(const DepthDefinition &definition, const std::vector<f32> &t, const
         const DepthVariable at = depth_variable(H, true);
         if (at.interval != interval)
             continue; // rounded across the border
-        f32 c[Shape::TERMS];
-        depth_coefficients(table, at, H, static_cast<f32>(propagating_root_definition(H)), c);
+        f32 c[Shape::TERMS], dc[Shape::TERMS];
+        const double m = propagating_root_definition(H), T = std::tanh(m),
+                     dm = 1 / (T + m * (1 - T) * (1 + T));
+        depth_coefficients(table, at, H, static_cast<f32>(m), c, static_cast<f32>(dm), dc);
         const double scale = interval == DEEPEST || interval == SHALLOWEST ? H : 1;
         const std::vector<DepthValues> exact = definition.times_depth(H, true);
+        const std::vector<double> slope = S3 ? definition.slope_of_times_depth(H) : std::vector<double>();
         for (int j = 0; j < CHECKED_SIDE; ++j) {
             for (int i = 0; i < CHECKED_SIDE; ++i) {
                 const PolynomialSums s = polynomial_sums<Shape, true>(c, t[i], vertical[j]);
                 const DepthValues sums{s.f, s.t, s.v, s.tv, 2.0 * s.half_vv};
                 for (int d = 0; d < DepthValues::N; ++d)
                     all[d].push_back(scale * std::abs(sums[d] - exact[i + CHECKED_SIDE * j][d] / H));
+                if (S3) {
+                    const double of_slope = polynomial_sums<Shape, false>(dc, t[i], vertical[j]).f;
+                    const int k_ij = i + CHECKED_SIDE * j;
+                    all[ERRORS - 1].push_back(scale *
+                                              std::abs(H * of_slope - slope[k_ij] + exact[k_ij].f / H));
+                }
             }
         }
     }
     Errors errors;
-    for (int d = 0; d < DepthValues::N; ++d) {
+    for (int d = 0; d < ERRORS && !all[d].empty(); ++d) {
         std::sort(all[d].begin(), all[d].end());
         errors.worst[d] = all[d].back();
         errors.most[d] = all[d][all[d].size() * 999 / 1000];
@@ -310,44 +323,71 @@ std::string list_of(const std::vector<f32> &list) {
     return text;
 }
 
+// What the three tables differ in.
+struct Names {
+    const char *table, *quantity, *vertical, *domain, *rows, *derivatives;
+    int terms;
+};
+Names names(Function which) {
+    if (which == Function::S)
+        return {
+            "SCOEF",       "S(t, w) of I(R, Z)", "w", "t = R^2/H^2, w = Z^2/H^2", "6 8 9 10 11 11 12 12 12",
+            "w, t w, w w", ShapeS::TERMS};
+    if (which == Function::P)
+        return {"PCOEF",
+                "P(t, y) of I(R, 2 H - Y) - F2(R, Y) - 1/sqrt(R^2 + Y^2)",
+                "y",
+                "t = R^2/H^2, y = Y/H",
+                "3 4 5 5 6 6 7 7 7 7",
+                "y, t y, y y",
+                ShapeP::TERMS};
+    return {"S3COEF",
+            "S3(t, w) of I(R, Z) - Phi(2 H - Z) - Phi(2 H + Z), Phi(Y) = F2(R, Y) + 1/sqrt(R^2 + Y^2)",
+            "w",
+            "t = (2 R/H)^2, w = (Z/(2 H))^2",
+            "2 3 4 4 5 5 5 5",
+            "w, t w, w w and H times that by H",
+            ShapeS3::TERMS};
+}
+
 std::string head(Function which) {
-    const bool S = which == Function::S;
-    std::string text =
-        "// Made by tools/tables/make_depth_tables.cpp; not to be edited.\n"
-        "// Quantity: coefficients of the near-field polynomial " +
-        std::string(S ? "S(t, w) of I(R, Z)" : "P(t, y) of I(R, 2 H - Y) - F2(R, Y) - 1/sqrt(R^2 + Y^2)") +
-        ", lengths times nu,\n"
-        "//   I(R, Z) = PV integral over s from 0 to infinity of\n"
-        "//             (s + 1) exp(-s H) cosh(s Z) J0(s R) / (s sinh(s H) - cosh(s H)) ds\n";
-    if (!S)
+    const Names name = names(which);
+    std::string text = "// Made by tools/tables/make_depth_tables.cpp; not to be edited.\n"
+                       "// Quantity: coefficients of the near-field polynomial " +
+                       std::string(name.quantity) +
+                       ", lengths times nu,\n"
+                       "//   I(R, Z) = PV integral over s from 0 to infinity of\n"
+                       "//             (s + 1) exp(-s H) cosh(s Z) J0(s R) / (s sinh(s H) - cosh(s H)) ds\n";
+    if (which != Function::S)
         text += "//   F2(R, Y) = 2 PV integral over s from 0 to infinity of exp(-s Y) J0(s R) / (s - 1) ds\n";
     text +=
-        std::string("// Domain: t = R^2/H^2, ") + (S ? "w = Z^2/H^2" : "y = Y/H") +
+        "// Domain: " + std::string(name.domain) +
         " in 0..1; depth H times nu from 1e-5 to 1e5, in the intervals named below with the local\n"
         "// variable v of each.\n"
         "// Shape and order: a coefficient is a polynomial in v, highest power first; polynomial n of an "
         "interval has the\n"
         "// values FIRST[n-1] to FIRST[n] - 1, counted from 1. Coefficients: row by row, the row of the "
         "highest power of " +
-        std::string(S ? "w" : "y") +
+        std::string(name.vertical) +
         "\n"
         "// first, each by falling power of t, rows of " +
-        (S ? "6 8 9 10 11 11 12 12 12.\n" : "3 4 5 5 6 6 7 7 7 7.\n") +
+        name.rows +
+        ".\n"
         "// Below 1 the polynomials give H times the coefficients, from which L ln m is taken, m tanh m = "
         "H, L the\n"
         "// polynomial of the coefficients listed in LOG_POSITION.\n"
         "// Measured: with each interval the worst error (and what 99.9 % stay below) of the function, its "
         "derivatives by\n"
         "// t, " +
-        (S ? "w, t w, w w" : "y, t y, y y") +
+        name.derivatives +
         ", evaluated in single precision at random points that were not fitted; above 16 and below 1\n"
         "// as the error of H times the function.\n";
     return text;
 }
 
 std::string table_text(Function which, const FittedTable &table, const std::vector<Errors> &errors) {
-    const std::string name = which == Function::S ? "SCOEF" : "PCOEF";
-    const int terms = which == Function::S ? ShapeS::TERMS : ShapeP::TERMS;
+    const std::string name = names(which).table;
+    const int terms = names(which).terms, error_count = which == Function::S3 ? ERRORS : DepthValues::N;
     std::string text = head(which) + "#include \"green/tables/depth_tables.hpp\"\n\n// clang-format off\n"
                                      "namespace {\n\n";
     std::string record = "const DepthTable " + name + "_TABLE = {\n    " + std::to_string(terms) + ",\n    {";
@@ -355,7 +395,7 @@ std::string table_text(Function which, const FittedTable &table, const std::vect
         const FittedInterval &interval = table.interval[i];
         const std::string number = std::to_string(i + 1);
         text += "// " + std::string(INTERVAL_NAME[i]) + "; errors";
-        for (int d = 0; d < DepthValues::N; ++d)
+        for (int d = 0; d < error_count; ++d)
             text += text_of(d > 0 ? ", %.1e" : " %.1e", errors[i].worst[d]) +
                     text_of(" (%.1e)", errors[i].most[d]);
         text += "\nconst int FIRST_" + number + "[" + std::to_string(interval.first.size()) + "] = {\n    " +
@@ -379,7 +419,7 @@ int make(Function which, const char *file_name, bool only_check, const DepthTabl
     const std::vector<Errors> errors = check_all<Shape>(which, table.view(Shape::TERMS));
     for (int i = 0; i < DEPTH_INTERVALS; ++i) {
         std::fprintf(stderr, "%-30s %3zu values:", INTERVAL_NAME[i], table.interval[i].value.size());
-        for (int d = 0; d < DepthValues::N; ++d)
+        for (int d = 0; d < ERRORS; ++d)
             std::fprintf(stderr, "  %.1e %.1e", errors[i].worst[d], errors[i].most[d]);
         std::fprintf(stderr, "\n");
     }
@@ -394,7 +434,7 @@ int make(Function which, const char *file_name, bool only_check, const DepthTabl
     // The fit may differ in the last digits with another compiler; its quality may not.
     const std::vector<Errors> of_linked = check_all<Shape>(which, linked);
     for (int i = 0; i < DEPTH_INTERVALS; ++i) {
-        for (int d = 0; d < DepthValues::N; ++d) {
+        for (int d = 0; d < ERRORS; ++d) {
             if (of_linked[i].worst[d] > 1.5 * errors[i].worst[d]) {
                 std::fprintf(stderr, "%s: the table is worse, %.1e\n", INTERVAL_NAME[i],
                              of_linked[i].worst[d]);
@@ -416,11 +456,13 @@ int make(Function which, const char *file_name, bool only_check, const DepthTabl
 int main(int count, char **argument) {
     const bool only_check = count == 4 && std::strcmp(argument[1], "--check") == 0;
     if (count != 3 && !only_check) {
-        std::fprintf(stderr, "usage: make_depth_tables [--check] S|P FILE\n");
+        std::fprintf(stderr, "usage: make_depth_tables [--check] S|P|S3 FILE\n");
         return 2;
     }
     const char *file_name = argument[count - 1];
     if (std::strcmp(argument[count - 2], "P") == 0)
         return make<ShapeP>(Function::P, file_name, only_check, PCOEF_TABLE);
+    if (std::strcmp(argument[count - 2], "S3") == 0)
+        return make<ShapeS3>(Function::S3, file_name, only_check, S3COEF_TABLE);
     return make<ShapeS>(Function::S, file_name, only_check, SCOEF_TABLE);
 }

@@ -15,7 +15,7 @@ struct DepthInterval {
 };
 
 struct DepthTable {
-    int terms; // coefficients, 91 or 57
+    int terms; // coefficients: 91, 57 or 33
     DepthInterval interval[DEPTH_INTERVALS];
     // Below 1 the polynomials give H times the coefficient, and of `log_terms` coefficients, whose numbers
     // from 1 are `log_position`, a further polynomial in H times ln m is taken off.
@@ -24,5 +24,6 @@ struct DepthTable {
     DepthInterval logarithm;
 };
 
-extern const DepthTable SCOEF_TABLE; // polynomial S, scoef_table.cpp
-extern const DepthTable PCOEF_TABLE; // polynomial P, pcoef_table.cpp
+extern const DepthTable SCOEF_TABLE;  // polynomial S, scoef_table.cpp
+extern const DepthTable PCOEF_TABLE;  // polynomial P, pcoef_table.cpp
+extern const DepthTable S3COEF_TABLE; // polynomial S3, s3coef_table.cpp
