@@ -263,9 +263,10 @@ constexpr double QUADRATURE = 5e-5;
 
 TEST_P(FieldKernels, SurfacePointsAgreeWithFineQuadrature) {
     Setting s(some_panels(), 1, 0.9f, GetParam());
-    ASSERT_EQ(FSFLD(SURFACE, s.panels, s.wave, 0.01f, s.work, s.result), Status::ok);
+    ASSERT_EQ(FSFLD(SURFACE, s.panels, s.wave, 0.006f, s.work, s.result), Status::ok);
     const Reference what[4] = {VALUE, VALUE, NORMAL, FIELD_ZZ};
-    const double limit[4] = {0, QUADRATURE, QUADRATURE, 2e-3}; // the last is a difference in single precision
+    const double limit[4] = {0, QUADRATURE, QUADRATURE,
+                             2e-3}; // the last a difference: 3 (STEP/d)^2 and rounding
     for (int v = 1; v <= 3; ++v)
         for (const bool near : {false, true})
             EXPECT_LT(worst(s, v, what[v], SURFACE, near), limit[v]) << v << near;
@@ -335,7 +336,8 @@ TEST_P(FieldKernels, WaveNumberKernelIsMadeOfDerivatives) {
             };
             const Panel &p = s.panels.panel[static_cast<std::size_t>(NP) - 1];
             const double d = std::hypot(F[1] - p.XCT[1], F[2] - p.XCT[2], F[3] + p.XCT[3]);
-            // Over a near panel its exact integrals are spread evenly over the points.
+            // Far away U grows with the distance. Over a near panel its exact integrals are spread evenly
+            // over the points.
             const double limit = work.near(NP) != 0 ? 1e-2 : 1e-3;
             for (int normal = 0; normal < 2; ++normal) {
                 const int column = normal == 0 ? PG_V : PG_VN;
@@ -348,7 +350,7 @@ TEST_P(FieldKernels, WaveNumberKernelIsMadeOfDerivatives) {
                 for (int k = 0; k < 4; ++k) {
                     const int u = columns[normal][k];
                     EXPECT_LT(std::abs(Complex(s.result(NP, u)) - expected[k]),
-                              limit * size_of(p, d, normal + (k > 0 ? 1 : 0)))
+                              limit * (size_of(p, d, normal + (k > 0 ? 1 : 0)) + std::abs(expected[k])))
                         << "panel " << NP << " U" << u;
                 }
             }
