@@ -1,6 +1,7 @@
 // Integrals of the Green function over panels at a field point. Truth: digits of one panel from an
 // independent double-precision evaluation; fine quadrature of G; differences of the value.
 #include "green/field_kernels.hpp"
+#include "green/vgrn0.hpp"
 #include "green/wdkern.hpp"
 #include "green_points.hpp"
 
@@ -149,6 +150,269 @@ TEST(WorkedPanel, WaveNumberDerivative) {
             if (!clockwise || right[v] != 0.0)
                 expect_digits(s.result(1, v), clockwise ? right[v] : wrong[v]);
     }
+}
+
+// ---- Small squares against fine quadrature of the complete G ----
+
+constexpr f32 SIZE = 0.1f; // side; nu SIZE is small, so that the wave part costs no digits
+
+// Centre and the inclination of the normal against the vertical, and its azimuth.
+Panel small_square(std::array<double, 3> centre, double inclination, double azimuth) {
+    const double ci = std::cos(inclination), si = std::sin(inclination), ca = std::cos(azimuth),
+                 sa = std::sin(azimuth);
+    const double u[3] = {ci * ca, ci * sa, -si}, v[3] = {-sa, ca, 0};
+    const int su[5] = {0, 1, 1, -1, -1}, sv[5] = {0, 1, -1, -1, 1};
+    Array<f32, 2> vertex;
+    EXPECT_TRUE(vertex.alloc(4, 3));
+    for (int k = 1; k <= 4; ++k)
+        for (int c = 0; c < 3; ++c)
+            vertex(k, c + 1) = static_cast<f32>(centre[static_cast<std::size_t>(c)] +
+                                                0.5 * SIZE * (su[k] * u[c] + sv[k] * v[c]));
+    Panel panel;
+    EXPECT_EQ(PANGEO(vertex, 0, 1, panel), Status::ok);
+    return panel;
+}
+
+// Near and far ones, near the surface, near a bottom at 0.9, of all inclinations; the first in the free
+// surface.
+std::vector<Panel> some_panels() {
+    return {small_square({0.9, 0.2, 0}, 0, 0.3),       small_square({0.3, -0.1, -0.4}, 0.5, 0.9),
+            small_square({0.5, 0.4, -0.12}, 1.57, 2),  small_square({0.5, 0.1, -0.84}, 0.2, -1),
+            small_square({2.5, -1.5, -0.2}, 1.2, 0.4), small_square({-4, 3, -0.7}, 2.5, -2)};
+}
+
+// Sum over 8 x 8 cells of two by two Gauss points of `integrand`, a function of the source point.
+template <class F> Complex fine(const Panel &p, F integrand) {
+    Complex sum = 0;
+    for (int i = 0; i < 16; ++i)
+        for (int j = 0; j < 16; ++j) {
+            const auto at = [](int k) {
+                return (0.5 * (k / 2) + 0.25 + (k % 2 == 0 ? -0.25 : 0.25) / std::sqrt(3.0)) / 4 - 0.5;
+            };
+            double x[3];
+            for (int c = 0; c < 3; ++c)
+                x[c] = p.XCT[c + 1] + SIZE * (at(i) * p.TRM[1][c + 1] + at(j) * p.TRM[2][c + 1]);
+            sum += integrand(x);
+        }
+    return sum * static_cast<double>(p.PMOM[1]) / 256.0;
+}
+
+// Values of the reference in the sense of the kernels: G of dimension 1/length and its derivatives.
+enum Reference { VALUE, NORMAL, PANEL_X, PANEL_Y, PANEL_Z, FIELD_Z, FIELD_ZZ };
+Complex reference(Reference what, const f32 (&F)[4], const Panel &p, const Setting &s) {
+    const bool lid = s.wave.NU < 0;
+    const double nu = lid ? 1 : s.wave.NU;
+    return fine(p, [&](const double(&x)[3]) {
+        const double dx = F[1] - x[0], dy = F[2] - x[1], rho = std::hypot(dx, dy), c = dx / rho,
+                     sn = dy / rho;
+        f32 g[16];
+        const f32 R = static_cast<f32>(nu * rho), Z = static_cast<f32>(-nu * F[3]),
+                  ZETA = static_cast<f32>(std::max(0.0, -nu * x[2]));
+        if (lid)
+            VGRN0(R, Z, ZETA, s.wave.HBOT, 0, 0, 1, g);
+        else
+            VGRN1P(R, Z, ZETA, static_cast<f32>(nu) * s.wave.HBOT, s.gstate, 0, 0, g);
+        const auto G = [&](GreenValue v) { return Complex(g[2 * v], g[2 * v + 1]); };
+        const double nu2 = nu * nu;
+        switch (what) {
+        case VALUE:
+            return nu * G(G_);
+        case NORMAL:
+            return -nu2 * ((p.TRM[3][1] * c + p.TRM[3][2] * sn) * G(G_R) + double(p.TRM[3][3]) * G(G_ZETA));
+        case PANEL_X:
+            return -nu2 * c * G(G_R);
+        case PANEL_Y:
+            return -nu2 * sn * G(G_R);
+        case PANEL_Z:
+            return -nu2 * G(G_ZETA);
+        case FIELD_Z:
+            return -nu2 * G(G_Z);
+        default:
+            return nu2 * nu * G(G_ZZ);
+        }
+    });
+}
+
+// Distance of the centroid from a point, and the size of what is integrated: singular part and waves.
+double distance(const f32 (&F)[4], const Panel &p) {
+    return std::hypot(F[1] - p.XCT[1], F[2] - p.XCT[2], F[3] - p.XCT[3]);
+}
+double size_of(const Panel &p, double d, int order) {
+    return p.PMOM[1] * (std::pow(d, -order) + 1);
+}
+
+// Largest error of a column against a reference, near panels or far ones.
+double worst(const Setting &s, int column, Reference what, const f32 (&F)[4], bool near) {
+    const int order = what == VALUE ? 1 : what == FIELD_ZZ ? 3 : 2;
+    double error = 0;
+    for (int NP = 1; NP <= s.panels.n; ++NP) {
+        const Panel &p = s.panels.panel[static_cast<std::size_t>(NP) - 1];
+        if ((s.work.near(NP) != 0) == near)
+            error = std::max(error, std::abs(Complex(s.result(NP, column)) - reference(what, F, p, s)) /
+                                        size_of(p, distance(F, p), order));
+    }
+    return error;
+}
+
+class FieldKernels : public ::testing::TestWithParam<f32> {}; // depth
+const f32 SURFACE[4] = {0, 0.6f, 0.05f, 0}, BODY[4] = {0, 0.55f, 0.1f, -0.35f},
+          DEEP[4] = {0, 0.4f, 0.3f, -0.55f};
+
+// The wave part by four points, and single precision.
+constexpr double QUADRATURE = 5e-5;
+
+TEST_P(FieldKernels, SurfacePointsAgreeWithFineQuadrature) {
+    Setting s(some_panels(), 1, 0.9f, GetParam());
+    ASSERT_EQ(FSFLD(SURFACE, s.panels, s.wave, 0.006f, s.work, s.result), Status::ok);
+    const Reference what[4] = {VALUE, VALUE, NORMAL, FIELD_ZZ};
+    const double limit[4] = {0, QUADRATURE, QUADRATURE,
+                             2e-3}; // the last a difference: 3 (STEP/d)^2 and rounding
+    for (int v = 1; v <= 3; ++v)
+        for (const bool near : {false, true})
+            EXPECT_LT(worst(s, v, what[v], SURFACE, near), limit[v]) << v << near;
+}
+
+TEST_P(FieldKernels, GradientsAgreeWithFineQuadrature) {
+    const Reference what[7] = {VALUE, VALUE, NORMAL, PANEL_X, PANEL_Y, PANEL_Z, FIELD_Z};
+    for (const auto &[nu, ILOGK] : {std::pair{0.9f, 0}, {0.9f, 1}, {RIGID_LID, 0}})
+        for (const auto *const place : {&BODY, &DEEP, &SURFACE}) {
+            const auto &point = *place;
+            Setting s(some_panels(), 1, nu, GetParam());
+            ASSERT_EQ(PANGRD(point, s.panels, s.wave, ILOGK, ALL, s.work, s.result), Status::ok);
+            for (int v = PG_V; v <= PG_GF3; ++v)
+                for (const bool near : {false, true}) {
+                    // The gradient of the logarithm takes 1/r at its mean over the panel.
+                    const bool mean = near && ILOGK == 1 && (v == PG_GP1 || v == PG_GP2);
+                    EXPECT_LT(worst(s, v, what[v], point, near), mean     ? 3e-3
+                                                                 : nu < 0 ? 5e-6
+                                                                          : QUADRATURE)
+                        << nu << ILOGK << v << near;
+                }
+        }
+}
+
+// Steady flows that pick the integrals of G and of its x and y derivatives.
+TEST_P(FieldKernels, SteadyFlowKernelAgreesWithFineQuadrature) {
+    SteadyFlow flow;
+    Setting s({small_square({0.6, 0.05, 0}, 0, 0.3), small_square({0.2, 0.4, 0}, 0, 1),
+               small_square({3, -2, 0}, 0, 2)},
+              1, 0.9f, GetParam());
+    ASSERT_TRUE(flow.STF2.alloc(3, 2, 3) && flow.STF3.alloc(3, 3));
+    for (int J = 1; J <= 3; ++J) {
+        flow.STF3(J, 1) = -1;
+        flow.STF2(J, 1, 2) = flow.STF2(J, 2, 3) = 0.5f;
+    }
+    for (const auto *const place : {&BODY, &DEEP}) {
+        const auto &F = *place;
+        ASSERT_EQ(FSKERN(F, s.panels, s.wave, flow, s.work, s.result), Status::ok);
+        const Reference what[4] = {VALUE, VALUE, PANEL_X, PANEL_Y};
+        for (int v = 1; v <= 3; ++v)
+            for (const bool near : {false, true})
+                EXPECT_LT(worst(s, v, what[v], F, near), near && v > 1 ? 3e-3 : QUADRATURE) << v << near;
+    }
+}
+
+// With D the derivative by the place of the field point in x, in y and around the vertical axis (times nu),
+// U(1) to U(3) are -2 i d/dnu of D V, U(4) to U(6) the same of D VN, and U(7), U(8) are d/dnu of V and VN.
+TEST_P(FieldKernels, WaveNumberKernelIsMadeOfDerivatives) {
+    constexpr double STEP = 0.05;
+    const f32 H = GetParam();
+    for (const auto *const place : {&BODY, &DEEP}) {
+        const auto &F = *place;
+        Setting s(some_panels(), 1, 0.9f, H);
+        WdkernWork work;
+        ASSERT_TRUE(work.alloc(s.panels));
+        ASSERT_EQ(WDKERN(F, s.panels, s.wave, work, s.result), Status::ok);
+        for (int NP = 1; NP <= s.panels.n; ++NP) {
+            const auto by_nu = [&](int column, double x, double y) {
+                const auto at = [&](double nu) {
+                    Setting t({s.panels.panel[static_cast<std::size_t>(NP) - 1]}, 1, static_cast<f32>(nu), H);
+                    EXPECT_EQ(PANGRD({0, static_cast<f32>(x), static_cast<f32>(y), F[3]}, t.panels, t.wave, 1,
+                                     WANT_V | WANT_VN, t.work, t.result),
+                              Status::ok);
+                    return Complex(t.result(1, column));
+                };
+                return difference(at, 0.9, STEP);
+            };
+            const Panel &p = s.panels.panel[static_cast<std::size_t>(NP) - 1];
+            const double d = std::hypot(F[1] - p.XCT[1], F[2] - p.XCT[2], F[3] + p.XCT[3]);
+            // Far away U grows with the distance. Over a near panel its exact integrals are spread evenly
+            // over the points.
+            const double limit = work.near(NP) != 0 ? 1e-2 : 1e-3;
+            for (int normal = 0; normal < 2; ++normal) {
+                const int column = normal == 0 ? PG_V : PG_VN;
+                const double x = F[1], y = F[2];
+                const Complex X = difference([&](double a) { return by_nu(column, a, y); }, x, STEP);
+                const Complex Y = difference([&](double a) { return by_nu(column, x, a); }, y, STEP);
+                const Complex factor(0, -2), around = static_cast<double>(s.wave.NU) * (x * Y - y * X);
+                const Complex expected[4] = {by_nu(column, x, y), factor * X, factor * Y, factor * around};
+                const int columns[2][4] = {{7, 1, 2, 3}, {8, 4, 5, 6}};
+                for (int k = 0; k < 4; ++k) {
+                    const int u = columns[normal][k];
+                    EXPECT_LT(std::abs(Complex(s.result(NP, u)) - expected[k]),
+                              limit * (size_of(p, d, normal + (k > 0 ? 1 : 0)) + std::abs(expected[k])))
+                        << "panel " << NP << " U" << u;
+                }
+            }
+        }
+    }
+}
+
+// A value does not depend on the other panels of a call.
+TEST_P(FieldKernels, BatchesEqualSinglePanels) {
+    std::vector<Panel> panels;
+    for (int k = 0; k < 12; ++k)
+        for (const Panel &p : some_panels())
+            panels.push_back(p);
+    Setting all(panels, 1, 0.9f, GetParam());
+    const auto expect_same = [&](int last, auto call) {
+        call(all);
+        for (int NP = 1; NP <= all.panels.n; ++NP) {
+            Setting one({panels[static_cast<std::size_t>(NP) - 1]}, 1, 0.9f, GetParam());
+            call(one);
+            for (int v = 1; v <= last; ++v)
+                EXPECT_EQ(all.result(NP, v), one.result(1, v)) << NP << ' ' << v;
+        }
+    };
+    expect_same(FS_C, [](Setting &s) {
+        EXPECT_EQ(FSFLD(SURFACE, s.panels, s.wave, 0.02f, s.work, s.result), Status::ok);
+    });
+    expect_same(PG_GF3, [](Setting &s) {
+        EXPECT_EQ(PANGRD(BODY, s.panels, s.wave, 1, ALL, s.work, s.result), Status::ok);
+    });
+    expect_same(WDKERN_COLUMNS, [](Setting &s) {
+        WdkernWork own;
+        EXPECT_TRUE(own.alloc(s.panels));
+        EXPECT_EQ(WDKERN(BODY, s.panels, s.wave, own, s.result), Status::ok);
+    });
+}
+INSTANTIATE_TEST_SUITE_P(Depths, FieldKernels, ::testing::Values(-1.0f, 0.9f));
+
+// With one point a panel, a panel straight below the field point has four in WDKERN and no horizontal
+// derivative in FSKERN.
+TEST(PanelBelow, StraightAbove) {
+    const Panel below = small_square({0.3, 0.2, -0.5}, 0.4, 1), surface = small_square({0.3, 0.2, 0}, 0, 0.2);
+    for (const f32 shift : {0.0f, 1.2e-4f}) {
+        c32 U[2];
+        for (const int IQUAD : {0, 1}) {
+            Setting s({below}, IQUAD, 0.9f);
+            WdkernWork work;
+            ASSERT_TRUE(work.alloc(s.panels));
+            ASSERT_EQ(
+                WDKERN({0, below.XCT[1] + shift, below.XCT[2], -0.1f}, s.panels, s.wave, work, s.result),
+                Status::ok);
+            U[IQUAD] = s.result(1, 4);
+        }
+        EXPECT_EQ(U[0] == U[1], shift == 0) << shift;
+    }
+    SteadyFlow flow;
+    ASSERT_TRUE(flow.STF2.alloc(1, 2, 3) && flow.STF3.alloc(1, 3));
+    flow.STF2(1, 1, 1) = 0.5f;
+    Setting s({surface}, 0, 0.9f);
+    ASSERT_EQ(FSKERN({0, surface.XCT[1], surface.XCT[2], -0.2f}, s.panels, s.wave, flow, s.work, s.result),
+              Status::ok);
+    EXPECT_EQ(s.work.ISNG(1, 1), 3);
+    EXPECT_NEAR(std::abs(s.result(1, 1)), 0, 1e-6);
 }
 
 } // namespace
