@@ -89,7 +89,7 @@ TEST_P(SteadyFlows, SphereInUniformStreams) {
     for (const int fine : {0, 1}) {
         RunState run;
         ThreadState thread;
-        set_sphere(run, thread, ISX, ISY, fine == 0 ? 6 : 12);
+        set_sphere(run, thread, ISX, ISY, fine == 0 ? 7 : 14);
         ASSERT_EQ(WDDSTB(run, thread, run.flow), Status::ok);
         ASSERT_EQ(WDDSTF(run, run.flow), Status::ok);
         e[fine] = errors(run);
