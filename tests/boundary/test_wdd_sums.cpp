@@ -218,4 +218,124 @@ TEST(WddSums, SameBytesWithAnyNumberOfThreads) {
     }
 }
 
+// The sums of one field point over a body without symmetry, for radiation column `col` and heading `b`.
+struct PlainSums {
+    c64 W2R[4], W2D[4], W2D0B, FSR[4], FSD[6];
+};
+PlainSums plain_sums(const Case &c, int i, int J, int col, int b) {
+    const RunState &run = c.run;
+    const ThreadState &t = c.thread;
+    const FieldWave wave{run.opt.HBOT, NU, &t.gstate};
+    const c64 I(0, 1);
+    const double K = double(c.wave.W) * c.wave.F, cb = run.periods.COSBET(b), sb = run.periods.SINBET(b);
+    FieldPanels body, surface;
+    FieldWork on_body, on_surface;
+    WdkernWork wdkern;
+    KernelValues U, GP, Q, ABC;
+    EXPECT_TRUE(body.make(run.mesh, 1) && surface.make(run.surface, 1) && on_body.alloc(body) &&
+                on_surface.alloc(surface) && wdkern.alloc(body) && U.alloc(body, 8) && GP.alloc(body, 6) &&
+                Q.alloc(surface, 3) && ABC.alloc(body, 3));
+    const f32 P[4] = {0, run.mesh.XCT(1, i), run.mesh.XCT(2, i), run.mesh.XCT(3, i)};
+    const f32 F[4] = {0, run.surface.XCTF(1, J), run.surface.XCTF(2, J), 0};
+    EXPECT_EQ(WDKERN(P, body, wave, wdkern, U), Status::ok);
+    EXPECT_EQ(PANGRD(P, body, wave, 1, WANT_HORIZONTAL | WANT_GP3, on_body, GP), Status::ok);
+    EXPECT_EQ(FSFLD(F, body, wave, DZSTEP(body.n, run.mesh.PMOM), on_body, ABC), Status::ok);
+    EXPECT_EQ(FSKERN(P, surface, wave, run.flow, on_surface, Q), Status::ok);
+    PlainSums r{};
+    for (int NP = 1; NP <= body.n; ++NP) {
+        const c64 f = t.PHIR(NP, col), phi = t.PHID(NP, b, 1), phi2 = t.second.PHID2(NP, b, 1);
+        const double g = run.mesh.VEL(col, NP);
+        const auto u = [&](int k) { return c64(U(NP, k)); };
+        r.W2R[0] += u(7) * g - u(8) * f;
+        r.W2D[0] -= u(8) * phi;
+        r.W2D0B -= u(8) * phi2;
+        r.W2D[1] += 2 * K * cb * u(8) * phi;
+        r.W2D[2] += 2 * K * sb * u(8) * phi;
+        r.W2D[3] -= 2.0 * I * double(NU) * u(8) * phi2;
+        for (int d = 1; d <= 3; ++d) {
+            c64 T = 0;
+            for (int a = 1; a <= 3; ++a)
+                T += double(run.flow.STB3(NP, a, d)) * c64(GP(NP, PG_GP1 + a - 1));
+            r.W2R[d] += ((d == 3 ? I : I / double(NU)) * T - u(d)) * g + u(3 + d) * f;
+            r.W2D[d] += u(3 + d) * phi;
+        }
+        const c64 A(ABC(NP, 1)), B(ABC(NP, 2)), C(ABC(NP, 3)), source(t.SRCR(NP, col));
+        const c64 s1(t.SRCD(NP, b, 1)), s2(t.second.SRCD2(NP, b, 1));
+        r.FSR[1] += (g * A - f * B) / double(PI4);
+        r.FSR[2] += source * A;
+        r.FSR[3] += source * C;
+        r.FSD[1] -= phi * B / double(PI4);
+        r.FSD[2] += s1 * A;
+        r.FSD[3] += s1 * C;
+        r.FSD[4] += s2 * A;
+        r.FSD[5] += s2 * C;
+    }
+    for (int j = 1; j <= surface.n; ++j)
+        for (int d = 1; d <= 3; ++d) {
+            const c64 a = I * (d == 3 ? double(NU) : 1.0) * c64(Q(j, d));
+            r.W2R[d] += a * c64(t.second.FSR1(j, col));
+            r.W2D[d] += a * c64(t.second.FSD1(j, b, 1));
+        }
+    const double x = F[1], y = F[2];
+    const auto incident = [&](double heading) {
+        return std::exp(-I * K * (x * std::cos(heading) + y * std::sin(heading)));
+    };
+    const double beta = std::atan2(sb, cb);
+    const c64 turned = (incident(beta + 1e-5) - incident(beta - 1e-5)) / 2e-5;
+    for (const auto &[k, value] : {std::pair{1, incident(beta)},
+                                   {2, incident(beta)},
+                                   {3, K * K * incident(beta)},
+                                   {4, turned},
+                                   {5, K * K * turned}})
+        r.FSD[k] += value;
+    return r;
+}
+
+TEST(WddSums, EqualThePlainSums) {
+    for (const f32 HBOT : {-1.0f, 0.9f}) {
+        Case c;
+        make(c, 0, 0, HBOT);
+        SecondOrder &s = c.thread.second;
+        const int i = 21, J = 18, col = 5, b = 2;
+        const c64 before[2] = {s.W2D0(i, b, 1), s.W2D0B(i, b, 1)};
+        run_sums(c);
+        PlainSums r = plain_sums(c, i, J, col, b);
+        r.W2D[0] += before[0];
+        r.W2D0B += before[1];
+        const std::pair<c32, c64> pairs[] = {
+            {s.W2R0(i, col), r.W2R[0]},  {s.W2R1(i, col), r.W2R[1]},  {s.W2R2(i, col), r.W2R[2]},
+            {s.W2R3(i, col), r.W2R[3]},  {s.W2D0(i, b, 1), r.W2D[0]}, {s.W2D1(i, b, 1), r.W2D[1]},
+            {s.W2D2(i, b, 1), r.W2D[2]}, {s.W2D3(i, b, 1), r.W2D[3]}, {s.W2D0B(i, b, 1), r.W2D0B},
+            {s.FSR1(J, col), r.FSR[1]},  {s.FSR2(J, col), r.FSR[2]},  {s.FSR3(J, col), r.FSR[3]},
+            {s.FSD1(J, b, 1), r.FSD[1]}, {s.FSD2(J, b, 1), r.FSD[2]}, {s.FSD3(J, b, 1), r.FSD[3]},
+            {s.FSD4(J, b, 1), r.FSD[4]}, {s.FSD5(J, b, 1), r.FSD[5]}};
+        for (std::size_t k = 0; k < std::size(pairs); ++k)
+            EXPECT_LT(std::abs(c64(pairs[k].first) - pairs[k].second),
+                      ROUNDING * (1 + std::abs(pairs[k].second)))
+                << k;
+    }
+}
+
+// Only the problems that are asked for: the incident wave is always there, what is not asked for stays as it
+// was.
+TEST(WddSums, OnlyWhatIsSolved) {
+    Case all, diffraction, radiation;
+    for (Case *c : {&all, &diffraction, &radiation})
+        make(*c, 1, 1, -1);
+    diffraction.run.opt.IRAD = -1;
+    radiation.run.opt.IDIFF = -1;
+    radiation.thread.second.W2D1.fill(7);
+    const c32 before = radiation.thread.second.W2D0(1, 1, 1);
+    for (Case *c : {&all, &diffraction, &radiation})
+        run_sums(*c);
+    EXPECT_EQ(diffraction.thread.second.W2D3(3, 1, 2), all.thread.second.W2D3(3, 1, 2));
+    EXPECT_EQ(radiation.thread.second.W2R3(3, 2), all.thread.second.W2R3(3, 2));
+    for (std::size_t set = 0; set < 7; ++set)
+        EXPECT_EQ((*diffraction.radiation()[set])(2, 1), c32(0)) << set;
+    EXPECT_EQ(radiation.thread.second.W2D1(1, 1, 1), c32(7));
+    EXPECT_EQ(radiation.thread.second.W2D0(1, 1, 1), before);
+    EXPECT_EQ(radiation.thread.second.FSD1(1, 1, 1), radiation.thread.second.FSD2(1, 1, 1));
+    EXPECT_NE(radiation.thread.second.FSD1(1, 1, 1), c32(0));
+}
+
 } // namespace
