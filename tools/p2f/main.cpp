@@ -34,6 +34,8 @@ void print_info(const P2fFile &p) {
                     static_cast<double>(p.VOL(3, b)), static_cast<double>(p.XCB(1, b)),
                     static_cast<double>(p.XCB(2, b)), static_cast<double>(p.XCB(3, b)));
     }
+    if (p.IWADD == 1)
+        std::printf("Second-order data: %d free-surface panels\n", p.NFSP);
     std::printf("Periods [s]:");
     for (int i = 1; i <= p.NPER; ++i)
         std::printf(" %.4f", static_cast<double>(p.PER(i)));
