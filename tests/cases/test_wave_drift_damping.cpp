@@ -75,6 +75,41 @@ TEST(DriftDamping, DoesNotDependOnTheThreads) {
     }
 }
 
+TEST(DriftDamping, OneProblemAloneIsSolvedAsInTheWholeRun) {
+    P2fFile both;
+    CaseFolder whole;
+    prepare_drift(whole, drift_pot(), BOX + "half-y");
+    run_drift(whole, both);
+    Pot radiation = drift_pot(), modes = drift_pot(), diffraction = drift_pot(), none = drift_pot();
+    radiation.IDIFF = modes.IDIFF = -1;
+    radiation.NBETA = 0;
+    radiation.BETA = "";
+    modes.IRAD = 0;
+    diffraction.IRAD = -1;
+    none.NPER = 0;
+    none.PER = "";
+    for (const Pot &pot : {radiation, modes, diffraction}) {
+        CaseFolder folder;
+        prepare_drift(folder, pot, BOX + "half-y");
+        std::string text = pot.text();
+        if (pot.IRAD == 0)
+            text.replace(text.find("1 1 1 1 1 1"), 11, "0 1 0 0 1 0");
+        folder.write("run.pot", text);
+        P2fFile p2f;
+        run_drift(folder, p2f);
+        EXPECT_EQ(p2f.NSYMD, pot.IRAD == 0 ? 2 : 6);
+        EXPECT_EQ(p2f.FSD5.empty(), pot.IDIFF < 0);
+        EXPECT_EQ(p2f.FSR3.empty(), pot.IRAD < 0);
+        expect_same(p2f, both, 1e-5);
+    }
+    CaseFolder folder;
+    prepare_drift(folder, none, BOX + "half-y");
+    P2fFile p2f;
+    run_drift(folder, p2f);
+    EXPECT_EQ(p2f.NFSP, both.NFSP);
+    EXPECT_EQ(p2f.STB2(1, 1), 0);
+}
+
 // No flow goes through the hull, with the incident wave and in the modes of motion.
 TEST(DriftDamping, VelocitiesMeetTheHull) {
     CaseFolder folder;
