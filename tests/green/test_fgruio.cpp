@@ -233,7 +233,7 @@ TEST(S3Table, ValueAndDepthSlopeAreThoseOfTheDefinition) {
 // All derivatives of a function of (X, Y) by differences.
 std::array<double, INFINITE_VALUES> infinite_by_differences(const std::function<double(double, double)> &f,
                                                             double X, double Y) {
-    const double h = 0.005 * std::hypot(X, Y);
+    const double h = 0.005 * std::min(std::hypot(X, Y), 6.0);
     const auto slope = [&](auto g, double x) {
         return difference([&](double a) { return Complex(g(a)); }, x, h).real();
     };
