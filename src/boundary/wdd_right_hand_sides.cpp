@@ -30,8 +30,8 @@ struct BodyWork {
     FieldWork body, surface;
     KernelValues U, GP, Q;
     ClassKernels on_body, on_surface;
-    Array<c32, 2>
-        h; // product of U8 with the potentials of a class, with their heading derivatives (NEQN,NBETAM)
+    // Product of U8 with the potentials of a class or their heading derivatives (FIELD_STRIP,NBETAM).
+    Array<c32, 2> h;
     bool alloc(const BodyFrame &f) {
         const Symmetry &sym = f.run.sym;
         const int columns = std::max(sym.NSYMD, f.run.periods.NBETAM);
