@@ -1,12 +1,14 @@
-// Speed of the Green function per point, as a ratio to one expf of the vector library in the same run, and of
-// the depth state of a period.
+// Speed of the Green function and of the wave-number derivative per point, as a ratio to one expf of the
+// vector library in the same run, and of the depth state of a period.
 #include "base/simd.hpp"
+#include "green/regpar.hpp"
 #include "green/vgrn0.hpp"
 #include "green/vgrn98.hpp"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -154,6 +156,57 @@ void limit_frequency(benchmark::State &bench) {
     }
 }
 
+// The wave-number derivative of one field point against many source points at the distances R0 to R1.
+void wave_number(benchmark::State &bench, float H, float R0, float R1) {
+    const int n = static_cast<int>(bench.range(0));
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> R(R0, R1), depth(0, H > 0 ? std::min(H, 2.0f) : 2.0f),
+        turn(0, 6.28f);
+    std::vector<float> x(n), y(n), z(n);
+    std::vector<int> near(n);
+    std::vector<RegularTerms> result(n);
+    for (int i = 0; i < n; ++i) {
+        const float r = R(random), angle = turn(random);
+        x[i] = r * std::cos(angle);
+        y[i] = r * std::sin(angle);
+        z[i] = depth(random);
+        near[i] = i % 20 == 0;
+    }
+    const KernelPoints points{n, 0, 0, 0.1f, x.data(), y.data(), z.data(), near.data()};
+    const GSTATE state;
+    RegularWork work;
+    if (!work.alloc(n) || failed(REGPAR(points, H, state, work, result.data()))) {
+        bench.SkipWithError("REGPAR");
+        return;
+    }
+    const double one_exp = exp_time();
+    const auto start = std::chrono::steady_clock::now();
+    for (auto _ : bench) {
+        benchmark::DoNotOptimize(REGPAR(points, H, state, work, result.data()));
+        benchmark::ClobberMemory();
+    }
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    const double each = time.count() / (static_cast<double>(bench.iterations()) * n);
+    bench.counters["ns_per_point"] = 1e9 * each;
+    bench.counters["expf_per_point"] = each / one_exp;
+}
+void wave_number_deep(benchmark::State &bench) {
+    wave_number(bench, -1, 0, 6);
+}
+// R up to H/2; the same with the images beyond the table; R from H/2 with many modes and with few.
+void wave_number_near(benchmark::State &bench) {
+    wave_number(bench, 4, 0, 2);
+}
+void wave_number_near_deep(benchmark::State &bench) {
+    wave_number(bench, 30, 0, 6);
+}
+void wave_number_beside(benchmark::State &bench) {
+    wave_number(bench, 4, 2, 4);
+}
+void wave_number_far(benchmark::State &bench) {
+    wave_number(bench, 1, 3, 10);
+}
+
 } // namespace
 
 BENCHMARK(mixed)->Arg(200)->Arg(2000)->Arg(8000);
@@ -168,6 +221,11 @@ BENCHMARK(finite_deep)->Arg(2000);
 BENCHMARK(finite_far)->Arg(2000);
 BENCHMARK(finite_mixed)->Arg(2000);
 BENCHMARK(finite_mixed_second)->Arg(2000);
+BENCHMARK(wave_number_deep)->Arg(64)->Arg(2000);
+BENCHMARK(wave_number_near)->Arg(64)->Arg(2000);
+BENCHMARK(wave_number_near_deep)->Arg(2000);
+BENCHMARK(wave_number_beside)->Arg(2000);
+BENCHMARK(wave_number_far)->Arg(2000);
 BENCHMARK(depth_state)->Arg(3)->Arg(25)->Arg(300);
 BENCHMARK(limit_frequency)->Arg(0)->Arg(1);
 BENCHMARK_MAIN();

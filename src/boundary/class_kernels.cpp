@@ -30,7 +30,7 @@ bool velocity_columns(const Mesh &mesh, const Symmetry &sym, Array<c32, 2> &colu
 
 bool ClassKernels::alloc(int n, int kernels, int columns, int NSYMR) {
     classes = NSYMR;
-    return K.alloc(n, STRIP, kernels * NSYMR) && product.alloc(STRIP, columns);
+    return K.alloc(n, FIELD_STRIP, kernels * NSYMR) && product.alloc(FIELD_STRIP, columns);
 }
 
 void ClassKernels::add_image(const Symmetry &sym, int m, int p, const KernelValues &values, int column,
@@ -47,7 +47,7 @@ void ClassKernels::multiply(int kernel, int c, c32 factor, ColumnBlock<const c32
     const c32 one = 1;
     const c32 zero = 0;
     cgemm_("T", "N", &points, &X.columns, &n, &one, &K(1, 1, (kernel - 1) * classes + c), &n, X.data, &X.rows,
-           &zero, product.data(), &STRIP, 1, 1);
+           &zero, product.data(), &FIELD_STRIP, 1, 1);
     for (int j = 1; j <= X.columns; ++j) {
         c32 *column = result.data + static_cast<std::int64_t>(j - 1) * result.rows + strip.first - 1;
         for (int p = 1; p <= points; ++p)

@@ -6,17 +6,17 @@
 #include "green/field_panels.hpp"
 
 // Field points of one product of matrices. Fixed, so that a result does not depend on the number of threads.
-constexpr int STRIP = 16;
+constexpr int FIELD_STRIP = 16;
 
 struct FieldStrip {
     int first, last;
 };
 // Number of strips of `count` field points, and the k-th of them, from 1.
 constexpr int strips_of(int count) {
-    return (count + STRIP - 1) / STRIP;
+    return (count + FIELD_STRIP - 1) / FIELD_STRIP;
 }
 constexpr FieldStrip strip_of(int k, int count) {
-    return {(k - 1) * STRIP + 1, k * STRIP < count ? k * STRIP : count};
+    return {(k - 1) * FIELD_STRIP + 1, k * FIELD_STRIP < count ? k * FIELD_STRIP : count};
 }
 
 // Solution columns or results: `columns` of them, each `rows` long, side by side.
@@ -39,8 +39,8 @@ template <class T> ColumnBlock<T> heading_columns(int c, View<T, 3> columns) {
 
 // Several kernels over n panels; kernel and class share the last index, (kernel-1) NSYMR + class.
 struct ClassKernels {
-    Array<c32, 3> K;       // (n,STRIP,kernels NSYMR)
-    Array<c32, 2> product; // (STRIP,columns)
+    Array<c32, 3> K;       // (n,FIELD_STRIP,kernels NSYMR)
+    Array<c32, 2> product; // (FIELD_STRIP,columns)
     int classes = 0;       // NSYMR
     // `columns`: the most of one product. False: no memory.
     [[nodiscard]] bool alloc(int n, int kernels, int columns, int NSYMR);

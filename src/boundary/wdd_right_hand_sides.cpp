@@ -22,6 +22,7 @@ struct BodyFrame {
     const int *moved[4]; // WCLS1 to WCLS3, from 1
     FieldPanels body, surface;
     Array<c32, 2> VEL;
+    bool diffraction() const { return run.opt.IDIFF == 1 && run.periods.NBETA > 0; }
 };
 
 struct BodyWork {
@@ -29,15 +30,16 @@ struct BodyWork {
     FieldWork body, surface;
     KernelValues U, GP, Q;
     ClassKernels on_body, on_surface;
-    Array<c32, 2>
-        h; // product of U8 with the potentials of a class, with their heading derivatives (NEQN,NBETAM)
+    // Product of U8 with the potentials of a class or their heading derivatives (FIELD_STRIP,NBETAM).
+    Array<c32, 2> h;
     bool alloc(const BodyFrame &f) {
         const Symmetry &sym = f.run.sym;
         const int columns = std::max(sym.NSYMD, f.run.periods.NBETAM);
         return wdkern.alloc(f.body) && body.alloc(f.body) && surface.alloc(f.surface) &&
                U.alloc(f.body, WDKERN_COLUMNS) && GP.alloc(f.body, PG_GF3) && Q.alloc(f.surface, 3) &&
                on_body.alloc(f.body.n, WDKERN_COLUMNS, columns, sym.NSYMR) &&
-               on_surface.alloc(f.surface.n, 3, columns, sym.NSYMR) && h.alloc(STRIP, f.run.periods.NBETAM);
+               on_surface.alloc(f.surface.n, 3, columns, sym.NSYMR) &&
+               h.alloc(FIELD_STRIP, f.run.periods.NBETAM);
     }
 };
 
@@ -117,7 +119,7 @@ void body_diffraction(const BodyFrame &f, FieldStrip strip, int c, BodyWork &wor
     const Periods &periods = f.run.periods;
     const c32 yaw(0, -2 * f.wave.NU);
     const FieldStrip own{1, strip.last - strip.first + 1};
-    const ColumnBlock<c32> h{work.h.data(), STRIP, static_cast<int>(work.h.dim(2))};
+    const ColumnBlock<c32> h{work.h.data(), FIELD_STRIP, static_cast<int>(work.h.dim(2))};
     ClassKernels &kernels = work.on_body;
     work.h.fill(0);
     kernels.multiply(U8, c, 1, heading_columns<const c32>(c, f.thread.PHID), own, h);
@@ -144,7 +146,7 @@ void WDDBOD(const BodyFrame &f, FieldStrip strip, BodyWork &work, SecondOrder &o
     for (int c = 1; c <= f.run.sym.NSYMR; ++c) {
         if (f.run.opt.IRAD >= 0 && f.run.sym.NMCLS[c] > 0)
             body_radiation(f, strip, c, work.on_body, out);
-        if (f.run.opt.IDIFF == 1)
+        if (f.diffraction())
             body_diffraction(f, strip, c, work, out);
     }
 }
@@ -161,7 +163,7 @@ void WDDFRE(const BodyFrame &f, FieldStrip strip, ClassKernels &kernels, SecondO
             if (f.run.opt.IRAD >= 0 && sym.NMCLS[c] > 0)
                 kernels.multiply(d, to, factor, radiation_columns<const c32>(sym, c, out.FSR1), strip,
                                  radiation_columns<c32>(sym, c, *radiation[d]));
-            if (f.run.opt.IDIFF == 1)
+            if (f.diffraction())
                 kernels.multiply(d, to, factor, heading_columns<const c32>(c, out.FSD1), strip,
                                  heading_columns<c32>(to, *diffraction[d]));
         }

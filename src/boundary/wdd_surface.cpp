@@ -106,7 +106,7 @@ Status strip_potentials(const SurfaceFrame &f, FieldStrip strip, SurfaceWork &wo
     for (int c = 1; c <= f.run.sym.NSYMR; ++c) {
         if (opt.IRAD >= 0 && f.run.sym.NMCLS[c] > 0)
             add_radiation(f, strip, c, work.kernels, out);
-        if (opt.IDIFF == 1)
+        if (opt.IDIFF == 1 && f.run.periods.NBETA > 0)
             add_diffraction(f, strip, c, work.kernels, out);
     }
     return Status::ok;

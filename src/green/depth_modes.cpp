@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr f32 TWO_PI = 6.2831853f;
 constexpr f32 SQRT_HALF = 0.70710678f;
 constexpr f32 SERIES_END = 3; // of k X: fits below, asymptotic forms beyond
 

@@ -42,21 +42,17 @@ template <int ROW = 0>
     }
 }
 
-struct Scales {
-    f32 H, HINV, HINV2;
-};
-
 // Adds S3 at Z, which grows by DZ with z, DZETA with zeta and DH with H.
 template <int DZ, int DZETA, int DH>
-[[gnu::always_inline]] inline void add_polynomial(const f32 *c, const f32 *dc, const Scales &scale, f32 R,
-                                                  f32 Z, f32 (&v)[DEPTH_VALUES][GREEN_LANES], int k) {
-    const f32 rate = 2 * scale.HINV; // t and w fall by it times themselves with H
-    const f32 t = 4 * R * R * scale.HINV2, w = 0.25f * Z * Z * scale.HINV2;
+[[gnu::always_inline]] inline void add_polynomial(const f32 *c, const f32 *dc, f32 HINV, f32 R, f32 Z,
+                                                  f32 (&v)[DEPTH_VALUES][GREEN_LANES], int k) {
+    const f32 rate = 2 * HINV, HINV2 = HINV * HINV; // t and w fall by it times themselves with H
+    const f32 t = 4 * R * R * HINV2, w = 0.25f * Z * Z * HINV2;
     ThirdSums s;
     add_curved_rows(c, t, w, s);
     const PolynomialSums h = polynomial_sums<ShapeS3, true>(dc, t, w);
     // Slopes of t in R and of w in Z; the second one is a constant.
-    const f32 tR = 8 * R * scale.HINV2, wZ = 0.5f * Z * scale.HINV2, wZZ = 0.5f * scale.HINV2;
+    const f32 tR = 8 * R * HINV2, wZ = 0.5f * Z * HINV2, wZZ = 0.5f * HINV2;
     const f32 by_ZZ = 2 * s.ww * wZ * wZ + s.w * wZZ, by_RZZ = tR * (2 * s.tww * wZ * wZ + s.tw * wZZ);
     const f32 by_ZZZ = wZ * (6 * s.www * wZ * wZ + 6 * s.ww * wZZ);
     add_term<DZ, DZETA, DH>(v, k, ImageTerm{s.f, tR * s.t, wZ * s.w, tR * wZ * s.tw, by_ZZ, by_RZZ, by_ZZZ});
@@ -74,7 +70,7 @@ template <int DZ, int DZETA, int DH>
 
 VORDA_SIMD void depth_near(const HSTATE &state, f32 H, const f32 *const (&F)[POSITIONS][INFINITE_VALUES],
                            DepthBlock &block) {
-    const Scales scale{H, 1 / H, 1 / (H * H)};
+    const f32 HINV = 1 / H;
     const f32 *c = state.S3C, *dc = state.DS3C;
     for (auto &value : block.re) {
         for (f32 &lane : value)
@@ -90,11 +86,11 @@ VORDA_SIMD void depth_near(const HSTATE &state, f32 H, const f32 *const (&F)[POS
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
         const f32 Z = block.Z[k], ZETA = block.ZETA[k];
-        add_polynomial<1, -1, 0>(c, dc, scale, block.X[k], Z - ZETA, block.re, k);
+        add_polynomial<1, -1, 0>(c, dc, HINV, block.X[k], Z - ZETA, block.re, k);
     }
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
         const f32 A = (H - block.Z[k]) + (H - block.ZETA[k]);
-        add_polynomial<-1, -1, 2>(c, dc, scale, block.X[k], A, block.re, k);
+        add_polynomial<-1, -1, 2>(c, dc, HINV, block.X[k], A, block.re, k);
     }
 }

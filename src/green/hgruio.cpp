@@ -5,15 +5,10 @@
 
 #include <cmath>
 
-namespace {
-
-constexpr double PI = 3.14159265358979323846;
-
-} // namespace
-
 // In double precision, as it is done once for a depth and rounding of k would be multiplied with distances.
 void HGRUIO(f32 H, HSTATE &state) {
     constexpr double DEEP = 30; // of 2 m: beyond it k = C = 1
+    constexpr double PI = 3.14159265358979323846;
     const double h = H, m = propagating_root(h, 2), k = m / h;
     double C = 1, DC = 0, DK = 0;
     if (2 * m < DEEP) {

@@ -33,48 +33,58 @@ VORDA_SIMD void derivatives(const f32 *X_, const f32 *Y_, const int *ISNG, const
     }
 }
 
-// F2 = -2 sum of a_n, a_n = (-d/dY)^n (1/r1): the wave pole is left out, which is of the order exp(-Y). With
-// c_n =
-// (-d/dY)^n (1/r1^3) the slope of a_n in X is -X c_n; both follow from the recursions of the Legendre and
+constexpr int EXPANSION = 11; // terms of F2; its derivatives by Y have one more each
+
+// Sums of the a_n and c_n below from n = 0, 1, 2, 3 on, the first one of them counted half.
+struct ExpansionSums {
+    f32 a0 = 0, a1 = 0, a2 = 0, a3 = 0, c0 = 0, c1 = 0, c2 = 0;
+};
+
+// `sum` with the term n.
+template <int n, int FROM> [[gnu::always_inline]] inline f32 added(f32 sum, f32 term) {
+    if constexpr (n == FROM)
+        return 0.5f * term;
+    else if constexpr (n > FROM && n < EXPANSION + FROM)
+        return sum + term;
+    else
+        return sum;
+}
+
+// Adds term n and the later ones. Recursion instead of a loop, for the sake of the loop around it.
+template <int n = 0>
+[[gnu::always_inline]] inline void expand(f32 Y, f32 i2, f32 a, f32 a_before, f32 c, f32 c_before,
+                                          ExpansionSums &s) {
+    if constexpr (n < EXPANSION + 3) {
+        constexpr f32 N = n;
+        s.a0 = added<n, 0>(s.a0, a);
+        s.a1 = added<n, 1>(s.a1, a);
+        s.a2 = added<n, 2>(s.a2, a);
+        s.a3 = added<n, 3>(s.a3, a);
+        s.c0 = added<n, 0>(s.c0, c);
+        s.c1 = added<n, 1>(s.c1, c);
+        s.c2 = added<n, 2>(s.c2, c);
+        expand<n + 1>(Y, i2, i2 * ((2 * N + 1) * Y * a - N * N * a_before), a,
+                      i2 * ((2 * N + 3) * Y * c - N * (N + 2) * c_before), c, s);
+    }
+}
+
+// F2 = -2 sum of a_n, a_n = (-d/dY)^n (1/r1): the wave pole is left out, which is of the order exp(-Y). The
+// slope of a_n in X is X c_n, c_n = -(-d/dY)^n (1/r1^3); both follow from the recursions of the Legendre and
 // Gegenbauer polynomials (Abramowitz & Stegun 22.7).
 VORDA_SIMD void expansion(const f32 *X, const f32 *Y, const InfiniteArrays &result) {
-    constexpr int TERMS = 11; // of F2; a derivative by Y starts one later
-    alignas(64) f32 a[GREEN_LANES], a_before[GREEN_LANES], c[GREEN_LANES], c_before[GREEN_LANES],
-        i2[GREEN_LANES];
-    alignas(64) f32 sum[INFINITE_VALUES][GREEN_LANES] = {};
+    f32 *const *v = result.value;
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
-        i2[k] = 1 / (X[k] * X[k] + Y[k] * Y[k]);
-        a[k] = std::sqrt(i2[k]);
-        c[k] = -X[k] * a[k] * i2[k];
-        a_before[k] = c_before[k] = 0;
-    }
-    for (int n = 0; n < TERMS + 3; ++n) {
-        // The first of the terms is half taken by 1/r1.
-        const auto weight = [n](int from) { return n < from ? 0.0f : n == from ? 1.0f : 2.0f; };
-        const f32 w0 = n < TERMS ? weight(0) : 0.0f, w1 = n < TERMS + 1 ? weight(1) : 0.0f,
-                  w2 = n < TERMS + 2 ? weight(2) : 0.0f, w3 = weight(3);
-        const f32 N = static_cast<f32>(n);
-#pragma omp simd
-        for (int k = 0; k < GREEN_LANES; ++k) {
-            sum[F_][k] -= w0 * a[k];
-            sum[F_X][k] -= w0 * c[k];
-            sum[F_Y][k] += w1 * a[k];
-            sum[F_XY][k] += w1 * c[k];
-            sum[F_YY][k] -= w2 * a[k];
-            sum[F_XYY][k] -= w2 * c[k];
-            sum[F_YYY][k] += w3 * a[k];
-            const f32 next_a = ((2 * N + 1) * Y[k] * a[k] - N * N * a_before[k]) * i2[k];
-            const f32 next_c = ((2 * N + 3) * Y[k] * c[k] - N * (N + 2) * c_before[k]) * i2[k];
-            a_before[k] = a[k];
-            c_before[k] = c[k];
-            a[k] = next_a;
-            c[k] = next_c;
-        }
-    }
-    for (int j = 0; j < INFINITE_VALUES; ++j) {
-        for (int k = 0; k < GREEN_LANES; ++k)
-            result.value[j][k] = sum[j][k];
+        const f32 i2 = 1 / (X[k] * X[k] + Y[k] * Y[k]), i1 = std::sqrt(i2), twice = -2 * X[k];
+        ExpansionSums s;
+        expand(Y[k], i2, i1, 0, -i1 * i2, 0, s);
+        v[F_][k] = -2 * s.a0;
+        v[F_Y][k] = 2 * s.a1;
+        v[F_YY][k] = -2 * s.a2;
+        v[F_YYY][k] = 2 * s.a3;
+        v[F_X][k] = twice * s.c0;
+        v[F_XY][k] = -twice * s.c1;
+        v[F_XYY][k] = twice * s.c2;
     }
 }
 

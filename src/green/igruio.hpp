@@ -43,7 +43,8 @@ struct InfiniteWork {
 // -(F + 2/r1) gives what the table does not.
 void IGRUIO(const InfinitePoints &points, InfiniteWork &work, const InfiniteArrays &result);
 
-// F2 + 1/r1 alike, for Y above DISTANT: by its expansion in (-d/dY)^n (1/r1), whose relative error is 2e-7 or
-// less. Values of the table err by 4e-8 at any distance, and FGRUIO multiplies them with H.
+// F2 + 1/r1 alike, for Y above DISTANT: by its expansion in (-d/dY)^n (1/r1), n points. What it leaves out is
+// 4e-9 or less, and falls with Y. (Values of the table err by 4e-8 at any distance, and FGRUIO multiplies
+// them with H.)
 constexpr f32 DISTANT = 20;
 void IGRUIO_distant(int n, const f32 *X, const f32 *Y, const InfiniteArrays &result);

@@ -1,6 +1,7 @@
-// The kernel of the wave-number derivative of second-order runs: what a change of nu, and of nu with the two
-// horizontal coordinates, makes of the Green function. By the scaling law
-//   dG/d(ln nu) = R G_R + z G_z + zeta G_zeta + H G_H  for  G(nu R, nu z, nu zeta, nu H).
+// The kernel of the wave-number derivative of second-order runs. By the scaling law
+//   dG/d(ln nu) = R G_R + z G_z + zeta G_zeta + H G_H  for  G(nu R, nu z, nu zeta, nu H),
+// and with U = d(nu G)/d(nu), at nu = 1, of the complete function, the results are
+//   P = 2 i (U_x, -U_xx, -U_xy, -U_x_zeta), Q = 2 i (U_y, -U_xy, -U_yy, -U_y_zeta), W1 = -2 i U_zeta, W2 = U.
 // REGPAR forms the part that is integrated by points, LOGPAR what is integrated over a near panel at once.
 #pragma once
 

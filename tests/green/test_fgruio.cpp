@@ -8,9 +8,9 @@
 #include "green_points.hpp"
 #include "run/messages.hpp"
 
+#include <functional>
 #include <map>
 #include <random>
-#include <string>
 
 namespace {
 
@@ -133,9 +133,10 @@ class ByDifferences {
 };
 
 TEST(Fgruio, DepthAndThirdDerivativesAreThoseOfTheDefinition) {
-    // Single precision in units of min(H, 1) and, as the third derivatives rise like 1/r1^2 without 1/r1, of
-    // r1; what the polynomial errs by in its derivatives is below it.
-    constexpr int POWER[] = {1, 2, 3, 3, 4, 4, 2};
+    // In units of min(H, 1). The third derivatives hold those of S3, of few terms, and where 12 modes are
+    // all, what the others leave.
+    constexpr int POWER[] = {2, 3, 4, 4, 4, 4, 3};
+    constexpr double ERRORS[] = {0, 0, 2e-6, 3e-6, 1e-4};
     for (const f32 H : {0.05f, 0.7f, 1.5f, 3.0f, 7.0f, 14.0f, 40.0f}) {
         Points p;
         std::mt19937 random(7);
@@ -144,14 +145,156 @@ TEST(Fgruio, DepthAndThirdDerivativesAreThoseOfTheDefinition) {
             p.add(X * H, 0.95f * H * part(random), 0.95f * H * part(random), 3, 1);
         p.add(0.15f * H, 0.02f * H, 0.03f * H, 3, 1);
         const DepthResults got = depth_values(p, H);
-        for (int j = G_H; j < DEPTH_VALUES; ++j) {
-            double worst = 0;
-            for (int i = 0; i < p.size(); ++i) {
-                ByDifferences exact(H, p.R[i], p.Z[i], p.ZETA[i]);
-                const double unit = std::min<double>(1, H);
-                worst = std::max(worst, std::abs(got(j, i) - exact(j)) * std::pow(unit, POWER[j - G_H]));
+        for (int i = 0; i < p.size(); ++i) {
+            ByDifferences exact(H, p.R[i], p.Z[i], p.ZETA[i]);
+            for (int j = G_H; j < DEPTH_VALUES; ++j) {
+                const int power = POWER[j - G_H];
+                EXPECT_NEAR(std::abs(got(j, i) - exact(j)), 0,
+                            ERRORS[power] / std::pow(std::min(H, 1.0f), power))
+                    << H << " R/H " << p.R[i] / H << " value " << j;
             }
-            std::printf("%g %d %.2e\n", H, j, worst);
+        }
+    }
+}
+
+TEST(Fgruio, StateOfTheLastDepthIsKept) {
+    Points p;
+    p.add(0.5f, 0.3f, 0.4f, 3, 1);
+    DepthWork work;
+    const f32 once = depth_values(p, 2, work).arrays.im[G_][0];
+    work.state.CN0 *= 2;
+    EXPECT_EQ(depth_values(p, 2, work).arrays.im[G_][0], 2 * once);
+    depth_values(p, 3, work);
+    EXPECT_EQ(depth_values(p, 2, work).arrays.im[G_][0], once);
+}
+
+TEST(Fgruio, Messages) {
+    const struct {
+        f32 X, Z, ZETA, H;
+        const char *message;
+    } ROWS[] = {
+        {2e8f, 0, 0, 1, "X to big in FGRUIO"},
+        {-1, 0, 0, 1, "X negative in FGRUIO"},
+        {1, -0.1f, 0, 1, "X3 negative in FGRUIO"},
+        {1, 0, -0.1f, 1, "X6 negative in FGRUIO"},
+        {1, 0, 0, 2e8f, "H too big in FGRUIO"},
+        {1, 0, 0, 1e-9f, "H too small in FGRUIO"},
+        {1, 1.1f, 0, 1, "X3 > H in FGRUIO"},
+        {1, 0, 1.1f, 1, "X6 > H in FGRUIO"},
+        {4e-9f, 3e-9f, 0, 1, "X+X3X6 too small in FGRUIO"},
+    };
+    DepthResults results(1);
+    DepthWork work;
+    ASSERT_TRUE(work.alloc(1));
+    for (const auto &row : ROWS) {
+        close_list();
+        EXPECT_EQ(FGRUIO({1, &row.X, &row.Z, &row.ZETA}, row.H, work, results.arrays), Status::failed);
+        EXPECT_EQ(first_fault(), row.message);
+    }
+    close_list();
+}
+
+// H S3 (below 1 and above 16) or S3, and H times the slope in H, on both sides of every border of the table.
+TEST(S3Table, ValueAndDepthSlopeAreThoseOfTheDefinition) {
+    constexpr double VALUE = 1e-6, SLOPE = 1e-5;
+    const DepthDefinition definition(DepthDefinition::Function::S3, {0, 0.3, 0.71, 1}, {0, 0.2, 0.63, 1});
+    constexpr f32 T[] = {0, 0.3f, 0.71f, 1}, W[] = {0, 0.2f, 0.63f, 1};
+    std::vector<f32> depths = {0.001f, 0.02f, 0.3f,  0.7f,  1.6f,  2.4f,   3.5f,
+                               5.1f,   7.3f,  11.1f, 14.7f, 25.0f, 300.0f, 1e5f};
+    for (const f32 border : {1.0f, 2.0f, 3.0f, 4.0f, 6.0f, 8.0f, 12.0f, 16.0f})
+        depths.insert(depths.end(), {std::nextafter(border, 0.0f), border, std::nextafter(border, 99.0f)});
+    for (const f32 H : depths) {
+        HSTATE state;
+        HGRUIO(H, state);
+        const double scale = H < 1 || H > 16 ? H : 1;
+        const std::vector<DepthValues> exact = definition.times_depth(H, false);
+        const std::vector<double> slope = definition.slope_of_times_depth(H);
+        for (int at = 0; at < 16; ++at) {
+            const auto by_table = [&](const f32 *c) {
+                return scale * polynomial_sums<ShapeS3, false>(c, T[at % 4], W[at / 4]).f;
+            };
+            const double S3 = exact[at].f / H;
+            EXPECT_NEAR(by_table(state.S3C), scale * S3, VALUE) << H << " " << at;
+            EXPECT_NEAR(H * by_table(state.DS3C), scale * (slope[at] - S3), SLOPE) << H << " " << at;
+        }
+    }
+    // And the definition itself: I less the two images, by independent means.
+    const F2Definition F2;
+    const double H = 2, R = 0.5, Z = 0.7;
+    const auto Phi = [&](double Y) { return F2(R, Y).value + 1 / std::hypot(R, Y); };
+    const double I =
+        DepthDefinition(DepthDefinition::Function::S, {R * R / 4}, {Z * Z / 4}).times_depth(H, false)[0].f /
+        H;
+    const double S3 =
+        DepthDefinition(DepthDefinition::Function::S3, {0.25}, {Z * Z / 16}).times_depth(H, false)[0].f / H;
+    EXPECT_NEAR(S3, I - Phi(2 * H - Z) - Phi(2 * H + Z), 1e-12);
+}
+
+// All derivatives of a function of (X, Y) by differences.
+std::array<double, INFINITE_VALUES> infinite_by_differences(const std::function<double(double, double)> &f,
+                                                            double X, double Y) {
+    const double h = 0.005 * std::min(std::hypot(X, Y), 6.0);
+    const auto slope = [&](auto g, double x) {
+        return difference([&](double a) { return Complex(g(a)); }, x, h).real();
+    };
+    const auto fY = [&](double x, double y) { return slope([&](double b) { return f(x, b); }, y); };
+    const auto fYY = [&](double x, double y) { return slope([&](double b) { return fY(x, b); }, y); };
+    return {f(X, Y),
+            slope([&](double a) { return f(a, Y); }, X),
+            fY(X, Y),
+            slope([&](double a) { return fY(a, Y); }, X),
+            fYY(X, Y),
+            slope([&](double a) { return fYY(a, Y); }, X),
+            slope([&](double b) { return fYY(X, b); }, Y)};
+}
+
+TEST(Igruio, IsTheFunctionOfTheDefinition) {
+    constexpr double VALUE = 1.2e-6; // of the table, and of the largest part of a derivative
+    constexpr int POWER[INFINITE_VALUES] = {1, 2, 2, 3, 3, 4, 4};
+    const double PLACES[][2] = {{0.5, 0.7}, {3.5, 0.6}, {8, 6},    {20, 0.7},  {1, 6.5},
+                                {3.69, 1},  {3.71, 1},  {2, 3.99}, {2, 4.01},  {10, 19.9},
+                                {10, 20.1}, {3, 25},    {30, 21},  {0.1, 0.02}};
+    const F2Definition F2;
+    std::vector<f32> X, Y;
+    std::vector<int> ISNG;
+    for (const auto &place : PLACES) {
+        for (const int selector : {1, 2, 3}) {
+            X.push_back(static_cast<f32>(place[0]));
+            Y.push_back(static_cast<f32>(place[1]));
+            ISNG.push_back(selector);
+        }
+    }
+    for (; X.size() % 16 != 0; ISNG.push_back(2)) {
+        X.push_back(1);
+        Y.push_back(1);
+    }
+    const int n = static_cast<int>(X.size());
+    std::vector<f32> store(2 * INFINITE_VALUES * X.size());
+    InfiniteArrays table, distant;
+    for (int j = 0; j < INFINITE_VALUES; ++j) {
+        table.value[j] = store.data() + 2 * j * n;
+        distant.value[j] = table.value[j] + n;
+    }
+    InfiniteWork work;
+    ASSERT_TRUE(work.alloc(n));
+    IGRUIO({n, X.data(), Y.data(), ISNG.data()}, work, table);
+    IGRUIO_distant(n, X.data(), Y.data(), distant);
+    for (int i = 0; i < n; ++i) {
+        const double r1 = std::hypot(X[i], Y[i]);
+        const auto exact = infinite_by_differences(
+            [&](double x, double y) {
+                const double r = std::hypot(x, y);
+                return F2(x, y).value + (ISNG[i] == 1 ? 1 / r : ISNG[i] == 3 ? 2 * std::log(r + y) : 0);
+            },
+            X[i], Y[i]);
+        for (int j = 0; j < INFINITE_VALUES; ++j) {
+            const double unit = 1 + std::pow(r1, -POWER[j]);
+            EXPECT_NEAR(table.value[j][i], exact[j], VALUE * unit)
+                << X[i] << " " << Y[i] << " " << ISNG[i] << " " << j;
+            if (Y[i] > DISTANT && ISNG[i] == 1) { // what is left out is about exp(-20)
+                EXPECT_NEAR(distant.value[j][i], exact[j], 4e-9 + 1e-6 * std::pow(r1, -POWER[j]))
+                    << X[i] << " " << Y[i] << " " << j;
+            }
         }
     }
 }

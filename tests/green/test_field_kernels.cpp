@@ -89,7 +89,14 @@ TEST(WorkedPanel, Gradient) {
         Complex digits;
         double turn;
     };
-    const Row rows[] = {{0.7f, false, PG_V, {-6.295523, -1.583007}, LOW + HIGH},
+    double logarithm = 0; // its gradient holds S, too: mean over the points of dx / (e + r)
+    const Panel panel = square(true);
+    for (int k = 1; k <= 4; ++k) {
+        const double dx = P[1] - panel.XGP[k][1], dy = P[2] - panel.XGP[k][2], e = 1.4;
+        logarithm += 0.25 * dx / (e + std::hypot(dx, dy, e));
+    }
+    const Row rows[] = {{0.7f, false, PG_GP1, {9.94278, 0.1864143}, 2 * NU * HIGH * logarithm - 2 * N1},
+                        {0.7f, false, PG_V, {-6.295523, -1.583007}, LOW + HIGH},
                         {0.7f, false, PG_VN, {10.45283, -0.7746354}, -2},
                         {0.7f, false, PG_GP3, {-0.6849597, -1.108105}, 2 * NU * HIGH - 2 * N3},
                         {0.7f, false, PG_GF3, {-7.844437, -1.108105}, 2 * NU * HIGH},
