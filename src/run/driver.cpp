@@ -3,6 +3,7 @@
 #include "base/platform.hpp"
 #include "freesurface/fsmark.hpp"
 #include "freesurface/fsstrip.hpp"
+#include "geometry/dipoles.hpp"
 #include "geometry/pregeo.hpp"
 #include "input/input.hpp"
 #include "rankine/rankin.hpp"
@@ -69,6 +70,8 @@ void run_solver() {
     require(FSMARK(run.opt, run.bodies, run.mesh));
     if (run.opt.IRR >= 1)
         require(fill_strips(run, run.strips));
+    if (run.dipoles.IDIPOL)
+        require(INIT_DIPOLE(run.mesh, run.dipoles));
     require(SYMSET(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.bodies.MODE, run.opt.IDIFF, run.sym));
     MEMPLN(run.opt, run.mesh.NEQN, run.sym.NSYMR, run.memory);
     if (run.memory.INCORE)

@@ -9,8 +9,6 @@ Status within_limits(const RunState &run) {
         if (asked)
             status = MSGOUT(text, value);
     };
-    refuse(opt.IRRX != 0, "Fully filled tanks are not supported by this version");
-    refuse(run.dipoles.IDIPOL, "Dipole panels are not supported by this version");
     refuse(opt.IWADD == 1, "Runs for wave drift damping are not supported by this version: set IWADD=0");
     return status;
 }

@@ -5,6 +5,7 @@
 #include "solve/lu.hpp"
 #include "solve/scratch_solve.hpp"
 #include "solve/sweeps.hpp"
+#include "solve/tank.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -19,15 +20,14 @@ struct CoreSolve {
     int n;
 };
 
-Status solve_full_direct(CoreSolve &c, int s, const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
+Status solve_full_direct(CoreSolve &c, const SolveRequest &request, int s, const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
     Array<c32, 2> &ALU = c.thread.ALU;
     std::memcpy(ALU.data(), c.matrices.slice(s).data(),
                 static_cast<std::size_t>(ALU.size()) * sizeof(c32));
-    if (failed(LUFACT(ALU, c.IPIV.data(), c.n))) {
-        (void)MSGOUT(" Error in direct solver: left-hand-side is singular ", s);
-        return report_columns(columns);
-    }
-    return solve_directly(ALU, c.IPIV.data(), c.n, columns, ITER);
+    const DirectClass of_class{c.run, s, tank_reference(c.run, request, s)};
+    if (failed(factor_class(of_class, ALU, c.IPIV.data(), columns)))
+        return Status::failed;
+    return solve_class(of_class, ALU, c.IPIV.data(), columns, ITER);
 }
 
 // Only the diagonal blocks are copied, to be factored; the sweeps read the others where they are.
@@ -68,7 +68,7 @@ Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32,
             sweep_full(matrix, work);
             return Status::ok;
         };
-        const Status status = ISOLVE == 1   ? solve_full_direct(c, s, columns, ITER)
+        const Status status = ISOLVE == 1   ? solve_full_direct(c, request, s, columns, ITER)
                               : ISOLVE == 0 ? solve_iteratively(c.n, request.EPS, sweep, columns, ITER)
                                             : solve_blocks(c, request, s, columns, ITER);
         if (failed(status))
@@ -85,4 +85,11 @@ Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR
         ITER[0] = ITER[1] = 0;
     return run.memory.INCORE ? solve_in_core(run, request, PHIR, PHID, thread, ITER)
                              : solve_on_scratch(run, request, PHIR, PHID, thread, ITER);
+}
+
+Status SOLVE_R(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,
+               ThreadState &thread, int (&ITER)[2]) {
+    if (run.opt.ISOLVE != 1)
+        return MSGOUT(" Fully filled tank exists, ISOLVE=1 is expected! ");
+    return SOLVE(run, request, PHIR, PHID, thread, ITER);
 }
