@@ -55,8 +55,8 @@ void check_problem(const RunState &run, Faults &faults) {
     faults.test(run.periods.NBETA < 0, "Number of wave headings is negative: NBETA=", run.periods.NBETA);
     faults.test(run.periods.NBETA == 0 && opt.IDIFF >= 0,
                 "No wave headings specified for diffraction problem");
-    faults.test(opt.IRRX != 0 && opt.IDIFF >= 0, "IDIFF must be -1 for a fully filled tank");
     faults.test(opt.IRRX > run.mesh.NEQN, "Reference panel of the tank is above NEQN: IRR-10=", opt.IRRX);
+    faults.test(opt.IRRX != 0 && opt.IDIFF >= 0, "IDIFF must be -1 for a fully filled tank");
 }
 
 // A hull may stand on the bottom, not reach below it. Tells the first panel that does.
