@@ -94,6 +94,31 @@ TEST(Tank, DependsNeitherOnReferencePanelNorPartDepthPeriodOrStore) {
     }
 }
 
+// The walls lean: the panels do not balance, and what they leave must not fall to the reference panel alone.
+TEST(Tank, LeaningWallsMakeNoDifferenceToThat) {
+    double first = 0;
+    for (const int IRRX : {1, 30, 60, 84}) {
+        CaseFolder folder;
+        prepare(folder, tank_pot(IRRX));
+        make_mesh(folder, tank_mesh(1), "box.gdf");
+        std::istringstream in(folder.read("box.gdf"));
+        std::string line;
+        std::ostringstream out;
+        for (int i = 0; i < 4 && std::getline(in, line); ++i)
+            out << line << "\n";
+        for (double x, y, z; in >> x >> y >> z;)
+            out << x * (1.6 + 1.2 * z) << " " << y << " " << z << "\n";
+        folder.write("run.gdf", out.str());
+        folder.solve();
+        Solved run;
+        folder.results(run.p2f, run.c);
+        const double heave = static_cast<double>(run.c.A(3, 3, 1));
+        if (IRRX == 1)
+            first = heave;
+        EXPECT_NEAR(heave / first, 1, 3e-5) << IRRX;
+    }
+}
+
 // A spherical tank from the hemisphere of a hull: normals turned out, and its mirror image on top.
 void write_spherical_tank(const CaseFolder &folder, int n) {
     make_mesh(folder, "hemisphere --nu " + std::to_string(n) + " --nv " + std::to_string(n), "half.gdf");
