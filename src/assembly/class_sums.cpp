@@ -1,5 +1,6 @@
 #include "assembly/class_sums.hpp"
 
+#include "assembly/dipole_row.hpp"
 #include "rankine/rankin.hpp"
 #include "run/symmetry.hpp"
 
@@ -129,6 +130,11 @@ void class_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &row,
     sum_images(f.run.sym, I, I - 1, s, row.SPC, nullptr, w.SCOL);
     add_signed(I, 1, w.DROW, tile.row(a, s));
     add_signed(I - 1, 1, w.DCOL, tile.column(a, s));
+    if (f.run.dipoles.IDIPOL && f.run.dipoles.IDIP(I) != 0) {
+        const c32 term = porosity_term(f.run.dipoles, f.wave, I);
+        tile.row(a, s).re[I - 1] += term.real();
+        tile.row(a, s).im[I - 1] += term.imag();
+    }
     if (tile.planes > 1)
         velocity_sums(f, I, a, s, row, w, tile);
     // The Rankine share of the radiation right-hand sides comes ready-made; diffraction needs the whole source row.

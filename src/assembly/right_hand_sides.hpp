@@ -33,6 +33,10 @@ void add_diffraction(const RunState &run, const SourceWeights &weights, int I, i
 // Starts PHIR from the Rankine share, in memory or on unit 61; with ISCATT=1 clears PHID. Failed: the unit cannot be
 // read; the message is out.
 [[nodiscard]] Status start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread);
+
+// Adds to the right-hand sides of dipole panels -4 pi times the normal velocity there: in thread.PHIR that of the modes,
+// but not for IDIP=3, with ISCATT=1 in thread.PHID that of the scattered wave, thread.SRCD.
+void add_dipole_rows(const RunState &run, ThreadState &thread);
 // Adds the sums of a block, whose last row is `last`, to PHIR and PHID.
 void add_block(const RunState &run, const SourceWeights &weights, const BlockSums &sums, int last,
                ThreadState &thread);

@@ -1,5 +1,6 @@
 #include "assembly/wave_row.hpp"
 
+#include "assembly/dipole_row.hpp"
 #include "assembly/lid.hpp"
 #include "assembly/limit_row.hpp"
 #include "run/symmetry.hpp"
@@ -8,8 +9,8 @@
 
 namespace {
 
-// The record values an ordinary run reads, and their columns in WaveRow::green.
-constexpr int VALUES[] = {G_, G_R, G_Z, G_ZETA};
+// Values of a record by their columns in WaveRow::green: those an ordinary run reads first.
+constexpr int VALUES[] = {G_, G_R, G_Z, G_ZETA, G_RZ, G_ZZ, G_ZZETA, G_RZETA};
 constexpr int G = 1, GR = 3, GZ = 5, GF = 7;
 
 Split column_pair(Array<f32, 2> &array, int first) {
@@ -48,15 +49,23 @@ VelocityRow velocity_row(WaveRow &row, int depth_derivative, std::int64_t offset
     return {from(GR), from(depth_derivative), cosine.data() + offset, sine.data() + offset};
 }
 
+// A closed tank has no wave term, whatever the depth.
+void clear_points(int count, WaveRow &row) {
+    for (int column = 1; column <= row.green.dim(2); ++column)
+        std::fill_n(&row.green(1, column), count, 0.0f);
+}
+
 void evaluate(int count, const PeriodWave &wave, const GSTATE &gstate, WaveRow &row) {
+    if (row.tank)
+        return clear_points(count, row);
     const GreenPoints points{count, row.RR.data(), row.ZS.data(), row.ZF.data(), row.ISNG.data(), row.IBOT.data()};
     GreenArrays values{};
-    for (int v = 0; v < 4; ++v) {
+    for (int v = 0; v < (row.second ? 8 : 4); ++v) {
         values.re[VALUES[v]] = &row.green(1, 2 * v + 1);
         values.im[VALUES[v]] = &row.green(1, 2 * v + 2);
     }
     if (wave.IPLIM == 0)
-        VGRN98(points, wave.HNU, gstate, GreenOrder::first, row.work, values);
+        VGRN98(points, wave.HNU, gstate, row.second ? GreenOrder::second : GreenOrder::first, row.work, values);
     else
         limit_green(count, wave, row, values);
 }
@@ -69,7 +78,7 @@ OneSource one_source(const PanelArrays &panels, int I, f32 area) {
     return {panels.N(I, 1), panels.N(I, 2), panels.N(I, 3), area};
 }
 
-void centroid_path(const Symmetry &sym, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I,
+void centroid_path(const Symmetry &sym, const Dipoles &dipoles, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I,
                    const int *code, WaveRow &row) {
     for (int m = 0; m < sym.NSYMG; ++m) {
         const std::int64_t o = static_cast<std::int64_t>(m) * I;
@@ -93,21 +102,40 @@ void centroid_path(const Symmetry &sym, const PanelArrays &panels, const PeriodW
                                 row.EB.data(), row.EFC.data()};
         centroid_coefficients(I - 1, green_row(row, GF, ISNG, o, wave.LOGT), column,
                               one_source(panels, I, panels.A(I)), wave.NU, shifted(row.SPC, o), shifted(row.DPC, o));
-        if (!row.velocities)
+        if (row.velocities) {
+            const Velocity at_row(row.VPR, o), at_column(row.VPC, o);
+            at_row.clear(I);
+            velocity_accumulate(I, velocity_row(row, GF, o, row.CR, row.SR), panels.A.data(), at_row.component);
+            velocity_finish(I, wave.NU, row.EB.data(), at_row.component);
+            at_column.clear(I);
+            velocity_accumulate(I - 1, velocity_row(row, GZ, o, row.CC, row.SC), panels.A(I), at_column.component);
+            velocity_finish(I - 1, wave.NU, row.EB.data(), at_column.component);
+        }
+        if (!dipoles.IDIPOL)
             continue;
-        const Velocity at_row(row.VPR, o), at_column(row.VPC, o);
-        at_row.clear(I);
-        velocity_accumulate(I, velocity_row(row, GF, o, row.CR, row.SR), panels.A.data(), at_row.component);
-        velocity_finish(I, wave.NU, row.EB.data(), at_row.component);
-        at_column.clear(I);
-        velocity_accumulate(I - 1, velocity_row(row, GZ, o, row.CC, row.SC), panels.A(I), at_column.component);
-        velocity_finish(I - 1, wave.NU, row.EB.data(), at_column.component);
+        for (const bool at_row : {true, false}) {
+            const DirectedPairs pairs{I, sym.ISYMG[m + 1], at_row, at_row ? 0 : 1, o};
+            start_dipole_pairs(dipoles, pairs, row);
+            add_dipole_points(dipoles, panels, wave.NU, pairs, o, at_row ? panels.A.data() : &panels.A(I), row);
+        }
     }
 }
 
+// The pairs with dipole panels of one image, all four Gauss points. In both passes z is the depth of the source.
+void gauss_dipoles(const Dipoles &dipoles, const PanelArrays &panels, f32 NU, const DirectedPairs &pairs, WaveRow &row) {
+    if (!dipoles.IDIPOL)
+        return;
+    start_dipole_pairs(dipoles, pairs, row);
+    for (int q = 0; q < 4; ++q)
+        add_dipole_points(dipoles, panels, NU, pairs, static_cast<std::int64_t>(q) * pairs.I,
+                          &panels.GW(pairs.row ? 1 : pairs.I, q + 1), row);
+}
+
 // Points of one image on the Gauss path stand in four blocks of length I, one for each Gauss point.
-void gauss_row_pass(const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I, int image,
-                    std::int64_t o, WaveRow &row) {
+void gauss_row_pass(const Dipoles &dipoles, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
+                    const DirectedPairs &pairs, WaveRow &row) {
+    const int I = pairs.I, image = pairs.image;
+    const std::int64_t o = pairs.entry;
     for (int q = 0; q < 4; ++q) {
         const std::int64_t p = static_cast<std::int64_t>(q) * I;
         pair_directions(I, fixed_point(panels, I, image, wave.NU), &panels.XG(1, 1, q + 1), &panels.XG(1, 2, q + 1),
@@ -138,11 +166,13 @@ void gauss_row_pass(const PanelArrays &panels, const PeriodWave &wave, const GST
     }
     sources.area = panels.A.data();
     gauss_finish(I, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), sources, wave.NU, S, D);
+    gauss_dipoles(dipoles, panels, wave.NU, pairs, row);
 }
 
-void gauss_column_pass(const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I, int image,
-                       std::int64_t o, WaveRow &row) {
-    const int n = I - 1;
+void gauss_column_pass(const Dipoles &dipoles, const PanelArrays &panels, const PeriodWave &wave,
+                       const GSTATE &gstate, const DirectedPairs &pairs, WaveRow &row) {
+    const int I = pairs.I, image = pairs.image, n = I - 1;
+    const std::int64_t o = pairs.entry;
     for (int q = 0; q < 4; ++q) {
         const std::int64_t p = static_cast<std::int64_t>(q) * I;
         // The source is a Gauss point of I, the field the imaged centroid of J: the vector to the fixed point.
@@ -175,9 +205,10 @@ void gauss_column_pass(const PanelArrays &panels, const PeriodWave &wave, const 
     }
     gauss_finish(n, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), column, one_source(panels, I, panels.A(I)),
                  wave.NU, S, D);
+    gauss_dipoles(dipoles, panels, wave.NU, pairs, row);
 }
 
-void gauss_path(const Symmetry &sym, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I,
+void gauss_path(const Symmetry &sym, const Dipoles &dipoles, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I,
                 const int *code, WaveRow &row) {
     for (int m = 0; m < sym.NSYMG; ++m) {
         const std::int64_t o = static_cast<std::int64_t>(m) * I;
@@ -187,9 +218,10 @@ void gauss_path(const Symmetry &sym, const PanelArrays &panels, const PeriodWave
         }
         for (int q = 0; q < 4; ++q)
             decode_pairs(I, 3 * m, code, row.ISNG.data() + q * I, row.IBOT.data() + q * I);
-        gauss_row_pass(panels, wave, gstate, I, sym.ISYMG[m + 1], o, row);
+        const int image = sym.ISYMG[m + 1];
+        gauss_row_pass(dipoles, panels, wave, gstate, {I, image, true, 0, o}, row);
         if (I > 1)
-            gauss_column_pass(panels, wave, gstate, I, sym.ISYMG[m + 1], o, row);
+            gauss_column_pass(dipoles, panels, wave, gstate, {I, image, false, 0, o}, row);
     }
 }
 
@@ -239,13 +271,15 @@ bool PanelArrays::make(const RunState &run) {
     return true;
 }
 
-bool WaveRow::alloc(int NEQN, int NSYMG, const Options &opt) {
+bool WaveRow::alloc(int NEQN, int NSYMG, const Options &opt, bool dipoles) {
     const int points = opt.IQUAD == 1 ? 4 * NEQN : NSYMG * NEQN;
     velocities = opt.ISOR == 1;
+    second = dipoles;
+    tank = opt.IRRX != 0;
     const int entries = NSYMG * NEQN;
     if (!RR.alloc(points) || !ZS.alloc(points) || !ZF.alloc(points) || !CR.alloc(points) || !SR.alloc(points) ||
         !CC.alloc(points) || !SC.alloc(points) || !ISNG.alloc(points) || !IBOT.alloc(points) ||
-        !green.alloc(points, 8) || !EB.alloc(NEQN) || !EFR.alloc(NEQN) || !EFC.alloc(NEQN) ||
+        !green.alloc(points, second ? 16 : 8) || !EB.alloc(NEQN) || !EFR.alloc(NEQN) || !EFC.alloc(NEQN) ||
         !coefficient.alloc(entries, velocities ? 20 : 8) || !work.alloc(points))
         return false;
     SPR = column_pair(coefficient, 1);
@@ -259,11 +293,18 @@ bool WaveRow::alloc(int NEQN, int NSYMG, const Options &opt) {
     return true;
 }
 
+void WaveRow::record(std::int64_t p, f32 (&values)[16]) const {
+    for (int v = 0; v < GREEN_VALUES; ++v) {
+        values[2 * VALUES[v]] = (&green(1, 2 * v + 1))[p];
+        values[2 * VALUES[v] + 1] = (&green(1, 2 * v + 2))[p];
+    }
+}
+
 Status wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
                          int I, const int *code, WaveRow &row) {
     if (run.opt.IQUAD == 1)
-        gauss_path(run.sym, panels, wave, gstate, I, code, row);
+        gauss_path(run.sym, run.dipoles, panels, wave, gstate, I, code, row);
     else
-        centroid_path(run.sym, panels, wave, gstate, I, code, row);
+        centroid_path(run.sym, run.dipoles, panels, wave, gstate, I, code, row);
     return wave.IPLIM == 2 ? infinite_frequency_images(run, I, code, row) : Status::ok;
 }

@@ -46,9 +46,16 @@ struct WaveRow {
     Split SPR, DPR, SPC, DPC;
     bool velocities = false; // VPR and VPC are formed
     Split VPR[3], VPC[3];
-    [[nodiscard]] bool alloc(int NEQN, int NSYMG, const Options &opt);
+    // Full records of the Green function are formed, for dipole panels; `green` has 16 columns then, else 8.
+    bool second = false;
+    bool tank = false; // a filled tank: no wave term
+    [[nodiscard]] bool alloc(int NEQN, int NSYMG, const Options &opt, bool dipoles);
+    // The record of point p, from 0, in the order of GreenValue.
+    void record(std::int64_t p, f32 (&values)[16]) const;
 };
 
+// With a dipole panel as field panel S and D are derivatives along its normal, and the velocity of a source on one is
+// that of a dipole.
 // Forms SPR, DPR, with ISOR=1 VPR (J = 1..I), and SPC, DPC, VPC (J = 1..I-1) for all images. `code` holds the pair codes ICODE(1..I)
 // without the free-surface mark; EB, EFR, EFC are set. Failed: an image has no value at infinite frequency.
 [[nodiscard]] Status wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,

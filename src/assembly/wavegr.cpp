@@ -78,7 +78,7 @@ Status assemble_rows(const AssemblyFrame &f, ThreadState &thread) {
 
 bool RowWork::alloc(const RunState &run) {
     const int n = run.mesh.NEQN;
-    return row.alloc(n, run.sym.NSYMG, run.opt) && sums.alloc(n, run.opt.ISOR == 1) && code.alloc(n);
+    return row.alloc(n, run.sym.NSYMG, run.opt, run.dipoles.IDIPOL) && sums.alloc(n, run.opt.ISOR == 1) && code.alloc(n);
 }
 
 Status assemble_row(const AssemblyFrame &f, const GSTATE &gstate, int I, int a, const int *stored, RowWork &work,
@@ -98,6 +98,8 @@ Status WAVEGR(const RunState &run, const PeriodWave &wave, ThreadState &thread) 
         return MSGOUT(" RAM too small to allocate WAVEGR arrays ");
     if (failed(start_right_hand_sides(run, wave.NUL, thread)))
         return Status::failed;
+    if (run.dipoles.IDIPOL)
+        add_dipole_rows(run, thread);
     const AssemblyFrame frame{run, wave, panels, weights};
     return run.memory.INCORE ? assemble_rows(frame, thread) : assemble_on_scratch(frame, thread);
 }

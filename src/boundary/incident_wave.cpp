@@ -39,7 +39,8 @@ void INCWAV(const RunState &run, f32 K, ThreadState &thread) {
     if (K <= 1.0e-6f)
         return;
     const bool dipoles = run.dipoles.IDIPOL;
-    const bool gradient = std::max(opt.ISOR, opt.ISCATT) == 1;
+    // The right-hand side of a dipole panel is a normal velocity in any run.
+    const bool gradient = std::max(opt.ISOR, opt.ISCATT) == 1 || dipoles;
     const bool keep_incident = opt.ISCATT == 1 || (opt.ISOR == 1 && opt.IRR != 0);
     for (int ip = 1; ip <= mesh.NEQN; ++ip) {
         const f32 point[3] = {mesh.XCT(1, ip), mesh.XCT(2, ip), mesh.XCT(3, ip)};

@@ -92,6 +92,20 @@ void ZEROFS(const RunState &run, ThreadState &thread) {
     }
 }
 
+void shift_to_reference(const RunState &run, ThreadState &thread) {
+    for (int s = 1; s <= run.sym.NSYMR; ++s) {
+        for (int k = 1; run.sym.ICLS[s] == 1 && k <= run.sym.NMCLS[s]; ++k) {
+            const int mode = run.sym.MODCLS(k, s);
+            if (mode > 6)
+                continue;
+            c32 *phi = &thread.PHIR(1, run.sym.MODPOS(mode));
+            const f32 reference = phi[run.opt.IRRX - 1].real();
+            for (int i = 0; i < run.mesh.NEQN; ++i)
+                phi[i] = phi[i].real() - reference;
+        }
+    }
+}
+
 void SRCRHS(const RunState &run, f32 K, f32 F, View<c32, 2> RS, ThreadState &thread) {
     if (run.opt.IRAD != -1)
         radiation(run, K, F, RS);

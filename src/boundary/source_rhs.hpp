@@ -6,6 +6,11 @@
 // Clears the potentials PHIR (IRAD >= 0) and PHID (IDIFF >= 0) on the interior free-surface panels, IFSP=1.
 void ZEROFS(const RunState &run, ThreadState &thread);
 
+// A fully filled tank: the potentials of rigid motions, real, in the class that is even in both planes become those
+// relative to panel IRRX. The other
+// classes have no constant to choose.
+void shift_to_reference(const RunState &run, ThreadState &thread);
+
 // Turns the radiation potentials RS (NEQN,NSYMD) into the right-hand sides of the source equations, the
 // normal velocity on each panel, and completes those of diffraction in thread.SRCD, which holds minus the
 // normal velocity of the incident wave; thread.PHID and PHI0 are read. K is the deep-water wave number, 0 at

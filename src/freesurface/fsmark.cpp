@@ -20,7 +20,7 @@ Status FSMARK(const Options &opt, Bodies &bodies, Mesh &mesh) {
             ++i;
             const f32 n3 = mesh.TRM(3, 3, i);
             const f32 z = mesh.XCT(3, i);
-            if (z <= SURFACE)
+            if (z <= SURFACE || opt.IRRX != 0)
                 continue;
             if (n3 < -VERTICAL) {
                 if (z > ABOVE)

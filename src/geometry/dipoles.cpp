@@ -45,14 +45,14 @@ Status mirror_dipoles(int first, int n, int total, Dipoles &dipoles) {
     return Status::ok;
 }
 
-Status INIT_DIPOLE(int NEQN, View<const f32, 1> area, View<const int, 1> IFSP, Dipoles &dipoles) {
-    if (!dipoles.DEPS.alloc(NEQN))
+Status INIT_DIPOLE(const Mesh &mesh, Dipoles &dipoles) {
+    if (!dipoles.DEPS.alloc(mesh.NEQN))
         return MSGOUT("RAM insufficient to allocate arrays in INIT_DIPOLE ");
-    for (int i = 1; i <= NEQN; ++i) {
+    for (int i = 1; i <= mesh.NEQN; ++i) {
         if (dipoles.IDIP(i) == 0)
             continue;
-        dipoles.DEPS(i) = STEP_FACTOR * std::sqrt(area(i));
-        if (IFSP(i) != 0)
+        dipoles.DEPS(i) = STEP_FACTOR * std::sqrt(mesh.PMOM(1, i));
+        if (mesh.IFSP(i) != 0)
             return MSGOUT("Dipole not allowed on the free surface!");
     }
     return Status::ok;

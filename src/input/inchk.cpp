@@ -56,6 +56,7 @@ void check_problem(const RunState &run, Faults &faults) {
     faults.test(run.periods.NBETA == 0 && opt.IDIFF >= 0,
                 "No wave headings specified for diffraction problem");
     faults.test(opt.IRRX > run.mesh.NEQN, "Reference panel of the tank is above NEQN: IRR-10=", opt.IRRX);
+    faults.test(opt.IRRX != 0 && opt.IDIFF >= 0, "IDIFF must be -1 for a fully filled tank");
 }
 
 // A hull may stand on the bottom, not reach below it. Tells the first panel that does.
@@ -100,6 +101,9 @@ Status INCHK(const RunState &run) {
     if (run.dipoles.IDIPOL) {
         faults.test(run.opt.I2ND != 0, "I2ND must be 0 when there are dipoles");
         faults.test(run.opt.IWADD == 1, "IWADD must be 0 when there are dipoles");
+        const int reference = run.opt.IRRX;
+        faults.test(reference > 0 && reference <= run.mesh.NEQN && run.dipoles.IDIP(reference) != 0,
+                    "Reference panel of the tank is a dipole panel: IRR-10=", reference);
     }
     return faults.any ? Status::failed : Status::ok;
 }

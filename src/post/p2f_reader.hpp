@@ -25,6 +25,9 @@ struct P2fFile {
     Array<int, 1> MODLST, MODPOS;
     Array<int, 2> MODCLS;
     Array<f32, 2> XCT, PMOM, VEL;
+    Array<f32, 3> XVER;         // (4,3,NEQN)
+    Array<int, 1> IDIP;         // (NEQN), empty without dipole panels
+    Array<f32, 1> DPORA, DPORB; // likewise
     Array<f32, 2> VOL, XCB, CHYD;
     std::vector<std::string> text; // the text block without its end mark
     Array<int, 1> IFSP, IRRP;      // (NEQN), empty when the file has none

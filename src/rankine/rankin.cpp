@@ -69,7 +69,7 @@ class Sweep {
   private:
     void find_columns(int first, int rows, Block &b) const {
         for (int r = 1; r <= rows; ++r)
-            near_pairs(in_.points, first + r - 2, in_.images, &b.mask(1, r));
+            pairs_of(in_, first + r - 1, &b.mask(1, r));
         const int near_bits = (1 << in_.images.count) - 1;
         b.columns = 0;
         for (int B = 1; B <= NEQN_; ++B) {

@@ -30,7 +30,7 @@ bool visit(const RankineInput &in, const Planes &planes, int A, OuterPanel &oute
         std::fill_n(&outer.row(1, p), A, 0.0f);
         std::fill_n(&outer.column(1, p), A, 0.0f);
     }
-    near_pairs(in.points, A - 1, in.images, outer.mask.data());
+    pairs_of(in, A, outer.mask.data());
     const auto rhs_of = [&](int panel) { return in.opt.IRAD != -1 ? &outer.rhs(1, 0, panel) : nullptr; };
     for (int B = 1; B <= A; ++B) {
         const int bits = outer.mask(B);

@@ -70,6 +70,13 @@ RankineInput::RankineInput(const Options &options, const Mesh &the_mesh, const D
     }
 }
 
+void pairs_of(const RankineInput &in, int A, std::uint8_t *mask) {
+    if (in.tank())
+        std::fill_n(mask, in.mesh.NEQN, static_cast<std::uint8_t>((1 << in.images.count) - 1));
+    else
+        near_pairs(in.points, A - 1, in.images, mask);
+}
+
 bool rankine_pair(const RankineInput &in, int F, int G, int p, bool surface, RankineTerms &t) {
     const Options &opt = in.opt;
     const Panel &field = in.panel(F);
@@ -100,6 +107,11 @@ bool rankine_pair(const RankineInput &in, int F, int G, int p, bool surface, Ran
         for (int c = 1; c <= 3; ++c)
             t.V[0][c] += g[c];
         t.N[0] += dot(N, g);
+    }
+
+    if (in.tank()) {
+        t.digit = 0;
+        return true;
     }
 
     N[3] = -N[3]; // of both images in horizontal planes

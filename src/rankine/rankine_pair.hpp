@@ -22,6 +22,8 @@ struct RankineInput {
 
     const Panel &panel(int NP) const { return panels[static_cast<std::size_t>(NP) - 1]; }
     bool dipole(int NP) const { return dipoles.IDIPOL && dipoles.IDIP(NP) != 0; }
+    // A filled tank: every pair is near, and there are no images in free surface and bottom.
+    bool tank() const { return opt.IRRX != 0; }
 };
 
 // Influence on field panel F, taken at its image, of source panel G. Level 0 holds the plain Rankine terms,
@@ -33,6 +35,9 @@ struct RankineTerms {
     int digit; // octal digit of the pair code: 1 direct term, 2 and free-surface image, 3 and its logarithm;
                // 4 added: bottom
 };
+
+// The mask of near_pairs for field panel A, or that of a tank.
+void pairs_of(const RankineInput &in, int A, std::uint8_t *mask);
 
 // The terms of a near pair for the p-th image of the list; `surface` tells that both panels lie in z = 0. At
 // F = G, p = 1, V starts with the 2 pi of the panel itself. False: an integral has no value.

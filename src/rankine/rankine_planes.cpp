@@ -9,6 +9,8 @@ namespace {
 
 // The first panel that lies in z = 0 with itself or a panel before it; 0: there is none.
 int first_surface_row(const RankineInput &in) {
+    if (in.tank())
+        return 0;
     const PairPoints &at = in.points;
     f32 largest = 0;
     for (const f32 size : at.size)

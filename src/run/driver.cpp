@@ -4,12 +4,12 @@
 #include "freesurface/fdf.hpp"
 #include "freesurface/fsmark.hpp"
 #include "freesurface/fsstrip.hpp"
+#include "geometry/dipoles.hpp"
 #include "geometry/pregeo.hpp"
 #include "input/input.hpp"
 #include "rankine/rankin.hpp"
 #include "rankine/rankin_scratch.hpp"
 #include "results/p2f_writer.hpp"
-#include "run/limits.hpp"
 #include "run/memory_plan.hpp"
 #include "run/messages.hpp"
 #include "run/period_loop.hpp"
@@ -64,7 +64,6 @@ void run_solver() {
     require(INECHO(run));
     run.opt.NCORE = core_order(run.opt, run.mesh.NEQN);
     require(INCHK(run));
-    require(within_limits(run));
     if (!allocate_mesh(run.bodies, run.mesh))
         require(MSGOUT(" RAM too small for number of panels "));
     require(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh));
@@ -74,6 +73,8 @@ void run_solver() {
     const bool drift = run.opt.IWADD == 1;
     if (drift)
         require(FDFSTG(run, run.surface));
+    if (run.dipoles.IDIPOL)
+        require(INIT_DIPOLE(run.mesh, run.dipoles));
     require(SYMSET(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.bodies.MODE, drift ? 1 : run.opt.IDIFF,
                    run.sym));
     if (drift) {

@@ -55,7 +55,7 @@ void solve_sources(const RunState &run, const PeriodWave &wave, ThreadState &thr
     if (opt.IRAD >= 0)
         std::copy_n(thread.PHIR.data(), thread.PHIR.size(), thread.SRCR.data());
     SRCRHS(run, wave.NUL, wave.F, thread.SRCR, thread);
-    const SolveRequest request{opt.IRAD, opt.IDIFF, 1, 0, 1, opt.IRR == 0 ? EPSIT : 1.0e-4f};
+    const SolveRequest request{opt.IRAD, opt.IDIFF, 1, 0, 1, opt.IRR == 0 ? EPSIT : 1.0e-4f, opt.IRRX};
     require(SOLVE(run, request, thread.SRCR, thread.SRCD, thread, ITER));
     require(BVEL(run, thread));
 }
@@ -77,11 +77,15 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCou
         require(solve_second_order(run, wave, thread, counts));
         return W * F;
     }
-    require(SOLVE(run, {opt.IRAD, opt.IDIFF}, thread.PHIR, thread.PHID, thread, counts.potentials));
+    SolveRequest request{opt.IRAD, opt.IDIFF};
+    request.IRRX = opt.IRRX;
+    require((opt.IRRX != 0 ? SOLVE_R : SOLVE)(run, request, thread.PHIR, thread.PHID, thread, counts.potentials));
     if (opt.IDIFF >= 0 && opt.ISCATT == 1)
         ADDINC(thread);
     if (opt.IRR >= 1)
         ZEROFS(run, thread);
+    if (opt.IRRX != 0)
+        shift_to_reference(run, thread);
     if (opt.ISOR == 1)
         solve_sources(run, wave, thread, counts.sources);
     return W * F;

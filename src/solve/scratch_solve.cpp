@@ -5,6 +5,7 @@
 #include "solve/class_columns.hpp"
 #include "solve/lu.hpp"
 #include "solve/sweeps.hpp"
+#include "solve/tank.hpp"
 
 #include <algorithm>
 
@@ -52,11 +53,10 @@ Status solve_full_direct(ScratchSolve &c, int s, const Columns &columns, int (&I
     };
     if (!c.in_place(s) && failed(with_unit(c, s, c.keep(), fetch)))
         return Status::failed;
-    if (c.request.FACT == 1 && failed(LUFACT(c.AMAT, IPIV, c.n))) {
-        (void)MSGOUT(" Error in direct solver: left-hand-side is singular ", s);
-        return report_columns(columns);
-    }
-    if (failed(solve_directly(c.AMAT, IPIV, c.n, columns, ITER)))
+    const DirectClass of_class{c.run, s, tank_reference(c.run, c.request, s)};
+    if (c.request.FACT == 1 && failed(factor_class(of_class, c.AMAT, IPIV, columns)))
+        return Status::failed;
+    if (failed(solve_class(of_class, c.AMAT, IPIV, columns, ITER)))
         return Status::failed;
     if (!c.saves())
         return Status::ok;

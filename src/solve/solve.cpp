@@ -5,6 +5,7 @@
 #include "solve/lu.hpp"
 #include "solve/scratch_solve.hpp"
 #include "solve/sweeps.hpp"
+#include "solve/tank.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -33,11 +34,10 @@ Status solve_full_direct(CoreSolve &c, const SolveRequest &request, int s,
     int *IPIV = stays ? &c.pivots(1, s) : c.IPIV.data();
     if (!stays)
         std::memcpy(LU.data(), matrix.data(), static_cast<std::size_t>(LU.size()) * sizeof(c32));
-    if (request.FACT == 1 && failed(LUFACT(LU, IPIV, c.n))) {
-        (void)MSGOUT(" Error in direct solver: left-hand-side is singular ", s);
-        return report_columns(columns);
-    }
-    return solve_directly(LU, IPIV, c.n, columns, ITER);
+    const DirectClass of_class{c.run, s, tank_reference(c.run, request, s)};
+    if (request.FACT == 1 && failed(factor_class(of_class, LU, IPIV, columns)))
+        return Status::failed;
+    return solve_class(of_class, LU, IPIV, columns, ITER);
 }
 
 // Only the diagonal blocks are copied, to be factored; the sweeps read the others where they are.
@@ -99,4 +99,11 @@ Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR
         ITER[0] = ITER[1] = 0;
     return run.memory.INCORE ? solve_in_core(run, request, PHIR, PHID, thread, ITER)
                              : solve_on_scratch(run, request, PHIR, PHID, thread, ITER);
+}
+
+Status SOLVE_R(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,
+               ThreadState &thread, int (&ITER)[2]) {
+    if (run.opt.ISOLVE != 1)
+        return MSGOUT(" Fully filled tank exists, ISOLVE=1 is expected! ");
+    return SOLVE(run, request, PHIR, PHID, thread, ITER);
 }

@@ -74,7 +74,6 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"no matrix in memory", "config.vrd", "MAXSCR=5000", "MAXSCR=1",
               "Value of MAXSCR is illegal In CONFIG file: MAXSCR=1"},
         Fault{"treatment without logarithm", "run.pot", "0 IRR", "1 IRR", "Set ILOG = 1, when IRR > 0"},
-        Fault{"tank", "run.pot", "0 IRR", "12 IRR", "Fully filled tanks are not supported"},
         Fault{"no name of the FDF file", "config.vrd", "MAXSCR", "IWADD=1\nMAXSCR", "Error reading the name of the FDF file from the console"}));
 
 TEST(Ends, SurfacePanelsNeedTheirLogarithm) {

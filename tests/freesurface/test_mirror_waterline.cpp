@@ -154,17 +154,17 @@ TEST(Dipoles, step_is_an_eighth_of_the_panel) {
     Dipoles dipoles;
     ASSERT_EQ(DIPGRW(3, dipoles), Status::ok);
     dipoles.IDIP(2) = 1;
-    Array<f32, 1> area;
-    Array<int, 1> IFSP;
-    ASSERT_TRUE(area.alloc(3) && IFSP.alloc(3));
-    area.fill(4);
-    IFSP(3) = 1; // an ordinary panel may lie in the surface
-    ASSERT_EQ(INIT_DIPOLE(3, area, IFSP, dipoles), Status::ok);
+    Mesh mesh;
+    mesh.NEQN = 3;
+    ASSERT_TRUE(mesh.PMOM.alloc(13, 3) && mesh.IFSP.alloc(3));
+    mesh.PMOM.fill(4);
+    mesh.IFSP(3) = 1; // an ordinary panel may lie in the surface
+    ASSERT_EQ(INIT_DIPOLE(mesh, dipoles), Status::ok);
     EXPECT_EQ(dipoles.DEPS(1), 0);
     EXPECT_EQ(dipoles.DEPS(2), 0.25f);
     EXPECT_EQ(dipoles.DEPS(3), 0);
-    IFSP(2) = -1;
-    EXPECT_EQ(INIT_DIPOLE(3, area, IFSP, dipoles), Status::failed);
+    mesh.IFSP(2) = -1;
+    EXPECT_EQ(INIT_DIPOLE(mesh, dipoles), Status::failed);
     EXPECT_TRUE(folder.told("Dipole not allowed on the free surface!"));
 }
 

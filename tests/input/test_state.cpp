@@ -31,7 +31,7 @@ TEST(Configuration, settings_win_and_shorten_the_control_file) {
                           " IsOlVe_note=0 ignored\nISOLVE = 9\nISOLVE = -1\n"
                           "ISOR=1\nIRR=12\nXBODY=1.D0,2 3*0\nIQUAD=1\nILOG=1\nIDIAG=1\nI2ND=0\n"
                           "IUSESCR=1\nNTRD=3\nISCATT=1\nIPERIO=2\nIFSLID=1\n";
-    files["box.pot"] = "short\n 50.\n 0 0\n 1 0 1 0 0 0\n 1\n 2.\n 1\n 90.\n";
+    files["box.pot"] = "short\n 50.\n 0 -1\n 1 0 1 0 0 0\n 1\n 2.\n 1\n 90.\n";
     const InputRun in(files);
     ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
     const Options &opt = in.run.opt;

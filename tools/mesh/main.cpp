@@ -2,6 +2,7 @@
 #include "shapes.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -16,6 +17,9 @@ struct Request {
     bool lid = false;
     bool standing = false;
     std::vector<double> offset = {0, 0, 0};
+    double distance = 1, depth = 1, height = 1;
+    double porosity[2] = {0, 0};
+    int mark = 1;
     double ULEN = 1, GRAV = 9.80665;
 };
 
@@ -36,12 +40,18 @@ bool write_gdf(const Request &request, const std::string &title, Panels panels, 
     if (file == nullptr)
         return false;
     std::fprintf(file, "%s\n", title.c_str());
-    std::fprintf(file, " %.9g %.9g\n %d %d\n %zu\n", request.ULEN, request.GRAV, ISX, ISY, panels.size());
+    const auto is_plate = [](const MeshPanel &panel) { return panel.plate; };
+    const bool plates = std::any_of(panels.begin(), panels.end(), is_plate);
+    std::fprintf(file, " %.9g %.9g\n %d %d\n %zu%s\n", request.ULEN, request.GRAV, ISX, ISY, panels.size(),
+                 plates ? " 1" : "");
     for (const MeshPanel &panel : panels) {
         for (const Point &p : panel.vertex)
             std::fprintf(file, " %.9g %.9g %.9g\n", p[0] + request.offset[0], p[1] + request.offset[1],
                          p[2] + request.offset[2]);
     }
+    for (std::size_t i = 0; plates && i < panels.size(); ++i)
+        std::fprintf(file, " %d %.9g %.9g 0\n", panels[i].plate ? request.mark : 0, request.porosity[0],
+                     request.porosity[1]);
     const bool good = std::ferror(file) == 0;
     return std::fclose(file) == 0 && good;
 }
@@ -97,6 +107,35 @@ int main(int argc, char **argv) {
     size(hull, "--draft", r.draft, "draft");
     count(hull, "--nu", r.nu, "panels along half the length");
     count(hull, "--nv", r.nv, "panels down the draft");
+    const auto plate_options = [&](CLI::App *shape) {
+        shape->add_option("--idip", r.mark, "mark IDIP of the panels");
+        shape->add_option("--dpora", r.porosity[0], "porosity coefficient DPORA");
+        shape->add_option("--dporb", r.porosity[1], "porosity coefficient DPORB");
+    };
+    CLI::App *plate = app.add_subcommand("disc", "horizontal disc without thickness, of dipole panels");
+    common(plate);
+    plate_options(plate);
+    size(plate, "--radius", r.radius, "radius");
+    size(plate, "--depth", r.depth, "depth below the free surface");
+    count(plate, "--nu", r.nu, "panels around");
+    count(plate, "--nw", r.nw, "panels from the axis to the edge");
+    CLI::App *twin = app.add_subcommand("plates", "two vertical plates without thickness, across x, from the free surface");
+    common(twin);
+    plate_options(twin);
+    size(twin, "--distance", r.distance, "distance of the plates");
+    size(twin, "--beam", r.beam, "beam, along y");
+    size(twin, "--draft", r.draft, "draft");
+    count(twin, "--nu", r.nu, "panels along half the beam");
+    count(twin, "--nv", r.nv, "panels down the draft");
+    CLI::App *closed = app.add_subcommand("tank", "closed rectangular tank, normals out of the fluid");
+    common(closed);
+    size(closed, "--length", r.length, "length, along x");
+    size(closed, "--beam", r.beam, "beam, along y");
+    size(closed, "--height", r.height, "height");
+    size(closed, "--depth", r.depth, "depth of its top below z = 0");
+    count(closed, "--nu", r.nu, "panels along half the length");
+    count(closed, "--nv", r.nv, "panels along half the beam");
+    count(closed, "--nw", r.nw, "panels down the height");
     CLI11_PARSE(app, argc, argv);
 
     int ISX = 0;
@@ -112,6 +151,15 @@ int main(int argc, char **argv) {
     } else if (barge->parsed()) {
         quarter = box(r.length, r.beam, r.draft, r.nu, r.nv, r.nw, r.lid);
         title = "Barge";
+    } else if (plate->parsed()) {
+        quarter = heave_plate(r.radius, -r.depth, r.nu, r.nw);
+        title = "Disc";
+    } else if (twin->parsed()) {
+        quarter = twin_plates(r.distance, r.beam, r.draft, r.nu, r.nv);
+        title = "Two plates";
+    } else if (closed->parsed()) {
+        quarter = tank(r.length, r.beam, r.height, -r.depth, r.nu, r.nv, r.nw);
+        title = "Tank";
     } else {
         quarter = wigley(r.length, r.beam, r.draft, r.nu, r.nv);
         title = "Wigley hull";

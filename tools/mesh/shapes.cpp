@@ -47,7 +47,7 @@ MeshPanel oriented(const MeshPanel &panel, const Point &inward) {
     const Point d2 = minus(minus({p[0][0] + p[3][0], p[0][1] + p[3][1], p[0][2] + p[3][2]}, p[1]), p[2]);
     if (dot(cross(d1, d2), inward) > 0)
         return panel;
-    return {{p[3], p[2], p[1], p[0]}};
+    return {{p[3], p[2], p[1], p[0]}, panel.plate};
 }
 
 Panels patch(int nu, int nv, const std::function<Point(double u, double v)> &surface,
@@ -120,11 +120,38 @@ Panels wigley(double length, double beam, double draft, int nx, int nz) {
         [](const Point &) { return Point{0, -1, 0}; });
 }
 
+Panels heave_plate(double radius, double z, int around, int radial) {
+    Panels panels = disc(radius, z, around, radial, up);
+    for (MeshPanel &panel : panels)
+        panel.plate = true;
+    return panels;
+}
+
+Panels twin_plates(double distance, double beam, double draft, int ny, int nz) {
+    Panels panels = patch(
+        ny, nz, [=](double u, double v) { return Point{distance / 2, beam / 2 * u, -draft * v}; },
+        [](const Point &) { return Point{-1, 0, 0}; });
+    for (MeshPanel &panel : panels)
+        panel.plate = true;
+    return panels;
+}
+
+Panels tank(double length, double beam, double height, double top, int nx, int ny, int nz) {
+    Panels panels = box(length, beam, height, nx, ny, nz, true);
+    for (MeshPanel &panel : panels) {
+        std::swap(panel.vertex[0], panel.vertex[3]);
+        std::swap(panel.vertex[1], panel.vertex[2]);
+        for (Point &p : panel.vertex)
+            p[2] += top;
+    }
+    return panels;
+}
+
 Panels mirrored(const Panels &panels, int axis) {
     Panels all = panels;
     const std::size_t a = static_cast<std::size_t>(axis);
     for (const MeshPanel &panel : panels) {
-        MeshPanel image{{panel.vertex[1], panel.vertex[0], panel.vertex[3], panel.vertex[2]}};
+        MeshPanel image{{panel.vertex[1], panel.vertex[0], panel.vertex[3], panel.vertex[2]}, panel.plate};
         for (Point &p : image.vertex)
             p[a] = p[a] == 0 ? 0 : -p[a];
         all.push_back(image);

@@ -1,0 +1,95 @@
+#include "assembly/dipole_row.hpp"
+
+#include "green/ghess.hpp"
+#include "green/gradsg.hpp"
+#include "run/symmetry.hpp"
+
+namespace {
+
+constexpr f32 VERTICAL = 1.0e-6f; // horizontal distance within which a pair counts as on one vertical
+
+int partners(const DirectedPairs &pairs) {
+    return pairs.row ? pairs.I : pairs.I - 1;
+}
+
+bool is_dipole(const Dipoles &dipoles, int panel) {
+    return dipoles.IDIP(panel) != 0;
+}
+
+void set(const Split &s, std::int64_t e, c32 value) {
+    s.re[e] = value.real();
+    s.im[e] = value.imag();
+}
+
+void add(const Split &s, std::int64_t e, c32 value) {
+    s.re[e] += value.real();
+    s.im[e] += value.imag();
+}
+
+template <class V> c32 along(const f32 (&M)[3], const V &vector) {
+    return M[0] * vector[0] + M[1] * vector[1] + M[2] * vector[2];
+}
+
+// Calls action(J, e, field is a dipole panel, source is one) for the pairs with a dipole panel, e their
+// entry.
+template <class Action>
+void each_dipole_pair(const Dipoles &dipoles, const DirectedPairs &pairs, Action action) {
+    const bool own = is_dipole(dipoles, pairs.I);
+    for (int J = 1; J <= partners(pairs); ++J) {
+        const bool partner = is_dipole(dipoles, J);
+        if (own || partner)
+            action(J, pairs.entry + J - 1, pairs.row ? own : partner, pairs.row ? partner : own);
+    }
+}
+
+} // namespace
+
+void start_dipole_pairs(const Dipoles &dipoles, const DirectedPairs &pairs, WaveRow &row) {
+    each_dipole_pair(dipoles, pairs, [&](int, std::int64_t e, bool field, bool source) {
+        if (field) {
+            set(pairs.row ? row.SPR : row.SPC, e, 0);
+            set(pairs.row ? row.DPR : row.DPC, e, 0);
+        }
+        for (int c = 0; source && row.velocities && c < 3; ++c)
+            set(pairs.row ? row.VPR[c] : row.VPC[c], e, 0);
+    });
+}
+
+void add_dipole_points(const Dipoles &dipoles, const PanelArrays &panels, f32 NU, const DirectedPairs &pairs,
+                       std::int64_t point, const f32 *weight, WaveRow &row) {
+    const f32 sx = static_cast<f32>(SGX[pairs.image]), sy = static_cast<f32>(SGY[pairs.image]);
+    // Unit vectors from field to source.
+    const f32 *cosine = (pairs.row ? row.CR : row.CC).data(), *sine = (pairs.row ? row.SR : row.SC).data();
+    each_dipole_pair(dipoles, pairs, [&](int J, std::int64_t e, bool field, bool source) {
+        if (!field && !(source && row.velocities))
+            return;
+        const std::int64_t p = point + J - 1;
+        const int field_panel = pairs.row ? pairs.I : J, source_panel = pairs.row ? J : pairs.I;
+        f32 record[16];
+        row.record(p, record);
+        HessianPair pair;
+        pair.R = row.RR.data()[p];
+        pair.EPSR = NU * VERTICAL;
+        for (int c = 1; c <= 3; ++c)
+            pair.N1[c - 1] = pair.N2[c - 1] = panels.N(source_panel, c);
+        pair.C1 = pair.C2 = cosine[p];
+        pair.S1 = pair.S2 = sine[p];
+        c32 W[3];
+        GHESS(pair, record, pairs.MODE, W);
+        const f32 first = NU * NU * weight[pairs.row ? J - 1 : 0], second = NU * first;
+        if (field) {
+            const f32 M[3] = {sx * panels.N(field_panel, 1), sy * panels.N(field_panel, 2),
+                              panels.N(field_panel, 3)};
+            c32 V[3];
+            GRADSG(record, pairs.MODE, pair.C1, pair.S1, pair.C2, pair.S2, V);
+            add(pairs.row ? row.SPR : row.SPC, e, first * along(M, V));
+            add(pairs.row ? row.DPR : row.DPC, e, second * along(M, W));
+        }
+        for (int c = 0; source && row.velocities && c < 3; ++c)
+            add(pairs.row ? row.VPR[c] : row.VPC[c], e, second * W[c]);
+    });
+}
+
+c32 porosity_term(const Dipoles &dipoles, const PeriodWave &wave, int I) {
+    return PI4 * wave.NUL * wave.F * c32(dipoles.DPORA(I), -dipoles.DPORB(I));
+}

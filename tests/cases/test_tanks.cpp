@@ -1,0 +1,193 @@
+// Truth for the fluid in a closed tank: it moves with surge, sway and heave as a rigid body; in roll its
+// inertia about the axis through its centre is a Fourier series. Runs that must agree.
+#include "source_fields.hpp"
+
+#include <sstream>
+
+namespace {
+
+constexpr double LENGTH = 1.6, BEAM = 1.0, HEIGHT = 0.8, DEPTH = 0.5, VOLUME = LENGTH * BEAM * HEIGHT;
+
+struct Solved {
+    P2fFile p2f;
+    Coefficients c;
+};
+
+Pot tank_pot(int IRRX) {
+    Pot pot;
+    pot.IRR = 10 + IRRX;
+    pot.IDIFF = -1;
+    pot.NBETA = 0;
+    pot.BETA = "";
+    return pot;
+}
+
+std::string tank_mesh(int n, const std::string &part = "quarter") {
+    std::ostringstream out;
+    out << "tank --length " << LENGTH << " --beam " << BEAM << " --height " << HEIGHT << " --depth " << DEPTH
+        << " --nu " << 6 * n << " --nv " << 4 * n << " --nw " << 6 * n << " --part " << part;
+    return out.str();
+}
+
+void solve(const std::string &mesh, const Pot &pot, Solved &run, const std::string &config = "") {
+    CaseFolder folder;
+    prepare(folder, pot, config);
+    make_mesh(folder, mesh);
+    folder.solve();
+    folder.results(run.p2f, run.c);
+}
+
+// Inertia per density of the fluid in a rectangle, per length, about its centre. With phi = y z + psi, psi
+// the series of sin(k z) sinh(k y) that has no flow through the horizontal walls and -2 z through the
+// vertical ones.
+double roll_inertia(double b, double h) {
+    double sum = (h * b * b * b - b * h * h * h) / 12;
+    for (int m = 0; m < 20; ++m) {
+        const double k = (2 * m + 1) * 3.14159265358979 / h, sign = m % 2 == 0 ? 1 : -1;
+        const double tanh = std::tanh(k * b / 2), d = -8 * sign / (h * k * k);
+        sum += 4 * sign * d / k * ((b / 2) / k - 2 * tanh / (k * k));
+    }
+    return sum;
+}
+
+void expect_the_fluid_of_the_box(const Solved &run, double translation, double rotation) {
+    const auto A = [&](int i, int j) { return static_cast<double>(run.c.A(i, j, 1)); };
+    for (int i = 1; i <= 3; ++i)
+        EXPECT_NEAR(A(i, i) / VOLUME, 1, translation) << i;
+    const double z = -DEPTH - HEIGHT / 2;
+    EXPECT_NEAR(A(2, 4), -z * A(2, 2), 1e-4);
+    EXPECT_NEAR((A(4, 4) - z * z * A(2, 2)) / (LENGTH * roll_inertia(BEAM, HEIGHT)), 1, rotation);
+    EXPECT_NEAR((A(5, 5) - z * z * A(1, 1)) / (BEAM * roll_inertia(LENGTH, HEIGHT)), 1, rotation);
+    EXPECT_NEAR(A(6, 6) / (HEIGHT * roll_inertia(LENGTH, BEAM)), 1, rotation);
+}
+
+TEST(Tank, MovesAsARigidBodyAndRollsByTheSeries) {
+    Solved coarse, fine;
+    solve(tank_mesh(1), tank_pot(1), coarse);
+    expect_the_fluid_of_the_box(coarse, 0.02, 0.03);
+    solve(tank_mesh(2), tank_pot(1), fine);
+    expect_the_fluid_of_the_box(fine, 0.007, 0.01);
+}
+
+TEST(Tank, DependsNeitherOnReferencePanelNorPartDepthPeriodOrStore) {
+    Solved first;
+    solve(tank_mesh(1), tank_pot(1), first);
+    const int last = first.p2f.NEQN;
+    struct Other {
+        int IRRX;
+        const char *part, *depth, *PER, *config;
+    };
+    for (const Other &o :
+         {Other{17, "quarter", "0", "1", ""}, Other{last, "quarter", "2", "0", "IUSESCR=1\n"},
+          Other{5, "half-x", "0", "-1", ""}, Other{300, "full", "2", "2.5", ""}}) {
+        Pot pot = tank_pot(o.IRRX);
+        pot.HBOT = o.depth;
+        pot.PER = o.PER;
+        Solved run;
+        solve(tank_mesh(1, o.part), pot, run, o.config);
+        for (int i = 1; i <= 6; ++i)
+            EXPECT_NEAR(run.c.A(i, i, 1), first.c.A(i, i, 1), 2e-5) << o.part << i;
+        // The class that is even in both planes vanishes at the reference panel.
+        EXPECT_EQ(run.p2f.PHIR(o.IRRX, run.p2f.MODPOS(3), 1), c32(0));
+        for (int ip = 1; ip <= run.p2f.NEQN; ++ip)
+            EXPECT_EQ(run.p2f.PHIR(ip, 1, 1).imag(), 0);
+    }
+}
+
+// The walls lean: the panels do not balance, and what they leave must not fall to the reference panel alone.
+TEST(Tank, LeaningWallsMakeNoDifferenceToThat) {
+    double first = 0;
+    for (const int IRRX : {1, 30, 60, 84}) {
+        CaseFolder folder;
+        prepare(folder, tank_pot(IRRX));
+        make_mesh(folder, tank_mesh(1), "box.gdf");
+        std::istringstream in(folder.read("box.gdf"));
+        std::string line;
+        std::ostringstream out;
+        for (int i = 0; i < 4 && std::getline(in, line); ++i)
+            out << line << "\n";
+        for (double x, y, z; in >> x >> y >> z;)
+            out << x * (1.6 + 1.2 * z) << " " << y << " " << z << "\n";
+        folder.write("run.gdf", out.str());
+        folder.solve();
+        Solved run;
+        folder.results(run.p2f, run.c);
+        const double heave = static_cast<double>(run.c.A(3, 3, 1));
+        if (IRRX == 1)
+            first = heave;
+        EXPECT_NEAR(heave / first, 1, 3e-5) << IRRX;
+    }
+}
+
+// A spherical tank from the hemisphere of a hull: normals turned out, and its mirror image on top.
+void write_spherical_tank(const CaseFolder &folder, int n) {
+    make_mesh(folder, "hemisphere --nu " + std::to_string(n) + " --nv " + std::to_string(n), "half.gdf");
+    std::istringstream in(folder.read("half.gdf"));
+    std::string line;
+    for (int i = 0; i < 4; ++i)
+        std::getline(in, line);
+    std::ostringstream panels;
+    for (int i = 0; i < n * n; ++i) {
+        double p[4][3];
+        for (auto &vertex : p)
+            in >> vertex[0] >> vertex[1] >> vertex[2];
+        for (const int v : {3, 2, 1, 0})
+            panels << p[v][0] << " " << p[v][1] << " " << p[v][2] - 2 << "\n";
+        for (const int v : {0, 1, 2, 3})
+            panels << p[v][0] << " " << p[v][1] << " " << -p[v][2] - 2 << "\n";
+    }
+    folder.write("run.gdf", "sphere\n1 9.80665\n1 1\n" + std::to_string(2 * n * n) + "\n" + panels.str());
+}
+
+TEST(Tank, ItsSourcesMoveTheFluidAsARigidBody) {
+    double before = 0;
+    for (const int n : {5, 10}) {
+        CaseFolder folder;
+        Pot pot = tank_pot(3);
+        pot.ISOR = 1;
+        prepare(folder, pot);
+        write_spherical_tank(folder, n);
+        folder.solve();
+        Solved run;
+        folder.results(run.p2f, run.c);
+        double error = 0;
+        for (int mode = 1; mode <= 3; ++mode) {
+            for (int ip = 1; ip <= run.p2f.NEQN; ++ip) {
+                const fields::Field field{true, run.p2f.MODPOS(mode), 0, mode, 1};
+                const fields::Vector v = fields::velocity_of_sources(run.p2f, ip, field);
+                for (std::size_t axis = 0; axis < 3; ++axis)
+                    error += std::norm(v[axis] - (static_cast<int>(axis) + 1 == mode ? 1.0 : 0.0));
+            }
+        }
+        error = std::sqrt(error / (3 * run.p2f.NEQN));
+        EXPECT_LT(error, n == 5 ? 0.2 : 0.11);
+        if (before > 0) {
+            EXPECT_NEAR(before / error, 2, 0.3); // first order
+        }
+        before = error;
+    }
+}
+
+TEST(Tank, UnfitRunsAreRefused) {
+    struct Refusal {
+        Pot pot;
+        const char *config, *message;
+    };
+    Pot wave = tank_pot(1);
+    wave.IDIFF = 1;
+    wave.NBETA = 1;
+    wave.BETA = "0";
+    for (const Refusal &r :
+         {Refusal{tank_pot(1), "ISOLVE=0\n", " Fully filled tank exists, ISOLVE=1 is expected! "},
+          Refusal{wave, "", "IDIFF must be -1 for a fully filled tank"},
+          Refusal{tank_pot(5000), "", "Reference panel of the tank is above NEQN: IRR-10=5000"}}) {
+        CaseFolder folder;
+        prepare(folder, r.pot, r.config);
+        make_mesh(folder, tank_mesh(1));
+        folder.solve();
+        EXPECT_NE(folder.list().find(r.message), std::string::npos) << folder.list();
+        EXPECT_FALSE(folder.exists("run.p2f"));
+    }
+}
+
+} // namespace

@@ -1,0 +1,348 @@
+// Truth for plates of dipole panels: the same panels as vortex rings in double precision, with their images
+// at the limit frequencies; the added mass 8/3 rho a^3 of a disc in unbounded fluid (H. Lamb, Hydrodynamics,
+// art. 108); the energy of the radiated waves, and what a porous plate takes out of it; equivalent runs.
+#include "source_fields.hpp"
+
+#include <algorithm>
+#include <sstream>
+
+namespace {
+
+using c64 = std::complex<double>;
+
+struct Solved {
+    P2fFile p2f;
+    Coefficients c;
+};
+
+void solve(const std::string &mesh, const Pot &pot, Solved &run, const std::string &config = "") {
+    CaseFolder folder;
+    prepare(folder, pot, config);
+    make_mesh(folder, mesh);
+    folder.solve();
+    folder.results(run.p2f, run.c);
+}
+
+Pot waves(const std::string &PER, const std::string &depth = "0") {
+    Pot pot;
+    pot.HBOT = depth;
+    pot.PER = PER;
+    pot.NPER = static_cast<int>(std::count(PER.begin(), PER.end(), ' ')) + 1;
+    return pot;
+}
+
+double A33(const Solved &run, int t) {
+    return static_cast<double>(run.c.A(3, 3, t));
+}
+
+// Vertical velocity at height h above point (x, y) of a horizontal ring of unit circulation through the
+// vertices of panel j and its images in x = 0 and y = 0: the law of Biot and Savart.
+double ring_velocity(const P2fFile &p2f, int j, double x, double y, double h) {
+    double w = 0;
+    for (const int image : {0, 1, 2, 3}) {
+        const double sx = image == 1 || image == 2 ? -1 : 1, sy = image >= 2 ? -1 : 1;
+        for (int v = 1; v <= 4; ++v) {
+            const int next = v % 4 + 1;
+            const double ax = x - sx * static_cast<double>(p2f.XVER(v, 1, j)),
+                         ay = y - sy * static_cast<double>(p2f.XVER(v, 2, j)),
+                         bx = x - sx * static_cast<double>(p2f.XVER(next, 1, j)),
+                         by = y - sy * static_cast<double>(p2f.XVER(next, 2, j));
+            const double cross = ax * by - ay * bx, ra = std::hypot(ax, ay, h), rb = std::hypot(bx, by, h);
+            const double dx = ax - bx, dy = ay - by, length = std::hypot(dx, dy);
+            if (length < 1e-9)
+                continue;
+            // Distance from the line squared, times length squared.
+            const double area2 = cross * cross + h * h * length * length;
+            w += sx * sy * cross * ((ax * dx + ay * dy) / ra - (bx * dx + by * dy) / rb) / area2;
+        }
+    }
+    return w;
+}
+
+// Heave added mass of the disc of the run by rings; `sign` is that of the image in the free surface, 0: none.
+double added_mass_of_rings(const P2fFile &p2f, int sign) {
+    const int n = p2f.NEQN;
+    std::vector<std::vector<double>> rows;
+    for (int i = 1; i <= n; ++i) {
+        const double x = static_cast<double>(p2f.XCT(1, i)), y = static_cast<double>(p2f.XCT(2, i)),
+                     depth = -static_cast<double>(p2f.XCT(3, i));
+        std::vector<double> row;
+        for (int j = 1; j <= n; ++j)
+            row.push_back(ring_velocity(p2f, j, x, y, 0) +
+                          (sign != 0 ? sign * ring_velocity(p2f, j, x, y, 2 * depth) : 0.0));
+        row.push_back(1);
+        rows.push_back(row);
+    }
+    for (std::size_t k = 0; k < rows.size(); ++k) { // the diagonal leads
+        for (std::size_t i = k + 1; i < rows.size(); ++i) {
+            const double f = rows[i][k] / rows[k][k];
+            for (std::size_t j = k; j <= rows.size(); ++j)
+                rows[i][j] -= f * rows[k][j];
+        }
+    }
+    double mass = 0;
+    std::vector<double> jump(rows.size());
+    for (std::size_t k = rows.size(); k-- > 0;) {
+        jump[k] = rows[k].back();
+        for (std::size_t j = k + 1; j < rows.size(); ++j)
+            jump[k] -= rows[k][j] * jump[j];
+        jump[k] /= rows[k][k];
+        mass += 4 * jump[k] * static_cast<double>(p2f.PMOM(1, static_cast<int>(k) + 1));
+    }
+    return std::abs(mass) * 4 * 3.14159265358979;
+}
+
+TEST(Disc, IsASheetOfVortexRings) {
+    constexpr double TOLERANCE = 2e-4; // near the panels' far field
+    Solved deep, near;
+    solve("disc --depth 20 --nu 4 --nw 6", waves("0.5"), deep);
+    EXPECT_NEAR(A33(deep, 1) / added_mass_of_rings(deep.p2f, 0), 1, TOLERANCE);
+    solve("disc --depth 0.4 --nu 4 --nw 6", waves("0 -1"), near);
+    // No potential on the surface, then a rigid lid.
+    EXPECT_NEAR(A33(near, 1) / added_mass_of_rings(near.p2f, 1), 1, TOLERANCE);
+    EXPECT_NEAR(A33(near, 2) / added_mass_of_rings(near.p2f, -1), 1, TOLERANCE);
+}
+
+TEST(Disc, TendsToTheKnownAddedMass) {
+    double before = 0, defect = 0;
+    for (const int rings : {6, 12, 24}) {
+        Solved run;
+        solve("disc --depth 20 --nu 4 --nw " + std::to_string(rings), waves("0.5"), run);
+        defect = A33(run, 1) / (8.0 / 3) - 1;
+        if (before != 0) {
+            EXPECT_GT(before / defect, 1.6); // first order in the mesh
+            EXPECT_LT(before / defect, 2.2);
+        }
+        before = defect;
+    }
+    EXPECT_GT(defect, 0);
+    EXPECT_LT(defect, 0.03);
+}
+
+// A solid of thickness 0.05, its radius 1 and centre at depth 1: the parts of a quarter, top, bottom and
+// side.
+std::string solid_disc() {
+    constexpr int around = 6, radial = 12, down = 2;
+    constexpr double half_pi = 1.5707963267948966, t = 0.05;
+    std::ostringstream out;
+    out << "solid\n1 9.80665\n1 1\n" << around * (2 * radial + down) << "\n";
+    const auto vertex = [&](double r, double a, double z) {
+        out << r * std::cos(half_pi * a) << " " << r * std::sin(half_pi * a) << " " << z << "\n";
+    };
+    for (int i = 0; i < around; ++i) {
+        const double a = i / double{around}, b = (i + 1) / double{around};
+        for (int j = 0; j < radial; ++j) {
+            const double r = std::sin(half_pi * j / radial), s = std::sin(half_pi * (j + 1) / radial);
+            vertex(r, a, -1 - t / 2), vertex(r, b, -1 - t / 2), vertex(s, b, -1 - t / 2),
+                vertex(s, a, -1 - t / 2);
+            vertex(s, a, -1 + t / 2), vertex(s, b, -1 + t / 2), vertex(r, b, -1 + t / 2),
+                vertex(r, a, -1 + t / 2);
+        }
+        for (int j = 0; j < down; ++j) {
+            const double top = -1 + t / 2 - t * j / down, bottom = -1 + t / 2 - t * (j + 1) / down;
+            vertex(1, a, top), vertex(1, b, top), vertex(1, b, bottom), vertex(1, a, bottom);
+        }
+    }
+    return out.str();
+}
+
+TEST(Disc, IsCloseToAThinSolid) {
+    Solved disc, solid;
+    solve("disc --depth 1 --nu 6 --nw 12", waves("0.5 1.0"), disc);
+    CaseFolder folder;
+    prepare(folder, waves("0.5 1.0"));
+    folder.write("run.gdf", solid_disc());
+    folder.solve();
+    folder.results(solid.p2f, solid.c);
+    for (int t = 1; t <= 2; ++t)
+        EXPECT_NEAR(A33(disc, t) / A33(solid, t), 1, 0.05);
+}
+
+// Damping of an axisymmetric mode over the energy of the waves, less what porous plates take, less 1.
+double energy_defect(const Solved &run, int mode, int t, double DPORB = 0) {
+    const double k = static_cast<double>(run.p2f.WVNH(t)), H = static_cast<double>(run.p2f.HBOT);
+    const double D = H > 0 ? std::tanh(k * H) + k * H / std::pow(std::cosh(k * H), 2) : 1;
+    double taken = 0;
+    const int images = run.p2f.NSYMG;
+    for (int ip = 1; ip <= run.p2f.NEQN; ++ip)
+        taken += images * k * DPORB * static_cast<double>(run.p2f.PMOM(1, ip)) *
+                 std::norm(c64(run.p2f.PHIR(ip, run.p2f.MODPOS(mode), t)));
+    const double flux = k * std::norm(c64(run.c.X(mode, 1, t))) / (2 * D);
+    return (static_cast<double>(run.c.B(mode, mode, t)) - taken) / flux - 1;
+}
+
+TEST(Disc, DampingIsTheEnergyOfTheRadiatedWaves) {
+    constexpr double TOLERANCE = 0.006; // four source points against one field point a panel
+    for (const char *depth : {"0", "2"}) {
+        for (const int setting : {0, 1, 2, 3, 4, 5}) { // IQUAD, ILOG; ISCATT; the iterative solver on scratch
+            Pot pot = waves("0.5 1.5", depth);
+            pot.IQUAD = setting < 4 ? setting & 1 : 0;
+            pot.ILOG = setting < 4 ? setting >> 1 : 0;
+            Solved run;
+            solve("disc --depth 0.5 --nu 4 --nw 6", pot, run,
+                  setting == 4   ? "ISCATT=1\n"
+                  : setting == 5 ? "ISOLVE=0\nIUSESCR=1\n"
+                                 : "");
+            for (int t = 1; t <= 2; ++t)
+                EXPECT_LT(std::abs(energy_defect(run, 3, t)), TOLERANCE)
+                    << depth << " " << setting << " " << t;
+        }
+    }
+}
+
+TEST(Disc, PorosityTakesOutItsShareOfTheEnergy) {
+    for (const char *depth : {"0", "2"}) {
+        Pot pot = waves("0.5 1.5", depth);
+        pot.ISOR = 1;
+        Solved closed, reactive, porous;
+        solve("disc --depth 0.5 --nu 4 --nw 6", pot, closed);
+        solve("disc --depth 0.5 --nu 4 --nw 6 --dpora 0.4", pot, reactive);
+        solve("disc --depth 0.5 --nu 4 --nw 6 --dporb 0.4", pot, porous);
+        for (int t = 1; t <= 2; ++t) {
+            EXPECT_LT(std::abs(energy_defect(reactive, 3, t)), 0.001);
+            EXPECT_LT(std::abs(energy_defect(porous, 3, t, 0.4)), 0.003);
+            EXPECT_GT(energy_defect(porous, 3, t), 0.2);
+            EXPECT_GT(std::abs(A33(reactive, t) / A33(closed, t) - 1), 0.1);
+            // The flow through the plate is its own velocity and what the pores let through.
+            const fields::Field heave{true, porous.p2f.MODPOS(3), 0, 3, t};
+            for (int ip = 1; ip <= porous.p2f.NEQN; ++ip) {
+                const c64 jump = fields::potential(porous.p2f, ip, heave);
+                const c64 expected = 1.0 - c64(0, 0.4) * static_cast<double>(porous.p2f.WVNH(t)) * jump;
+                const c64 got =
+                    fields::along_normal(porous.p2f, ip, fields::velocity_of_sources(porous.p2f, ip, heave));
+                EXPECT_LT(std::abs(got - expected), 1e-4) << ip;
+            }
+        }
+    }
+}
+
+// The hull of one file and the plate of another in one, with the mark IDIP of the plate.
+void hull_and_plate(const CaseFolder &folder, const std::string &hull, const std::string &plate, int IDIP) {
+    make_mesh(folder, hull, "hull.gdf");
+    make_mesh(folder, plate, "plate.gdf");
+    std::string panels, marks;
+    int count = 0;
+    for (const char *name : {"hull.gdf", "plate.gdf"}) {
+        std::istringstream in(folder.read(name));
+        std::string line, word;
+        for (int i = 0; i < 3; ++i)
+            std::getline(in, line);
+        int n = 0;
+        in >> n;
+        std::getline(in, line);
+        for (int i = 0; i < 4 * n && std::getline(in, line); ++i)
+            panels += line + "\n";
+        for (int i = 0; i < n; ++i)
+            marks += name[0] == 'h' ? "0 0 0 0\n" : std::to_string(IDIP) + " 0 0 0\n";
+        count += n;
+    }
+    folder.write("run.gdf",
+                 "hull and plate\n1 9.80665\n1 1\n " + std::to_string(count) + " 1\n" + panels + marks);
+}
+
+TEST(HullOverADisc, KeepsTheEnergyAndTheVelocities) {
+    for (const int IQUAD : {0, 1}) {
+        CaseFolder folder;
+        Pot pot = waves("0.5 1.0", IQUAD == 0 ? "0" : "3");
+        pot.IQUAD = IQUAD;
+        pot.ILOG = 1;
+        pot.ISOR = 1;
+        prepare(folder, pot);
+        hull_and_plate(folder, "hemisphere --nu 8 --nv 8", "disc --depth 1.5 --nu 6 --nw 6", 1);
+        folder.solve();
+        Solved run;
+        folder.results(run.p2f, run.c);
+        for (int t = 1; t <= 2; ++t)
+            EXPECT_LT(std::abs(energy_defect(run, 3, t)), 0.02) << IQUAD;
+        EXPECT_LT(fields::normal_velocity_error(run.p2f), 1e-3);
+        // On the hull as well as on one alone; the potentials of the disc are jumps.
+        const auto hull = [](const P2fFile &p2f, int ip) { return p2f.IDIP(ip) == 0; };
+        EXPECT_LT(fields::tangential_velocity_error(run.p2f, 0.3, hull), 0.1);
+        // The source problem has the same dipoles as the potential problem.
+        const fields::Field heave{true, run.p2f.MODPOS(3), 0, 3, 1};
+        for (int ip = 1; ip <= run.p2f.NEQN; ++ip) {
+            if (run.p2f.IDIP(ip) == 0)
+                continue;
+            const c64 jump = fields::potential(run.p2f, ip, heave),
+                      strength(run.p2f.SRCR(ip, heave.column, 1));
+            EXPECT_LT(std::abs(strength * -12.566371 - jump), 0.05 * std::abs(jump)) << ip;
+        }
+    }
+}
+
+TEST(HullOverADisc, AFixedDiscStandsInTheFlow) {
+    CaseFolder folder;
+    Pot pot = waves("0.5");
+    pot.ISOR = 1;
+    prepare(folder, pot);
+    hull_and_plate(folder, "hemisphere --nu 6 --nv 6", "disc --depth 1.5 --nu 4 --nw 6", 3);
+    folder.solve();
+    Solved run;
+    folder.results(run.p2f, run.c);
+    const fields::Field heave{true, run.p2f.MODPOS(3), 0, 3, 1};
+    double jump = 0;
+    for (int ip = 1; ip <= run.p2f.NEQN; ++ip) {
+        const c64 through =
+            fields::along_normal(run.p2f, ip, fields::velocity_of_sources(run.p2f, ip, heave));
+        const double own = run.p2f.IDIP(ip) == 3 ? 0 : static_cast<double>(run.p2f.VEL(3, ip));
+        EXPECT_LT(std::abs(through - own), 1e-4) << ip;
+        if (run.p2f.IDIP(ip) == 3)
+            jump = std::max(jump, std::abs(fields::potential(run.p2f, ip, heave)));
+    }
+    EXPECT_GT(jump, 0.05); // it stops the flow that the hull makes there
+}
+
+// Two vertical plates through the free surface.
+TEST(Plates, AreTheSameAsFullHalfAndQuarterMesh) {
+    constexpr double TOLERANCE = 1e-5;
+    const std::string plates = "plates --distance 1.2 --draft 0.6 --nu 4 --nv 4";
+    Pot pot = waves("0.8 1.5");
+    pot.BETA = "30";
+    Solved quarter;
+    solve(plates, pot, quarter);
+    const struct {
+        const char *part, *config;
+    } runs[] = {{"quarter", "ISCATT=1\n"},
+                {"half-x", "ISOLVE=0\n"},
+                {"half-y", "IUSESCR=1\n"},
+                {"full", ""},
+                {"full", "ISCATT=1\nISOLVE=3\nIUSESCR=1\n"}};
+    for (const auto &[part, config] : runs) {
+        Solved other;
+        solve(plates + " --part " + part, pot, other, config);
+        for (int t = 1; t <= 2; ++t) {
+            for (int i = 1; i <= 6; ++i) {
+                EXPECT_NEAR(quarter.c.A(i, i, t), other.c.A(i, i, t), TOLERANCE) << part << config << i;
+                EXPECT_NEAR(quarter.c.B(i, i, t), other.c.B(i, i, t), TOLERANCE) << part << config << i;
+                EXPECT_NEAR(std::abs(quarter.c.X(i, 1, t)), std::abs(other.c.X(i, 1, t)), TOLERANCE)
+                    << part << config << i;
+            }
+        }
+        EXPECT_GT(std::abs(quarter.c.X(1, 1, 1)), 0.1);
+    }
+}
+
+TEST(Plates, UnfitRunsAreRefused) {
+    struct Refusal {
+        const char *config, *depth, *message;
+    };
+    for (const Refusal &r : {Refusal{"", "--depth 0.00001", "Dipole not allowed on the free surface!"},
+                             Refusal{"I2ND=1\n", "--depth 1", "I2ND must be 0 when there are dipoles"},
+                             Refusal{"IWADD=1\n", "--depth 1", "IWADD must be 0 when there are dipoles"}}) {
+        CaseFolder folder;
+        Pot pot;
+        pot.ISOR = 1;
+        prepare(folder, pot, r.config);
+        folder.write("fnames.vrd", "run.gdf\nrun.pot\n\n\nrun.fdf\n");
+        if (r.config[1] == '2') { // the control file then has no line of it
+            std::string text = folder.read("run.pot");
+            folder.write("run.pot", text.erase(text.find("0 I2ND"), 7));
+        }
+        make_mesh(folder, std::string("disc --nu 3 --nw 3 ") + r.depth);
+        folder.solve();
+        EXPECT_NE(folder.list().find(r.message), std::string::npos) << folder.list();
+        EXPECT_FALSE(folder.exists("run.p2f"));
+    }
+}
+
+} // namespace
