@@ -133,10 +133,11 @@ class ByDifferences {
 };
 
 TEST(Fgruio, DepthAndThirdDerivativesAreThoseOfTheDefinition) {
-    // In units of min(H, 1). The third derivatives hold those of S3, of few terms, and where 12 modes are
-    // all, what the others leave.
+    // In units of min(H, 1), where the values are of the order 1 to 40; measured 1.2e-6, 1.6e-6 (3.1e-6
+    // without fused multiply-add) and 8e-5. The third derivatives hold those of S3, of few terms, and where
+    // 12 modes are all, what the others leave.
     constexpr int POWER[] = {2, 3, 4, 4, 4, 4, 3};
-    constexpr double ERRORS[] = {0, 0, 2e-6, 3e-6, 1e-4};
+    constexpr double ERRORS[] = {0, 0, 2e-6, 4.5e-6, 1e-4};
     for (const f32 H : {0.05f, 0.7f, 1.5f, 3.0f, 7.0f, 14.0f, 40.0f}) {
         Points p;
         std::mt19937 random(7);
