@@ -90,7 +90,8 @@ bool FieldPanels::make(const Mesh &mesh, int IQUAD) {
 bool FieldPanels::make(const SurfaceMesh &surface, int IQUAD) {
     if (!make_of(*this, surface.NFSP, IQUAD, [&](int J) { return surface_panel(surface, J); }))
         return false;
-    std::fill_n(&X(1, 3), padded, 0.0f);
+    if (padded > 0) // a file may have no panels
+        std::fill_n(&X(1, 3), padded, 0.0f);
     return true;
 }
 

@@ -11,11 +11,12 @@ struct SolveRequest {
     int IDIFF = 0; // below 0 leaves the diffraction columns out
     int FACT =
         1; // 1: the matrix is prepared and the iteration counts start from 0; 0: as an earlier call left it
-    int KEEP = 0;                     // 1: the scratch files and the prepared matrix stay for a later call
-    int ISRC = 0;                     // 1: the source matrix, on the second list of units
-    f32 EPS = EPSIT;                  // tolerance of the iterative solvers
-    // Reference panel of a fully filled tank, 0: none. The solution is made to vanish there in the class that is even in
-    // both planes, where it is defined up to a constant (up to the density of a conductor for sources).
+    int KEEP = 0;    // 1: the scratch files and the prepared matrix stay for a later call
+    int ISRC = 0;    // 1: the source matrix, on the second list of units
+    f32 EPS = EPSIT; // tolerance of the iterative solvers
+    // Reference panel of a fully filled tank, 0: none. The solution is made to vanish there in the class that
+    // is even in both planes, where it is defined up to a constant (up to the density of a conductor for
+    // sources).
     int IRRX = 0;
     const ModeLists *modes = nullptr; // of the radiation columns; null: the modes of the run
 };
@@ -29,7 +30,7 @@ struct SolveRequest {
 // sides); the solution is then void.
 [[nodiscard]] Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR,
                            View<c32, 3> PHID, ThreadState &thread, int (&ITER)[2]);
-// The same for a fully filled tank, request.IRRX not 0. Failed also: ISOLVE is not 1, " Fully filled tank exists, ISOLVE=1
-// is expected! ".
+// The same for a fully filled tank, request.IRRX not 0. Failed also: ISOLVE is not 1, " Fully filled tank
+// exists, ISOLVE=1 is expected! ".
 [[nodiscard]] Status SOLVE_R(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR,
                              View<c32, 3> PHID, ThreadState &thread, int (&ITER)[2]);

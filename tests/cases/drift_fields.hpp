@@ -94,7 +94,7 @@ inline void add_real(std::vector<Field> &fields, const char *name, bool surface,
 // Columns by mode, empty for a mode that is off, each of `parts` components.
 inline void add_radiation(std::vector<Field> &fields, const P2fFile &p, const char *name,
                           const Array<c32, 3> &array, int t, int parts = 1) {
-    if (array.empty())
+    if (array.size() == 0)
         return;
     const std::int64_t n = array.dim(1);
     Field field{name, n != p.NEQN, {}};
@@ -107,7 +107,7 @@ inline void add_radiation(std::vector<Field> &fields, const P2fFile &p, const ch
 }
 inline void add_diffraction(std::vector<Field> &fields, const P2fFile &p, const char *name,
                             const Array<c32, 4> &array, int t) {
-    if (array.empty())
+    if (array.size() == 0)
         return;
     const std::int64_t n = array.dim(1);
     Field field{name, n != p.NEQN, {}};

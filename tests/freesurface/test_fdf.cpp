@@ -228,7 +228,6 @@ TEST(FdfFile, FaultsAreTold) {
         {head + panel + panel + "end\n", nullptr, 1}, // whole numbers again
         {head + panel + "end\n", "Extra data at the end of f-s data file", 0},
         {head + panel + "1.5 2.5\n", "Extra data at the end of f-s data file", 0},
-        {"t\n6.\n2147483647 0\n0\n", "Insufficient memory to allocate arrays in RDFDF", 0},
     };
     lines::Body body({{lines::circle(1, 12), true}});
     RunState &run = body.run;
