@@ -110,6 +110,69 @@ TEST(SecondOrder, BothWaysToTheFreeSurfaceAgree) {
     }
 }
 
+// Errors of the steady flows past a sphere of radius 1 (double body), as root of the sum of squares over that
+// of the values: velocity on the hull; potential, gradient and second derivative on the free surface, further
+// off the waterline than `gap`, where the sources are felt panel by panel.
+std::array<double, 4> errors_of_sphere_flows(const P2fFile &p, double gap) {
+    std::array<double, 4> error{}, size{};
+    const auto add = [&](std::size_t k, f32 value, double exact) {
+        error[k] += std::pow(static_cast<double>(value) - exact, 2);
+        size[k] += exact * exact;
+    };
+    const auto at = [](const Array<f32, 2> &points, int i) {
+        return std::array<double, 4>{0, static_cast<double>(points(1, i)), static_cast<double>(points(2, i)),
+                                     static_cast<double>(points(3, i))};
+    };
+    for (std::size_t d = 1; d <= 2; ++d) {
+        const int column = static_cast<int>(d);
+        for (int i = 1; i <= p.NEQN; ++i) {
+            const auto x = at(p.XCT, i);
+            const double r2 = x[1] * x[1] + x[2] * x[2] + x[3] * x[3];
+            for (std::size_t a = 1; a <= 3; ++a)
+                add(0, p.STB3(i, static_cast<int>(a), column), 1.5 * (x[d] * x[a] / r2 - (a == d ? 1 : 0)));
+        }
+        for (int J = 1; J <= p.NFSP; ++J) {
+            const auto x = at(p.XCTF, J);
+            const double r = std::hypot(x[1], x[2]), r3 = std::pow(r, 3), r5 = r3 * r * r;
+            if (r < 1 + gap)
+                continue;
+            add(1, p.STF1(J, column), -x[d] * (1 + 0.5 / r3));
+            add(3, p.STF3(J, column), 1.5 * x[d] / r5);
+            for (std::size_t a = 1; a <= 2; ++a)
+                add(2, p.STF2(J, static_cast<int>(a), column),
+                    1.5 * x[d] * x[a] / r5 - (a == d ? 0.5 : 0) / r3);
+        }
+    }
+    for (std::size_t k = 0; k < 4; ++k)
+        error[k] = std::sqrt(error[k] / size[k]);
+    return error;
+}
+
+TEST(SecondOrder, SteadyFlowsPastAHemisphereAreThoseOfASphere) {
+    std::array<double, 4> error[2];
+    for (const int fine : {0, 1}) {
+        CaseFolder folder;
+        Pot pot = drift_pot();
+        pot.IDIFF = -1;
+        prepare_drift(folder, pot,
+                      std::string("hemisphere --part quarter") +
+                          (fine == 1 ? " --nu 12 --nv 12" : " --nu 6 --nv 6"));
+        P2fFile p;
+        run_drift(folder, p);
+        error[fine] = errors_of_sphere_flows(p, fine == 1 ? 0.065 : 0.13); // half a hull panel
+        for (int i = 1; i <= p.NEQN; ++i) { // a sphere turns without disturbance
+            EXPECT_NEAR(p.STB3(i, 1, 3), p.XCT(2, i), 1e-6);
+            EXPECT_NEAR(p.STB3(i, 2, 3), -p.XCT(1, i), 1e-6);
+            EXPECT_NEAR(p.STB3(i, 3, 3), 0, 1e-6);
+        }
+    }
+    const double limit[4] = {0.02, 0.01, 0.05, 0.05};
+    for (std::size_t k = 0; k < 4; ++k) {
+        EXPECT_LT(error[0][k], limit[k]) << k;
+        EXPECT_GT(error[0][k], 1.2 * error[1][k]) << k;
+    }
+}
+
 TEST(SecondOrder, DeepWaterIsTheLimitOfGreatDepth) {
     P2fFile p[2];
     for (const int deep : {0, 1}) {
