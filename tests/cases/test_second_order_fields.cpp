@@ -159,7 +159,7 @@ TEST(SecondOrder, SteadyFlowsPastAHemisphereAreThoseOfASphere) {
                           (fine == 1 ? " --nu 12 --nv 12" : " --nu 6 --nv 6"));
         P2fFile p;
         run_drift(folder, p);
-        error[fine] = errors_of_sphere_flows(p, fine == 1 ? 0.065 : 0.13); // half a hull panel
+        error[fine] = errors_of_sphere_flows(p, fine == 1 ? 0.08 : 0.16); // 0.6 sides of a hull panel
         for (int i = 1; i <= p.NEQN; ++i) { // a sphere turns without disturbance
             EXPECT_NEAR(p.STB3(i, 1, 3), p.XCT(2, i), 1e-6);
             EXPECT_NEAR(p.STB3(i, 2, 3), -p.XCT(1, i), 1e-6);
