@@ -128,7 +128,7 @@ Status assemble_on_scratch(const AssemblyFrame &f, ThreadState &thread) {
     const char *const no_memory = " RAM too small to allocate WAVEGR arrays ";
     const RunState &run = f.run;
     const int n = run.mesh.NEQN;
-    const int group = omp_in_parallel() ? 1 : omp_get_max_threads();
+    const int group = omp_get_max_threads();
     std::vector<ScratchTile> tiles(static_cast<std::size_t>(group));
     std::vector<RowWork> work(static_cast<std::size_t>(group));
     ReadBuffers buffers;

@@ -113,8 +113,13 @@ Status depth_state(f32 W, f32 HBOT, GSTATE &state, f32 &F) {
 void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &RESSCR) {
     const int NPER = run.periods.NPER;
     Progress progress("period", NPER);
-#pragma omp parallel num_threads(std::min(threads, NPER)) if (std::min(threads, NPER) > 1)
+    const int side_by_side = std::min(threads, NPER);
+    // Each period gets its share of the cores, for rows, field points and strips; with one core it works serially.
+    const int share = std::max(1, omp_get_max_threads() / std::max(1, side_by_side));
+    omp_set_max_active_levels(share > 1 ? 2 : 1);
+#pragma omp parallel num_threads(side_by_side) if (side_by_side > 1)
     {
+        omp_set_num_threads(share);
         ThreadState thread;
         thread.scratch = &scratch;
         require(allocate_solution(run, thread));

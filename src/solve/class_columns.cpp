@@ -44,7 +44,7 @@ Status solve_directly(View<const c32, 2> LU, const int *IPIV, int n,
     if (!XR.alloc(n, count))
         return MSGOUT(" RAM too small. Allocation error in SOLVE ");
     const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(c32);
-#pragma omp parallel for schedule(static, 1) if (count > GROUP && !omp_in_parallel())
+#pragma omp parallel for schedule(static, 1) if (count > GROUP)
     for (int first = 0; first < count; first += GROUP) {
         const SerialBlas serial;
         const int width = std::min(GROUP, count - first);

@@ -177,7 +177,7 @@ Status iterate_group(f32 EPS, const Sweep &sweep, std::vector<Iteration> &group)
             return Status::failed;
         const int count = static_cast<int>(active.size());
         const bool shared = std::int64_t{count} * active[0]->N > SHARED_LENGTH;
-#pragma omp parallel for schedule(dynamic, 1) if (shared && !omp_in_parallel())
+#pragma omp parallel for schedule(dynamic, 1) if (shared)
         for (int c = 0; c < count; ++c)
             advance(*active[static_cast<std::size_t>(c)], k, EPS);
     }

@@ -55,7 +55,7 @@ void finish_strip(const Factors &f, int j) {
 // The strips behind strip k are shared out; whoever has the next one factors it, too, while the others go on.
 void factor_all(const Factors &f, int &singular_at) {
     const int strips = (f.n + STRIP - 1) / STRIP;
-    const bool share = !omp_in_parallel() && omp_get_max_threads() > 1 && strips > 1;
+    const bool share = omp_get_max_threads() > 1 && strips > 1;
     const int threads = share ? omp_get_max_threads() : 1;
     {
         const SerialBlas serial;

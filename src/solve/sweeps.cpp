@@ -50,7 +50,7 @@ void update_rows(const c32 *A, std::int64_t lead, int lo, int hi, int b0, int b1
     const int last = (hi + STRIP - 1) / STRIP;
     const bool shared =
         std::int64_t{hi - lo} * (b1 - b0) * static_cast<std::int64_t>(updates.size()) > SHARED_WORK;
-#pragma omp parallel for schedule(static) if (shared && !omp_in_parallel())
+#pragma omp parallel for schedule(static) if (shared)
     for (int k = first; k < last; ++k) {
         const int from = std::max(lo, k * STRIP);
         const int to = std::min(hi, (k + 1) * STRIP);
