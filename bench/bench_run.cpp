@@ -56,11 +56,11 @@ double factorisations(int n, int count, int threads) {
     return *std::max_element(total.begin(), total.end());
 }
 
-double run_seconds(int m, int periods, int threads, int ISOR = 0) {
+double run_seconds(int m, int periods, int threads, int ISOR = 0, int IWADD = 0) {
     std::string pattern = (std::filesystem::temp_directory_path() / "vorda_bench_XXXXXX").string();
     const std::filesystem::path folder = mkdtemp(pattern.data());
-    std::ofstream(folder / "config.vrd") << "MAXSCR=20000\nISOLVE=1\nIPERIO=3\n";
-    std::ofstream(folder / "fnames.vrd") << "run.gdf\nrun.pot\n";
+    std::ofstream(folder / "config.vrd") << "MAXSCR=20000\nISOLVE=1\nIPERIO=3\nIWADD=" << IWADD << "\n";
+    std::ofstream(folder / "fnames.vrd") << "run.gdf\nrun.pot\n\n\nrun.fdf\n";
     std::ofstream pot(folder / "run.pot");
     pot << "bench\n0\n" << ISOR << "\n0\n0 0 0 0 0\n0 0 0\n1 1\n1 1 1 1 1 1\n" << periods << "\n";
     for (int i = 1; i <= periods; ++i)
@@ -123,6 +123,29 @@ void run_with_sources(benchmark::State &state) {
     state.counters["over_ISOR0"] = seconds / without;
 }
 BENCHMARK(run_with_sources)->Args({22, 2, 1})->Args({22, 2, 2})->Iterations(1)->Unit(benchmark::kSecond);
+
+// A run for wave drift damping on the free surface that it makes itself (8 m^2 panels), as a ratio to the one
+// with sources.
+void second_order_run(benchmark::State &state) {
+    const int m = static_cast<int>(state.range(0));
+    const int periods = static_cast<int>(state.range(1));
+    const int threads = static_cast<int>(state.range(2));
+    double seconds = 0;
+    for (auto _ : state)
+        seconds = run_seconds(m, periods, threads, 1, 1);
+    const double without = run_seconds(m, periods, threads, 1);
+    if (seconds < 0 || without < 0)
+        return state.SkipWithError("the run left no result");
+    state.counters["N"] = 4 * m * m;
+    state.counters["seconds"] = seconds;
+    state.counters["over_sources"] = seconds / without;
+}
+BENCHMARK(second_order_run)
+    ->Args({16, 1, 1})
+    ->Args({16, 1, 2})
+    ->Args({16, 2, 2})
+    ->Iterations(1)
+    ->Unit(benchmark::kSecond);
 
 } // namespace
 
