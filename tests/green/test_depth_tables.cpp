@@ -1,11 +1,10 @@
-// Truth: the definition as an integral in double precision, on a ray of the complex plane and on the real
-// axis; differences of it; the conditions at bottom and free surface; sample values known for this function.
+// The depth tables. Truth: the definition as an integral on a ray of the complex plane in double precision
+// (that it is the function, and that the kernels put the sums together rightly, is seen against modes in
+// test_finite_depth.cpp); sample values known for these functions.
 #include "../../tools/tables/depth_definition.hpp"
 #include "green/depth_coefficients.hpp"
 #include "green/depth_polynomial.hpp"
-#include "green/near_kernels.hpp"
 
-#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
@@ -31,54 +30,6 @@ DepthValues from_tables(Function which, f32 H, f32 t, f32 vertical) {
         s = polynomial_sums<ShapeP, true>(c, t, vertical);
     }
     return {s.f, s.t, s.v, s.tv, 2.0 * s.half_vv};
-}
-
-// I(R, Z), or I(R, 2 H - Y) - F2 - 1/r1, by the definition.
-double definition_I(double H, double R, double Z) {
-    return DepthDefinition(Function::S, {R * R / (H * H)}, {Z * Z / (H * H)}).times_depth(H, false)[0].f / H;
-}
-double definition_P(double H, double R, double Y) {
-    return DepthDefinition(Function::P, {R * R / (H * H)}, {Y / H}).times_depth(H, false)[0].f / H;
-}
-
-// I(R, Z) by a principal value on the real axis, x = s H: the two sides of the pole m are added point by
-// point.
-double real_axis_I(double H, double R, double Z) {
-    const GaussRule rule;
-    const double m = propagating_root_definition(H);
-    const auto f = [&](double x) {
-        return (x + H) * std::exp(-x) * std::cosh(x * Z / H) * ::j0(x * R / H) /
-               (x * std::sinh(x) - H * std::cosh(x));
-    };
-    double sum = 0;
-    const int panels = 20;
-    for (int p = 0; p < panels; ++p)
-        sum += rule(m * p / panels, m * (p + 1) / panels, [&](double u) { return f(m + u) + f(m - u); });
-    for (int p = 0; p < 220; ++p) // the integrand falls like exp(-(2 - Z/H) x)
-        sum += rule(2 * m + 0.5 * p, 2 * m + 0.5 * (p + 1), f);
-    return sum / H;
-}
-
-TEST(DepthDefinition, RayAgreesWithPrincipalValueOnTheRealAxis) {
-    constexpr double QUADRATURE = 1e-10; // the pole is cancelled in double precision
-    for (const double H : {0.2, 0.7, 1.5, 3.5, 9.0, 20.0}) {
-        for (const auto &[R, Z] : {std::pair(0.0, 0.0), std::pair(0.4, 0.9), std::pair(1.0, 0.2)}) {
-            const double expected = real_axis_I(H, R * H, Z * H);
-            EXPECT_NEAR(definition_I(H, R * H, Z * H), expected, QUADRATURE * (1 + 1 / H)) << H;
-        }
-    }
-}
-
-TEST(DepthDefinition, PIsTheRestOfIWithoutTheDeepWaterFunction) {
-    constexpr double F2_ACCURACY = 1e-10;
-    const F2Definition F2;
-    for (const double H : {0.05, 0.7, 1.5, 3.5, 9.0}) {
-        for (const auto &[R, Y] : {std::pair(0.5, 0.5), std::pair(0.1, 0.9), std::pair(1.0, 0.3)}) {
-            const double A = 2 * H - Y * H, r1 = H * std::hypot(R, Y);
-            const double expected = real_axis_I(H, R * H, A) - F2(R * H, Y * H).value - 1 / r1;
-            EXPECT_NEAR(definition_P(H, R * H, Y * H), expected, F2_ACCURACY * (1 + 1 / H)) << H << " " << Y;
-        }
-    }
 }
 
 TEST(DepthTables, SampleValues) {
@@ -173,173 +124,6 @@ TEST(DepthTables, ContinuousAcrossTheBordersOfDepth) {
             }
         }
     }
-    // S counts H = 1 to the interval above, P to the one below.
-    EXPECT_EQ(depth_variable(1, false).interval, 7);
-    EXPECT_EQ(depth_variable(1, true).interval, 8);
-}
-
-TEST(DepthTables, IndexListsAreInOrder) {
-    for (const DepthTable *table : {&SCOEF_TABLE, &PCOEF_TABLE}) {
-        const auto check = [](const DepthInterval &interval, int terms) {
-            EXPECT_EQ(interval.first[0], 1);
-            for (int n = 1; n <= terms; ++n) {
-                const int values = interval.first[n] - interval.first[n - 1];
-                EXPECT_GE(values, 1);
-                EXPECT_LE(values, 12); // degree 11
-            }
-        };
-        for (const DepthInterval &interval : table->interval)
-            check(interval, table->terms);
-        check(table->logarithm, table->log_terms);
-        for (int n = 1; n < table->log_terms; ++n)
-            EXPECT_LT(table->log_position[n - 1], table->log_position[n]);
-        EXPECT_LE(table->log_position[table->log_terms - 1], table->terms);
-    }
-}
-
-// A block of random points with R <= H and Y/H in the given range; lane 0 has R = 0 and z = zeta.
-struct NearBlock {
-    GreenBlock block{};
-    double R[GREEN_LANES], Z[GREEN_LANES], ZETA[GREEN_LANES];
-};
-
-NearBlock random_points(f32 H, double Y0, double Y1, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<double> unit(0, 1);
-    NearBlock b;
-    for (int k = 0; k < GREEN_LANES; ++k) {
-        const double Y = H * (Y0 + (Y1 - Y0) * unit(random)), half = std::min(Y, 2 * H - Y);
-        const f32 D = k == 0 ? 0 : static_cast<f32>((2 * unit(random) - 1) * half);
-        b.block.X[k] = k == 0 ? 0 : static_cast<f32>(0.98 * H * unit(random));
-        b.block.Y[k] = static_cast<f32>(Y);
-        b.block.D[k] = D;
-        b.R[k] = b.block.X[k];
-        b.Z[k] = (static_cast<double>(b.block.Y[k]) + D) / 2;
-        b.ZETA[k] = (static_cast<double>(b.block.Y[k]) - D) / 2;
-    }
-    return b;
-}
-
-GSTATE near_state(f32 H) {
-    GSTATE state;
-    f32 ratio = 0;
-    EXPECT_EQ(HGRN98(H, ratio, state), 0);
-    SCOEF(H, root(H), state.COEF91);
-    PCOEF(H, root(H), state.COEF57);
-    return state;
-}
-
-// The eight values of a function of (R, z, zeta), even in R, by central differences in double precision.
-void by_differences(const std::function<double(double, double, double)> &f, double R, double z, double zeta,
-                    double h, double (&value)[GREEN_VALUES]) {
-    const auto at = [&](int r, int a, int b) { return f(std::abs(R + r * h), z + a * h, zeta + b * h); };
-    value[G_] = at(0, 0, 0);
-    value[G_R] = (at(1, 0, 0) - at(-1, 0, 0)) / (2 * h);
-    value[G_Z] = (at(0, 1, 0) - at(0, -1, 0)) / (2 * h);
-    value[G_ZETA] = (at(0, 0, 1) - at(0, 0, -1)) / (2 * h);
-    value[G_ZZ] = (at(0, 1, 0) - 2 * value[G_] + at(0, -1, 0)) / (h * h);
-    value[G_RZ] = (at(1, 1, 0) - at(1, -1, 0) - at(-1, 1, 0) + at(-1, -1, 0)) / (4 * h * h);
-    value[G_RZETA] = (at(1, 0, 1) - at(1, 0, -1) - at(-1, 0, 1) + at(-1, 0, -1)) / (4 * h * h);
-    value[G_ZZETA] = (at(0, 1, 1) - at(0, 1, -1) - at(0, -1, 1) + at(0, -1, -1)) / (4 * h * h);
-}
-
-// Kernel against differences of the definition, times the power of H of a derivative; `before` is what the
-// real parts hold already.
-void compare_kernel(bool deep, f32 H, unsigned seed) {
-    // The errors of the tables with the factors 2 and 4 of the chain rule, times 1/min(H, 1).
-    const double scale = 1 / std::min(H, 1.0f), FIRST = 6e-6 * scale, SECOND = 1.5e-4 * scale,
-                 VALUE = 2e-6 * scale;
-    const GSTATE state = near_state(H);
-    NearBlock b = deep ? random_points(H, 1, 1.98, seed) : random_points(H, 0.02, 0.99, seed);
-    for (auto &value : b.block.re)
-        std::fill(value, value + GREEN_LANES, deep ? 77.0f : 0.25f);
-    GreenBlock first = b.block;
-    (deep ? GDEEP : GNEAR)(state, GreenOrder::second, b.block);
-    (deep ? GDEEP : GNEAR)(state, GreenOrder::first, first);
-    const f32 before = deep ? 0 : 0.25f;
-    const auto exact = [&](double R, double z, double zeta) {
-        const double I = definition_I(H, R, z - zeta);
-        return I + (deep ? definition_I(H, R, 2 * H - z - zeta) : definition_P(H, R, z + zeta));
-    };
-    for (int k = 0; k < GREEN_LANES; k += 3) { // the definition is slow
-        double expected[GREEN_VALUES];
-        by_differences(exact, b.R[k], b.Z[k], b.ZETA[k], 2e-3 * H, expected);
-        for (int j = 0; j < GREEN_VALUES; ++j) {
-            const bool value = j == G_, slope = j == G_R || j == G_Z || j == G_ZETA;
-            const double unit = value ? 1 : slope ? H : H * H, bound = value ? VALUE : slope ? FIRST : SECOND;
-            EXPECT_NEAR((b.block.re[j][k] - before) * unit, expected[j] * unit,
-                        bound + unit * 3e-8 * (1 + std::abs(b.block.re[j][k])))
-                << (deep ? "GDEEP" : "GNEAR") << " H " << H << " lane " << k << " value " << j;
-            // The order asked for leaves the value as it is, and what it does not ask for alone.
-            if (value || slope)
-                EXPECT_NEAR(first.re[j][k], b.block.re[j][k],
-                            3e-7 * std::abs(b.block.re[j][k]) + VALUE / unit);
-            else
-                EXPECT_EQ(first.re[j][k], deep ? 77.0f : 0.25f);
-        }
-    }
-}
-
-TEST(NearKernels, ValuesAndDerivativesAreThoseOfTheDefinition) {
-    for (const f32 H : {0.03f, 1.5f, 25.0f}) {
-        compare_kernel(true, H, 1);
-        compare_kernel(false, H, 2);
-    }
-}
-
-TEST(NearKernels, NoFlowThroughTheBottom) {
-    // z = H makes A = D, and both Rankine terms left out are a pair of images in the bottom.
-    constexpr f32 ROUNDING = 3e-8f;
-    const f32 H = 2;
-    const GSTATE state = near_state(H);
-    GreenBlock block{};
-    for (int k = 0; k < GREEN_LANES; ++k) {
-        const f32 zeta = H * static_cast<f32>(k) / GREEN_LANES;
-        block.X[k] = 0.1f * static_cast<f32>(k);
-        block.Y[k] = H + zeta;
-        block.D[k] = H - zeta;
-    }
-    GDEEP(state, GreenOrder::second, block);
-    for (int k = 0; k < GREEN_LANES; ++k) {
-        EXPECT_NEAR(block.re[G_Z][k], 0, ROUNDING);
-        EXPECT_NEAR(block.re[G_RZ][k], 0, ROUNDING);
-    }
-}
-
-TEST(NearKernels, FreeSurfaceCondition) {
-    // 1/r + 1/r1 + F2 meets it, so the rest of the function, what GNEAR adds and 1/rb, has to: f_z = -f at
-    // z = 0.
-    constexpr double ERRORS = 2e-6;
-    for (const f32 H : {0.4f, 1.5f, 5.0f, 10.0f}) {
-        const GSTATE state = near_state(H);
-        NearBlock b = random_points(H, 0.02, 0.98, 5);
-        for (int k = 0; k < GREEN_LANES; ++k)
-            b.block.D[k] = -b.block.Y[k];
-        GNEAR(state, GreenOrder::first, b.block);
-        for (int k = 0; k < GREEN_LANES; ++k) {
-            const double A = 2.0 * H - b.block.Y[k], rb = std::hypot(b.R[k], A);
-            const double f = b.block.re[G_][k] + 1 / rb, slope = b.block.re[G_Z][k] + A / (rb * rb * rb);
-            EXPECT_NEAR(slope, -f, ERRORS * (1 + 1 / (H * H))) << H << " " << k;
-        }
-    }
-}
-
-TEST(NearKernels, KnownValueOfTheWholeFunction) {
-    // H = 2, R = 0.5, z = 0.3, zeta = 0.4: the real part is 1.67415.
-    constexpr double LAST_DIGIT = 6e-6;
-    const GSTATE state = near_state(2);
-    f32 deep_water[16];
-    VGRN1P(0.5f, 0.3f, 0.4f, -1, state, 0, 0, deep_water);
-    GreenBlock block{};
-    for (int k = 0; k < GREEN_LANES; ++k) {
-        block.X[k] = 0.5f;
-        block.Y[k] = 0.7f;
-        block.D[k] = -0.1f;
-        block.re[G_][k] = deep_water[0];
-    }
-    GNEAR(state, GreenOrder::first, block);
-    for (int k = 0; k < GREEN_LANES; ++k)
-        EXPECT_NEAR(block.re[G_][k] + 1 / std::hypot(0.5, 3.3), 1.67415, LAST_DIGIT);
 }
 
 } // namespace
