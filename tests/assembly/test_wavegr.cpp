@@ -9,9 +9,7 @@
 #include "run/memory_plan.hpp"
 #include "run/symmetry.hpp"
 
-#include <cstring>
 #include <gtest/gtest.h>
-#include <omp.h>
 
 namespace {
 
@@ -48,7 +46,7 @@ void make_case(const Setting &setting, Case &c) {
     if (setting.ISX == 0 && setting.ISY == 0)
         panels = hulls::mirrored(panels);
     hulls::set_body(panels, run);
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok);
     for (int ip = 1; ip <= run.mesh.NEQN; ++ip)
         run.mesh.IFSP(ip) = run.mesh.XCT(3, ip) > -0.0001f ? 1 : 0;
     run.periods.NPER = 1;
@@ -212,25 +210,6 @@ TEST_P(WaveRows, EqualTheDefinition) {
         }
         EXPECT_LT(worst, TOLERANCE) << "class " << s;
     }
-}
-
-TEST_P(WaveRows, AreTheSameOnOneCoreAndOnTwo) {
-    Case one;
-    Case two;
-    make_case(GetParam(), one);
-    make_case(GetParam(), two);
-    const int threads = omp_get_max_threads();
-    omp_set_num_threads(1);
-    ASSERT_EQ(WAVEGR(one.run, one.wave, one.thread), Status::ok);
-    omp_set_num_threads(2);
-    ASSERT_EQ(WAVEGR(two.run, two.wave, two.thread), Status::ok);
-    omp_set_num_threads(threads);
-    const auto same = [](const auto &a, const auto &b) {
-        return std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(c32)) == 0;
-    };
-    EXPECT_TRUE(same(one.thread.ACORE, two.thread.ACORE));
-    EXPECT_TRUE(same(one.thread.PHIR, two.thread.PHIR));
-    EXPECT_TRUE(same(one.thread.PHID, two.thread.PHID));
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, WaveRows,

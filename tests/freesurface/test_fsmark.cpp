@@ -9,7 +9,7 @@ namespace {
 void make(RunState &run, double top, int IRR) {
     hulls::set_body(hulls::box(2, 2, top - 0.5, top, 2, true), run);
     run.opt.IRR = IRR;
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok);
 }
 
 TEST(Fsmark, LidIsInteriorFreeSurface) {
@@ -53,7 +53,7 @@ TEST(Fsmark, OverhangInTheSurfaceLooksUp) {
     hulls::set_body(plate, run);
     run.bodies.XBODY(3, 1) = -1.0e-5f;
     const ListCapture list;
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok);
     ASSERT_EQ(FSMARK(run.opt, run.bodies, run.mesh), Status::ok);
     EXPECT_EQ(run.mesh.IFSP(1), -1);
     EXPECT_EQ(run.bodies.NPANS(1), 1);

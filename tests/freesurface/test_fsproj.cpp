@@ -21,7 +21,7 @@ void project(const hulls::Quads &hull, f32 ZB, RunState &run) {
     ASSERT_TRUE(run.mesh.projected.resize_last(n) && allocate_mesh(run.bodies, run.mesh));
     for (int i = before + 1; i <= n; ++i)
         run.mesh.projected(i) = 1;
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok);
 }
 
 // Area of the projections that look down less that of those that look up.
