@@ -121,13 +121,13 @@ TEST(EdgeGrid, near_edges_are_enough) {
     EXPECT_LT(crossings, 1900);
 }
 
-struct Pair {
-    const char *label;
-    FrontEdge s, t;
-    bool cross;
-};
 TEST(EdgeGrid, crossings_by_hand) {
-    const Pair rows[] = {
+    // clang-format off
+    const struct {
+        const char *label;
+        FrontEdge s, t;
+        bool cross;
+    } rows[] = {
         {"plain", {{1, 2}, {{0, 0}, {2, 2}}}, {{3, 4}, {{0, 2}, {2, 0}}}, true},
         {"apart", {{1, 2}, {{0, 0}, {2, 2}}}, {{3, 4}, {{3, 0}, {5, 0}}}, false},
         {"a node on an edge", {{1, 2}, {{0, 0}, {2, 0}}}, {{3, 4}, {{1, 0}, {1, 1}}}, false},
@@ -140,7 +140,8 @@ TEST(EdgeGrid, crossings_by_hand) {
         {"vertical over each other", {{1, 2}, {{1, 0}, {1, 2}}}, {{3, 4}, {{1, 1}, {1, 5}}}, true},
         {"parallel", {{1, 2}, {{0, 0}, {2, 0}}}, {{3, 4}, {{0, 0.1}, {2, 0.1}}}, false},
     };
-    for (const Pair &row : rows)
+    // clang-format on
+    for (const auto &row : rows)
         EXPECT_EQ(edges_cross(row.s, row.t, 1e-3, 1e-6), row.cross) << row.label;
 }
 

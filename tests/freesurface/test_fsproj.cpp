@@ -125,22 +125,22 @@ TEST_P(SinglePanels, AreProjectedIfTheProjectionHasArea) {
         EXPECT_EQ(run.mesh.XVER(v, 3, 2), 0);
     }
 }
-INSTANTIATE_TEST_SUITE_P(
-    rows, SinglePanels,
-    testing::Values(OnePanel{"wall", {{{0, 0, 0}, {0, 0, -1}, {1, 1, -1}, {1, 1, 0}}}, false},
-                    OnePanel{"trapezoid_wall", {{{0, 0, 0}, {.2, .1, -1}, {.8, .4, -1}, {1, .5, 0}}}, false},
-                    // Two sides run one way and two the other: no three have one direction.
-                    OnePanel{"sheared_wall", {{{0, 0, 0}, {.2, .1, -1}, {1.2, .6, -1}, {1, .5, 0}}}, false},
-                    OnePanel{"triangular_wall", {{{0, 0, 0}, {.5, 1, -1}, {1, 2, 0}, {1, 2, 0}}}, false},
-                    OnePanel{"lid", {{{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}}}, false},
-                    OnePanel{"three_in_the_surface", {{{0, 0, 0}, {0, 1, 0}, {1, 1, -1}, {1, 0, 0}}}, true},
-                    OnePanel{"diamond", {{{1, 0, -1}, {0, -1, -1}, {-1, 0, -1}, {0, 1, -1}}}, true},
-                    // Three sides at 45 degrees to the axes, two of them on one line.
-                    OnePanel{
-                        "middle_vertex_on_a_side", {{{0, 0, -1}, {1, 1, -1}, {2, 2, -1}, {3, 1, -1}}}, true},
-                    OnePanel{"triangle", {{{0, 0, -1}, {0, 1, -1}, {1, 0, -1}, {1, 0, -1}}}, true},
-                    OnePanel{"needle", {{{0, 0, -1}, {0, 1, -1}, {5e-5, 1, -1}, {5e-5, 0, -1}}}, false}),
-    [](const auto &row) { return std::string(row.param.label); });
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(rows, SinglePanels, testing::ValuesIn(std::vector<OnePanel>{
+    {"wall", {{{0, 0, 0}, {0, 0, -1}, {1, 1, -1}, {1, 1, 0}}}, false},
+    {"trapezoid_wall", {{{0, 0, 0}, {.2, .1, -1}, {.8, .4, -1}, {1, .5, 0}}}, false},
+    // Two sides run one way and two the other: no three have one direction.
+    {"sheared_wall", {{{0, 0, 0}, {.2, .1, -1}, {1.2, .6, -1}, {1, .5, 0}}}, false},
+    {"triangular_wall", {{{0, 0, 0}, {.5, 1, -1}, {1, 2, 0}, {1, 2, 0}}}, false},
+    {"lid", {{{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}}}, false},
+    {"three_in_the_surface", {{{0, 0, 0}, {0, 1, 0}, {1, 1, -1}, {1, 0, 0}}}, true},
+    {"diamond", {{{1, 0, -1}, {0, -1, -1}, {-1, 0, -1}, {0, 1, -1}}}, true},
+    // Three sides at 45 degrees to the axes, two of them on one line.
+    {"middle_vertex_on_a_side", {{{0, 0, -1}, {1, 1, -1}, {2, 2, -1}, {3, 1, -1}}}, true},
+    {"triangle", {{{0, 0, -1}, {0, 1, -1}, {1, 0, -1}, {1, 0, -1}}}, true},
+    {"needle", {{{0, 0, -1}, {0, 1, -1}, {5e-5, 1, -1}, {5e-5, 0, -1}}}, false},
+}), [](const auto &row) { return std::string(row.param.label); });
+// clang-format on
 
 TEST(Fsproj, SecondBodyAndDipolePanels) {
     // Two bodies of two panels each: only the second is projected, and of it not the plate.
