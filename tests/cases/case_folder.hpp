@@ -108,3 +108,22 @@ inline void prepare(const CaseFolder &folder, const Pot &pot, const std::string 
 inline void make_mesh(const CaseFolder &folder, const std::string &arguments, const std::string &name = "run.gdf") {
     ASSERT_EQ(folder.shell("vorda-mesh " + arguments + " -o " + name), 0) << folder.read("stderr.txt");
 }
+
+// What a run leaves.
+struct SolvedRun {
+    P2fFile p2f;
+    Coefficients c;
+};
+// Runs what is prepared in the folder.
+inline SolvedRun solved(const CaseFolder &folder) {
+    SolvedRun run;
+    folder.solve();
+    folder.results(run.p2f, run.c);
+    return run;
+}
+inline SolvedRun solve_mesh(const std::string &mesh, const Pot &pot, const std::string &more_config = "") {
+    const CaseFolder folder;
+    prepare(folder, pot, more_config);
+    make_mesh(folder, mesh);
+    return solved(folder);
+}

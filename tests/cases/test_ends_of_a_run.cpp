@@ -55,25 +55,10 @@ INSTANTIATE_TEST_SUITE_P(
     Runs, Faults,
     testing::Values(
         Fault{"no control file", "run.pot", nullptr, "", "Error opening POT file "},
-        Fault{"no geometry", "run.gdf", nullptr, "", "Error opening GDF file "},
         Fault{"letters", "run.pot", "1 1 1 1 1 1", "1 1 one 1 1 1", "Error reading POT file, MODE indices line|line 8|one"},
-        Fault{"not a number", "run.gdf", " 9.80665", " nan", "Error reading GDF file, ULEN,GRAV line|nan"},
-        Fault{"infinite period", "run.pot", "\n1.0\n", "\ninf\n", "Error reading POT file, array of periods PER"},
-        Fault{"no panels", "run.gdf", "\n 9\n", "\n 0\n", "Error reading GDF file, NEQN line"},
-        Fault{"too many panels", "run.gdf", "\n 9\n", "\n 1000000\n",
-              "Error reading GDF file, vertices XVER of panel N=10"},
         Fault{"panels without end", "run.gdf", "\n 9\n", "\n 2147483647\n", "RAM is not sufficient to read .gdf inputs"},
-        Fault{"extra panels", "run.gdf", "\n 9\n", "\n 4\n", "Error:  Extra data at end of geometric data file"},
-        Fault{"two faults", "run.pot", "0 0 0\n1 1\n", "2 2 0\n1 1\n",
-              " Value of IQUAD index is illegal | Value of ILOG index is illegal "},
-        Fault{"nothing to do", "run.pot", "0 0 0\n1 1\n", "0 0 0\n-1 -1\n", "Error return: both IRAD=-1 and IDIFF=-1"},
         Fault{"depth out of range", "run.pot", "0.0 0 0 0 0", "2e5 0 0 0 0",
               "Error return in HGRN98: depth HBOT is illegal "},
-        Fault{"negative solver", "config.vrd", "ISOLVE=1", "ISOLVE=-2",
-              "Value of ISOLVE is illegal In CONFIG file: ISOLVE=    -2"},
-        Fault{"no matrix in memory", "config.vrd", "MAXSCR=5000", "MAXSCR=1",
-              "Value of MAXSCR is illegal In CONFIG file: MAXSCR=1"},
-        Fault{"treatment without logarithm", "run.pot", "0 IRR", "1 IRR", "Set ILOG = 1, when IRR > 0"},
         Fault{"drift damping", "config.vrd", "MAXSCR", "IWADD=1\nMAXSCR", "Error reading the name of the FDF file from the console"}));
 
 TEST(Ends, SurfacePanelsNeedTheirLogarithm) {
@@ -97,36 +82,27 @@ TEST(Ends, WithoutPeriodsTheHeadRecordsAreWritten) {
     pot.BETA = "";
     prepare(folder, pot);
     make_mesh(folder, MESH);
-    folder.solve();
-    P2fFile p2f;
-    Coefficients c;
-    folder.results(p2f, c);
-    EXPECT_EQ(p2f.NPER, 0);
-    EXPECT_EQ(p2f.NBETA, 0);
+    const SolvedRun run = solved(folder);
+    EXPECT_EQ(run.p2f.NPER, 0);
+    EXPECT_EQ(run.p2f.NBETA, 0);
     EXPECT_NE(folder.list().find(" VORDA module run completed"), std::string::npos);
 }
 
 TEST(Ends, OneProblemAloneIsSolvedAsInTheWholeRun) {
     for (const bool radiation : {true, false}) {
-        P2fFile both, one;
-        Coefficients c, d;
-        CaseFolder whole, part;
         Pot pot;
-        prepare(whole, pot);
-        make_mesh(whole, MESH);
-        whole.solve();
-        whole.results(both, c);
+        const SolvedRun both = solve_mesh(MESH, pot);
         (radiation ? pot.IDIFF : pot.IRAD) = -1;
+        CaseFolder part;
         prepare(part, pot);
         make_mesh(part, MESH);
-        part.solve();
-        part.results(one, d);
+        const SolvedRun one = solved(part);
         if (radiation)
-            EXPECT_EQ(c.A(3, 3, 1), d.A(3, 3, 1));
+            EXPECT_EQ(both.c.A(3, 3, 1), one.c.A(3, 3, 1));
         else
-            EXPECT_EQ(c.X(3, 1, 1), d.X(3, 1, 1));
-        EXPECT_EQ(one.PHID.empty(), radiation);
-        EXPECT_EQ(one.PHIR.empty(), !radiation);
+            EXPECT_EQ(both.c.X(3, 1, 1), one.c.X(3, 1, 1));
+        EXPECT_EQ(one.p2f.PHID.empty(), radiation);
+        EXPECT_EQ(one.p2f.PHIR.empty(), !radiation);
         EXPECT_NE(part.list().find(radiation ? "      -1\n" : "               -1\n"), std::string::npos) << part.list();
     }
 }

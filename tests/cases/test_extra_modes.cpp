@@ -24,7 +24,7 @@ Pot two_waves() {
     return pot;
 }
 
-void both_passes(const std::string &mesh, const Pot &pot, P2fFile &p2f, Coefficients &c) {
+SolvedRun both_passes(const std::string &mesh, const Pot &pot) {
     CaseFolder folder;
     prepare(folder, pot, "NEWMDS=1\n");
     make_mesh(folder, mesh);
@@ -33,8 +33,7 @@ void both_passes(const std::string &mesh, const Pot &pot, P2fFile &p2f, Coeffici
         << folder.list();
     EXPECT_FALSE(folder.exists("run.p2f"));
     folder.write("run.mod", heave_again(folder, "run.pre"));
-    folder.solve();
-    folder.results(p2f, c);
+    return solved(folder);
 }
 
 TEST(ExtraModes, RepeatedHeaveIsHeave) {
@@ -44,9 +43,7 @@ TEST(ExtraModes, RepeatedHeaveIsHeave) {
             Pot pot = two_waves();
             pot.IQUAD = IQUAD;
             pot.HBOT = IQUAD == 1 ? "1.5" : "0";
-            P2fFile p2f;
-            Coefficients c;
-            both_passes(std::string(BARGE) + " --part " + part, pot, p2f, c);
+            const auto [p2f, c] = both_passes(std::string(BARGE) + " --part " + part, pot);
             ASSERT_EQ(p2f.NMODES, 7);
             for (int t = 1; t <= 2; ++t) {
                 const double size = static_cast<double>(c.A(3, 3, t));
@@ -67,9 +64,7 @@ TEST(ExtraModes, RepeatedHeaveIsHeave) {
 TEST(ExtraModes, SourcesOfARepeatedModeAreItsSources) {
     Pot pot = two_waves();
     pot.ISOR = 1;
-    P2fFile p2f;
-    Coefficients c;
-    both_passes(BARGE, pot, p2f, c);
+    const P2fFile p2f = both_passes(BARGE, pot).p2f;
     const int heave = p2f.MODPOS(3), again = p2f.MODPOS(7);
     ASSERT_NE(heave, again);
     for (int t = 1; t <= 2; ++t) {
@@ -123,10 +118,7 @@ TEST_F(ExtraModesOfTwo, StayInTheFirstPassUntilBothModFilesAreThere) {
 TEST_F(ExtraModesOfTwo, HaveTheirModesBehindTheirRigidOnes) {
     for (const std::string name : {"one", "two"})
         folder.write(name + ".mod", heave_again(folder, name + ".pre"));
-    folder.solve();
-    P2fFile p2f;
-    Coefficients c;
-    folder.results(p2f, c);
+    const auto [p2f, c] = solved(folder);
     ASSERT_EQ(p2f.NMODES, 14);
     for (int t = 1; t <= 2; ++t) {
         const double size = TOLERANCE * static_cast<double>(c.A(3, 3, t));
