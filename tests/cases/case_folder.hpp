@@ -50,6 +50,11 @@ public:
     // Runs the solver, which exits with 0 whatever happens.
     void solve(const std::string &environment = "") const { EXPECT_EQ(shell(environment + " vorda"), 0) << list(); }
     std::string list() const { return read("vorda.lis"); }
+    // Whether the report has the text; else the failure shows it.
+    testing::AssertionResult lists(const std::string &text) const {
+        return list().find(text) != std::string::npos ? testing::AssertionSuccess()
+                                                      : testing::AssertionFailure() << text << " is not in\n" << list();
+    }
 
     // The results of run.p2f.
     void results(P2fFile &p2f, Coefficients &coefficients, const std::string &name = "run.p2f") const {

@@ -102,30 +102,6 @@ TEST(Rdmod, LaterBodyHasItsOwnBlock) {
     EXPECT_EQ(run.mesh.VEL(17, 5), 1);
 }
 
-TEST(Rdmod, FirstPassForOneOfTwoBodies) {
-    // Body 1 waits for its MOD file, that of body 2 is there: it is read and left as it is, and the run ends.
-    const RunFolder folder;
-    const std::string mod = joined(good_lines());
-    folder.write("a.pre", "heading\n 0 0 2 16\n");
-    folder.write("b.mod", mod);
-    RunState run;
-    set_bodies({-EXTRA, EXTRA}, run);
-    ASSERT_EQ(hulls::pre_pass(run), Status::failed);
-    EXPECT_TRUE(folder.told(" PRE file completed for body NBDY=1"));
-    EXPECT_FALSE(folder.list_has("NBDY=2"));
-    EXPECT_TRUE(folder.told(" VORDA run 1 completed -- now run SHAPEX"));
-    EXPECT_EQ(folder.read("b.mod"), mod);
-    EXPECT_FALSE(folder.exists("b.pre"));
-    const std::string pre = folder.read("a.pre");
-    EXPECT_EQ(std::count(pre.begin(), pre.end(), '\n'), 2 + PANELS);
-    // The bad file of body 2 is noticed in that pass already.
-    folder.write("b.mod", "one title");
-    RunState again;
-    set_bodies({-EXTRA, EXTRA}, again);
-    EXPECT_EQ(hulls::pre_pass(again), Status::failed);
-    EXPECT_TRUE(folder.told("Error reading MOD file, header lines of body N=2"));
-}
-
 // Panels 1 and 2 of body 2 are 3 and 4 of the run.
 TEST(Rdmod, FaultsHaveTheirMessage) {
     // clang-format off

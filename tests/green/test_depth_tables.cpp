@@ -32,19 +32,6 @@ DepthValues from_tables(Function which, f32 H, f32 t, f32 vertical) {
     return {s.f, s.t, s.v, s.tv, 2.0 * s.half_vv};
 }
 
-TEST(DepthTables, SampleValues) {
-    constexpr f32 COEFFICIENT = 3e-7f, EPS = 3e-7f; // a few units in the last place of a sum of order 1
-    f32 c91[91], c57[57];
-    SCOEF(1.5f, root(1.5f), c91);
-    PCOEF(1.5f, root(1.5f), c57);
-    EXPECT_NEAR(c91[90], -0.81565911, COEFFICIENT);
-    EXPECT_NEAR(c57[56], -0.088309646, COEFFICIENT);
-    EXPECT_NEAR(from_tables(Function::S, 1.5f, 1 / 9.0f, 0).f, -0.81252680, EPS);
-    EXPECT_NEAR(from_tables(Function::P, 1.5f, 1 / 9.0f, 1 / 3.0f).f, 0.093724637, EPS);
-    EXPECT_NEAR(from_tables(Function::S, 0.05f, 0.25f, 0.25f).f, 15.904706, 16 * EPS);
-    EXPECT_NEAR(from_tables(Function::S, 50, 0.25f, 0.25f).f, -0.014603, 5e-7); // as many digits as are known
-}
-
 // Errors of an interval that the fit has at random points, in S or P times min(H, 1), above 16 times H:
 // value, first derivatives, mixed and second. The largest measured ones (head of the tables) and a third
 // more.

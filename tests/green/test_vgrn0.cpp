@@ -40,19 +40,6 @@ double image_series(double R, double z, double zeta, double H, int ISNG, int IBO
 
 } // namespace
 
-TEST(Vgrn0, SampleValues) {
-    f32 record[16];
-    VGRN0(1, 0.4f, 0.3f, 2, 0, 0, 1, record);
-    EXPECT_NEAR(record[0], 0.98544362f, 3e-7);
-    VGRN0(1, 0.4f, 0.3f, 2, 0, 0, 2, record);
-    EXPECT_NEAR(record[0], 0.18717630f, 3e-7);
-    VGRN0(1, 1.5f, 1.2f, 2, 0, 0, 2, record);
-    EXPECT_NEAR(record[0], 0.85654450f, 3e-7);
-    VGRN0(1, 0.5f, 1.5f, -1, 2, 0, 1, record);
-    for (const f32 value : record)
-        EXPECT_EQ(value, 0);
-}
-
 // All eight values, near and far with both sides of R = H, either side of Y = H, all selectors.
 TEST(Vgrn0, EqualsTheImageSeries) {
     constexpr double TOLERANCE = 2e-6;
