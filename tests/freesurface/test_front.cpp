@@ -13,16 +13,6 @@ namespace {
 
 using namespace lines;
 
-TEST(TRIQ, measures_angles) {
-    const TriangleShape right = TRIQ({0, 0}, {4, 0}, {4, 3}); // angle at c has cosine 3/5
-    EXPECT_DOUBLE_EQ(right.A, 5);
-    EXPECT_DOUBLE_EQ(right.B, 3);
-    EXPECT_DOUBLE_EQ(right.G, -0.6);
-    EXPECT_DOUBLE_EQ(right.Q, 0.8);
-    EXPECT_NEAR(TRIQ({0, 0}, {2, 0}, {1, 1e-4}).G, 1, 1e-7);  // c between a and b
-    EXPECT_NEAR(TRIQ({0, 0}, {0, 1e-4}, {1, 0}).G, -1, 1e-7); // folded back at c
-}
-
 TEST(Boundary, long_sides_are_divided_and_short_ones_skipped) {
     // Clockwise, H = 1: a side of 3, one of 1, and one of 3 in ten pieces, of which every second point is
     // skipped.

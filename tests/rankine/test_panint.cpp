@@ -345,20 +345,6 @@ TEST(PanelWrappers, GradientsInGlobalAxes) {
     }
 }
 
-TEST(PanelWrappers, NormalDerivativeAtTheField) {
-    const Panel p = moved(make(SHAPES[1], POSES[2], 1, 0));
-    const f32 P[4] = {0, 3.3f, -1.4f, .4f};
-    const f32 NF[4] = {0, .36f, .48f, .8f};
-    const GlobalReference q = global_reference(p, P);
-    FieldIntegrals F{};
-    ASSERT_EQ(PANDNF(P, NF, EPS, p, 1, F), 0);
-    const auto along = [&](const double *g) { return g[1] * NF[1] + g[2] * NF[2] + g[3] * NF[3]; };
-    EXPECT_NEAR(F.S, along(q.GS), DIFFERENCE_ERROR);
-    EXPECT_NEAR(F.D, along(q.GD), DIFFERENCE_ERROR);
-    EXPECT_NEAR(F.L, along(q.GL), DIFFERENCE_ERROR);
-    EXPECT_NEAR(F.LZ, along(q.GLZ), EPS_ERROR);
-}
-
 TEST(PanelWrappers, StatusOfAnyCallComesBack) {
     const Panel p = make(SHAPES[0], POSES[2], 1, 0);
     // Half EPS below the point where the lower difference point stands under vertex 1.
