@@ -35,19 +35,6 @@ double waterplane(const RunState &run, int hull) {
     return area;
 }
 
-// A hull that widens downwards: square waterline |x|, |y| <= 1, bottom |x|, |y| <= 2 at z = -1.
-hulls::Quads overhang() {
-    hulls::Quads mesh;
-    hulls::add_patch(mesh, {-2, -2, -1}, {4, 0, 0}, {0, 4, 0}, 1, 1);
-    const double corner[5][2] = {{1, 1}, {-1, 1}, {-1, -1}, {1, -1}, {1, 1}};
-    for (int k = 0; k < 4; ++k) {
-        const double *a = corner[k], *b = corner[k + 1];
-        mesh.push_back(
-            {{{a[0], a[1], 0}, {2 * a[0], 2 * a[1], -1}, {2 * b[0], 2 * b[1], -1}, {b[0], b[1], 0}}});
-    }
-    return mesh;
-}
-
 TEST(Fsproj, FlatBottomAloneIsProjected) {
     for (const f32 ZB : {0.0f, -0.25f}) {
         RunState run;
@@ -69,22 +56,6 @@ TEST(Fsproj, HemisphereCoversItsWaterplane) {
     const int n = 4 * m * m;
     EXPECT_EQ(run.mesh.NEQN, 2 * n) << "triangles at the pole have projections as well";
     EXPECT_NEAR(waterplane(run, n), 2 * m * std::sin(6.283185307179586 / (4 * m)), 3 * ROUNDING);
-}
-
-TEST(Fsproj, OverhangTakesAwayWhatTheBottomHasTooMuch) {
-    RunState run;
-    project(overhang(), 0, run);
-    ASSERT_EQ(run.mesh.NEQN, 10);
-    EXPECT_NEAR(waterplane(run, 5), 4, 16 * ROUNDING);
-    run.opt.IRR = 2;
-    ASSERT_EQ(FSMARK(run.opt, run.bodies, run.mesh), Status::ok);
-    const int mark[5] = {1, -1, -1, -1, -1};
-    for (int i = 6; i <= 10; ++i) {
-        EXPECT_EQ(run.mesh.IFSP(i), mark[i - 6]) << i;
-        for (int m = 1; m <= 6; ++m)
-            EXPECT_EQ(run.mesh.VEL(m, i), 0) << i;
-    }
-    EXPECT_EQ(run.bodies.NPANS(1), 9) << "panels that look up are no interior panels";
 }
 
 TEST(Fsproj, HullWithoutDraughtMoves) {

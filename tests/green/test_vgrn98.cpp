@@ -2,7 +2,6 @@
 // value integral in test_ftab.cpp), differences of it, and printed sample values.
 #include "../../tools/tables/f2_definition.hpp"
 #include "finite_reference.hpp"
-#include "green/gradsg.hpp"
 #include "green_points.hpp"
 
 #include <algorithm>
@@ -213,32 +212,4 @@ TEST(Vgrn98, ResultDependsOnThePointAlone) {
     ASSERT_TRUE(work.alloc(1));
     VGRN98(GreenPoints{}, -1, GSTATE{}, GreenOrder::second, work,
            GreenArrays{}); // no points: nothing happens
-}
-
-TEST(Gradsg, GradientAtTheFieldPointByDifferences) {
-    constexpr f32 dx = 0.6f, dy = 0.8f; // from the field point of the row to its source; R = 1
-    constexpr double h = 1e-4;
-    for (const int ISNG : {0, 1}) {
-        f32 record[16];
-        VGRN1P(1, 0.3f, 0.5f, -1, GSTATE{}, ISNG, 0, record);
-        const F2Definition F2;
-        const auto slope = [&](double R, double z, double zeta) {
-            return (exact_G(F2, 1 + h * R, 0.3f + h * z, 0.5f + h * zeta, ISNG) -
-                    exact_G(F2, 1 - h * R, 0.3f - h * z, 0.5f - h * zeta, ISNG)) /
-                   (2 * h);
-        };
-        for (const bool column : {false, true}) {
-            c32 V[3];
-            GRADSG(record, column ? 1 : 0, dx, dy, -dx, -dy, V);
-            // The field point of a row has the depth zeta, that of the column of the same record z. Towards
-            // the source R falls, upwards its depth.
-            const Complex horizontal = -slope(1, 0, 0), up = -slope(0, column ? 1 : 0, column ? 0 : 1);
-            const double sign = column ? -1 : 1;
-            const Complex expected[3] = {sign * 0.6 * horizontal, sign * 0.8 * horizontal, up};
-            for (int c = 0; c < 3; ++c)
-                EXPECT_LT(std::abs(Complex(V[c]) - expected[c]),
-                          3e-6 * std::abs(horizontal) + 3e-6 * std::abs(up))
-                    << c;
-        }
-    }
 }

@@ -121,24 +121,6 @@ TEST(ExtraModes, second_pass_names_the_mod_file) {
         << joined(in.run.HDRSCR);
 }
 
-// Body 1 has a MOD file, bodies 2 and 3 have not: a first pass for those, and the titles stay with their
-// bodies.
-TEST(ExtraModes, one_body_without_a_mod_file_makes_a_first_pass) {
-    const SoundRun in(
-        good_bodies({{"config.vrd", "NEWMDS(1)=1\nNEWMDS(2)=1\n"},
-                     {"box.gdf", with_line(GOOD_GLOBAL, 3, " 3") + "c.gdf\n 0 30 0 0\n 0 0\n 0 1 0 0 0 0\n"},
-                     {"c.gdf", with_line(GOOD_GDF, 1, "Third body")},
-                     {"a.mod", "first title\nsecond title\n"}}));
-    EXPECT_EQ(in.run.opt.IMDRUN, -1);
-    EXPECT_EQ(in.run.bodies.NEWMDS(1), 1);
-    EXPECT_EQ(in.run.bodies.NEWMDS(2), -1);
-    EXPECT_EQ(in.run.files.FILNAM(5), "a.mod");
-    EXPECT_EQ(in.run.files.FILNAM(6), "b.pre");
-    EXPECT_EQ(in.run.bodies.NMODES, 20);
-    EXPECT_FALSE(in.folder.exists("a.pre"));
-    EXPECT_TRUE(in.folder.list_has("N=  3     c.gdf               \n" + title("Third body")));
-}
-
 TEST(ExtraModes, faults) {
     struct Row {
         const char *names;

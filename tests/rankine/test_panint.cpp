@@ -239,18 +239,6 @@ TEST(Panint, GradientInThePlaneIsThePrincipalValue) {
     }
 }
 
-TEST(Panint, VertexBelowThePointOrAbove) {
-    const Panel p = make(SHAPES[0], POSES[2], 1, 0);
-    PanelIntegrals I{};
-    const auto at = [&](double height) { // straight above (+) or below (-) vertex 1
-        return PANINT(p.XIV[1] + static_cast<f32>(height) * p.TRM[1][3],
-                      p.ETV[1] + static_cast<f32>(height) * p.TRM[2][3],
-                      static_cast<f32>(height) * p.TRM[3][3], p, 0, 1, I);
-    };
-    EXPECT_EQ(at(-.5), 1) << "the logarithm is infinite at the vertex";
-    EXPECT_EQ(at(.5), 0);
-}
-
 TEST(Panint, LevelSideMovesThePointForTheLogarithm) {
     // A vertical panel with its upper side at the height of the field point and gradients wanted.
     const Panel p = make(SHAPES[0], POSES[4], 1, 0);
