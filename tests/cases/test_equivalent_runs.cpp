@@ -106,21 +106,36 @@ TEST(TwoBodies, FarApartAreAloneAndCloseAreReciprocal) {
     EXPECT_GT(coupling, 0.02 * largest(close.c)); // they do feel each other
 }
 
+// The mesh with its symmetry indices exchanged for such of a wall.
+SolvedRun solve_beside_wall(const std::string &mesh, const std::string &indices, const std::string &walls, const Pot &pot) {
+    const CaseFolder folder;
+    prepare(folder, pot);
+    make_mesh(folder, mesh);
+    std::string gdf = folder.read("run.gdf");
+    gdf.replace(gdf.find(indices), indices.size(), walls);
+    folder.write("run.gdf", gdf);
+    return solved(folder);
+}
+
 TEST(Wall, EqualsTheBodyAndItsMirrorImage) {
     Pot pot = two_waves();
-    pot.NBETA = 2;
     pot.BETA = "35 145";
     const SolvedRun pair = solve_pair(4, pot);
-    CaseFolder folder;
-    prepare(folder, pot);
-    make_mesh(folder, std::string(BARGE) + " --part full --offset 2 0 0");
-    std::string gdf = folder.read("run.gdf");
-    const std::string indices = "\n 0 0\n";
-    gdf.replace(gdf.find(indices), indices.size(), "\n -1 0\n");
-    folder.write("run.gdf", gdf);
-    const SolvedRun wall = solved(folder);
+    const std::string barge = BARGE;
+    const SolvedRun wall = solve_beside_wall(barge + " --part full --offset 2 0 0", "\n 0 0\n", "\n -1 0\n", pot);
+    // Half of it beside the same wall, and turned by 90 degrees beside a wall in y.
+    const SolvedRun half = solve_beside_wall(barge + " --part half-y --offset 2 0 0", "\n 0 1\n", "\n -1 1\n", pot);
+    pot.BETA = "125 235";
+    const SolvedRun turned = solve_beside_wall(
+        "box --length 1.2 --beam 2 --draft 0.5 --nu 3 --nv 4 --nw 3 --part half-x --offset 0 2 0", "\n 1 0\n", "\n 1 -1\n", pot);
     const double size = largest(wall.c);
     for (int t = 1; t <= 2; ++t) {
+        for (const SolvedRun *same : {&half, &turned}) {
+            EXPECT_NEAR(wall.c.A(3, 3, t), same->c.A(3, 3, t), TOLERANCE * size);
+            EXPECT_NEAR(wall.c.B(3, 3, t), same->c.B(3, 3, t), TOLERANCE * size);
+            for (const int heading : {1, 2})
+                EXPECT_LT(std::abs(wall.c.X(3, heading, t) - same->c.X(3, heading, t)), TOLERANCE * size);
+        }
         // Modes even in x: body 1 moves as its image does. Sway and roll of the turned body have the other sign, and
         // only heave has no lever about the origin that the wall's modes are taken about.
         EXPECT_NEAR(wall.c.A(3, 3, t), pair.c.A(3, 3, t) + pair.c.A(3, 9, t), TOLERANCE * size);

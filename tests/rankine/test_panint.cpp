@@ -264,77 +264,10 @@ TEST(Panint, LevelSideMovesThePointForTheLogarithm) {
     EXPECT_NEAR(I.LZ, q.LZ, 1e-3);
 }
 
-// ---- wrappers: global axes ----
-
-// Differences of the quadrature along the global axes.
-struct GlobalReference : quadrature::Integrals {
-    double GS[4], GD[4], GL[4], GLZ[4];
-};
-
-GlobalReference global_reference(const Panel &p, const f32 *P) {
-    const auto at = [&](double dx, double dy, double dz) {
-        const double d[4] = {0, P[1] + dx - p.XCT[1], P[2] + dy - p.XCT[2], P[3] + dz - p.XCT[3]};
-        double local[4];
-        for (int r = 1; r <= 3; ++r)
-            local[r] = p.TRM[r][1] * d[1] + p.TRM[r][2] * d[2] + p.TRM[r][3] * d[3];
-        return quadrature::panel(p, local[1], local[2], local[3]);
-    };
-    const double e = 1e-4;
-    GlobalReference out{at(0, 0, 0), {}, {}, {}, {}};
-    for (int c = 1; c <= 3; ++c) {
-        const quadrature::Integrals a = at(c == 1 ? e : 0, c == 2 ? e : 0, c == 3 ? e : 0);
-        const quadrature::Integrals b = at(c == 1 ? -e : 0, c == 2 ? -e : 0, c == 3 ? -e : 0);
-        out.GS[c] = (a.S - b.S) / (2 * e);
-        out.GD[c] = (a.D - b.D) / (2 * e);
-        out.GL[c] = (a.L - b.L) / (2 * e);
-        out.GLZ[c] = (a.LZ - b.LZ) / (2 * e);
-    }
-    return out;
-}
-
-// Differences of step 1e-4 in double precision are good to about 1e-7 of third derivatives of some 10.
-constexpr double DIFFERENCE_ERROR = 5e-6;
-// The Z derivative of LZ is a difference of step EPS = 0.02 in single precision.
-constexpr f32 EPS = 0.02f;
-constexpr double EPS_ERROR = 2e-3;
-
-Panel moved(Panel p) {
-    p.XCT[1] += 3;
-    p.XCT[2] -= 2;
-    p.XCT[3] -= 1;
-    return p;
-}
-
-TEST(PanelWrappers, GradientsInGlobalAxes) {
-    for (const Pose &pose : POSES) {
-        const Panel p = moved(make(SHAPES[1], pose, 1, 0));
-        for (const auto &P : {std::array<f32, 4>{0, 3.3f, -1.4f, .1f}, {0, 2.2f, -3.1f, .2f}, {0, 8, 3, 1}}) {
-            const GlobalReference q = global_reference(p, P.data());
-            const double scale = 1 / std::pow(std::hypot(P[1] - 3, P[2] + 2, P[3] + 1), 2);
-            const double far = P[1] > 7 ? 1e-3 * scale : 0; // truncation of the multipole
-            FieldIntegrals F{};
-            ASSERT_EQ(PANFLD(P.data(), p, 1, 1, F), 0) << pose.name;
-            EXPECT_NEAR(F.S, q.S, 2e-6);
-            EXPECT_NEAR(F.D, q.D, 2e-6);
-            EXPECT_NEAR(F.L, q.L, 2e-6 + far);
-            EXPECT_NEAR(F.LZ, q.LZ, 2e-6 + far);
-            FieldIntegrals G{};
-            ASSERT_EQ(PANDPS(P.data(), EPS, p, 1, 1, G), 0);
-            for (int c = 1; c <= 3; ++c) {
-                EXPECT_NEAR(F.GS[c], q.GS[c], DIFFERENCE_ERROR);
-                EXPECT_NEAR(F.GD[c], q.GD[c], DIFFERENCE_ERROR);
-                EXPECT_NEAR(F.GL[c], q.GL[c], DIFFERENCE_ERROR + far);
-                EXPECT_EQ(G.GS[c], F.GS[c]);
-                EXPECT_EQ(G.GL[c], F.GL[c]);
-                EXPECT_NEAR(G.GLZ[c], q.GLZ[c], EPS_ERROR);
-            }
-            EXPECT_EQ(G.L, F.L);
-        }
-    }
-}
-
+// The gradients along the global axes are seen in rows of dipoles (tests/assembly) and in runs with sources.
 TEST(PanelWrappers, StatusOfAnyCallComesBack) {
     const Panel p = make(SHAPES[0], POSES[2], 1, 0);
+    constexpr f32 EPS = 0.02f; // step of the Z derivative of LZ
     // Half EPS below the point where the lower difference point stands under vertex 1.
     f32 P[4];
     for (int c = 1; c <= 3; ++c)

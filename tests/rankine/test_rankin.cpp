@@ -1,8 +1,8 @@
-// The Rankine store: solid angles of closed bodies, images against whole meshes, terms against single
-// evaluations, codes by distance, messages.
+// The Rankine store: solid angles of closed bodies, codes by distance, panels in the free surface, messages.
+// Signs of images and gradients are seen in whole runs: sources against potentials, full against quarter
+// meshes.
 #include "hull_meshes.hpp"
 #include "list_capture.hpp"
-#include "rankine/panint.hpp"
 #include "rankine/rankin.hpp"
 #include "run/memory_plan.hpp"
 #include "run/symmetry.hpp"
@@ -51,46 +51,6 @@ TEST(Rankin, RowsOfAClosedBodySumToFourPi) {
     }
 }
 
-// What the store must hold for one pair without symmetry, by single evaluations.
-TEST(Rankin, TermsOfAPair) {
-    RunState run;
-    all_kinds(run);
-    make(hulls::box(1, 1, -1, 0, FEW, false), run);
-    ASSERT_EQ(sweep(run), Status::ok);
-    const Mesh &m = run.mesh;
-    for (int A = 1; A <= m.NEQN; A += 3)
-        for (int B = 1; B <= m.NEQN; ++B) {
-            const Panel field = panel_of(m, A), source = panel_of(m, B);
-            const f32 *x = field.XCT, *n = field.TRM[3];
-            const f32 P[4] = {0, x[1], x[2], x[3]}, P1[4] = {0, x[1], x[2], -x[3]},
-                      P2[4] = {0, x[1], x[2], -(3 + x[3])};
-            FieldIntegrals direct{}, image{}, bottom{};
-            ASSERT_NE(PANFLD(P, source, 0, 1, direct), 1);
-            ASSERT_NE(PANFLD(P1, source, 1, 1, image), 1);
-            ASSERT_NE(PANFLD(P2, source, 0, 1, bottom), 1);
-            const double own = A == B ? 2 * PI : 0;
-            const RankineStore &s = run.store;
-            const int word = s.ICODM(std::min(A, B), std::max(A, B));
-            ASSERT_EQ(word & 3, 3);
-            const double with_bottom = (word & 4) != 0 ? 1 : 0;
-            EXPECT_NEAR(s.RKDM(A, B, 1, 0), own + direct.D + image.D + with_bottom * bottom.D, 2e-6);
-            EXPECT_NEAR(s.RKSM(A, B, 1, 0), direct.S + image.S + with_bottom * bottom.S, 2e-6);
-            EXPECT_NEAR(s.RKDM(A, B, 1, 1), -2 * image.LZ, 1e-6);
-            EXPECT_NEAR(s.RKSM(A, B, 1, 1), -2 * image.L, 1e-6);
-            double normal = own, normal1 = 0;
-            for (int c = 1; c <= 3; ++c) {
-                const double up = c == 3 ? -1 : 1; // d/dz of a function of the reflected point
-                const double v = direct.GS[c] + up * (image.GS[c] + with_bottom * bottom.GS[c]);
-                EXPECT_NEAR(s.RKVM(A, B, c, 0), own * n[c] + v, 1e-5);
-                EXPECT_NEAR(s.RKVM(A, B, c, 1), -2 * up * image.GL[c], 1e-5);
-                normal += n[c] * v;
-                normal1 += -2 * up * n[c] * image.GL[c];
-            }
-            EXPECT_NEAR(s.RKNM(A, B, 1, 0), normal, 1e-5);
-            EXPECT_NEAR(s.RKNM(A, B, 1, 1), normal1, 1e-5);
-        }
-}
-
 TEST(Rankin, RightHandSidesAreSourceTimesVelocity) {
     RunState run;
     all_kinds(run);
@@ -108,65 +68,6 @@ TEST(Rankin, RightHandSidesAreSourceTimesVelocity) {
     ASSERT_EQ(sweep(run), Status::ok);
     for (std::int64_t i = 0; i < run.store.RHSRAN.size(); ++i)
         EXPECT_EQ(run.store.RHSRAN.data()[i], 0) << "no radiation";
-}
-
-struct SymmetryCase {
-    int ISX, ISY;
-    std::vector<int> images;
-};
-
-TEST(Rankin, SymmetricMeshEqualsTheWhole) {
-    const hulls::Quads quarter = hulls::quarter_box(1, .8, -.5, 0, FEW, false);
-    const int NQ = static_cast<int>(quarter.size());
-    // Half meshes are the quarter and its image 4 (or 2), so that the order of the whole mesh serves all.
-    const SymmetryCase cases[] = {{1, 1, {1, 2, 3, 4}}, {-1, -1, {1, 2, 3, 4}}, {1, -1, {1, 2, 3, 4}},
-                                  {1, 0, {1, 2}},       {0, 1, {1, 4}},         {0, -1, {1, 4}}};
-    for (const SymmetryCase &c : cases) {
-        RunState part, whole;
-        all_kinds(part);
-        all_kinds(whole);
-        part.opt.ISX = c.ISX;
-        part.opt.ISY = c.ISY;
-        make(quarter, part);
-        hulls::Quads all;
-        const hulls::Quads mirrored = hulls::mirrored(quarter);
-        for (const int g : c.images)
-            all.insert(all.end(), mirrored.begin() + (g - 1) * NQ, mirrored.begin() + g * NQ);
-        make(all, whole);
-        ASSERT_EQ(sweep(part), Status::ok);
-        ASSERT_EQ(sweep(whole), Status::ok);
-        const RankineStore &p = part.store, &w = whole.store;
-        for (int s = 1; s <= part.sym.NSYMR; ++s) {
-            const int t = part.sym.ICLS[s];
-            for (int k = 0; k <= 1; ++k)
-                for (int A = 1; A <= NQ; ++A)
-                    for (int B = 1; B <= NQ; ++B) {
-                        // Sum over the images of B with the signs of parity type t.
-                        const auto sum = [&](const Array<f32, 4> &matrix, int third) {
-                            double value = 0;
-                            for (std::size_t g = 0; g < c.images.size(); ++g)
-                                value += static_cast<double>(SGN[t][c.images[g]]) *
-                                         matrix(A, static_cast<int>(g) * NQ + B, third, k);
-                            return value;
-                        };
-                        EXPECT_NEAR(p.RKDM(A, B, s, k), sum(w.RKDM, 1), 5e-6);
-                        EXPECT_NEAR(p.RKSM(A, B, s, k), sum(w.RKSM, 1), 5e-6);
-                        EXPECT_NEAR(p.RKNM(A, B, s, k), sum(w.RKNM, 1), 1e-5);
-                        for (int axis = 1; axis <= 3; ++axis)
-                            EXPECT_NEAR(p.RKVM(A, B, 3 * (s - 1) + axis, k), sum(w.RKVM, axis), 1e-5)
-                                << c.ISX << c.ISY << " class " << s << " axis " << axis;
-                    }
-            // The right-hand sides of the whole body, wherever the part has an odd or even share of the mode.
-            if (c.ISX >= 0 && c.ISY >= 0)
-                for (int n = 1; n <= part.sym.NMCLS[s]; ++n) {
-                    const int q = part.sym.MODCLS(n, s);
-                    for (int A = 1; A <= NQ; ++A)
-                        EXPECT_NEAR(p.RHSRAN(A, part.sym.MODPOS(q), 0), w.RHSRAN(A, whole.sym.MODPOS(q), 0),
-                                    2e-5);
-                }
-        }
-        EXPECT_EQ(part.sym.NSYMG, static_cast<int>(c.images.size()));
-    }
 }
 
 // Two unit squares, facing up, at depths z1 and z2 and x apart; the code word of the pair.
