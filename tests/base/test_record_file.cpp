@@ -38,22 +38,6 @@ TEST(RecordFile, FramesEveryRecordOnBothSides) {
     EXPECT_NE(in.error().find("unit 3"), std::string::npos);
 }
 
-TEST(RecordFile, ScratchIsReadBackAndLeavesNothing) {
-    RecordFile file(8);
-    ASSERT_TRUE(file.open_scratch());
-    std::vector<f32> values(100000, 2.5f);
-    for (int i = 0; i < 3; ++i) {
-        values[0] = static_cast<f32>(i);
-        ASSERT_TRUE(file.write({bytes_of(values.data(), 100000)}));
-    }
-    ASSERT_TRUE(file.rewind());
-    for (int i = 0; i < 3; ++i) {
-        ASSERT_TRUE(file.read({{values.data(), values.size() * sizeof(f32)}}));
-        EXPECT_EQ(values[0], static_cast<f32>(i));
-    }
-    EXPECT_FALSE(file.read({{values.data(), 4}}));
-}
-
 TEST(RecordFile, AFullDiskIsAnError) {
     RecordFile file(3);
     if (!file.open("/dev/full"))

@@ -50,6 +50,11 @@ public:
     // Runs the solver, which exits with 0 whatever happens.
     void solve(const std::string &environment = "") const { EXPECT_EQ(shell(environment + " vorda"), 0) << list(); }
     std::string list() const { return read("vorda.lis"); }
+    // Whether the report has the text; else the failure shows it.
+    testing::AssertionResult lists(const std::string &text) const {
+        return list().find(text) != std::string::npos ? testing::AssertionSuccess()
+                                                      : testing::AssertionFailure() << text << " is not in\n" << list();
+    }
 
     // The results of run.p2f.
     void results(P2fFile &p2f, Coefficients &coefficients, const std::string &name = "run.p2f") const {
@@ -107,4 +112,23 @@ inline void prepare(const CaseFolder &folder, const Pot &pot, const std::string 
 }
 inline void make_mesh(const CaseFolder &folder, const std::string &arguments, const std::string &name = "run.gdf") {
     ASSERT_EQ(folder.shell("vorda-mesh " + arguments + " -o " + name), 0) << folder.read("stderr.txt");
+}
+
+// What a run leaves.
+struct SolvedRun {
+    P2fFile p2f;
+    Coefficients c;
+};
+// Runs what is prepared in the folder.
+inline SolvedRun solved(const CaseFolder &folder) {
+    SolvedRun run;
+    folder.solve();
+    folder.results(run.p2f, run.c);
+    return run;
+}
+inline SolvedRun solve_mesh(const std::string &mesh, const Pot &pot, const std::string &more_config = "") {
+    const CaseFolder folder;
+    prepare(folder, pot, more_config);
+    make_mesh(folder, mesh);
+    return solved(folder);
 }

@@ -15,19 +15,6 @@ double largest(const Coefficients &c) {
     return value;
 }
 
-struct Solved {
-    P2fFile p2f;
-    Coefficients c;
-};
-
-void run_barge(const std::string &mesh, const Pot &pot, Solved &run, const std::string &config = "") {
-    CaseFolder folder;
-    prepare(folder, pot, config);
-    make_mesh(folder, mesh);
-    folder.solve();
-    folder.results(run.p2f, run.c);
-}
-
 Pot two_waves() {
     Pot pot;
     pot.NPER = 2;
@@ -38,7 +25,7 @@ Pot two_waves() {
 }
 
 // A, B and the moduli of X of all modes of both runs.
-void expect_same(const Solved &a, const Solved &b, int heading_a, int heading_b) {
+void expect_same(const SolvedRun &a, const SolvedRun &b, int heading_a, int heading_b) {
     const double size = largest(a.c);
     for (int t = 1; t <= a.p2f.NPER; ++t) {
         for (int i = 1; i <= 6; ++i) {
@@ -52,25 +39,22 @@ void expect_same(const Solved &a, const Solved &b, int heading_a, int heading_b)
 }
 
 TEST(Barge, IsTheSameAsFullHalfAndQuarterMesh) {
-    Solved quarter;
-    run_barge(BARGE, two_waves(), quarter);
+    const SolvedRun quarter = solve_mesh(BARGE, two_waves());
     for (const char *part : {"half-x", "half-y", "full"}) {
         SCOPED_TRACE(part);
-        Solved other;
-        run_barge(std::string(BARGE) + " --part " + part, two_waves(), other);
+        const SolvedRun other = solve_mesh(std::string(BARGE) + " --part " + part, two_waves());
         expect_same(quarter, other, 1, 1);
         expect_same(quarter, other, 2, 2);
     }
 }
 
 TEST(Barge, IsTheSameMovedAndTurned) {
-    Solved here;
-    run_barge(BARGE, two_waves(), here);
     Pot there = two_waves();
+    there.IQUAD = 1; // Gauss points, too
+    const SolvedRun here = solve_mesh(BARGE, there);
     there.XBODY = "3.5 -2.0 0.0 25.0";
     there.BETA = "55 115"; // the headings turn with the body
-    Solved moved;
-    run_barge(BARGE, there, moved);
+    const SolvedRun moved = solve_mesh(BARGE, there);
     EXPECT_EQ(moved.p2f.NSYMR, 1);
     EXPECT_EQ(moved.p2f.NEQN, 4 * here.p2f.NEQN);
     expect_same(here, moved, 1, 1);
@@ -83,7 +67,7 @@ TEST(Barge, IsTheSameMovedAndTurned) {
 }
 
 // Two barges along x at +-distance/2, the second turned about.
-void run_pair(double distance, const Pot &pot, Solved &run) {
+SolvedRun solve_pair(double distance, const Pot &pot) {
     CaseFolder folder;
     prepare(folder, pot);
     make_mesh(folder, BARGE, "barge.gdf");
@@ -92,14 +76,12 @@ void run_pair(double distance, const Pot &pot, Solved &run) {
     for (int side : {1, -1})
         global << "barge.gdf\n" << side * distance / 2 << " 0 0 " << (side > 0 ? 0 : 180) << "\n1 1\n1 1 1 1 1 1\n";
     folder.write("run.gdf", global.str());
-    folder.solve();
-    folder.results(run.p2f, run.c);
+    return solved(folder);
 }
 
 TEST(TwoBodies, FarApartAreAloneAndCloseAreReciprocal) {
-    Solved alone, far, close;
-    run_barge(BARGE, two_waves(), alone);
-    run_pair(400, two_waves(), far);
+    const SolvedRun alone = solve_mesh(BARGE, two_waves()), far = solve_pair(400, two_waves()),
+                    close = solve_pair(3, two_waves());
     ASSERT_EQ(far.p2f.NMODES, 12);
     const double size = largest(alone.c);
     for (int t = 1; t <= 2; ++t) {
@@ -111,7 +93,6 @@ TEST(TwoBodies, FarApartAreAloneAndCloseAreReciprocal) {
             }
         }
     }
-    run_pair(3, two_waves(), close);
     double coupling = 0;
     for (int t = 1; t <= 2; ++t) {
         for (int i = 1; i <= 12; ++i) {
@@ -125,24 +106,36 @@ TEST(TwoBodies, FarApartAreAloneAndCloseAreReciprocal) {
     EXPECT_GT(coupling, 0.02 * largest(close.c)); // they do feel each other
 }
 
+// The mesh with its symmetry indices exchanged for such of a wall.
+SolvedRun solve_beside_wall(const std::string &mesh, const std::string &indices, const std::string &walls, const Pot &pot) {
+    const CaseFolder folder;
+    prepare(folder, pot);
+    make_mesh(folder, mesh);
+    std::string gdf = folder.read("run.gdf");
+    gdf.replace(gdf.find(indices), indices.size(), walls);
+    folder.write("run.gdf", gdf);
+    return solved(folder);
+}
+
 TEST(Wall, EqualsTheBodyAndItsMirrorImage) {
     Pot pot = two_waves();
-    pot.NBETA = 2;
     pot.BETA = "35 145";
-    Solved pair;
-    run_pair(4, pot, pair);
-    CaseFolder folder;
-    prepare(folder, pot);
-    make_mesh(folder, std::string(BARGE) + " --part full --offset 2 0 0");
-    std::string gdf = folder.read("run.gdf");
-    const std::string indices = "\n 0 0\n";
-    gdf.replace(gdf.find(indices), indices.size(), "\n -1 0\n");
-    folder.write("run.gdf", gdf);
-    folder.solve();
-    Solved wall;
-    folder.results(wall.p2f, wall.c);
+    const SolvedRun pair = solve_pair(4, pot);
+    const std::string barge = BARGE;
+    const SolvedRun wall = solve_beside_wall(barge + " --part full --offset 2 0 0", "\n 0 0\n", "\n -1 0\n", pot);
+    // Half of it beside the same wall, and turned by 90 degrees beside a wall in y.
+    const SolvedRun half = solve_beside_wall(barge + " --part half-y --offset 2 0 0", "\n 0 1\n", "\n -1 1\n", pot);
+    pot.BETA = "125 235";
+    const SolvedRun turned = solve_beside_wall(
+        "box --length 1.2 --beam 2 --draft 0.5 --nu 3 --nv 4 --nw 3 --part half-x --offset 0 2 0", "\n 1 0\n", "\n 1 -1\n", pot);
     const double size = largest(wall.c);
     for (int t = 1; t <= 2; ++t) {
+        for (const SolvedRun *same : {&half, &turned}) {
+            EXPECT_NEAR(wall.c.A(3, 3, t), same->c.A(3, 3, t), TOLERANCE * size);
+            EXPECT_NEAR(wall.c.B(3, 3, t), same->c.B(3, 3, t), TOLERANCE * size);
+            for (const int heading : {1, 2})
+                EXPECT_LT(std::abs(wall.c.X(3, heading, t) - same->c.X(3, heading, t)), TOLERANCE * size);
+        }
         // Modes even in x: body 1 moves as its image does. Sway and roll of the turned body have the other sign, and
         // only heave has no lever about the origin that the wall's modes are taken about.
         EXPECT_NEAR(wall.c.A(3, 3, t), pair.c.A(3, 3, t) + pair.c.A(3, 9, t), TOLERANCE * size);
@@ -170,8 +163,7 @@ Forces forces(int n, const Option &option) {
     pot.ILOG = option.ILOG;
     pot.IDIAG = option.IDIAG;
     const std::string count = std::to_string(n);
-    Solved run;
-    run_barge("hemisphere --nu " + count + " --nv " + count, pot, run, "ISCATT=" + std::to_string(option.ISCATT) + "\n");
+    const SolvedRun run = solve_mesh("hemisphere --nu " + count + " --nv " + count, pot, "ISCATT=" + std::to_string(option.ISCATT) + "\n");
     return {{run.c.X(1, 1, 1), run.c.X(3, 1, 1)}};
 }
 double distance(const Forces &a, const Forces &b) {
@@ -203,7 +195,8 @@ TEST(Threads, OneAndMoreGiveTheSameBytes) {
             Pot pot = two_waves();
             pot.PER = PER;
             pot.NPER = std::string(PER).size() > 3 ? 3 : 1;
-            prepare(folder, pot);
+            pot.ISOR = pot.ILOG = 1;
+            prepare(folder, pot, "ISCATT=1\n"); // every matrix there is
             // 208 panels: more than one strip of the factorisation and many blocks of rows.
             make_mesh(folder, "box --length 2 --beam 1 --draft 0.5 --nu 4 --nv 4 --nw 4 --part full");
             // With six each of three periods has two.

@@ -24,17 +24,15 @@ Pot two_waves() {
     return pot;
 }
 
-void both_passes(const std::string &mesh, const Pot &pot, P2fFile &p2f, Coefficients &c) {
+SolvedRun both_passes(const std::string &mesh, const Pot &pot) {
     CaseFolder folder;
     prepare(folder, pot, "NEWMDS=1\n");
     make_mesh(folder, mesh);
     folder.solve();
-    EXPECT_NE(folder.list().find(" VORDA run 1 completed -- now run SHAPEX"), std::string::npos)
-        << folder.list();
+    EXPECT_TRUE(folder.lists(" VORDA run 1 completed -- now run SHAPEX"));
     EXPECT_FALSE(folder.exists("run.p2f"));
     folder.write("run.mod", heave_again(folder, "run.pre"));
-    folder.solve();
-    folder.results(p2f, c);
+    return solved(folder);
 }
 
 TEST(ExtraModes, RepeatedHeaveIsHeave) {
@@ -44,9 +42,7 @@ TEST(ExtraModes, RepeatedHeaveIsHeave) {
             Pot pot = two_waves();
             pot.IQUAD = IQUAD;
             pot.HBOT = IQUAD == 1 ? "1.5" : "0";
-            P2fFile p2f;
-            Coefficients c;
-            both_passes(std::string(BARGE) + " --part " + part, pot, p2f, c);
+            const auto [p2f, c] = both_passes(std::string(BARGE) + " --part " + part, pot);
             ASSERT_EQ(p2f.NMODES, 7);
             for (int t = 1; t <= 2; ++t) {
                 const double size = static_cast<double>(c.A(3, 3, t));
@@ -67,9 +63,7 @@ TEST(ExtraModes, RepeatedHeaveIsHeave) {
 TEST(ExtraModes, SourcesOfARepeatedModeAreItsSources) {
     Pot pot = two_waves();
     pot.ISOR = 1;
-    P2fFile p2f;
-    Coefficients c;
-    both_passes(BARGE, pot, p2f, c);
+    const P2fFile p2f = both_passes(BARGE, pot).p2f;
     const int heave = p2f.MODPOS(3), again = p2f.MODPOS(7);
     ASSERT_NE(heave, again);
     for (int t = 1; t <= 2; ++t) {
@@ -97,12 +91,6 @@ class ExtraModesOfTwo : public testing::Test {
     CaseFolder folder;
 };
 
-TEST_F(ExtraModesOfTwo, AreBothAskedForInTheFirstPass) {
-    EXPECT_TRUE(folder.exists("one.pre"));
-    EXPECT_TRUE(folder.exists("two.pre"));
-    EXPECT_FALSE(folder.exists("run.p2f"));
-}
-
 TEST_F(ExtraModesOfTwo, StayInTheFirstPassUntilBothModFilesAreThere) {
     for (const std::string there : {"one", "two"}) {
         SCOPED_TRACE(there);
@@ -115,7 +103,9 @@ TEST_F(ExtraModesOfTwo, StayInTheFirstPassUntilBothModFilesAreThere) {
         EXPECT_FALSE(folder.exists(there + ".pre"));
         EXPECT_TRUE(folder.exists(missing + ".pre"));
         EXPECT_EQ(folder.read(there + ".mod"), mod);
-        EXPECT_NE(folder.list().find(" VORDA run 1 completed -- now run SHAPEX"), std::string::npos);
+        EXPECT_TRUE(folder.lists(" VORDA run 1 completed -- now run SHAPEX"));
+        const std::string waits = there == "one" ? "NBDY=2" : "NBDY=1";
+        EXPECT_TRUE(folder.lists(" PRE file completed for body " + waits));
         folder.shell("rm " + there + ".mod; vorda"); // both PRE files again
     }
 }
@@ -123,10 +113,7 @@ TEST_F(ExtraModesOfTwo, StayInTheFirstPassUntilBothModFilesAreThere) {
 TEST_F(ExtraModesOfTwo, HaveTheirModesBehindTheirRigidOnes) {
     for (const std::string name : {"one", "two"})
         folder.write(name + ".mod", heave_again(folder, name + ".pre"));
-    folder.solve();
-    P2fFile p2f;
-    Coefficients c;
-    folder.results(p2f, c);
+    const auto [p2f, c] = solved(folder);
     ASSERT_EQ(p2f.NMODES, 14);
     for (int t = 1; t <= 2; ++t) {
         const double size = TOLERANCE * static_cast<double>(c.A(3, 3, t));

@@ -39,17 +39,11 @@ std::string quarter_gdf(const std::vector<Ring> &rings) {
     return out.str();
 }
 
-struct Solved {
-    P2fFile p2f;
-    Coefficients c;
-};
-
-void run_gdf(const std::string &gdf, const Pot &pot, Solved &run, const std::string &config = "") {
-    CaseFolder folder;
+SolvedRun solve_gdf(const std::string &gdf, const Pot &pot, const std::string &config = "") {
+    const CaseFolder folder;
     prepare(folder, pot, config);
     folder.write("run.gdf", gdf);
-    folder.solve();
-    folder.results(run.p2f, run.c);
+    return solved(folder);
 }
 
 Pot waves(const std::string &PER, int NPER, int ISOR) {
@@ -88,9 +82,8 @@ double surface_condition_error(const P2fFile &p2f) {
 
 TEST(DiscOfNoDraught, ScattersTheSameByBothEquations) {
     for (const int n : {6, 12}) {
-        Solved total, scattered;
-        run_gdf(disc(n), waves("0.5 1.2", 2, 1), total, "ISCATT=0\n");
-        run_gdf(disc(n), waves("0.5 1.2", 2, 1), scattered, "ISCATT=1\n");
+        const SolvedRun total = solve_gdf(disc(n), waves("0.5 1.2", 2, 1), "ISCATT=0\n"),
+                        scattered = solve_gdf(disc(n), waves("0.5 1.2", 2, 1), "ISCATT=1\n");
         double worst = 0;
         for (int t = 1; t <= 2; ++t) {
             for (const int mode : {3, 4, 5}) {
@@ -115,11 +108,10 @@ TEST(DiscOfNoDraught, ScattersTheSameByBothEquations) {
 double overhang_difference(int m) {
     const std::string hull =
         quarter_gdf({{0.8, 0, 1, -0.4, 6 * m, 2 * m, true}, {1, -0.4, 0, -0.4, 6 * m, 10 * m, true}});
-    Solved plain, treated;
     Pot pot = waves("0.4 1.0 1.6", 3, 1); // far below the first eigenvalues inside
-    run_gdf(hull, pot, plain);
+    const SolvedRun plain = solve_gdf(hull, pot);
     pot.IRR = 2;
-    run_gdf(hull, pot, treated);
+    const SolvedRun treated = solve_gdf(hull, pot);
     int reversed = 0, inner = 0;
     for (int ip = 1; ip <= treated.p2f.NEQN; ++ip) {
         reversed += treated.p2f.IFSP(ip) == -1 ? 1 : 0;
@@ -131,7 +123,7 @@ double overhang_difference(int m) {
     double worst = 0;
     for (int t = 1; t <= 3; ++t) {
         for (const int mode : {1, 3}) {
-            const auto coefficient = [&](const Solved &s) {
+            const auto coefficient = [&](const SolvedRun &s) {
                 return fields::c64(static_cast<double>(s.c.A(mode, mode, t)),
                                    -static_cast<double>(s.c.B(mode, mode, t)));
             };
@@ -150,7 +142,7 @@ TEST(Overhang, WithItsImagesIsTheHullWithout) {
 }
 
 // A hemisphere within a ring of lid on the water.
-void run_lid(double damping, Solved &run) {
+SolvedRun solve_with_lid(double damping) {
     CaseFolder folder;
     prepare(folder, waves("0.5 1.0 1.8", 3, 1), "ISCATT=1\nIFSLID=1\n");
     make_mesh(folder, "hemisphere --nu 8 --nv 8", "hull.gdf");
@@ -160,8 +152,7 @@ void run_lid(double damping, Solved &run) {
         "hull and lid\n0 9.80665\n2\nhull.gdf\n0 0 0 0\n1 1\n1 1 1 1 1 1\n1 0\nlid.gdf\n0 0 0 0\n0 1\n"
         "0 0 0 0 0 0\n3 " +
             std::to_string(damping) + "\n");
-    folder.solve();
-    folder.results(run.p2f, run.c);
+    return solved(folder);
 }
 
 // Share of heave damping that the waves carry away: K |H|^2 / 2, with the amplitude H of the far waves from
@@ -192,19 +183,11 @@ Budget heave_budget(const P2fFile &p2f, double e, int t) {
 }
 
 TEST(DampingLid, TakesEnergyOut) {
-    Solved alone, idle, lid;
-    {
-        CaseFolder folder;
-        prepare(folder, waves("0.5 1.0 1.8", 3, 1), "ISCATT=1\n");
-        make_mesh(folder, "hemisphere --nu 8 --nv 8");
-        folder.solve();
-        folder.results(alone.p2f, alone.c);
-    }
     constexpr double DAMPING = 0.2;
     constexpr double BUDGET =
         0.015; // what the same hull misses without a lid in the shortest wave, by its panels
-    run_lid(0, idle);
-    run_lid(DAMPING, lid);
+    const SolvedRun alone = solve_mesh("hemisphere --nu 8 --nv 8", waves("0.5 1.0 1.8", 3, 1), "ISCATT=1\n"),
+                    idle = solve_with_lid(0), lid = solve_with_lid(DAMPING);
     for (int t = 1; t <= 3; ++t) {
         for (int mode = 1; mode <= 3; ++mode) {
             EXPECT_NEAR(idle.c.A(mode, mode, t), alone.c.A(mode, mode, t), 1e-5);

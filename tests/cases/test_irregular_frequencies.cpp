@@ -7,34 +7,25 @@ namespace {
 
 constexpr double EIGENVALUE = 2.884; // radius 1, T = 0.5
 
-struct Solved {
-    P2fFile p2f;
-    Coefficients c;
-};
-
-void run_cylinder(int IRR, int ISOR, const std::string &PER, int NPER, Solved &run, int panels = 12) {
+SolvedRun solve_cylinder(int IRR, int ISOR, const std::string &PER, int NPER, int panels = 12) {
     Pot pot;
     pot.IRR = IRR;
     pot.ILOG = 1;
     pot.ISOR = ISOR;
     pot.PER = PER;
     pot.NPER = NPER;
-    CaseFolder folder;
-    prepare(folder, pot);
-    const std::string lid = IRR == 1 || IRR == 4 ? " --lid" : "";
     const std::string half = std::to_string(panels / 2);
-    make_mesh(folder, "cylinder --radius 1 --draft 0.5 --nu " + std::to_string(panels) + " --nv " + half +
-                          " --nw " + half + lid);
-    folder.solve();
-    folder.results(run.p2f, run.c);
+    return solve_mesh("cylinder --radius 1 --draft 0.5 --nu " + std::to_string(panels) + " --nv " + half +
+                          " --nw " + half + (IRR == 1 || IRR == 4 ? " --lid" : ""),
+                      pot);
 }
 
-double added_mass(const Solved &run, int mode, int t) {
+double added_mass(const SolvedRun &run, int mode, int t) {
     return static_cast<double>(run.c.A(mode, mode, t));
 }
 
 // Largest distance of the curve from the straight line through its ends, which a smooth curve keeps to here.
-double roughness(const Solved &run, int mode) {
+double roughness(const SolvedRun &run, int mode) {
     const int last = run.p2f.NPER;
     const double k1 = static_cast<double>(run.p2f.WVNH(1)), k2 = static_cast<double>(run.p2f.WVNH(last));
     double worst = 0;
@@ -52,8 +43,7 @@ const std::string AWAY = "0.4 1.0 1.8 2.884";
 constexpr int AWAY_OF_BOTH = 3;
 
 TEST(IrregularFrequencies, PlainEquationsFailAtTheFirstEigenvalue) {
-    Solved run;
-    run_cylinder(0, 0, THROUGH, 12, run);
+    const SolvedRun run = solve_cylinder(0, 0, THROUGH, 12);
     EXPECT_GT(roughness(run, 3), 0.2);
     int worst = 1;
     for (int t = 1; t <= 12; ++t) {
@@ -70,10 +60,8 @@ class Treatment : public testing::TestWithParam<std::pair<int, int>> {}; // IRR,
 
 TEST_P(Treatment, IsSmoothThroughTheEigenvalueAndChangesNothingElsewhere) {
     const auto [IRR, ISOR] = GetParam();
-    Solved through, away, plain;
-    run_cylinder(IRR, ISOR, THROUGH, 12, through);
-    run_cylinder(IRR, ISOR, AWAY, 4, away);
-    run_cylinder(0, ISOR, AWAY, 4, plain);
+    const SolvedRun through = solve_cylinder(IRR, ISOR, THROUGH, 12),
+                    away = solve_cylinder(IRR, ISOR, AWAY, 4), plain = solve_cylinder(0, ISOR, AWAY, 4);
     EXPECT_LT(roughness(through, 3), 0.01);
     for (int t = 1; t <= 4; ++t) {
         for (const int mode : {1, 3}) {
@@ -99,9 +87,8 @@ bool inner_bottom(const P2fFile &p2f, int panel) {
 TEST(IrregularFrequencies, SourcesBesideALidMakeTheFlow) {
     for (const int IRR : {1, 2, 4}) {
         SCOPED_TRACE(IRR);
-        Solved coarse, fine;
-        run_cylinder(IRR, 1, "2.884", 1, coarse, 8);
-        run_cylinder(IRR, 1, "2.884", 1, fine, 16);
+        const SolvedRun coarse = solve_cylinder(IRR, 1, "2.884", 1, 8),
+                        fine = solve_cylinder(IRR, 1, "2.884", 1, 16);
         // Rows in single precision, of a matrix whose condition grows as the panels get small beside the lid.
         EXPECT_LT(fields::normal_velocity_error(coarse.p2f), 1e-4);
         EXPECT_LT(fields::normal_velocity_error(fine.p2f), 1e-4);

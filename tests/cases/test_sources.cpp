@@ -45,15 +45,6 @@ Pot two_waves(double depth, int IQUAD, int ILOG) {
     return pot;
 }
 
-void run_mesh(const std::string &mesh, const Pot &pot, P2fFile &p2f) {
-    CaseFolder folder;
-    prepare(folder, pot);
-    make_mesh(folder, mesh);
-    folder.solve();
-    std::string error;
-    ASSERT_TRUE(read_p2f((folder.path() / "run.p2f").string(), p2f, error)) << error << folder.list();
-}
-
 struct Setting {
     const Hull *hull;
     double depth;
@@ -66,9 +57,8 @@ class Sources : public testing::TestWithParam<Setting> {};
 
 TEST_P(Sources, MakeTheVelocitiesOfTheBoundaryConditionAndOfThePotentials) {
     const Setting &is = GetParam();
-    P2fFile coarse, fine;
-    run_mesh(is.hull->coarse, two_waves(is.depth, is.IQUAD, is.ILOG), coarse);
-    run_mesh(is.hull->fine, two_waves(is.depth, is.IQUAD, is.ILOG), fine);
+    const Pot pot = two_waves(is.depth, is.IQUAD, is.ILOG);
+    const P2fFile coarse = solve_mesh(is.hull->coarse, pot).p2f, fine = solve_mesh(is.hull->fine, pot).p2f;
     for (const P2fFile *p2f : {&coarse, &fine})
         EXPECT_LT(fields::normal_velocity_error(*p2f), NORMAL_TOLERANCE);
     // Sources that are constant over a panel give its velocity with an error of the order of its size.
@@ -86,11 +76,10 @@ INSTANTIATE_TEST_SUITE_P(All, Sources,
                                          Setting{&BARGE, 1.0, 0, 0}, Setting{&BARGE, 1.0, 1, 1}));
 
 TEST(SourceRun, LeavesThePotentialsAsTheyAre) {
-    P2fFile with, without;
     Pot pot = two_waves(1.8, 1, 1);
-    run_mesh(HEMISPHERE.coarse, pot, with);
+    const P2fFile with = solve_mesh(HEMISPHERE.coarse, pot).p2f;
     pot.ISOR = 0;
-    run_mesh(HEMISPHERE.coarse, pot, without);
+    const P2fFile without = solve_mesh(HEMISPHERE.coarse, pot).p2f;
     ASSERT_EQ(with.PHIR.size(), without.PHIR.size());
     for (std::int64_t i = 0; i < with.PHIR.size(); ++i)
         ASSERT_EQ(with.PHIR.data()[i], without.PHIR.data()[i]);
@@ -103,8 +92,7 @@ TEST(SourceRun, AtTheLimitFrequencies) {
     for (const double depth : {0.0, 1.8}) {
         Pot pot = two_waves(depth, 0, 1);
         pot.PER = "-1 0";
-        P2fFile p2f;
-        run_mesh(HEMISPHERE.coarse, pot, p2f);
+        const P2fFile p2f = solve_mesh(HEMISPHERE.coarse, pot).p2f;
         EXPECT_LT(fields::normal_velocity_error(p2f), NORMAL_TOLERANCE);
         EXPECT_LT(fields::tangential_velocity_error(p2f, HEMISPHERE.reach, everywhere), 0.1);
         for (std::int64_t i = 0; i < p2f.SRCD.size(); ++i)

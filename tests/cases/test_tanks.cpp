@@ -8,11 +8,6 @@ namespace {
 
 constexpr double LENGTH = 1.6, BEAM = 1.0, HEIGHT = 0.8, DEPTH = 0.5, VOLUME = LENGTH * BEAM * HEIGHT;
 
-struct Solved {
-    P2fFile p2f;
-    Coefficients c;
-};
-
 Pot tank_pot(int IRRX) {
     Pot pot;
     pot.IRR = 10 + IRRX;
@@ -29,14 +24,6 @@ std::string tank_mesh(int n, const std::string &part = "quarter") {
     return out.str();
 }
 
-void solve(const std::string &mesh, const Pot &pot, Solved &run, const std::string &config = "") {
-    CaseFolder folder;
-    prepare(folder, pot, config);
-    make_mesh(folder, mesh);
-    folder.solve();
-    folder.results(run.p2f, run.c);
-}
-
 // Inertia per density of the fluid in a rectangle, per length, about its centre. With phi = y z + psi, psi
 // the series of sin(k z) sinh(k y) that has no flow through the horizontal walls and -2 z through the
 // vertical ones.
@@ -50,7 +37,7 @@ double roll_inertia(double b, double h) {
     return sum;
 }
 
-void expect_the_fluid_of_the_box(const Solved &run, double translation, double rotation) {
+void expect_the_fluid_of_the_box(const SolvedRun &run, double translation, double rotation) {
     const auto A = [&](int i, int j) { return static_cast<double>(run.c.A(i, j, 1)); };
     for (int i = 1; i <= 3; ++i)
         EXPECT_NEAR(A(i, i) / VOLUME, 1, translation) << i;
@@ -62,16 +49,14 @@ void expect_the_fluid_of_the_box(const Solved &run, double translation, double r
 }
 
 TEST(Tank, MovesAsARigidBodyAndRollsByTheSeries) {
-    Solved coarse, fine;
-    solve(tank_mesh(1), tank_pot(1), coarse);
+    const SolvedRun coarse = solve_mesh(tank_mesh(1), tank_pot(1));
     expect_the_fluid_of_the_box(coarse, 0.02, 0.03);
-    solve(tank_mesh(2), tank_pot(1), fine);
+    const SolvedRun fine = solve_mesh(tank_mesh(2), tank_pot(1));
     expect_the_fluid_of_the_box(fine, 0.007, 0.01);
 }
 
 TEST(Tank, DependsNeitherOnReferencePanelNorPartDepthPeriodOrStore) {
-    Solved first;
-    solve(tank_mesh(1), tank_pot(1), first);
+    const SolvedRun first = solve_mesh(tank_mesh(1), tank_pot(1));
     const int last = first.p2f.NEQN;
     struct Other {
         int IRRX;
@@ -83,8 +68,7 @@ TEST(Tank, DependsNeitherOnReferencePanelNorPartDepthPeriodOrStore) {
         Pot pot = tank_pot(o.IRRX);
         pot.HBOT = o.depth;
         pot.PER = o.PER;
-        Solved run;
-        solve(tank_mesh(1, o.part), pot, run, o.config);
+        const SolvedRun run = solve_mesh(tank_mesh(1, o.part), pot, o.config);
         for (int i = 1; i <= 6; ++i)
             EXPECT_NEAR(run.c.A(i, i, 1), first.c.A(i, i, 1), 2e-5) << o.part << i;
         // The class that is even in both planes vanishes at the reference panel.
@@ -109,9 +93,7 @@ TEST(Tank, LeaningWallsMakeNoDifferenceToThat) {
         for (double x, y, z; in >> x >> y >> z;)
             out << x * (1.6 + 1.2 * z) << " " << y << " " << z << "\n";
         folder.write("run.gdf", out.str());
-        folder.solve();
-        Solved run;
-        folder.results(run.p2f, run.c);
+        const SolvedRun run = solved(folder);
         const double heave = static_cast<double>(run.c.A(3, 3, 1));
         if (IRRX == 1)
             first = heave;
@@ -147,9 +129,7 @@ TEST(Tank, ItsSourcesMoveTheFluidAsARigidBody) {
         pot.ISOR = 1;
         prepare(folder, pot);
         write_spherical_tank(folder, n);
-        folder.solve();
-        Solved run;
-        folder.results(run.p2f, run.c);
+        const SolvedRun run = solved(folder);
         double error = 0;
         for (int mode = 1; mode <= 3; ++mode) {
             for (int ip = 1; ip <= run.p2f.NEQN; ++ip) {
@@ -185,7 +165,7 @@ TEST(Tank, UnfitRunsAreRefused) {
         prepare(folder, r.pot, r.config);
         make_mesh(folder, tank_mesh(1));
         folder.solve();
-        EXPECT_NE(folder.list().find(r.message), std::string::npos) << folder.list();
+        EXPECT_TRUE(folder.lists(r.message));
         EXPECT_FALSE(folder.exists("run.p2f"));
     }
 }

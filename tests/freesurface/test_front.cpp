@@ -13,16 +13,6 @@ namespace {
 
 using namespace lines;
 
-TEST(TRIQ, measures_angles) {
-    const TriangleShape right = TRIQ({0, 0}, {4, 0}, {4, 3}); // angle at c has cosine 3/5
-    EXPECT_DOUBLE_EQ(right.A, 5);
-    EXPECT_DOUBLE_EQ(right.B, 3);
-    EXPECT_DOUBLE_EQ(right.G, -0.6);
-    EXPECT_DOUBLE_EQ(right.Q, 0.8);
-    EXPECT_NEAR(TRIQ({0, 0}, {2, 0}, {1, 1e-4}).G, 1, 1e-7);  // c between a and b
-    EXPECT_NEAR(TRIQ({0, 0}, {0, 1e-4}, {1, 0}).G, -1, 1e-7); // folded back at c
-}
-
 TEST(Boundary, long_sides_are_divided_and_short_ones_skipped) {
     // Clockwise, H = 1: a side of 3, one of 1, and one of 3 in ten pieces, of which every second point is
     // skipped.
@@ -121,13 +111,13 @@ TEST(EdgeGrid, near_edges_are_enough) {
     EXPECT_LT(crossings, 1900);
 }
 
-struct Pair {
-    const char *label;
-    FrontEdge s, t;
-    bool cross;
-};
 TEST(EdgeGrid, crossings_by_hand) {
-    const Pair rows[] = {
+    // clang-format off
+    const struct {
+        const char *label;
+        FrontEdge s, t;
+        bool cross;
+    } rows[] = {
         {"plain", {{1, 2}, {{0, 0}, {2, 2}}}, {{3, 4}, {{0, 2}, {2, 0}}}, true},
         {"apart", {{1, 2}, {{0, 0}, {2, 2}}}, {{3, 4}, {{3, 0}, {5, 0}}}, false},
         {"a node on an edge", {{1, 2}, {{0, 0}, {2, 0}}}, {{3, 4}, {{1, 0}, {1, 1}}}, false},
@@ -140,7 +130,8 @@ TEST(EdgeGrid, crossings_by_hand) {
         {"vertical over each other", {{1, 2}, {{1, 0}, {1, 2}}}, {{3, 4}, {{1, 1}, {1, 5}}}, true},
         {"parallel", {{1, 2}, {{0, 0}, {2, 0}}}, {{3, 4}, {{0, 0.1}, {2, 0.1}}}, false},
     };
-    for (const Pair &row : rows)
+    // clang-format on
+    for (const auto &row : rows)
         EXPECT_EQ(edges_cross(row.s, row.t, 1e-3, 1e-6), row.cross) << row.label;
 }
 

@@ -21,7 +21,7 @@ void project(const hulls::Quads &hull, f32 ZB, RunState &run) {
     ASSERT_TRUE(run.mesh.projected.resize_last(n) && allocate_mesh(run.bodies, run.mesh));
     for (int i = before + 1; i <= n; ++i)
         run.mesh.projected(i) = 1;
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok);
 }
 
 // Area of the projections that look down less that of those that look up.
@@ -33,19 +33,6 @@ double waterplane(const RunState &run, int hull) {
         area -= run.mesh.TRM(3, 3, i) * run.mesh.PMOM(1, i);
     }
     return area;
-}
-
-// A hull that widens downwards: square waterline |x|, |y| <= 1, bottom |x|, |y| <= 2 at z = -1.
-hulls::Quads overhang() {
-    hulls::Quads mesh;
-    hulls::add_patch(mesh, {-2, -2, -1}, {4, 0, 0}, {0, 4, 0}, 1, 1);
-    const double corner[5][2] = {{1, 1}, {-1, 1}, {-1, -1}, {1, -1}, {1, 1}};
-    for (int k = 0; k < 4; ++k) {
-        const double *a = corner[k], *b = corner[k + 1];
-        mesh.push_back(
-            {{{a[0], a[1], 0}, {2 * a[0], 2 * a[1], -1}, {2 * b[0], 2 * b[1], -1}, {b[0], b[1], 0}}});
-    }
-    return mesh;
 }
 
 TEST(Fsproj, FlatBottomAloneIsProjected) {
@@ -69,22 +56,6 @@ TEST(Fsproj, HemisphereCoversItsWaterplane) {
     const int n = 4 * m * m;
     EXPECT_EQ(run.mesh.NEQN, 2 * n) << "triangles at the pole have projections as well";
     EXPECT_NEAR(waterplane(run, n), 2 * m * std::sin(6.283185307179586 / (4 * m)), 3 * ROUNDING);
-}
-
-TEST(Fsproj, OverhangTakesAwayWhatTheBottomHasTooMuch) {
-    RunState run;
-    project(overhang(), 0, run);
-    ASSERT_EQ(run.mesh.NEQN, 10);
-    EXPECT_NEAR(waterplane(run, 5), 4, 16 * ROUNDING);
-    run.opt.IRR = 2;
-    ASSERT_EQ(FSMARK(run.opt, run.bodies, run.mesh), Status::ok);
-    const int mark[5] = {1, -1, -1, -1, -1};
-    for (int i = 6; i <= 10; ++i) {
-        EXPECT_EQ(run.mesh.IFSP(i), mark[i - 6]) << i;
-        for (int m = 1; m <= 6; ++m)
-            EXPECT_EQ(run.mesh.VEL(m, i), 0) << i;
-    }
-    EXPECT_EQ(run.bodies.NPANS(1), 9) << "panels that look up are no interior panels";
 }
 
 TEST(Fsproj, HullWithoutDraughtMoves) {
@@ -125,22 +96,22 @@ TEST_P(SinglePanels, AreProjectedIfTheProjectionHasArea) {
         EXPECT_EQ(run.mesh.XVER(v, 3, 2), 0);
     }
 }
-INSTANTIATE_TEST_SUITE_P(
-    rows, SinglePanels,
-    testing::Values(OnePanel{"wall", {{{0, 0, 0}, {0, 0, -1}, {1, 1, -1}, {1, 1, 0}}}, false},
-                    OnePanel{"trapezoid_wall", {{{0, 0, 0}, {.2, .1, -1}, {.8, .4, -1}, {1, .5, 0}}}, false},
-                    // Two sides run one way and two the other: no three have one direction.
-                    OnePanel{"sheared_wall", {{{0, 0, 0}, {.2, .1, -1}, {1.2, .6, -1}, {1, .5, 0}}}, false},
-                    OnePanel{"triangular_wall", {{{0, 0, 0}, {.5, 1, -1}, {1, 2, 0}, {1, 2, 0}}}, false},
-                    OnePanel{"lid", {{{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}}}, false},
-                    OnePanel{"three_in_the_surface", {{{0, 0, 0}, {0, 1, 0}, {1, 1, -1}, {1, 0, 0}}}, true},
-                    OnePanel{"diamond", {{{1, 0, -1}, {0, -1, -1}, {-1, 0, -1}, {0, 1, -1}}}, true},
-                    // Three sides at 45 degrees to the axes, two of them on one line.
-                    OnePanel{
-                        "middle_vertex_on_a_side", {{{0, 0, -1}, {1, 1, -1}, {2, 2, -1}, {3, 1, -1}}}, true},
-                    OnePanel{"triangle", {{{0, 0, -1}, {0, 1, -1}, {1, 0, -1}, {1, 0, -1}}}, true},
-                    OnePanel{"needle", {{{0, 0, -1}, {0, 1, -1}, {5e-5, 1, -1}, {5e-5, 0, -1}}}, false}),
-    [](const auto &row) { return std::string(row.param.label); });
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(rows, SinglePanels, testing::ValuesIn(std::vector<OnePanel>{
+    {"wall", {{{0, 0, 0}, {0, 0, -1}, {1, 1, -1}, {1, 1, 0}}}, false},
+    {"trapezoid_wall", {{{0, 0, 0}, {.2, .1, -1}, {.8, .4, -1}, {1, .5, 0}}}, false},
+    // Two sides run one way and two the other: no three have one direction.
+    {"sheared_wall", {{{0, 0, 0}, {.2, .1, -1}, {1.2, .6, -1}, {1, .5, 0}}}, false},
+    {"triangular_wall", {{{0, 0, 0}, {.5, 1, -1}, {1, 2, 0}, {1, 2, 0}}}, false},
+    {"lid", {{{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}}}, false},
+    {"three_in_the_surface", {{{0, 0, 0}, {0, 1, 0}, {1, 1, -1}, {1, 0, 0}}}, true},
+    {"diamond", {{{1, 0, -1}, {0, -1, -1}, {-1, 0, -1}, {0, 1, -1}}}, true},
+    // Three sides at 45 degrees to the axes, two of them on one line.
+    {"middle_vertex_on_a_side", {{{0, 0, -1}, {1, 1, -1}, {2, 2, -1}, {3, 1, -1}}}, true},
+    {"triangle", {{{0, 0, -1}, {0, 1, -1}, {1, 0, -1}, {1, 0, -1}}}, true},
+    {"needle", {{{0, 0, -1}, {0, 1, -1}, {5e-5, 1, -1}, {5e-5, 0, -1}}}, false},
+}), [](const auto &row) { return std::string(row.param.label); });
+// clang-format on
 
 TEST(Fsproj, SecondBodyAndDipolePanels) {
     // Two bodies of two panels each: only the second is projected, and of it not the plate.

@@ -29,7 +29,7 @@ void find_strips(RunState &run) {
         line.NWL += run.bodies.NWLB(b);
         first += n;
     }
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok);
     ASSERT_EQ(FSMARK(run.opt, run.bodies, run.mesh), Status::ok);
     ASSERT_EQ(fill_strips(run, run.strips), Status::ok);
 }
@@ -142,17 +142,8 @@ TEST(Fsstrp, EmptyStrips) {
 
 // Two quarter boxes with lids, one after the other.
 void two_boxes(RunState &run, int n) {
-    hulls::Quads mesh = hulls::quarter_box(4, 2, -1, 0, n, true);
-    const int one = static_cast<int>(mesh.size());
-    for (const auto &quad : hulls::quarter_box(4, 2, -1, 0, n, true))
-        mesh.push_back(quad);
-    hulls::set_body(mesh, run);
-    run.bodies.NBODY = 2;
-    run.bodies.NMODES = 12;
-    ASSERT_TRUE(run.bodies.XBODY.alloc(4, 2) && run.bodies.NEQNB.alloc(2) && run.bodies.NEWMDS.alloc(2) &&
-                run.bodies.NPANS.alloc(2) && run.bodies.MODE.alloc(12) && run.bodies.VOL.alloc(3, 2) &&
-                run.bodies.XCB.alloc(3, 2) && allocate_mesh(run.bodies, run.mesh));
-    run.bodies.NEQNB(1) = run.bodies.NEQNB(2) = one;
+    const hulls::Quads box = hulls::quarter_box(4, 2, -1, 0, n, true);
+    hulls::set_bodies({box, box}, run);
     run.bodies.XBODY(2, 2) = 30;
 }
 

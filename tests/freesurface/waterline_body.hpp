@@ -5,6 +5,7 @@
 #include "freesurface/contours.hpp"
 #include "freesurface/fsgen.hpp"
 #include "freesurface/waterline.hpp"
+#include "geometry/dipoles.hpp"
 
 #include <gtest/gtest.h>
 
@@ -80,6 +81,12 @@ class Body {
             names.push_back(b == 1 ? name : "second.idf");
         return FSGEN(1.4, names, run);
     }
+    // Room for dipole entries, all of ordinary panels.
+    Dipoles &dipoles() {
+        EXPECT_EQ(DIPGRW(run.mesh.NEQN, run.dipoles), Status::ok);
+        run.dipoles.IDIPOL = true;
+        return run.dipoles;
+    }
     // Panel i as a polygon of three or four points.
     Polygon panel(int i) const {
         Polygon points;
@@ -146,9 +153,8 @@ class Body {
         // Sides out of order, as a geometry file may have them.
         const std::size_t count = n - (line.closed ? 0 : 1);
         for (std::size_t k = 0; k < count; ++k) {
-            const std::size_t i = (k * 7 + 3) % count % count;
-            const SurfacePoint a = line.points[count % 7 == 0 ? k : i];
-            const SurfacePoint b = line.points[((count % 7 == 0 ? k : i) + 1) % n];
+            const std::size_t i = count % 7 == 0 ? k : (k * 7 + 3) % count;
+            const SurfacePoint a = line.points[i], b = line.points[(i + 1) % n];
             for (int r = 0; r < rows; ++r, ++p) {
                 const int shift = static_cast<int>(k % 4); // the wet side has any place in the panel
                 const SurfacePoint at[4] = {a, b, b, a};
@@ -165,6 +171,19 @@ class Body {
     }
 };
 
+// The rectangle about a polygon.
+struct Bounds {
+    double x1 = 1e9, x2 = -1e9, y1 = 1e9, y2 = -1e9;
+    void include(const Polygon &polygon) {
+        for (const SurfacePoint p : polygon) {
+            x1 = std::min(x1, p.x);
+            x2 = std::max(x2, p.x);
+            y1 = std::min(y1, p.y);
+            y2 = std::max(y2, p.y);
+        }
+    }
+};
+
 struct Cover {
     double area = 0;   // of the panels, the sum of signed areas
     double wanted = 0; // of the inside
@@ -173,6 +192,13 @@ struct Cover {
     int missed = 0;  // inside, in no panel
     int doubled = 0; // in more than one
     int outside = 0; // outside, in a panel
+    void expect_once(double error) const {
+        EXPECT_NEAR(area, wanted, error * wanted);
+        EXPECT_EQ(wrong_normals, 0);
+        EXPECT_EQ(missed, 0);
+        EXPECT_EQ(doubled, 0);
+        EXPECT_EQ(outside, 0);
+    }
 };
 
 // Counts on a grid of n by n points; the inside is what an odd number of the polygons holds.
@@ -180,49 +206,36 @@ inline Cover cover_of(const Body &body, const std::vector<Polygon> &inside, int 
     Cover cover;
     for (const Polygon &polygon : inside)
         cover.wanted += clockwise_area(polygon);
-    double x1 = 1e9, x2 = -1e9, y1 = 1e9, y2 = -1e9;
-    for (const Polygon &polygon : inside) {
-        for (const SurfacePoint p : polygon) {
-            x1 = std::min(x1, p.x);
-            x2 = std::max(x2, p.x);
-            y1 = std::min(y1, p.y);
-            y2 = std::max(y2, p.y);
-        }
-    }
-    std::vector<int> count(static_cast<std::size_t>(n) * static_cast<std::size_t>(n));
+    Bounds all;
+    for (const Polygon &polygon : inside)
+        all.include(polygon);
+    std::vector<int> count(static_cast<std::size_t>(n * n));
     // Odd offsets: no point lies on a side by intent.
-    const double hx = (x2 - x1) / (n - 0.731), hy = (y2 - y1) / (n - 0.613);
+    const double hx = (all.x2 - all.x1) / (n - 0.731), hy = (all.y2 - all.y1) / (n - 0.613);
     const auto at = [&](int i, int j) -> SurfacePoint {
-        return {x1 + (i + 0.137) * hx, y1 + (j + 0.211) * hy};
+        return {all.x1 + (i + 0.137) * hx, all.y1 + (j + 0.211) * hy};
     };
     for (int i = body.first_new(b); i <= body.last_new(b); ++i) {
         const Polygon panel = body.panel(i);
         const double area = -clockwise_area(panel);
         cover.area += area;
         cover.wrong_normals += area > 0 ? 0 : 1;
-        double px1 = 1e9, px2 = -1e9, py1 = 1e9, py2 = -1e9;
-        for (const SurfacePoint p : panel) {
-            px1 = std::min(px1, p.x);
-            px2 = std::max(px2, p.x);
-            py1 = std::min(py1, p.y);
-            py2 = std::max(py2, p.y);
-        }
-        const int i1 = std::max(0, static_cast<int>((px1 - x1) / hx) - 1);
-        const int i2 = std::min(n - 1, static_cast<int>((px2 - x1) / hx) + 1);
-        const int j1 = std::max(0, static_cast<int>((py1 - y1) / hy) - 1);
-        const int j2 = std::min(n - 1, static_cast<int>((py2 - y1) / hy) + 1);
+        Bounds own;
+        own.include(panel);
+        const int i1 = std::max(0, static_cast<int>((own.x1 - all.x1) / hx) - 1);
+        const int i2 = std::min(n - 1, static_cast<int>((own.x2 - all.x1) / hx) + 1);
+        const int j1 = std::max(0, static_cast<int>((own.y1 - all.y1) / hy) - 1);
+        const int j2 = std::min(n - 1, static_cast<int>((own.y2 - all.y1) / hy) + 1);
         for (int k = i1; k <= i2; ++k)
             for (int l = j1; l <= j2; ++l)
-                count[static_cast<std::size_t>(k) * static_cast<std::size_t>(n) +
-                      static_cast<std::size_t>(l)] += lies_inside(panel, at(k, l)) ? 1 : 0;
+                count[static_cast<std::size_t>(k * n + l)] += lies_inside(panel, at(k, l)) ? 1 : 0;
     }
     for (int k = 0; k < n; ++k) {
         for (int l = 0; l < n; ++l) {
             bool in = false;
             for (const Polygon &polygon : inside)
                 in = in != lies_inside(polygon, at(k, l));
-            const int c = count[static_cast<std::size_t>(k) * static_cast<std::size_t>(n) +
-                                static_cast<std::size_t>(l)];
+            const int c = count[static_cast<std::size_t>(k * n + l)];
             cover.points += in ? 1 : 0;
             cover.missed += in && c == 0 ? 1 : 0;
             cover.doubled += c > 1 ? 1 : 0;

@@ -47,32 +47,20 @@ std::string joined(const std::vector<std::string> &lines) {
 // in a first pass).
 void set_bodies(const std::vector<int> &extra, RunState &run) {
     const int count = static_cast<int>(extra.size());
-    hulls::Quads mesh;
+    std::vector<hulls::Quads> plates(extra.size());
     for (int b = 0; b < count; ++b)
-        hulls::add_patch(mesh, {0, 0, -1.0 - b}, {2, 0, 0}, {0, 1, 0}, PANELS, 1);
-    hulls::set_body(mesh, run);
-    Bodies &bodies = run.bodies;
-    bodies.NBODY = count;
-    bodies.NMODES = 6 * count;
-    for (const int n : extra)
-        bodies.NMODES += std::abs(n);
-    ASSERT_TRUE(bodies.XBODY.alloc(4, count) && bodies.NEQNB.alloc(count) && bodies.NEWMDS.alloc(count) &&
-                bodies.MODE.alloc(bodies.NMODES) && bodies.VOL.alloc(3, count) &&
-                bodies.XCB.alloc(3, count) && allocate_mesh(bodies, run.mesh));
-    bodies.MODE.fill(1);
+        hulls::add_patch(plates[static_cast<std::size_t>(b)], {0, 0, -1.0 - b}, {2, 0, 0}, {0, 1, 0}, PANELS,
+                         1);
+    hulls::set_bodies(plates, run, extra);
     run.files.FILNAM.resize(4 + count);
     run.opt.IMDRUN = 1;
     for (int b = 1; b <= count; ++b) {
-        bodies.NEQNB(b) = PANELS;
-        bodies.NEWMDS(b) = extra[static_cast<std::size_t>(b - 1)];
-        if (bodies.NEWMDS(b) < 0)
+        const bool first_pass = run.bodies.NEWMDS(b) < 0;
+        if (first_pass)
             run.opt.IMDRUN = -1;
         run.files.FILNAM(4 + b) =
-            std::string(1, static_cast<char>('a' + b - 1)) + (bodies.NEWMDS(b) < 0 ? ".pre" : ".mod");
+            std::string(1, static_cast<char>('a' + b - 1)) + (first_pass ? ".pre" : ".mod");
     }
-}
-Status pre_pass(RunState &run) {
-    return PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh);
 }
 
 // Modes of the body that starts at mode row m and panel ip1.
@@ -92,21 +80,6 @@ void expect_modes(const RunState &run, int m, int ip1) {
         }
 }
 
-TEST(Rdmod, OneBody) {
-    const RunFolder folder;
-    folder.write("a.mod", joined(good_lines()));
-    RunState plain, run;
-    set_bodies({0}, plain);
-    set_bodies({EXTRA}, run);
-    ASSERT_EQ(pre_pass(plain), Status::ok);
-    ASSERT_EQ(pre_pass(run), Status::ok) << folder.list_text();
-    expect_modes(run, 1, 1);
-    EXPECT_EQ(run.bodies.CHYD(3, 3), 2) << "waterplane area";
-    for (int i = 1; i <= 6; ++i)
-        for (int j = 1; j <= 6; ++j)
-            EXPECT_EQ(run.bodies.CHYD(i, j), plain.bodies.CHYD(i, j)) << "the rigid block stays as computed";
-}
-
 TEST(Rdmod, LaterBodyHasItsOwnBlock) {
     // Bodies 2 and 3 have extra modes: rows 7 to 14 and 15 to 22.
     const RunFolder folder;
@@ -114,7 +87,7 @@ TEST(Rdmod, LaterBodyHasItsOwnBlock) {
     folder.write("c.mod", joined(good_lines()));
     RunState run;
     set_bodies({0, EXTRA, EXTRA}, run);
-    ASSERT_EQ(pre_pass(run), Status::ok) << folder.list_text();
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok) << folder.list_text();
     expect_modes(run, 7, 3);
     expect_modes(run, 15, 5);
     const auto body_of = [](int m) { return m < 7 ? 1 : m < 15 ? 2 : 3; };
@@ -129,89 +102,48 @@ TEST(Rdmod, LaterBodyHasItsOwnBlock) {
     EXPECT_EQ(run.mesh.VEL(17, 5), 1);
 }
 
-TEST(Rdmod, FirstPassForOneOfTwoBodies) {
-    // Body 1 waits for its MOD file, that of body 2 is there: it is read and left as it is, and the run ends.
-    const RunFolder folder;
-    const std::string mod = joined(good_lines());
-    folder.write("a.pre", "heading\n 0 0 2 16\n");
-    folder.write("b.mod", mod);
-    RunState run;
-    set_bodies({-EXTRA, EXTRA}, run);
-    ASSERT_EQ(pre_pass(run), Status::failed);
-    EXPECT_TRUE(folder.told(" PRE file completed for body NBDY=1"));
-    EXPECT_FALSE(folder.list_has("NBDY=2"));
-    EXPECT_TRUE(folder.told(" VORDA run 1 completed -- now run SHAPEX"));
-    EXPECT_EQ(folder.read("b.mod"), mod);
-    EXPECT_FALSE(folder.exists("b.pre"));
-    const std::string pre = folder.read("a.pre");
-    EXPECT_EQ(std::count(pre.begin(), pre.end(), '\n'), 2 + PANELS);
-    // The bad file of body 2 is noticed in that pass already.
-    folder.write("b.mod", "one title");
-    RunState again;
-    set_bodies({-EXTRA, EXTRA}, again);
-    EXPECT_EQ(pre_pass(again), Status::failed);
-    EXPECT_TRUE(folder.told("Error reading MOD file, header lines of body N=2"));
-}
-
-struct Fault {
-    const char *label;
-    std::size_t line;        // line that is replaced, from 0
-    const char *replacement; // null: the file ends before it
-    const char *message;
-};
-void PrintTo(const Fault &row, std::ostream *out) {
-    *out << row.label;
-}
-class ModFaults : public testing::TestWithParam<Fault> {};
-TEST_P(ModFaults, HaveTheirMessage) {
-    const Fault &row = GetParam();
-    std::vector<std::string> lines = good_lines();
-    if (row.replacement == nullptr)
-        lines.resize(row.line);
-    else
-        lines.at(row.line) = row.replacement;
-    const RunFolder folder;
-    folder.write("b.mod", joined(lines));
-    RunState run;
-    set_bodies({0, EXTRA}, run);
-    EXPECT_EQ(pre_pass(run), Status::failed);
-    EXPECT_TRUE(folder.told(row.message)) << folder.list_text();
-    EXPECT_EQ(first_fault(), row.message);
-}
-INSTANTIATE_TEST_SUITE_P(
-    rows, ModFaults,
-    testing::Values(Fault{"no_titles", 1, nullptr, "Error reading MOD file, header lines of body N=2"},
-                    Fault{"no_integers", 2, nullptr, "Error reading MOD file, ISX,ISY,NEQN line"},
-                    Fault{"bad_integers", 2, " 0 0 two", "Error reading MOD file, ISX,ISY,NEQN line"},
-                    Fault{"no_newmds", 3, nullptr, "Error reading MOD file, NEWMDS line "},
-                    Fault{"other_newmds", 3, " 3", "Error reading MOD file, NEWMDS line "},
-                    Fault{"no_isym", 4, nullptr, "Error reading MOD file, ISYM line "},
-                    Fault{"isym_is_no_rigid_mode", 4, " 3 7", "Error reading MOD file, ISYM line "},
-                    // Panels 1 and 2 of body 2 are 3 and 4 of the run.
-                    Fault{"no_panels", 5, nullptr, "Error reading MOD file, modes VEL of panel N=3"},
-                    Fault{"fewer_panels", 6, nullptr, "Error reading MOD file, modes VEL of panel N=4"},
-                    Fault{"bad_panel", 6, " 1. nan", "Error reading MOD file, modes VEL of panel N=4"},
-                    Fault{"other_isx", 2, " 1 0 2", "Inconsistent integers in MOD and GDF files "},
-                    Fault{"other_isy", 2, " 0 -1 2", "Inconsistent integers in MOD and GDF files "},
-                    Fault{"other_count", 2, " 0 0 3", "Inconsistent integers in MOD and GDF files "},
-                    Fault{"no_matrix", 7, nullptr, "Error reading MOD file, matrix C, line =1"},
-                    Fault{"short_matrix", 13, nullptr, "Error reading MOD file, matrix C, line =7"},
-                    Fault{"bad_last_row", 14, " 1 2 3 4 5 6 7 x",
-                          "Error reading MOD file, matrix C, line =8"}),
-    [](const auto &row) { return std::string(row.param.label); });
-
-TEST(Rdmod, MorePanelsThanTheRunAreInconsistent) {
-    // The panels that are too many would be read as the matrix: the count is compared before.
-    std::vector<std::string> lines = good_lines();
-    lines.at(2) = " 0 0 3";
-    lines.insert(lines.begin() + 7, " 1. 2.");
-    const RunFolder folder;
-    folder.write("a.mod", joined(lines));
-    RunState run;
-    set_bodies({EXTRA}, run);
-    EXPECT_EQ(pre_pass(run), Status::failed);
-    EXPECT_TRUE(folder.list_has("NEQN=3, the run has 2"));
-    EXPECT_EQ(run.bodies.CHYD(7, 7), 0) << "no row of the matrix was taken";
+// Panels 1 and 2 of body 2 are 3 and 4 of the run.
+TEST(Rdmod, FaultsHaveTheirMessage) {
+    // clang-format off
+    const struct {
+        const char *label;
+        std::size_t line;        // line that is replaced, from 0
+        const char *replacement; // null: the file ends before it
+        const char *message;
+    } rows[] = {
+        {"no_titles", 1, nullptr, "Error reading MOD file, header lines of body N=2"},
+        {"no_integers", 2, nullptr, "Error reading MOD file, ISX,ISY,NEQN line"},
+        {"bad_integers", 2, " 0 0 two", "Error reading MOD file, ISX,ISY,NEQN line"},
+        {"no_newmds", 3, nullptr, "Error reading MOD file, NEWMDS line "},
+        {"other_newmds", 3, " 3", "Error reading MOD file, NEWMDS line "},
+        {"no_isym", 4, nullptr, "Error reading MOD file, ISYM line "},
+        {"isym_is_no_rigid_mode", 4, " 3 7", "Error reading MOD file, ISYM line "},
+        {"no_panels", 5, nullptr, "Error reading MOD file, modes VEL of panel N=3"},
+        {"fewer_panels", 6, nullptr, "Error reading MOD file, modes VEL of panel N=4"},
+        {"bad_panel", 6, " 1. nan", "Error reading MOD file, modes VEL of panel N=4"},
+        {"other_isx", 2, " 1 0 2", "Inconsistent integers in MOD and GDF files "},
+        {"other_isy", 2, " 0 -1 2", "Inconsistent integers in MOD and GDF files "},
+        {"other_count", 2, " 0 0 3", "Inconsistent integers in MOD and GDF files "},
+        {"no_matrix", 7, nullptr, "Error reading MOD file, matrix C, line =1"},
+        {"short_matrix", 13, nullptr, "Error reading MOD file, matrix C, line =7"},
+        {"bad_last_row", 14, " 1 2 3 4 5 6 7 x", "Error reading MOD file, matrix C, line =8"},
+    };
+    // clang-format on
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.label);
+        std::vector<std::string> lines = good_lines();
+        if (row.replacement == nullptr)
+            lines.resize(row.line);
+        else
+            lines.at(row.line) = row.replacement;
+        const RunFolder folder;
+        folder.write("b.mod", joined(lines));
+        RunState run;
+        set_bodies({0, EXTRA}, run);
+        EXPECT_EQ(hulls::pre_pass(run), Status::failed);
+        EXPECT_TRUE(folder.told(row.message)) << folder.list_text();
+        EXPECT_EQ(first_fault(), row.message);
+    }
 }
 
 } // namespace

@@ -9,21 +9,6 @@
 #include <cstdlib>
 #include <vector>
 
-// What the selectors leave in the real part, taken off or added to the complete function.
-inline double selected_terms(double R, double z, double zeta, double H, int ISNG, int IBOT) {
-    const double r1 = std::hypot(R, z + zeta);
-    double sum = 0;
-    if (ISNG >= 1)
-        sum -= 1 / std::hypot(R, z - zeta);
-    if (ISNG >= 2)
-        sum -= 1 / r1;
-    if (ISNG == 3)
-        sum += 2 * std::log(r1 + z + zeta);
-    if (IBOT == 1)
-        sum -= 1 / std::hypot(R, (H - z) + (H - zeta));
-    return sum;
-}
-
 // Value and first derivatives.
 struct FiniteValues {
     std::complex<double> G, G_R, G_z, G_zeta;
@@ -42,6 +27,7 @@ inline FiniteValues image_term(double factor, double R, double Z, double dz, dou
     return {factor / r, -R * i3, -Z * dz * i3, -Z * dzeta * i3};
 }
 
+// What the selectors leave in the real part, taken off or added to the complete function.
 inline FiniteValues selected_values(double R, double z, double zeta, double H, int ISNG, int IBOT) {
     FiniteValues sum;
     const double Y = z + zeta, r1 = std::hypot(R, Y);
@@ -54,6 +40,10 @@ inline FiniteValues selected_values(double R, double z, double zeta, double H, i
     if (IBOT == 1)
         sum += image_term(-1, R, (H - z) + (H - zeta), -1, -1);
     return sum;
+}
+
+inline double selected_terms(double R, double z, double zeta, double H, int ISNG, int IBOT) {
+    return selected_values(R, z, zeta, H, ISNG, IBOT).G.real();
 }
 
 // The expansion in wave modes, for R > 0.05 H or so: complete function.

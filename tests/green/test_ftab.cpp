@@ -65,21 +65,6 @@ TEST(F2, DefinitionIsThePrincipalValueIntegral) {
     }
 }
 
-TEST(F2, DefinitionOnTheAxisAndSlope) {
-    const F2Definition F2;
-    for (const double Y : {0.01, 0.5, 3.0, 5.0, 20.0})
-        EXPECT_NEAR(F2(0, Y).value, -2 * std::exp(-Y) * std::expint(Y), 1e-13) << Y;
-    for (const double X : {0.01, 0.5, 2.9, 3.1, 8.0, 40.0}) {
-        for (const double Y : {0.0, 0.3, 3.0, 6.0, 30.0}) {
-            const double h = 1e-3 * std::min(X, 1.0);
-            const double slope = (8 * (F2(X + h, Y).value - F2(X - h, Y).value) -
-                                  (F2(X + 2 * h, Y).value - F2(X - 2 * h, Y).value)) /
-                                 (12 * h);
-            EXPECT_NEAR(F2(X, Y).slope, slope, 1e-10 + 1e-8 * std::abs(slope)) << X << " " << Y;
-        }
-    }
-}
-
 // Rounded table, evaluated in single precision, at points off the fitted nodes and on all edges of the boxes:
 // an edge is so seen from the boxes on both its sides.
 TEST(Ftab, EachRowMeetsTheDefinition) {

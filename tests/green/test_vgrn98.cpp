@@ -1,7 +1,7 @@
 // The deep-water Green function. Truth: its definition in double precision (tested against the principal
 // value integral in test_ftab.cpp), differences of it, and printed sample values.
 #include "../../tools/tables/f2_definition.hpp"
-#include "green/gradsg.hpp"
+#include "finite_reference.hpp"
 #include "green_points.hpp"
 
 #include <algorithm>
@@ -10,17 +10,22 @@
 
 namespace {
 
-// The complete function of a pair less the terms that ISNG leaves out.
-Complex exact_G(const F2Definition &F2, double R, double z, double zeta, int ISNG) {
-    const double Y = z + zeta, r1 = std::hypot(R, Y);
-    double G = F2(std::abs(R), Y).value;
+// Value and first derivatives of a pair, less the terms that ISNG leaves out.
+FiniteValues exact_values(const F2Definition &F2, double R, double z, double zeta, int ISNG) {
+    const double Y = z + zeta, r1 = std::hypot(R, Y), depth = 2 * PI_D * std::exp(-Y) * ::j0(R);
+    const ValueSlope F = F2(std::abs(R), Y);
+    const Complex slope(-F.value - 2 / r1, depth);
+    FiniteValues sum{{F.value, -depth}, {F.slope, 2 * PI_D * std::exp(-Y) * ::j1(R)}, slope, slope};
     if (ISNG == 0)
-        G += 1 / std::hypot(R, z - zeta);
+        sum += image_term(1, R, z - zeta, 1, -1);
     if (ISNG < 2)
-        G += 1 / r1;
+        sum += image_term(1, R, Y, 1, 1);
     if (ISNG == 3)
-        G += 2 * std::log(r1 + Y);
-    return {G, -2 * PI_D * std::exp(-Y) * ::j0(R)};
+        sum += {2 * std::log(r1 + Y), 2 * R / (r1 * (r1 + Y)), 2 / r1, 2 / r1};
+    return sum;
+}
+Complex exact_G(const F2Definition &F2, double R, double z, double zeta, int ISNG) {
+    return exact_values(F2, R, z, zeta, ISNG).G;
 }
 
 // All eight values, the derivatives as differences of the value.
@@ -60,25 +65,6 @@ Points random_points(int n, double smallest, double largest) {
 
 } // namespace
 
-TEST(Vgrn98, SampleValues) {
-    struct Sample {
-        f32 X, Y, F, im;
-    };
-    constexpr f32 NONE = 99;
-    for (const Sample s : {Sample{0.5f, 0.7f, -1.3716766f, -2.9281549f},
-                           {3.5f, 0.6f, -1.2043943f, 1.3107888f},
-                           {8, 6, -0.21503073f, NONE},
-                           {20, 0.7f, -0.29531354f, -0.52114004f},
-                           {1, 6.5f, -0.37696928f, NONE}}) {
-        f32 record[16];
-        VGRN1P(s.X, s.Y, 0, -1, GSTATE{}, 2, 0, record);
-        EXPECT_NEAR(record[0], s.F, 4e-7) << s.X << " " << s.Y;
-        if (s.im < NONE) {
-            EXPECT_NEAR(record[1], s.im, 6e-7) << s.X << " " << s.Y;
-        }
-    }
-}
-
 // A point in every box, with every selector.
 TEST(Vgrn98, DerivativesAreDifferencesOfTheDefinition) {
     constexpr double TOLERANCE = 1e-6; // measured 8e-7
@@ -115,20 +101,14 @@ TEST(Vgrn98, RandomPointsMeetTheDefinition) {
     const Results results = evaluate(points, GreenOrder::first);
     std::vector<double> errors[3];
     for (int i = 0; i < points.size(); ++i) {
-        const double R = points.R[i], z = points.Z[i], zeta = points.ZETA[i], Y = z + zeta,
-                     r1 = std::hypot(R, Y);
+        const double R = points.R[i], z = points.Z[i], zeta = points.ZETA[i];
         const int ISNG = points.ISNG[i];
-        const Complex G = exact_G(F2, R, z, zeta, ISNG);
-        const ValueSlope F = F2(R, Y);
-        const double r = std::hypot(R, z - zeta), d3 = ISNG == 0 ? std::pow(r, -3) : 0,
-                     i3 = ISNG < 2 ? std::pow(r1, -3) : 0, lg = ISNG == 3 ? 2 / r1 : 0;
-        const double GR = F.slope - R * (d3 + i3) + lg * R / (r1 + Y);
-        const double GZ = -F.value - 2 / r1 - Y * i3 - (z - zeta) * d3 + lg;
+        const FiniteValues exact = exact_values(F2, R, z, zeta, ISNG);
         const double s0 = scale_of(G_, R, z, zeta, ISNG), s1 = scale_of(G_R, R, z, zeta, ISNG);
-        errors[0].push_back(std::abs(results.arrays.re[G_][i] - G.real()) / s0);
-        errors[0].push_back(std::abs(results.arrays.im[G_][i] - G.imag()) / s0);
-        errors[1].push_back(std::abs(results.arrays.re[G_R][i] - GR) / s1);
-        errors[2].push_back(std::abs(results.arrays.re[G_Z][i] - GZ) / s1);
+        errors[0].push_back(std::abs(results.arrays.re[G_][i] - exact.G.real()) / s0);
+        errors[0].push_back(std::abs(results.arrays.im[G_][i] - exact.G.imag()) / s0);
+        errors[1].push_back(std::abs(results.arrays.re[G_R][i] - exact.G_R.real()) / s1);
+        errors[2].push_back(std::abs(results.arrays.re[G_Z][i] - exact.G_z.real()) / s1);
     }
     const char *names[3] = {"G", "G_R", "G_z"};
     for (int j = 0; j < 3; ++j) {
@@ -232,30 +212,4 @@ TEST(Vgrn98, ResultDependsOnThePointAlone) {
     ASSERT_TRUE(work.alloc(1));
     VGRN98(GreenPoints{}, -1, GSTATE{}, GreenOrder::second, work,
            GreenArrays{}); // no points: nothing happens
-}
-
-TEST(Gradsg, GradientAtTheFieldPointByDifferences) {
-    constexpr f32 dx = 0.6f, dy = 0.8f; // from the field point of the row to its source; R = 1
-    constexpr double h = 1e-4;
-    for (const int ISNG : {0, 1}) {
-        f32 record[16];
-        VGRN1P(1, 0.3f, 0.5f, -1, GSTATE{}, ISNG, 0, record);
-        const F2Definition F2;
-        const auto slope = [&](double R, double z, double zeta) {
-            return (exact_G(F2, 1 + h * R, 0.3f + h * z, 0.5f + h * zeta, ISNG) -
-                    exact_G(F2, 1 - h * R, 0.3f - h * z, 0.5f - h * zeta, ISNG)) /
-                   (2 * h);
-        };
-        for (const bool column : {false, true}) {
-            c32 V[3];
-            GRADSG(record, column ? 1 : 0, dx, dy, -dx, -dy, V);
-            // The field point of a row has the depth zeta, that of the column of the same record z. Towards the source R
-            // falls, upwards its depth.
-            const Complex horizontal = -slope(1, 0, 0), up = -slope(0, column ? 1 : 0, column ? 0 : 1);
-            const double sign = column ? -1 : 1;
-            const Complex expected[3] = {sign * 0.6 * horizontal, sign * 0.8 * horizontal, up};
-            for (int c = 0; c < 3; ++c)
-                EXPECT_LT(std::abs(Complex(V[c]) - expected[c]), 3e-6 * std::abs(horizontal) + 3e-6 * std::abs(up)) << c;
-        }
-    }
 }

@@ -65,16 +65,15 @@ inline std::string first_lines(const std::string &text, int n) {
     return out;
 }
 
+// Contents by file name; `changes` are put over the sound ones.
 using InputFiles = std::map<std::string, std::string>;
-inline InputFiles good_files() {
-    return {{"fnames.vrd", GOOD_NAMES}, {"box.gdf", GOOD_GDF}, {"box.pot", GOOD_POT}};
+inline InputFiles good_files(InputFiles changes = {}) {
+    changes.merge(InputFiles{{"fnames.vrd", GOOD_NAMES}, {"box.gdf", GOOD_GDF}, {"box.pot", GOOD_POT}});
+    return changes;
 }
-inline InputFiles good_bodies() {
-    return {{"fnames.vrd", GOOD_NAMES},
-            {"box.gdf", GOOD_GLOBAL},
-            {"box.pot", GOOD_POT},
-            {"a.gdf", GOOD_GDF},
-            {"b.gdf", GOOD_GDF}};
+inline InputFiles good_bodies(InputFiles changes = {}) {
+    changes.merge(InputFiles{{"box.gdf", GOOD_GLOBAL}, {"a.gdf", GOOD_GDF}, {"b.gdf", GOOD_GDF}});
+    return good_files(changes);
 }
 
 // The input stage as the driver runs it.
@@ -96,5 +95,12 @@ struct InputRun {
             folder.write(name, text);
         folder.answer(console);
         status = run_input(run);
+    }
+};
+
+// One that must succeed.
+struct SoundRun : InputRun {
+    explicit SoundRun(const InputFiles &files, const std::string &console = {}) : InputRun(files, console) {
+        EXPECT_EQ(status, Status::ok) << folder.list_text();
     }
 };

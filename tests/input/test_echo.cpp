@@ -17,8 +17,7 @@ std::string title(const std::string &text) {
 }
 
 TEST(Echo, of_one_body) {
-    const InputRun in(good_files());
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(good_files());
     const std::string wanted = " Input from Geometric Data File:         box.gdf             \n" +
                                title("Side and bottom") +
                                " Input from Potential Control File:      box.pot             \n" +
@@ -36,8 +35,7 @@ TEST(Echo, of_two_bodies_and_long_names) {
     files[name] = files["a.gdf"];
     files["box.gdf"] = with_line(GOOD_GLOBAL, 4, "  " + name + " comment");
     files["b.gdf"] = with_line(GOOD_GDF, 1, std::string(80, 'x'));
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(files);
     const std::string wanted =
         " NBODY data from Global GDF    :         box.gdf             \n" + title("Two bodies") +
         " Input from Geometric Data Files:         \n" + "                               N=  1     " + name +
@@ -48,39 +46,33 @@ TEST(Echo, of_two_bodies_and_long_names) {
     EXPECT_TRUE(in.folder.list_has(wanted));
 }
 
-struct Blocks {
-    int ISOLVE, NEQN;
-    int NBLKSZ, NBLKLS, blocks;
-    const char *warning;
-};
-void PrintTo(const Blocks &row, std::ostream *out) {
-    *out << row.ISOLVE << " blocks for " << row.NEQN;
-}
-class BlockSizes : public testing::TestWithParam<Blocks> {};
-TEST_P(BlockSizes, cover_the_matrix) {
-    const RunFolder folder;
-    const Blocks &row = GetParam();
-    int NBLKSZ = 0;
-    int NBLKLS = 0;
-    int ISOLVE = row.ISOLVE;
-    BLKSIZ(row.NEQN, NBLKSZ, NBLKLS, ISOLVE);
-    EXPECT_EQ(NBLKSZ, row.NBLKSZ);
-    EXPECT_EQ(NBLKLS, row.NBLKLS);
-    EXPECT_EQ(ISOLVE, row.blocks);
-    if (ISOLVE > 1) {
-        EXPECT_EQ(NBLKSZ * (ISOLVE - 1) + NBLKLS, row.NEQN);
+TEST(BlockSizes, cover_the_matrix) {
+    // clang-format off
+    const struct {
+        int ISOLVE, NEQN, NBLKSZ, NBLKLS, blocks;
+        const char *warning;
+    } rows[] = {
+        {3, 2500, 834, 832, 3, nullptr},
+        {7, 20, 3, 2, 7, nullptr},
+        {6, 20, 4, 4, 5, "WARNING: Number of blocks is reset to 5"},
+        {2000, 1500, 1, 0, 0, "WARNING: Block size = 1 ; ISOLVE is reset to ="},
+        {2, 1, 1, 0, 0, "WARNING: Block size = 1 ; ISOLVE is reset to ="},
+        {1, 9, 9, 0, 1, "WARNING: Block size = NEQN ; ISOLVE is reset to =1"},
+        {2147483647, 9, 1, 0, 0, "WARNING: Block size = 1 ; ISOLVE is reset to ="},
+    };
+    // clang-format on
+    for (const auto &row : rows) {
+        SCOPED_TRACE(testing::Message() << row.ISOLVE << " blocks for " << row.NEQN);
+        const RunFolder folder;
+        int NBLKSZ = 0, NBLKLS = 0, ISOLVE = row.ISOLVE;
+        BLKSIZ(row.NEQN, NBLKSZ, NBLKLS, ISOLVE);
+        EXPECT_EQ(NBLKSZ, row.NBLKSZ);
+        EXPECT_EQ(NBLKLS, row.NBLKLS);
+        EXPECT_EQ(ISOLVE, row.blocks);
+        EXPECT_EQ(folder.list_has("WARNING"), row.warning != nullptr) << folder.list_text();
+        EXPECT_TRUE(row.warning == nullptr || folder.told(row.warning)) << folder.list_text();
     }
-    EXPECT_EQ(folder.list_has("WARNING"), row.warning != nullptr) << folder.list_text();
-    EXPECT_TRUE(row.warning == nullptr || folder.told(row.warning)) << folder.list_text();
 }
-INSTANTIATE_TEST_SUITE_P(
-    rows, BlockSizes,
-    testing::Values(Blocks{3, 2500, 834, 832, 3, nullptr}, Blocks{7, 20, 3, 2, 7, nullptr},
-                    Blocks{6, 20, 4, 4, 5, "WARNING: Number of blocks is reset to 5"},
-                    Blocks{2000, 1500, 1, 0, 0, "WARNING: Block size = 1 ; ISOLVE is reset to ="},
-                    Blocks{2, 1, 1, 0, 0, "WARNING: Block size = 1 ; ISOLVE is reset to ="},
-                    Blocks{1, 9, 9, 0, 1, "WARNING: Block size = NEQN ; ISOLVE is reset to =1"},
-                    Blocks{2147483647, 9, 1, 0, 0, "WARNING: Block size = 1 ; ISOLVE is reset to ="}));
 
 TEST(Solver, falls_back_to_blocks_when_the_matrix_is_too_large) {
     InputRun in(good_files());
@@ -101,10 +93,7 @@ TEST(Solver, falls_back_to_blocks_when_the_matrix_is_too_large) {
 }
 
 TEST(ExtraModes, first_pass_begins_the_pre_file) {
-    InputFiles files = good_files();
-    files["config.vrd"] = "NEWMDS=2\n";
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(good_files({{"config.vrd", "NEWMDS=2\n"}}));
     EXPECT_EQ(in.run.opt.IMDRUN, -1);
     EXPECT_EQ(in.run.bodies.NEWMDS(1), -2);
     EXPECT_EQ(in.run.bodies.NMODES, 8);
@@ -119,11 +108,7 @@ TEST(ExtraModes, first_pass_begins_the_pre_file) {
 }
 
 TEST(ExtraModes, second_pass_names_the_mod_file) {
-    InputFiles files = good_files();
-    files["config.vrd"] = "NEWMDS=2\n";
-    files["box.mod"] = "first title\nsecond title\n";
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(good_files({{"config.vrd", "NEWMDS=2\n"}, {"box.mod", "first title\nsecond title\n"}}));
     EXPECT_EQ(in.run.opt.IMDRUN, 1);
     EXPECT_EQ(in.run.bodies.NEWMDS(1), 2);
     EXPECT_EQ(in.run.files.FILNAM(5), "box.mod");
@@ -134,26 +119,6 @@ TEST(ExtraModes, second_pass_names_the_mod_file) {
                         titles.substr(0, titles.size() - 2) + title("second title")),
               std::string::npos)
         << joined(in.run.HDRSCR);
-}
-
-// Body 1 has a MOD file, bodies 2 and 3 have not: a first pass for those, and the titles stay with their
-// bodies.
-TEST(ExtraModes, one_body_without_a_mod_file_makes_a_first_pass) {
-    InputFiles files = good_bodies();
-    files["config.vrd"] = "NEWMDS(1)=1\nNEWMDS(2)=1\n";
-    files["box.gdf"] = with_line(GOOD_GLOBAL, 3, " 3") + "c.gdf\n 0 30 0 0\n 0 0\n 0 1 0 0 0 0\n";
-    files["c.gdf"] = with_line(GOOD_GDF, 1, "Third body");
-    files["a.mod"] = "first title\nsecond title\n";
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
-    EXPECT_EQ(in.run.opt.IMDRUN, -1);
-    EXPECT_EQ(in.run.bodies.NEWMDS(1), 1);
-    EXPECT_EQ(in.run.bodies.NEWMDS(2), -1);
-    EXPECT_EQ(in.run.files.FILNAM(5), "a.mod");
-    EXPECT_EQ(in.run.files.FILNAM(6), "b.pre");
-    EXPECT_EQ(in.run.bodies.NMODES, 20);
-    EXPECT_FALSE(in.folder.exists("a.pre"));
-    EXPECT_TRUE(in.folder.list_has("N=  3     c.gdf               \n" + title("Third body")));
 }
 
 TEST(ExtraModes, faults) {

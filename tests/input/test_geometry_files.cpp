@@ -28,6 +28,13 @@ Vector normal(const Mesh &mesh, int p) {
     return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
 
+// Of the files in the working directory, without the cross-checks.
+Status read_geometry(const InputFiles &files, RunState &run) {
+    for (const auto &[name, text] : files)
+        std::ofstream(name) << text;
+    return GETIP1(run);
+}
+
 struct Mirror {
     const char *label;
     const char *symmetry; // ISX, ISY in the file
@@ -41,14 +48,14 @@ void PrintTo(const Mirror &row, std::ostream *out) {
 class SingleBody : public testing::TestWithParam<Mirror> {};
 TEST_P(SingleBody, is_mirrored_where_it_must_be) {
     const Mirror &row = GetParam();
-    InputFiles files = good_files();
-    files["box.gdf"] = with_line(GOOD_GDF, 3, row.symmetry);
-    files["box.pot"] = with_line(GOOD_POT, 5, std::string(" 50. ") + row.place);
-    RunFolder folder;
-    for (const auto &[name, text] : files)
-        folder.write(name, text);
+    const RunFolder folder;
     RunState run;
-    ASSERT_EQ(GETIP1(run), Status::ok) << folder.list_text();
+    ASSERT_EQ(
+        read_geometry(good_files({{"box.gdf", with_line(GOOD_GDF, 3, row.symmetry)},
+                                  {"box.pot", with_line(GOOD_POT, 5, std::string(" 50. ") + row.place)}}),
+                      run),
+        Status::ok)
+        << folder.list_text();
     EXPECT_EQ(run.mesh.NEQN, row.panels);
     EXPECT_EQ(run.bodies.NEQNB(1), row.panels);
     EXPECT_EQ(run.opt.ISX, row.ISX);
@@ -61,28 +68,32 @@ TEST_P(SingleBody, is_mirrored_where_it_must_be) {
         EXPECT_GT(p % 2 == 1 ? -(n[0] * c[0] + n[1] * c[1]) : n[2], 0) << "panel " << p;
     }
 }
-INSTANTIATE_TEST_SUITE_P(
-    rows, SingleBody,
-    testing::Values(
-        Mirror{"none", " 0 0", "3 4 0 30", 2, 0, 0}, Mirror{"walls", " -1 -1", "3 4 0 0", 2, -1, -1},
-        Mirror{"x_in_place", " 1 0", "0 4 0 0", 2, 1, 0}, Mirror{"x_off", " 1 0", "3 0 0 0", 4, 0, 0},
-        Mirror{"y_in_place", " 0 1", "3 0 0 0", 2, 0, 1}, Mirror{"y_off", " 0 1", "0 4 0 0", 4, 0, 0},
-        Mirror{"xy_in_place", " 1 1", "0 0 0 0", 2, 1, 1}, Mirror{"xy_off", " 1 1", "3 4 0 0", 8, 0, 0},
-        Mirror{"xy_off_y", " 1 1", "0 4 0 0", 4, 1, 0}, Mirror{"xy_off_x", " 1 1", "3 0 0 0", 4, 0, 1},
-        Mirror{"turned", " 1 1", "0 0 0 10", 8, 0, 0}, Mirror{"turned_y", " 0 1", "0 0 0 10", 4, 0, 0},
-        Mirror{"wall_off", " -2 0", "3 0 0 0", 4, -1, 0},
-        Mirror{"wall_in_place", " -2 0", "0 0 0 0", 2, -2, 0},
-        Mirror{"wall_off_y", " -2 1", "0 4 0 0", 4, -2, 0},
-        Mirror{"wall_and_plane", " -2 1", "3 0 0 0", 4, -1, 1},
-        Mirror{"wall_kept", " -1 1", "3 4 0 0", 4, -1, 0}, Mirror{"illegal", " 3 0", "1 1 0 0", 2, 3, 0}),
-    [](const auto &row) { return std::string(row.param.label); });
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(rows, SingleBody, testing::ValuesIn(std::vector<Mirror>{
+    {"none", " 0 0", "3 4 0 30", 2, 0, 0},
+    {"walls", " -1 -1", "3 4 0 0", 2, -1, -1},
+    {"x_in_place", " 1 0", "0 4 0 0", 2, 1, 0},
+    {"x_off", " 1 0", "3 0 0 0", 4, 0, 0},
+    {"y_in_place", " 0 1", "3 0 0 0", 2, 0, 1},
+    {"y_off", " 0 1", "0 4 0 0", 4, 0, 0},
+    {"xy_in_place", " 1 1", "0 0 0 0", 2, 1, 1},
+    {"xy_off", " 1 1", "3 4 0 0", 8, 0, 0},
+    {"xy_off_y", " 1 1", "0 4 0 0", 4, 1, 0},
+    {"xy_off_x", " 1 1", "3 0 0 0", 4, 0, 1},
+    {"turned", " 1 1", "0 0 0 10", 8, 0, 0},
+    {"turned_y", " 0 1", "0 0 0 10", 4, 0, 0},
+    {"wall_off", " -2 0", "3 0 0 0", 4, -1, 0},
+    {"wall_in_place", " -2 0", "0 0 0 0", 2, -2, 0},
+    {"wall_off_y", " -2 1", "0 4 0 0", 4, -2, 0},
+    {"wall_and_plane", " -2 1", "3 0 0 0", 4, -1, 1},
+    {"wall_kept", " -1 1", "3 4 0 0", 4, -1, 0},
+    {"illegal", " 3 0", "1 1 0 0", 2, 3, 0},
+}), [](const auto &row) { return std::string(row.param.label); });
+// clang-format on
 
 TEST(SingleBodyFile, lengths_are_divided_by_ulen) {
-    InputFiles files = good_files();
-    files["box.pot"] = with_line(GOOD_POT, 5, " 50. 3 4 -1 45");
-    files["box.gdf"] += "\n \n"; // blank lines at the end are no data
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(good_files({{"box.pot", with_line(GOOD_POT, 5, " 50. 3 4 -1 45")},
+                                  {"box.gdf", GOOD_GDF + "\n \n"}})); // blank lines at the end are no data
     EXPECT_EQ(in.run.mesh.XVER(1, 1, 1), 2.0f);
     EXPECT_EQ(in.run.mesh.XVER(3, 3, 2), -1.0f);
     const f32 wanted[4] = {1.5f, 2.0f, -0.5f, 45.0f};
@@ -107,9 +118,7 @@ TEST(SingleBodyFile, height_of_the_free_surface) {
 }
 
 TEST(SingleBodyFile, a_trailing_zero_is_no_data) {
-    InputFiles files = good_files();
-    files["box.gdf"] += "0\n";
-    EXPECT_EQ(InputRun(files).status, Status::ok);
+    const SoundRun in(good_files({{"box.gdf", GOOD_GDF + "0\n"}}));
 }
 
 const char *const DIPOLES = " 0 0 0 0\n 3 0.5 0.25 0.1\n";
@@ -127,10 +136,7 @@ TEST(Dipoles, need_a_second_count) {
                         {" 2 1 0", "", false, false},
                         {" 2 5", DIPOLES, false, true}};
     for (const Row &row : rows) {
-        InputFiles files = good_files();
-        files["box.gdf"] = with_line(GOOD_GDF, 4, row.count) + row.records;
-        const InputRun in(files);
-        ASSERT_EQ(in.status, Status::ok) << row.count << in.folder.list_text();
+        const SoundRun in(good_files({{"box.gdf", with_line(GOOD_GDF, 4, row.count) + row.records}}));
         EXPECT_EQ(in.run.dipoles.IDIPOL, row.idipol) << row.count;
         EXPECT_EQ(in.run.dipoles.IDIP.empty(), !row.idipol) << row.count;
         EXPECT_EQ(in.folder.list_has("NDIPB=5"), row.warned);
@@ -138,11 +144,8 @@ TEST(Dipoles, need_a_second_count) {
 }
 
 TEST(Dipoles, images_of_dipole_panels_are_dipole_panels) {
-    InputFiles files = good_files();
-    files["box.gdf"] = with_line(with_line(GOOD_GDF, 4, " 2 1"), 3, " 1 1") + DIPOLES;
-    files["box.pot"] = with_line(GOOD_POT, 5, " 50. 3 4 0 0");
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(good_files({{"box.gdf", with_line(with_line(GOOD_GDF, 4, " 2 1"), 3, " 1 1") + DIPOLES},
+                                  {"box.pot", with_line(GOOD_POT, 5, " 50. 3 4 0 0")}}));
     ASSERT_EQ(in.run.dipoles.IDIP.dim(1), 8);
     for (int p = 1; p <= 8; ++p) {
         const bool dipole = p % 2 == 0;
@@ -154,11 +157,8 @@ TEST(Dipoles, images_of_dipole_panels_are_dipole_panels) {
 }
 
 TEST(Dipoles, of_the_second_body_stand_at_its_panels) {
-    InputFiles files = good_bodies();
-    files["b.gdf"] = with_line(GOOD_GDF, 4, " 2 1") + DIPOLES;
-    files["a.gdf"] = with_line(GOOD_GDF, 3, " 1 0");
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(good_bodies(
+        {{"b.gdf", with_line(GOOD_GDF, 4, " 2 1") + DIPOLES}, {"a.gdf", with_line(GOOD_GDF, 3, " 1 0")}}));
     ASSERT_EQ(in.run.mesh.NEQN, 6); // body 1 is mirrored
     const int wanted[6] = {0, 0, 0, 0, 0, 3};
     for (int p = 1; p <= 6; ++p)
@@ -169,11 +169,8 @@ TEST(Dipoles, of_the_second_body_stand_at_its_panels) {
 }
 
 TEST(SeveralBodies, are_read_one_behind_the_other) {
-    InputFiles files = good_bodies();
-    files["b.gdf"] = with_line(GOOD_GDF, 2, " 4. 9.85");
-    files["config.vrd"] = "NEWMDS(2) = 1\n";
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(
+        good_bodies({{"b.gdf", with_line(GOOD_GDF, 2, " 4. 9.85")}, {"config.vrd", "NEWMDS(2) = 1\n"}}));
     const Bodies &b = in.run.bodies;
     EXPECT_EQ(b.NBODY, 2);
     EXPECT_EQ(in.run.mesh.NEQN, 4);
@@ -197,96 +194,79 @@ TEST(SeveralBodies, are_read_one_behind_the_other) {
 }
 
 TEST(SeveralBodies, waterline_counts_over_the_mesh_for_a_given_lid) {
-    InputFiles files = good_bodies();
-    files["config.vrd"] = "IRR=4\n";
-    files["box.pot"] = with_line(GOOD_POT, 4, "");
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(good_bodies({{"config.vrd", "IRR=4\n"}, {"box.pot", with_line(GOOD_POT, 4, "")}}));
     EXPECT_EQ(in.run.waterline.IWLP(1), 1);
     EXPECT_EQ(in.run.waterline.IWLP(2), 3);
 }
 
-struct Keep {
-    const char *label;
-    const char *symmetry1, *symmetry2;
-    const char *place1, *place2;
-    int panels;
-    int ISX, ISY;
-};
-void PrintTo(const Keep &row, std::ostream *out) {
-    *out << row.label;
+TEST(CommonSymmetry, is_kept_where_all_bodies_have_it) {
+    // clang-format off
+    const struct {
+        const char *label, *symmetry1, *symmetry2, *place1, *place2;
+        int panels, ISX, ISY;
+    } rows[] = {
+        {"x_kept", " 1 0", " 1 0", " 0 9 0 0", " 0 -9 0 0", 4, 1, 0},
+        {"x_off", " 1 0", " 1 0", " 0 9 0 0", " 1 -9 0 0", 8, 0, 0},
+        {"y_kept", " 0 1", " 0 1", " 9 0 0 0", " -9 0 0 0", 4, 0, 1},
+        {"y_off", " 0 1", " 0 1", " 9 0 0 0", " -9 1 0 0", 8, 0, 0},
+        {"xy_kept", " 1 1", " 1 1", " 0 0 0 0", " 0 0 0 0", 4, 1, 1},
+        {"xy_off", " 1 1", " 1 1", " 0 9 0 0", " 0 -9 0 0", 16, 0, 0},
+        {"turned", " 1 0", " 1 0", " 0 9 0 0", " 0 -9 0 5", 8, 0, 0},
+        {"different", " 1 0", " 0 1", " 0 0 0 0", " 0 0 0 0", 8, 0, 0},
+        {"one_without", " 1 1", " 0 0", " 0 0 0 0", " 0 0 0 0", 10, 0, 0},
+        {"none", " 0 0", " 0 0", " 0 9 0 0", " 0 -9 0 0", 4, 0, 0},
+    };
+    // clang-format on
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.label);
+        std::string global = with_line(with_line(GOOD_GLOBAL, 5, row.place1), 9, row.place2);
+        global = with_line(with_line(global, 11, " 0 1 0 0 0 0\n 3 0.2"), 7, " 1 0 0 0 0 0\n 0 0.1");
+        const SoundRun in(good_bodies({{"a.gdf", with_line(GOOD_GDF, 3, row.symmetry1)},
+                                       {"b.gdf", with_line(GOOD_GDF, 3, row.symmetry2)},
+                                       {"box.gdf", global},
+                                       {"config.vrd", "IFSLID=1\n"}}));
+        EXPECT_EQ(in.run.mesh.NEQN, row.panels);
+        EXPECT_EQ(in.run.opt.ISX, row.ISX);
+        EXPECT_EQ(in.run.opt.ISY, row.ISY);
+        const Bodies &b = in.run.bodies;
+        EXPECT_EQ(b.IPANB0(1), 1);
+        EXPECT_EQ(b.IPANB1(1), b.NEQNB(1));
+        EXPECT_EQ(b.IPANB0(2), b.NEQNB(1) + 1);
+        EXPECT_EQ(b.IPANB1(2), row.panels);
+        EXPECT_EQ(in.run.opt.IBDT3, 1);
+        EXPECT_EQ(b.FSDMP(2), 0.2f);
+        EXPECT_EQ(in.run.waterline.NWL, row.panels / 2);
+    }
 }
-class CommonSymmetry : public testing::TestWithParam<Keep> {};
-TEST_P(CommonSymmetry, is_kept_where_all_bodies_have_it) {
-    const Keep &row = GetParam();
-    InputFiles files = good_bodies();
-    files["a.gdf"] = with_line(GOOD_GDF, 3, row.symmetry1);
-    files["b.gdf"] = with_line(GOOD_GDF, 3, row.symmetry2);
-    files["box.gdf"] = with_line(with_line(GOOD_GLOBAL, 5, row.place1), 9, row.place2);
-    files["config.vrd"] = "IFSLID=1\n";
-    files["box.gdf"] =
-        with_line(with_line(files["box.gdf"], 11, " 0 1 0 0 0 0\n 3 0.2"), 7, " 1 0 0 0 0 0\n 0 0.1");
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
-    EXPECT_EQ(in.run.mesh.NEQN, row.panels);
-    EXPECT_EQ(in.run.opt.ISX, row.ISX);
-    EXPECT_EQ(in.run.opt.ISY, row.ISY);
-    const Bodies &b = in.run.bodies;
-    EXPECT_EQ(b.IPANB0(1), 1);
-    EXPECT_EQ(b.IPANB1(1), b.NEQNB(1));
-    EXPECT_EQ(b.IPANB0(2), b.NEQNB(1) + 1);
-    EXPECT_EQ(b.IPANB1(2), row.panels);
-    EXPECT_EQ(in.run.opt.IBDT3, 1);
-    EXPECT_EQ(b.FSDMP(2), 0.2f);
-    EXPECT_EQ(in.run.waterline.NWL, row.panels / 2);
-}
-INSTANTIATE_TEST_SUITE_P(rows, CommonSymmetry,
-                         testing::Values(Keep{"x_kept", " 1 0", " 1 0", " 0 9 0 0", " 0 -9 0 0", 4, 1, 0},
-                                         Keep{"x_off", " 1 0", " 1 0", " 0 9 0 0", " 1 -9 0 0", 8, 0, 0},
-                                         Keep{"y_kept", " 0 1", " 0 1", " 9 0 0 0", " -9 0 0 0", 4, 0, 1},
-                                         Keep{"y_off", " 0 1", " 0 1", " 9 0 0 0", " -9 1 0 0", 8, 0, 0},
-                                         Keep{"xy_kept", " 1 1", " 1 1", " 0 0 0 0", " 0 0 0 0", 4, 1, 1},
-                                         Keep{"xy_off", " 1 1", " 1 1", " 0 9 0 0", " 0 -9 0 0", 16, 0, 0},
-                                         Keep{"turned", " 1 0", " 1 0", " 0 9 0 0", " 0 -9 0 5", 8, 0, 0},
-                                         Keep{"different", " 1 0", " 0 1", " 0 0 0 0", " 0 0 0 0", 8, 0, 0},
-                                         Keep{"one_without", " 1 1", " 0 0", " 0 0 0 0", " 0 0 0 0", 10, 0,
-                                              0},
-                                         Keep{"none", " 0 0", " 0 0", " 0 9 0 0", " 0 -9 0 0", 4, 0, 0}),
-                         [](const auto &row) { return std::string(row.param.label); });
 
-struct Merge {
-    const char *problem1, *problem2;
-    int IRAD, IDIFF;
-    int MODE[12];
-};
-void PrintTo(const Merge &row, std::ostream *out) {
-    *out << row.problem1 << " and " << row.problem2;
+TEST(MergedProblems, follow_the_bodies) {
+    // clang-format off
+    const struct {
+        const char *problem1, *problem2;
+        int IRAD, IDIFF, MODE[12];
+    } rows[] = {
+        {" 0 0", " 0 0", 0, 0, {1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}},
+        {" 1 1", " 1 1", 1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
+        {" 1 0", " 1 -1", 1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
+        {" 1 1", " 0 1", 0, 1, {1, 1, 1, 1, 1, 1, 0, 1, 0, 0, 0, 0}},
+        {" 1 -1", " -1 -1", 0, -1, {1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0}},
+        {" -1 1", " -1 1", -1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
+        {" -1 0", " -1 1", -1, 0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
+        {" -1 1", " 0 -1", 0, 0, {0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}},
+    };
+    // clang-format on
+    for (const auto &row : rows) {
+        SCOPED_TRACE(std::string(row.problem1) + row.problem2);
+        const RunFolder folder;
+        RunState run;
+        const std::string global = with_line(with_line(GOOD_GLOBAL, 6, row.problem1), 10, row.problem2);
+        ASSERT_EQ(read_geometry(good_bodies({{"box.gdf", global}}), run), Status::ok) << folder.list_text();
+        EXPECT_EQ(run.opt.IRAD, row.IRAD);
+        EXPECT_EQ(run.opt.IDIFF, row.IDIFF);
+        for (int m = 1; m <= 12; ++m)
+            EXPECT_EQ(run.bodies.MODE(m), row.MODE[m - 1]) << m;
+    }
 }
-class MergedProblems : public testing::TestWithParam<Merge> {};
-TEST_P(MergedProblems, follow_the_bodies) {
-    const Merge &row = GetParam();
-    InputFiles files = good_bodies();
-    files["box.gdf"] = with_line(with_line(GOOD_GLOBAL, 6, row.problem1), 10, row.problem2);
-    RunFolder folder;
-    for (const auto &[name, text] : files)
-        folder.write(name, text);
-    RunState run;
-    ASSERT_EQ(GETIP1(run), Status::ok) << folder.list_text();
-    EXPECT_EQ(run.opt.IRAD, row.IRAD);
-    EXPECT_EQ(run.opt.IDIFF, row.IDIFF);
-    for (int m = 1; m <= 12; ++m)
-        EXPECT_EQ(run.bodies.MODE(m), row.MODE[m - 1]) << m;
-}
-INSTANTIATE_TEST_SUITE_P(
-    rows, MergedProblems,
-    testing::Values(Merge{" 0 0", " 0 0", 0, 0, {1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}},
-                    Merge{" 1 1", " 1 1", 1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
-                    Merge{" 1 0", " 1 -1", 1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
-                    Merge{" 1 1", " 0 1", 0, 1, {1, 1, 1, 1, 1, 1, 0, 1, 0, 0, 0, 0}},
-                    Merge{" 1 -1", " -1 -1", 0, -1, {1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0}},
-                    Merge{" -1 1", " -1 1", -1, 1, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
-                    Merge{" -1 0", " -1 1", -1, 0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
-                    Merge{" -1 1", " 0 -1", 0, 0, {0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}}));
 
 // With IRR=2 the bottom panel of a body gets its projection before the body is mirrored; the side is a thin
 // plate here.
@@ -305,8 +285,7 @@ TEST(ProjectedPanels, are_made_before_the_images) {
         files["box.gdf"] =
             with_line(with_line(GOOD_GDF, 3, row.symmetry), 4, " 2 1") + " 1 0 0 0\n 0 0 0 0\n";
         files["box.pot"] = with_line(with_line(GOOD_POT, 4, " 2"), 5, std::string(" 50. ") + row.place);
-        const InputRun in(files);
-        ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+        const SoundRun in(files);
         ASSERT_EQ(in.run.mesh.NEQN, row.panels) << row.place;
         ASSERT_EQ(in.run.mesh.projected.dim(1), row.panels);
         for (int p = 1; p <= row.panels; ++p) {
@@ -326,10 +305,8 @@ TEST(ProjectedPanels, of_several_bodies_follow_each_other) {
     files["box.pot"] = with_line(GOOD_POT, 4, " 2");
     for (const char *symmetry : {" 0 0", " 1 0"}) {
         files["a.gdf"] = files["b.gdf"] = with_line(GOOD_GDF, 3, symmetry);
-        files["box.gdf"] = with_line(GOOD_GLOBAL, 8, "b.gdf\n 9 -10 -1 0").erase(0);
         files["box.gdf"] = with_line(GOOD_GLOBAL, 9, " 9 -10 -1 0");
-        const InputRun in(files);
-        ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+        const SoundRun in(files);
         const int each = std::string(symmetry) == " 1 0" ? 6 : 3;
         ASSERT_EQ(in.run.mesh.NEQN, 2 * each);
         for (int p = 1; p <= 2 * each; ++p) {

@@ -36,42 +36,36 @@ TEST(SETEXT, replaces_from_the_first_dot_of_the_own_name) {
     }
 }
 
-struct Console {
-    const char *label;
-    const char *names; // contents of fnames.vrd; null: no file
-    const char *typed;
-    bool asks_gdf;
-    bool asks_pot;
-};
-void PrintTo(const Console &row, std::ostream *out) {
-    *out << row.label;
+TEST(ConsoleNames, are_asked_for_when_missing) {
+    const struct {
+        const char *label;
+        const char *names; // contents of fnames.vrd; null: no file
+        const char *typed;
+        bool asks_gdf, asks_pot;
+    } rows[] = {
+        {"both_there", "  box.gdf first\r\nbox.pot\r\n", "", false, false},
+        {"no_newline", "box.gdf\nbox.pot", "", false, false},
+        {"no_file", nullptr, " box.gdf\nbox.pot \n", true, true},
+        {"empty_file", "", "box.gdf\nbox.pot\n", true, true},
+        {"one_name", "box.gdf\n", "box.pot\n", false, true},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.label);
+        InputFiles files = good_files();
+        files.erase("fnames.vrd");
+        if (row.names != nullptr)
+            files["fnames.vrd"] = row.names;
+        const SoundRun in(files, row.typed);
+        EXPECT_EQ(in.run.files.FILNAM(1), "box.gdf");
+        EXPECT_EQ(in.run.files.FILNAM(2), "box.pot");
+        EXPECT_EQ(in.run.files.FILNAM(3), "box.p2f");
+        const std::string gdf = " \n fnames.vrd          file cannot be opened or is incomplete; \n \n"
+                                " Enter full name of geometric data file (GDF):          \n";
+        const std::string pot = " \n Enter full name of potential control file (POT):       \n \n \n";
+        EXPECT_EQ(in.folder.list_has(gdf), row.asks_gdf) << in.folder.list_text();
+        EXPECT_EQ(in.folder.list_has(pot), row.asks_pot) << in.folder.list_text();
+    }
 }
-class ConsoleNames : public testing::TestWithParam<Console> {};
-TEST_P(ConsoleNames, are_asked_for_when_missing) {
-    const Console &row = GetParam();
-    InputFiles files = good_files();
-    files.erase("fnames.vrd");
-    if (row.names != nullptr)
-        files["fnames.vrd"] = row.names;
-    const InputRun in(files, row.typed);
-    EXPECT_EQ(in.status, Status::ok) << in.folder.list_text();
-    EXPECT_EQ(in.run.files.FILNAM(1), "box.gdf");
-    EXPECT_EQ(in.run.files.FILNAM(2), "box.pot");
-    EXPECT_EQ(in.run.files.FILNAM(3), "box.p2f");
-    const std::string gdf = " \n fnames.vrd          file cannot be opened or is incomplete; \n \n"
-                            " Enter full name of geometric data file (GDF):          \n";
-    const std::string pot = " \n Enter full name of potential control file (POT):       \n \n \n";
-    EXPECT_EQ(in.folder.list_has(gdf), row.asks_gdf) << in.folder.list_text();
-    EXPECT_EQ(in.folder.list_has(pot), row.asks_pot) << in.folder.list_text();
-}
-INSTANTIATE_TEST_SUITE_P(rows, ConsoleNames,
-                         testing::Values(Console{"both_there", "  box.gdf first\r\nbox.pot\r\n", "", false,
-                                                 false},
-                                         Console{"no_newline", "box.gdf\nbox.pot", "", false, false},
-                                         Console{"no_file", nullptr, " box.gdf\nbox.pot \n", true, true},
-                                         Console{"empty_file", "", "box.gdf\nbox.pot\n", true, true},
-                                         Console{"one_name", "box.gdf\n", "box.pot\n", false, true}),
-                         [](const auto &row) { return std::string(row.param.label); });
 
 TEST(Names, end_of_the_console_is_a_fault) {
     InputFiles files = good_files();
@@ -86,18 +80,15 @@ TEST(Names, end_of_the_console_is_a_fault) {
 }
 
 TEST(Names, free_surface_file_is_line_5) {
-    InputFiles files = good_files();
-    files["config.vrd"] = "IWADD=1\n";
-    files["box.pot"] = with_line(GOOD_POT, 7, " 0 1");
-    files["fnames.vrd"] = GOOD_NAMES + "x\ny\n ring.fdf z\n";
-    files["ring.fdf"] = "Ring of panels\n";
-    const InputRun in(files);
-    EXPECT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(good_files({{"config.vrd", "IWADD=1\n"},
+                                  {"box.pot", with_line(GOOD_POT, 7, " 0 1")},
+                                  {"fnames.vrd", GOOD_NAMES + "x\ny\n ring.fdf z\n"},
+                                  {"ring.fdf", "Ring of panels\n"}}));
     EXPECT_EQ(in.run.files.FILNAM(5), "ring.fdf");
     EXPECT_EQ(in.run.files.HEADER(5), "Ring of panels");
-    files["fnames.vrd"] = GOOD_NAMES;
-    const InputRun asked(files, "typed.fdf\n");
-    EXPECT_EQ(asked.status, Status::ok) << asked.folder.list_text();
+    const InputFiles files =
+        good_files({{"config.vrd", "IWADD=1\n"}, {"box.pot", with_line(GOOD_POT, 7, " 0 1")}});
+    const SoundRun asked(files, "typed.fdf\n");
     EXPECT_EQ(asked.run.files.FILNAM(5), "typed.fdf");
     EXPECT_TRUE(asked.folder.list_has(" \n Enter full name of free-surface panel file (FDF):      \n"));
     EXPECT_FALSE(asked.folder.list_has("Free Surface Data File"));
@@ -131,10 +122,7 @@ TEST(Names, an_old_result_that_stays_ends_the_run) {
 }
 
 TEST(Names, the_result_never_replaces_an_input_file) {
-    InputFiles files = good_files();
-    files["box.p2f"] = GOOD_POT;
-    files["fnames.vrd"] = "box.gdf\nbox.p2f\n";
-    const InputRun in(files);
+    const InputRun in(good_files({{"box.p2f", GOOD_POT}, {"fnames.vrd", "box.gdf\nbox.p2f\n"}}));
     EXPECT_EQ(in.status, Status::failed);
     EXPECT_EQ(first_fault(), "The P2F file would replace an input file");
     EXPECT_EQ(in.folder.read("box.p2f"), GOOD_POT);

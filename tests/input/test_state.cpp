@@ -9,8 +9,7 @@ namespace {
 constexpr f32 EPS = 4 * 1.2e-7f; // a few roundings of single precision
 
 TEST(Configuration, none_leaves_the_defaults) {
-    const InputRun in(good_files());
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(good_files());
     const Options &opt = in.run.opt;
     for (int k = 1; k <= NKEY; ++k)
         EXPECT_TRUE(opt.KFLAG[static_cast<std::size_t>(k)]) << k;
@@ -25,15 +24,13 @@ TEST(Configuration, none_leaves_the_defaults) {
 }
 
 TEST(Configuration, settings_win_and_shorten_the_control_file) {
-    InputFiles files = good_files();
-    files["config.vrd"] = "\xEF\xBB\xBFmaxscr = 100\r\n"
-                          "no setting\n= 3\n   = 4\nUNKNOWN = 5\n"
-                          " IsOlVe_note=0 ignored\nISOLVE = 9\nISOLVE = -1\n"
-                          "ISOR=1\nIRR=12\nXBODY=1.D0,2 3*0\nIQUAD=1\nILOG=1\nIDIAG=1\nI2ND=0\n"
-                          "IUSESCR=1\nNTRD=3\nISCATT=1\nIPERIO=2\nIFSLID=1\n";
-    files["box.pot"] = "short\n 50.\n 0 -1\n 1 0 1 0 0 0\n 1\n 2.\n 1\n 90.\n";
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(
+        good_files({{"config.vrd", "\xEF\xBB\xBFmaxscr = 100\r\n"
+                                   "no setting\n= 3\n   = 4\nUNKNOWN = 5\n"
+                                   " IsOlVe_note=0 ignored\nISOLVE = 9\nISOLVE = -1\n"
+                                   "ISOR=1\nIRR=12\nXBODY=1.D0,2 3*0\nIQUAD=1\nILOG=1\nIDIAG=1\nI2ND=0\n"
+                                   "IUSESCR=1\nNTRD=3\nISCATT=1\nIPERIO=2\nIFSLID=1\n"},
+                    {"box.pot", "short\n 50.\n 0 -1\n 1 0 1 0 0 0\n 1\n 2.\n 1\n 90.\n"}}));
     const Options &opt = in.run.opt;
     EXPECT_EQ(opt.MAXSCR, 100);
     EXPECT_EQ(opt.ISOLVE, 0);
@@ -60,11 +57,9 @@ TEST(Configuration, settings_win_and_shorten_the_control_file) {
 }
 
 TEST(Configuration, some_options_stay_in_the_control_file) {
-    InputFiles files = good_files();
-    files["config.vrd"] = "ILOG=0\nXBODY = 0 0 0 0\n";
-    files["box.pot"] = with_line(with_line(GOOD_POT, 6, " 1 0"), 5, " -7. 4 4 4 4");
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(
+        good_files({{"config.vrd", "ILOG=0\nXBODY = 0 0 0 0\n"},
+                    {"box.pot", with_line(with_line(GOOD_POT, 6, " 1 0"), 5, " -7. 4 4 4 4")}}));
     EXPECT_EQ(in.run.opt.IQUAD, 1);
     EXPECT_EQ(in.run.opt.ILOG, 0);
     EXPECT_EQ(in.run.opt.IDIAG, 0);
@@ -72,12 +67,10 @@ TEST(Configuration, some_options_stay_in_the_control_file) {
 }
 
 TEST(Configuration, a_line_ends_after_80_columns) {
-    InputFiles files = good_files();
-    files["config.vrd"] = "MAXSCR = 5" + std::string(69, ' ') + "17\n";
-    const InputRun in(files);
+    const InputRun in(good_files({{"config.vrd", "MAXSCR = 5" + std::string(69, ' ') + "17\n"}}));
     EXPECT_EQ(in.run.opt.MAXSCR, 5);
-    files["config.vrd"] = "MAXSCR =" + std::string(71, ' ') + "17\n"; // column 80 holds the 1
-    const InputRun cut(files);
+    // Column 80 holds the 1.
+    const InputRun cut(good_files({{"config.vrd", "MAXSCR =" + std::string(71, ' ') + "17\n"}}));
     EXPECT_EQ(cut.status, Status::failed);
     EXPECT_EQ(cut.run.opt.MAXSCR, 1);
 }
@@ -95,10 +88,7 @@ TEST(Configuration, extra_modes_of_a_body) {
                         {"NEWMDS = 2 (3)\n", {2}},
                         {"NEWMDS(2) = 4\nNEWMDS(2) = 0\n", {0, 0}}};
     for (const Row &row : rows) {
-        InputFiles files = good_files();
-        files["config.vrd"] = row.text;
-        const InputRun in(files);
-        ASSERT_EQ(in.status, Status::ok) << row.text << in.folder.list_text();
+        const SoundRun in(good_files({{"config.vrd", row.text}}));
         const Array<int, 1> &NEWMDS = in.run.bodies.NEWMDS;
         ASSERT_EQ(NEWMDS.dim(1), static_cast<std::int64_t>(row.wanted.size())) << row.text;
         for (std::size_t n = 0; n < row.wanted.size(); ++n)
@@ -109,28 +99,6 @@ TEST(Configuration, extra_modes_of_a_body) {
     }
 }
 
-struct Depth {
-    int IPERIO;
-    const char *HBOT;
-    double value; // as typed
-    double WVN0;  // wanted
-    double PER;
-};
-void PrintTo(const Depth &row, std::ostream *out) {
-    *out << row.IPERIO << ' ' << row.HBOT << ' ' << row.value;
-}
-class WaveNumber : public testing::TestWithParam<Depth> {};
-TEST_P(WaveNumber, is_that_of_infinite_depth) {
-    const Depth &row = GetParam();
-    InputFiles files = good_files();
-    files["config.vrd"] = "IPERIO = " + std::to_string(row.IPERIO) + "\n";
-    files["box.pot"] = with_line(with_line(GOOD_POT, 10, " " + std::to_string(row.value) + " 1"), 5,
-                                 std::string(row.HBOT) + " 0 0 0 0");
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
-    EXPECT_NEAR(in.run.periods.WVN0(1), row.WVN0, EPS * std::fabs(row.WVN0));
-    EXPECT_NEAR(in.run.periods.PER(1), row.PER, EPS * std::fabs(row.PER));
-}
 constexpr double PI = 3.14159265358979;
 // Of a period, and the period of a wave number, with ULEN = 2 and g = 9.80665.
 double k_of(double T) {
@@ -140,58 +108,68 @@ double T_of(double k) {
     return 2 * PI / std::sqrt(k * 9.80665 / 2);
 }
 const double FINITE = 1.5 * std::tanh(1.5 * 1.5); // depth 3 is 1.5 ULEN
-INSTANTIATE_TEST_SUITE_P(
-    forms, WaveNumber,
-    testing::Values(Depth{1, "-1.", 8, k_of(8), 8}, Depth{0, "-1.", 8, k_of(8), 8},
-                    Depth{2, "-1.", 0.5, k_of(4 * PI), 4 * PI}, Depth{3, "4.", 1.5, 1.5, T_of(1.5)},
-                    Depth{5, "4.", 1.5, 1.5, T_of(1.5)}, Depth{4, "-1.", 1.5, 1.5, T_of(1.5)},
-                    Depth{4, "3.", 1.5, FINITE, T_of(FINITE)}, Depth{1, "-1.", 0, 0, 0},
-                    Depth{1, "-1.", -1, -1, -1}, Depth{2, "-1.", 0, 0, 0}, Depth{3, "-1.", -2, -2, -2}));
+TEST(WaveNumber, is_that_of_infinite_depth) {
+    const struct {
+        int IPERIO;
+        const char *HBOT;
+        double typed, WVN0, PER;
+    } rows[] = {
+        {1, "-1.", 8, k_of(8), 8},
+        {0, "-1.", 8, k_of(8), 8},
+        {2, "-1.", 0.5, k_of(4 * PI), 4 * PI},
+        {3, "4.", 1.5, 1.5, T_of(1.5)},
+        {5, "4.", 1.5, 1.5, T_of(1.5)},
+        {4, "-1.", 1.5, 1.5, T_of(1.5)},
+        {4, "3.", 1.5, FINITE, T_of(FINITE)},
+        {1, "-1.", 0, 0, 0},
+        {1, "-1.", -1, -1, -1},
+        {2, "-1.", 0, 0, 0},
+        {3, "-1.", -2, -2, -2},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(testing::Message() << row.IPERIO << ' ' << row.HBOT << ' ' << row.typed);
+        const std::string pot = with_line(GOOD_POT, 10, " " + std::to_string(row.typed) + " 1");
+        const SoundRun in(good_files({{"config.vrd", "IPERIO = " + std::to_string(row.IPERIO) + "\n"},
+                                      {"box.pot", with_line(pot, 5, std::string(row.HBOT) + " 0 0 0 0")}}));
+        EXPECT_NEAR(in.run.periods.WVN0(1), row.WVN0, EPS * std::fabs(row.WVN0));
+        EXPECT_NEAR(in.run.periods.PER(1), row.PER, EPS * std::fabs(row.PER));
+    }
+}
 
 TEST(Depth, zero_or_less_is_infinite) {
     for (const char *text : {" 0. 0 0 0 0", " -20. 0 0 0 0"}) {
-        InputFiles files = good_files();
-        files["box.pot"] = with_line(GOOD_POT, 5, text);
-        const InputRun in(files);
+        const InputRun in(good_files({{"box.pot", with_line(GOOD_POT, 5, text)}}));
         EXPECT_EQ(in.run.opt.HBOT, -0.5f); // -1 / ULEN
     }
 }
 
-struct Modes {
-    const char *given; // IRAD, IDIFF and MODE
-    int IRAD, IDIFF;
-    int MODE[6];
-};
-void PrintTo(const Modes &row, std::ostream *out) {
-    *out << row.given;
+TEST(ModeRules, settle_problems_and_modes) {
+    const struct {
+        const char *given; // IRAD, IDIFF and MODE
+        int IRAD, IDIFF, MODE[6];
+    } rows[] = {
+        {" 0 0\n 0 1 0 0 0 0", 0, 0, {0, 1, 0, 0, 0, 0}},
+        {" 0 0\n 1 1 1 1 1 1", 1, 1, {1, 1, 1, 1, 1, 1}},
+        {" 1 0\n 0 0 0 0 0 0", 1, 1, {1, 1, 1, 1, 1, 1}},
+        {" -1 1\n 0 0 1 0 0 0", -1, 1, {1, 1, 1, 1, 1, 1}},
+        {" -1 0\n 0 0 1 0 0 0", -1, 0, {0, 0, 1, 0, 0, 0}},
+        {" 0 -1\n 0 0 1 0 0 0", 0, -1, {0, 0, 1, 0, 0, 0}},
+        {" 0 -1\n 6*1", 1, -1, {1, 1, 1, 1, 1, 1}},
+        {" 0 1\n 0 0 1 0 0 0", 0, 1, {0, 0, 1, 0, 0, 0}},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.given);
+        const SoundRun in(good_files({{"box.pot", with_line(with_line(GOOD_POT, 8, ""), 7, row.given)}}));
+        EXPECT_EQ(in.run.opt.IRAD, row.IRAD);
+        EXPECT_EQ(in.run.opt.IDIFF, row.IDIFF);
+        for (int m = 1; m <= 6; ++m)
+            EXPECT_EQ(in.run.bodies.MODE(m), row.MODE[m - 1]) << m;
+    }
 }
-class ModeRules : public testing::TestWithParam<Modes> {};
-TEST_P(ModeRules, settle_problems_and_modes) {
-    const Modes &row = GetParam();
-    InputFiles files = good_files();
-    files["box.pot"] = with_line(with_line(GOOD_POT, 8, ""), 7, row.given);
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
-    EXPECT_EQ(in.run.opt.IRAD, row.IRAD);
-    EXPECT_EQ(in.run.opt.IDIFF, row.IDIFF);
-    for (int m = 1; m <= 6; ++m)
-        EXPECT_EQ(in.run.bodies.MODE(m), row.MODE[m - 1]) << m;
-}
-INSTANTIATE_TEST_SUITE_P(rows, ModeRules,
-                         testing::Values(Modes{" 0 0\n 0 1 0 0 0 0", 0, 0, {0, 1, 0, 0, 0, 0}},
-                                         Modes{" 0 0\n 1 1 1 1 1 1", 1, 1, {1, 1, 1, 1, 1, 1}},
-                                         Modes{" 1 0\n 0 0 0 0 0 0", 1, 1, {1, 1, 1, 1, 1, 1}},
-                                         Modes{" -1 1\n 0 0 1 0 0 0", -1, 1, {1, 1, 1, 1, 1, 1}},
-                                         Modes{" -1 0\n 0 0 1 0 0 0", -1, 0, {0, 0, 1, 0, 0, 0}},
-                                         Modes{" 0 -1\n 0 0 1 0 0 0", 0, -1, {0, 0, 1, 0, 0, 0}},
-                                         Modes{" 0 -1\n 6*1", 1, -1, {1, 1, 1, 1, 1, 1}},
-                                         Modes{" 0 1\n 0 0 1 0 0 0", 0, 1, {0, 0, 1, 0, 0, 0}}));
 
 TEST(Control, no_periods_and_no_headings) {
-    InputFiles files = good_files();
-    files["box.pot"] = first_lines(with_line(GOOD_POT, 7, " 0 -1"), 8) + " 0\n 0\n";
-    const InputRun in(files);
-    ASSERT_EQ(in.status, Status::ok) << in.folder.list_text();
+    const SoundRun in(
+        good_files({{"box.pot", first_lines(with_line(GOOD_POT, 7, " 0 -1"), 8) + " 0\n 0\n"}}));
     EXPECT_EQ(in.run.periods.NBETAM, 1);
     EXPECT_EQ(in.run.periods.PER.size(), 0);
     EXPECT_EQ(in.run.periods.BETA.size(), 0);

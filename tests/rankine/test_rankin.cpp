@@ -1,15 +1,11 @@
-// The Rankine store: solid angles of closed bodies, images against whole meshes, terms against single
-// evaluations, codes by distance, messages, and equal bytes for any number of threads.
+// The Rankine store: solid angles of closed bodies, codes by distance, panels in the free surface, messages.
+// Signs of images and gradients are seen in whole runs: sources against potentials, full against quarter
+// meshes.
 #include "hull_meshes.hpp"
 #include "list_capture.hpp"
-#include "rankine/panint.hpp"
 #include "rankine/rankin.hpp"
+#include "run/memory_plan.hpp"
 #include "run/symmetry.hpp"
-
-#include <omp.h>
-
-#include <cstring>
-#include <functional>
 
 namespace {
 
@@ -17,29 +13,14 @@ constexpr double PI = 3.14159265358979324;
 
 // Makes geometry, classes and a cleared store for the panels and switches of `run`, and fills the store.
 Status sweep(RunState &run) {
-    const int N = run.mesh.NEQN;
-    Array<int, 1> MODE;
-    EXPECT_TRUE(MODE.alloc(6));
-    for (int m = 1; m <= 6; ++m)
-        MODE(m) = m;
-    EXPECT_EQ(SYMSET(6, run.opt.ISX, run.opt.ISY, MODE.view(), 1, run.sym), Status::ok);
-    const int S = run.sym.NSYMR;
-    const Range levels{0, run.opt.ILOG};
-    RankineStore &store = run.store;
-    EXPECT_TRUE(store.RKDM.alloc(N, N, S, levels) && store.ICODM.alloc(N, N) &&
-                store.RHSRAN.alloc(N, run.sym.NSYMD, levels));
-    if (run.opt.ISCATT == 1) {
-        EXPECT_TRUE(store.RKSM.alloc(N, N, S, levels));
-    }
-    if (run.opt.ISOR == 1) {
-        EXPECT_TRUE(store.RKNM.alloc(N, N, S, levels) && store.RKVM.alloc(N, N, 3 * S, levels));
-    }
-    return RANKIN(run.opt, run.bodies, run.mesh, run.dipoles, run.sym, store);
+    EXPECT_EQ(SYMSET(6, run.opt.ISX, run.opt.ISY, run.bodies.MODE, 1, run.sym), Status::ok);
+    EXPECT_EQ(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store), Status::ok);
+    return RANKIN(run.opt, run.bodies, run.mesh, run.dipoles, run.sym, run.store);
 }
 
 void make(const hulls::Quads &mesh, RunState &run) {
     hulls::set_body(mesh, run);
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok);
 }
 
 // All kinds of matrices with logarithm and bottom.
@@ -54,21 +35,8 @@ constexpr int FEW = 2;
 
 TEST(Rankin, RowsOfAClosedBodySumToFourPi) {
     // The normal points into the body, so a panel sees the rest of it under -2 pi ... as the flux of 1/rho
-    // through a closed surface does for a point on it: with the 2 pi of the panel itself 4 pi in all.
-    RunState run;
-    run.opt.HBOT = -1;
-    make(hulls::box(2, 2, -52, -50, FEW, true), run);
-    ASSERT_EQ(sweep(run), Status::ok);
-    for (int A = 1; A <= run.mesh.NEQN; ++A) {
-        double sum = 0;
-        for (int B = 1; B <= run.mesh.NEQN; ++B)
-            sum += run.store.RKDM(A, B, 1, 0);
-        EXPECT_NEAR(sum, 4 * PI, 2e-5) << A; // coordinates at a depth of 50 are rounded to 4e-6
-    }
-}
-
-TEST(Rankin, ImageOfAClosedBodyHasNoFlux) {
-    // Near the surface the image is a second closed body, seen from outside; the same holds for the bottom.
+    // through a closed surface does for a point on it: with the 2 pi of the panel itself 4 pi in all. The
+    // images in surface and bottom are closed bodies seen from outside and add nothing.
     RunState run;
     run.opt.HBOT = 2;
     make(hulls::box(1, 1, -1.5, -.5, FEW, true), run);
@@ -81,46 +49,6 @@ TEST(Rankin, ImageOfAClosedBodyHasNoFlux) {
         }
         EXPECT_NEAR(sum, 4 * PI, 1e-5) << A;
     }
-}
-
-// What the store must hold for one pair without symmetry, by single evaluations.
-TEST(Rankin, TermsOfAPair) {
-    RunState run;
-    all_kinds(run);
-    make(hulls::box(1, 1, -1, 0, FEW, false), run);
-    ASSERT_EQ(sweep(run), Status::ok);
-    const Mesh &m = run.mesh;
-    for (int A = 1; A <= m.NEQN; A += 3)
-        for (int B = 1; B <= m.NEQN; ++B) {
-            const Panel field = panel_of(m, A), source = panel_of(m, B);
-            const f32 *x = field.XCT, *n = field.TRM[3];
-            const f32 P[4] = {0, x[1], x[2], x[3]}, P1[4] = {0, x[1], x[2], -x[3]},
-                      P2[4] = {0, x[1], x[2], -(3 + x[3])};
-            FieldIntegrals direct{}, image{}, bottom{};
-            ASSERT_NE(PANFLD(P, source, 0, 1, direct), 1);
-            ASSERT_NE(PANFLD(P1, source, 1, 1, image), 1);
-            ASSERT_NE(PANFLD(P2, source, 0, 1, bottom), 1);
-            const double own = A == B ? 2 * PI : 0;
-            const RankineStore &s = run.store;
-            const int word = s.ICODM(std::min(A, B), std::max(A, B));
-            ASSERT_EQ(word & 3, 3);
-            const double with_bottom = (word & 4) != 0 ? 1 : 0;
-            EXPECT_NEAR(s.RKDM(A, B, 1, 0), own + direct.D + image.D + with_bottom * bottom.D, 2e-6);
-            EXPECT_NEAR(s.RKSM(A, B, 1, 0), direct.S + image.S + with_bottom * bottom.S, 2e-6);
-            EXPECT_NEAR(s.RKDM(A, B, 1, 1), -2 * image.LZ, 1e-6);
-            EXPECT_NEAR(s.RKSM(A, B, 1, 1), -2 * image.L, 1e-6);
-            double normal = own, normal1 = 0;
-            for (int c = 1; c <= 3; ++c) {
-                const double up = c == 3 ? -1 : 1; // d/dz of a function of the reflected point
-                const double v = direct.GS[c] + up * (image.GS[c] + with_bottom * bottom.GS[c]);
-                EXPECT_NEAR(s.RKVM(A, B, c, 0), own * n[c] + v, 1e-5);
-                EXPECT_NEAR(s.RKVM(A, B, c, 1), -2 * up * image.GL[c], 1e-5);
-                normal += n[c] * v;
-                normal1 += -2 * up * n[c] * image.GL[c];
-            }
-            EXPECT_NEAR(s.RKNM(A, B, 1, 0), normal, 1e-5);
-            EXPECT_NEAR(s.RKNM(A, B, 1, 1), normal1, 1e-5);
-        }
 }
 
 TEST(Rankin, RightHandSidesAreSourceTimesVelocity) {
@@ -142,73 +70,6 @@ TEST(Rankin, RightHandSidesAreSourceTimesVelocity) {
         EXPECT_EQ(run.store.RHSRAN.data()[i], 0) << "no radiation";
 }
 
-// Sum over the images of source panel B of the whole mesh, with the signs of parity type t: what a class of
-// the quarter mesh holds for B. `images` lists the images there are, in the order of hulls::mirrored.
-double class_sum(const std::function<double(int)> &whole, int NQ, int B, int t,
-                 const std::vector<int> &images) {
-    double sum = 0;
-    for (std::size_t g = 0; g < images.size(); ++g)
-        sum += SGN[t][images[g]] * whole(static_cast<int>(g) * NQ + B);
-    return sum;
-}
-
-struct SymmetryCase {
-    int ISX, ISY;
-    std::vector<int> images;
-};
-
-TEST(Rankin, SymmetricMeshEqualsTheWhole) {
-    const hulls::Quads quarter = hulls::quarter_box(1, .8, -.5, 0, FEW, false);
-    const int NQ = static_cast<int>(quarter.size());
-    // Half meshes are the quarter and its image 4 (or 2), so that the order of the whole mesh serves all.
-    const SymmetryCase cases[] = {{1, 1, {1, 2, 3, 4}}, {-1, -1, {1, 2, 3, 4}}, {1, -1, {1, 2, 3, 4}},
-                                  {1, 0, {1, 2}},       {0, 1, {1, 4}},         {0, -1, {1, 4}}};
-    for (const SymmetryCase &c : cases) {
-        RunState part, whole;
-        all_kinds(part);
-        all_kinds(whole);
-        part.opt.ISX = c.ISX;
-        part.opt.ISY = c.ISY;
-        make(quarter, part);
-        hulls::Quads all;
-        const hulls::Quads mirrored = hulls::mirrored(quarter);
-        for (const int g : c.images)
-            all.insert(all.end(), mirrored.begin() + (g - 1) * NQ, mirrored.begin() + g * NQ);
-        make(all, whole);
-        ASSERT_EQ(sweep(part), Status::ok);
-        ASSERT_EQ(sweep(whole), Status::ok);
-        const RankineStore &p = part.store, &w = whole.store;
-        for (int s = 1; s <= part.sym.NSYMR; ++s) {
-            const int t = part.sym.ICLS[s];
-            for (int k = 0; k <= 1; ++k)
-                for (int A = 1; A <= NQ; ++A)
-                    for (int B = 1; B <= NQ; ++B) {
-                        const auto sum = [&](const std::function<double(int)> &of) {
-                            return class_sum(of, NQ, B, t, c.images);
-                        };
-                        const double D = sum([&](int J) { return w.RKDM(A, J, 1, k); });
-                        const double S = sum([&](int J) { return w.RKSM(A, J, 1, k); });
-                        EXPECT_NEAR(p.RKDM(A, B, s, k), D, 5e-6);
-                        EXPECT_NEAR(p.RKSM(A, B, s, k), S, 5e-6);
-                        EXPECT_NEAR(p.RKNM(A, B, s, k), sum([&](int J) { return w.RKNM(A, J, 1, k); }), 1e-5);
-                        for (int axis = 1; axis <= 3; ++axis)
-                            EXPECT_NEAR(p.RKVM(A, B, 3 * (s - 1) + axis, k),
-                                        sum([&](int J) { return w.RKVM(A, J, axis, k); }), 1e-5)
-                                << c.ISX << c.ISY << " class " << s << " axis " << axis;
-                    }
-            // The right-hand sides of the whole body, wherever the part has an odd or even share of the mode.
-            if (c.ISX >= 0 && c.ISY >= 0)
-                for (int n = 1; n <= part.sym.NMCLS[s]; ++n) {
-                    const int q = part.sym.MODCLS(n, s);
-                    for (int A = 1; A <= NQ; ++A)
-                        EXPECT_NEAR(p.RHSRAN(A, part.sym.MODPOS(q), 0), w.RHSRAN(A, whole.sym.MODPOS(q), 0),
-                                    2e-5);
-                }
-        }
-        EXPECT_EQ(part.sym.NSYMG, static_cast<int>(c.images.size()));
-    }
-}
-
 // Two unit squares, facing up, at depths z1 and z2 and x apart; the code word of the pair.
 int code_of(double x, double z1, double z2, int ILOG, f32 HBOT, int ISX = 0) {
     hulls::Quads mesh;
@@ -220,7 +81,7 @@ int code_of(double x, double z1, double z2, int ILOG, f32 HBOT, int ISX = 0) {
     run.opt.ISX = ISX;
     hulls::set_body(mesh, run);
     const ListCapture list; // no volume
-    EXPECT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    EXPECT_EQ(hulls::pre_pass(run), Status::ok);
     EXPECT_EQ(sweep(run), Status::ok);
     const int word = run.store.ICODM(1, 2);
     if (word == 0) {
@@ -265,7 +126,7 @@ TEST(Rankin, OneOctalDigitAnImage) {
     run.opt.ISX = 1;
     hulls::set_body(mesh, run);
     const ListCapture list;
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok);
     ASSERT_EQ(sweep(run), Status::ok);
     EXPECT_EQ(run.store.ICODM(1, 1), 022) << "itself and its mirror image at distance 4";
     EXPECT_EQ(run.store.ICODM(1, 2), 002) << "the image at distance 11 is far";
@@ -313,15 +174,6 @@ TEST(Rankin, PanelsInTheFreeSurface) {
     EXPECT_EQ(upward.store.RKSM(lid, N, 1, 0), s.RKSM(lid, N, 1, 0));
 }
 
-TEST(Rankin, FreeSurfacePanelsNeedTheLogarithm) {
-    RunState run;
-    make_lidded(run);
-    const ListCapture list;
-    EXPECT_EQ(sweep(run), Status::failed);
-    EXPECT_EQ(list.count("  ILOG=0 and panel NP in free surface, NP=21"), 1);
-    EXPECT_EQ(list.count("  Error in evaluating Rankine matrix"), 1);
-}
-
 TEST(Rankin, InfiniteLogarithmIsOneMessage) {
     // A tilted panel with a vertex straight above the reflected centroid of another: out of the water.
     hulls::Quads mesh;
@@ -331,80 +183,9 @@ TEST(Rankin, InfiniteLogarithmIsOneMessage) {
     run.opt.ILOG = 1;
     hulls::set_body(mesh, run);
     const ListCapture list;
-    ASSERT_EQ(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh), Status::ok);
+    ASSERT_EQ(hulls::pre_pass(run), Status::ok);
     EXPECT_EQ(sweep(run), Status::failed);
     EXPECT_EQ(list.count("  Error in evaluating Rankine matrix"), 1);
-}
-
-TEST(Rankin, DipolePanels) {
-    // A dipole panel has no 2 pi and feeds no right-hand side; its row holds the derivatives along its
-    // normal, and as source its gradient is that of the dipole.
-    RunState run;
-    all_kinds(run);
-    make(hulls::box(1, 1, -1.2, -.2, FEW, true), run);
-    const int N = run.mesh.NEQN, dip = 3;
-    run.dipoles.IDIPOL = true;
-    ASSERT_TRUE(run.dipoles.IDIP.alloc(N) && run.dipoles.DEPS.alloc(N));
-    run.dipoles.IDIP(dip) = 1;
-    run.dipoles.DEPS(dip) = 0.125f * std::sqrt(run.mesh.PMOM(1, dip));
-    run.opt.HBOT = -1;
-    ASSERT_EQ(sweep(run), Status::ok);
-    const RankineStore &s = run.store;
-    const auto evaluate = [&](int F, int G, bool image) {
-        const Panel field = panel_of(run.mesh, F);
-        const f32 z = image ? -1.0f : 1.0f;
-        const f32 P[4] = {0, field.XCT[1], field.XCT[2], z * field.XCT[3]};
-        const f32 NF[4] = {0, field.TRM[3][1], field.TRM[3][2], z * field.TRM[3][3]};
-        FieldIntegrals f{};
-        const Panel source = panel_of(run.mesh, G);
-        if (F == dip)
-            EXPECT_NE(PANDNF(P, NF, run.dipoles.DEPS(F), source, image ? 1 : 0, f), 1);
-        else
-            EXPECT_NE(PANDPS(P, run.dipoles.DEPS(G), source, image ? 1 : 0, 1, f), 1);
-        return f;
-    };
-    for (int B = 1; B <= N; ++B) {
-        const FieldIntegrals f = evaluate(dip, B, false), g = evaluate(dip, B, true);
-        EXPECT_NEAR(s.RKDM(dip, B, 1, 0), f.D + g.D, 1e-5) << B;
-        EXPECT_NEAR(s.RKSM(dip, B, 1, 1), -2 * g.L, 1e-5);
-        EXPECT_NEAR(s.RKDM(dip, B, 1, 1), -2 * g.LZ, 1e-5);
-    }
-    for (int A = 1; A <= N; ++A) {
-        if (A == dip)
-            continue;
-        const FieldIntegrals f = evaluate(A, dip, false), g = evaluate(A, dip, true);
-        EXPECT_NEAR(s.RKVM(A, dip, 1, 0), f.GD[1] + g.GD[1], 1e-5);
-        EXPECT_NEAR(s.RKVM(A, dip, 3, 1), 2 * g.GLZ[3], 1e-5);
-    }
-    for (int q = 1; q <= 6; ++q) {
-        double sum = 0;
-        for (int B = 1; B <= N; ++B)
-            sum += B == dip ? 0 : static_cast<double>(run.mesh.VEL(q, B)) * s.RKSM(1, B, 1, 0);
-        EXPECT_NEAR(s.RHSRAN(1, run.sym.MODPOS(q), 0), sum, 1e-5);
-    }
-}
-
-TEST(Rankin, SameBytesForAnyNumberOfThreads) {
-    RunState one, two;
-    const int threads = omp_get_max_threads();
-    for (RunState *run : {&one, &two}) {
-        all_kinds(*run);
-        run->opt.ISX = run->opt.ISY = 1;
-        make(hulls::quarter_box(1, .8, -.5, 0, 5, false), *run);
-        omp_set_num_threads(run == &one ? 1 : 2);
-        ASSERT_EQ(sweep(*run), Status::ok);
-    }
-    omp_set_num_threads(threads);
-    const auto same = [](const auto &a, const auto &b) {
-        return a.size() == b.size() &&
-               std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(*a.data())) == 0;
-    };
-    EXPECT_TRUE(same(one.store.RKDM, two.store.RKDM));
-    EXPECT_TRUE(same(one.store.RKSM, two.store.RKSM));
-    EXPECT_TRUE(same(one.store.RKNM, two.store.RKNM));
-    EXPECT_TRUE(same(one.store.RKVM, two.store.RKVM));
-    EXPECT_TRUE(same(one.store.ICODM, two.store.ICODM));
-    EXPECT_TRUE(same(one.store.RHSRAN, two.store.RHSRAN));
 }
 
 } // namespace

@@ -38,23 +38,19 @@ TEST_P(Plans, DecideAndTell) {
 }
 
 // 1e10 bytes, N = 1000: 9500 per element; shared 4, thread 9: (9500 - 4) / 9 = 1055.
-INSTANTIATE_TEST_SUITE_P(
-    MemoryPlan, Plans,
-    testing::Values(
-        PlanCase{10000000000, 1000, 1, 2000, 0, 0, 0, 0, 0, true, 1055,
-                 "  Influence coefficient matrices stored in physical memory"},
-        PlanCase{10000000000, 1000, 1, 2000, 0, 0, 0, 0, 0, true, 1055,
-                 "  Matrices in    REAL:    0.04% of available memory (shared across all threads)"},
-        // shared 2 x 4 x (1 + 1 + 4) x 2 = 96, thread 2 x 8 x 5 + 1 = 81: (95 - 96) / 81 rounds down.
-        PlanCase{10000000000, 10000, 2, 20000, 1, 1, 1, 0, 0, false, -1,
-                 "  Scratch files are used for data storage."},
-        PlanCase{10000000000, 10000, 2, 20000, 1, 1, 1, 0, 0, false, -1,
-                 "  Matrices in COMPLEX:   85.26% of available memory per thread (threadprivate)"},
-        PlanCase{1500000000, 100, 1, 200, 0, 0, 0, 0, 0, false, 15832,
-                 "  Physical memory is not big enough to keep influence coeff. matrices."},
-        PlanCase{10000000000, 1000, 1, 2, 0, 0, 0, 0, 0, false, 0, nullptr},
-        PlanCase{10000000000, 1000, 1, 2000, 0, 0, 0, 1, 0, false, 0, nullptr},
-        PlanCase{10000000000, 1000, 1, 2000, 0, 0, 0, 0, 1, false, 0, nullptr}));
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(MemoryPlan, Plans, testing::ValuesIn(std::vector<PlanCase>{
+    {10000000000, 1000, 1, 2000, 0, 0, 0, 0, 0, true, 1055, "  Influence coefficient matrices stored in physical memory"},
+    {10000000000, 1000, 1, 2000, 0, 0, 0, 0, 0, true, 1055, "  Matrices in    REAL:    0.04% of available memory (shared across all threads)"},
+    // shared 2 x 4 x (1 + 1 + 4) x 2 = 96, thread 2 x 8 x 5 + 1 = 81: (95 - 96) / 81 rounds down.
+    {10000000000, 10000, 2, 20000, 1, 1, 1, 0, 0, false, -1, "  Scratch files are used for data storage."},
+    {10000000000, 10000, 2, 20000, 1, 1, 1, 0, 0, false, -1, "  Matrices in COMPLEX:   85.26% of available memory per thread (threadprivate)"},
+    {1500000000, 100, 1, 200, 0, 0, 0, 0, 0, false, 15832, "  Physical memory is not big enough to keep influence coeff. matrices."},
+    {10000000000, 1000, 1, 2, 0, 0, 0, 0, 0, false, 0, nullptr},
+    {10000000000, 1000, 1, 2000, 0, 0, 0, 1, 0, false, 0, nullptr},
+    {10000000000, 1000, 1, 2000, 0, 0, 0, 0, 1, false, 0, nullptr},
+}));
+// clang-format on
 
 TEST(MemoryPlan, OrderOfTheMatrixInMemory) {
     Options opt;

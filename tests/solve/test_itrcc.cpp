@@ -5,6 +5,14 @@
 
 namespace {
 
+// One right-hand side b of n values.
+IterativeColumn iterate(int n, f32 EPS, const Sweep &sweep, c32 *b) {
+    std::vector<IterativeColumn> columns(1);
+    columns[0].B = b;
+    EXPECT_EQ(ITRCC(n, EPS, sweep, columns), Status::ok);
+    return columns[0];
+}
+
 // A = 2: the sweep solves it at once and leaves nothing.
 TEST(Itrcc, ColumnsBeyondTheMemoryLimitAreWorkedInGroups) {
     constexpr int N = 20000;
@@ -61,11 +69,9 @@ TEST(Itrcc, SmallRightHandSidesAreMeasuredAbsolutely) {
             return Status::ok;
         };
         c32 b[2] = {given.b[0], given.b[1]};
-        std::vector<IterativeColumn> columns(1);
-        columns[0].B = b;
-        ASSERT_EQ(ITRCC(2, EPS, sweep, columns), Status::ok);
-        EXPECT_EQ(columns[0].ITER, given.first_is_enough ? 1 : 2) << given.b[1] << " " << given.r[1];
-        EXPECT_EQ(sweeps, columns[0].ITER);
+        const IterativeColumn column = iterate(2, EPS, sweep, b);
+        EXPECT_EQ(column.ITER, given.first_is_enough ? 1 : 2) << given.b[1] << " " << given.r[1];
+        EXPECT_EQ(sweeps, column.ITER);
     }
 }
 
@@ -76,11 +82,9 @@ TEST(Itrcc, StandingStillIsNoFault) {
         return Status::ok;
     };
     c32 b = 3;
-    std::vector<IterativeColumn> columns(1);
-    columns[0].B = &b;
-    ASSERT_EQ(ITRCC(1, EPSIT, still, columns), Status::ok);
-    EXPECT_EQ(columns[0].outcome, Outcome::not_converged);
-    EXPECT_EQ(columns[0].ITER, MAXIT - 1);
+    const IterativeColumn column = iterate(1, EPSIT, still, &b);
+    EXPECT_EQ(column.outcome, Outcome::not_converged);
+    EXPECT_EQ(column.ITER, MAXIT - 1);
     EXPECT_EQ(b, c32(35)) << "35 steps of 1";
 }
 
@@ -96,9 +100,7 @@ TEST(Itrcc, NextToNothingOnTheRight) {
             return Status::ok;
         };
         c32 b[2] = {size, 0};
-        std::vector<IterativeColumn> columns(1);
-        columns[0].B = b;
-        ASSERT_EQ(ITRCC(2, EPSIT * 1e-3f, sweep, columns), Status::ok);
+        iterate(2, EPSIT * 1e-3f, sweep, b);
         EXPECT_EQ(sweeps == 1, size < 1e-6f);
         if (sweeps == 1) {
             EXPECT_EQ(b[0], c32(5));

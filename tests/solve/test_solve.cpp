@@ -9,7 +9,6 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <omp.h>
 
 namespace {
 
@@ -17,17 +16,12 @@ namespace {
 // well-conditioned system.
 constexpr double SAME_SOLUTION = 1e-4;
 
-struct Hull {
-    const char *name;
-    int ISX, ISY;
-    hulls::Quads panels;
+// A quarter of a box with one heading.
+struct BoxSystem : PeriodSystem {
+    BoxSystem() {
+        EXPECT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, *this));
+    }
 };
-std::vector<Hull> all_hulls() {
-    return {{"box, 4 classes", 1, 1, hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 4, false)},
-            {"box, 1 class", 0, 0, hulls::mirrored(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 4, false))},
-            {"hemisphere", 0, 0, hulls::hemisphere(1, 8)},
-            {"hemisphere", 0, 0, hulls::hemisphere(1, 16)}};
-}
 
 struct Method {
     const char *name;
@@ -74,19 +68,23 @@ struct Attempt {
             return !failed(rows_to_scratch(c.run, c.thread, scratch.IUL, thread.AMAT.data()));
         if (failed(ALLOCATE_WA(c.run, thread)))
             return false;
-        std::memcpy(thread.ACORE.data(), c.thread.ACORE.data(),
-                    static_cast<std::size_t>(thread.ACORE.size()) * sizeof(c32));
+        std::copy_n(c.thread.ACORE.data(), thread.ACORE.size(), thread.ACORE.data());
         return true;
     }
     void copy_right_hand_sides(const PeriodSystem &c) {
-        std::memcpy(thread.PHIR.data(), c.thread.PHIR.data(),
-                    static_cast<std::size_t>(thread.PHIR.size()) * sizeof(c32));
-        std::memcpy(thread.PHID.data(), c.thread.PHID.data(),
-                    static_cast<std::size_t>(thread.PHID.size()) * sizeof(c32));
+        std::copy_n(c.thread.PHIR.data(), thread.PHIR.size(), thread.PHIR.data());
+        std::copy_n(c.thread.PHID.data(), thread.PHID.size(), thread.PHID.data());
     }
-    Status solve(const PeriodSystem &c, SolveRequest request, int (&ITER)[2]) {
+    Status solve(const PeriodSystem &c, SolveRequest request) {
         return SOLVE(c.run, request, thread.PHIR, thread.PHID, thread, ITER);
     }
+    // All of it by a method.
+    Status run(PeriodSystem &c, const Method &method, SolveRequest request) {
+        set_method(method, c.run);
+        EXPECT_TRUE(prepare(c));
+        return solve(c, request);
+    }
+    int ITER[2] = {7, 7};
 };
 
 // Largest difference of two solutions over the largest value of the second.
@@ -110,138 +108,49 @@ int files_left() {
     return count;
 }
 
-void reference(PeriodSystem &c, Attempt &direct) {
-    int ITER[2];
-    set_method(METHODS[0], c.run);
-    ASSERT_TRUE(direct.prepare(c));
-    ASSERT_EQ(direct.solve(c, {1, 1, 1}, ITER), Status::ok);
-    EXPECT_EQ(ITER[0], -1);
-    EXPECT_EQ(ITER[1], -1);
-}
-
-TEST(Solve, EveryMethodGivesTheDirectSolution) {
+// Larger hulls and full meshes are in tests/cases.
+TEST(Solve, EveryMethodGivesTheDirectSolutionAndKeepsItsMatrixForLaterCalls) {
     const RunFolder folder;
-    for (const Hull &hull : all_hulls()) {
-        PeriodSystem c;
-        ASSERT_TRUE(make_system(hull.panels, hull.ISX, hull.ISY, 2, c));
-        Attempt direct;
-        reference(c, direct);
-        for (const Method &method : METHODS) {
-            SCOPED_TRACE(std::string(hull.name) + ": " + method.name);
-            set_method(method, c.run);
-            Attempt attempt;
-            ASSERT_TRUE(attempt.prepare(c));
-            int ITER[2] = {7, 7};
-            ASSERT_EQ(attempt.solve(c, {1, 1, 1}, ITER), Status::ok);
-            EXPECT_LT(difference(attempt.thread.PHIR, direct.thread.PHIR), SAME_SOLUTION);
-            EXPECT_LT(difference(attempt.thread.PHID, direct.thread.PHID), SAME_SOLUTION);
-            EXPECT_EQ(files_left(), 0);
-            if (method.ISOLVE == 1)
-                continue;
-            for (const int count : ITER) {
-                EXPECT_GE(count, 2);
-                EXPECT_LE(count, 20);
-            }
-            std::printf("%-16s N=%d %-26s iterations %d, %d\n", hull.name, c.run.mesh.NEQN, method.name,
-                        ITER[0], ITER[1]);
-        }
-    }
-}
-
-TEST(Solve, AKeptMatrixServesLaterCalls) {
-    const RunFolder folder;
-    PeriodSystem c;
-    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
+    BoxSystem c;
+    Attempt direct;
+    ASSERT_EQ(direct.run(c, METHODS[0], {1, 1, 1}), Status::ok);
     for (const Method &method : METHODS) {
         SCOPED_TRACE(method.name);
-        set_method(method, c.run);
         Attempt attempt, once;
-        ASSERT_TRUE(once.prepare(c));
-        int ITER[2], again[2];
-        ASSERT_EQ(once.solve(c, {1, 1, 1, 0}, ITER), Status::ok);
-        ASSERT_TRUE(attempt.prepare(c));
-        ASSERT_EQ(attempt.solve(c, {1, 1, 1, 1}, again), Status::ok);
+        ASSERT_EQ(once.run(c, method, {1, 1, 1, 0}), Status::ok);
+        EXPECT_LT(difference(once.thread.PHIR, direct.thread.PHIR), SAME_SOLUTION);
+        EXPECT_LT(difference(once.thread.PHID, direct.thread.PHID), SAME_SOLUTION);
+        EXPECT_EQ(once.ITER[0] == -1, method.ISOLVE == 1);
+        ASSERT_EQ(attempt.run(c, method, {1, 1, 1, 1}), Status::ok);
         EXPECT_TRUE(same_bits(attempt.thread.PHIR, once.thread.PHIR));
         // The matrix in AMAT is gone when another one has been solved in between.
         attempt.thread.AMAT.fill(c32(1, 2));
         attempt.copy_right_hand_sides(c);
-        again[0] = 30;
-        ASSERT_EQ(attempt.solve(c, {-1, 1, 0, 1}, again), Status::ok);
-        EXPECT_EQ(again[0], 30) << "the counts of the chain are kept";
+        attempt.ITER[0] = 30;
+        ASSERT_EQ(attempt.solve(c, {-1, 1, 0, 1}), Status::ok);
+        EXPECT_EQ(attempt.ITER[0], 30) << "the counts of the chain are kept";
         EXPECT_TRUE(same_bits(attempt.thread.PHID, once.thread.PHID));
         attempt.thread.AMAT.fill(c32(1, 2));
         attempt.copy_right_hand_sides(c);
-        ASSERT_EQ(attempt.solve(c, {1, 1, 0, 0}, again), Status::ok);
+        ASSERT_EQ(attempt.solve(c, {1, 1, 0, 0}), Status::ok);
         EXPECT_TRUE(same_bits(attempt.thread.PHIR, once.thread.PHIR));
         EXPECT_TRUE(same_bits(attempt.thread.PHID, once.thread.PHID));
         EXPECT_EQ(files_left(), 0);
     }
 }
 
-TEST(Solve, TheSourceMatrixComesFromItsOwnUnits) {
-    const RunFolder folder;
-    PeriodSystem c;
-    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
-    Attempt direct;
-    reference(c, direct);
-    for (const Method &method : METHODS) {
-        if (method.INCORE)
-            continue;
-        SCOPED_TRACE(method.name);
-        set_method(method, c.run);
-        Attempt attempt;
-        ASSERT_TRUE(attempt.prepare(c));
-        ASSERT_EQ(rows_to_scratch(c.run, c.thread, attempt.scratch.IUE, nullptr), Status::ok);
-        attempt.thread.AMAT.fill(0); // class 1, too, is read
-        int ITER[2];
-        for (const int FACT : {1, 0}) {
-            attempt.copy_right_hand_sides(c);
-            ASSERT_EQ(attempt.solve(c, {1, 1, FACT, FACT, 1}, ITER), Status::ok);
-            EXPECT_LT(difference(attempt.thread.PHIR, direct.thread.PHIR), SAME_SOLUTION);
-            EXPECT_LT(difference(attempt.thread.PHID, direct.thread.PHID), SAME_SOLUTION);
-        }
+// A system of order n with one class, one radiation column and no headings.
+struct SmallSystem : PeriodSystem {
+    explicit SmallSystem(int n) {
+        run.mesh.NEQN = n;
+        run.sym.NSYMR = run.sym.NSYMD = run.sym.NMCLS[1] = 1;
+        EXPECT_TRUE(run.sym.MODCLS.alloc(1, 4) && run.sym.MODPOS.alloc(1) && thread.ACORE.alloc(n, n, 1) &&
+                    thread.PHIR.alloc(n, 1) && thread.PHID.alloc(n, 1, 1));
+        run.sym.MODCLS(1, 1) = run.sym.MODPOS(1) = 1;
+        for (int i = 1; i <= n; ++i)
+            thread.ACORE(i, i, 1) = 1;
     }
-}
-
-// A right-hand side alone, with others and on another number of cores: the same to the last bit.
-TEST(Solve, AColumnDoesNotDependOnItsCompany) {
-    const RunFolder folder;
-    PeriodSystem c;
-    ASSERT_TRUE(make_system(hulls::hemisphere(1, 16), 0, 0, 1, c));
-    const int threads = omp_get_max_threads();
-    for (const Method &method : METHODS) {
-        SCOPED_TRACE(method.name);
-        set_method(method, c.run);
-        Attempt all, alone;
-        int ITER[2];
-        omp_set_num_threads(2);
-        ASSERT_TRUE(all.prepare(c));
-        ASSERT_EQ(all.solve(c, {1, 1, 1}, ITER), Status::ok);
-        omp_set_num_threads(1);
-        ASSERT_TRUE(alone.prepare(c));
-        ASSERT_EQ(alone.solve(c, {-1, 1, 1}, ITER), Status::ok);
-        EXPECT_EQ(ITER[0], 0);
-        if (method.ISOLVE != 1) { // the factors go to LAPACK with up to four columns at a time
-            EXPECT_TRUE(same_bits(alone.thread.PHID, all.thread.PHID));
-        }
-        ASSERT_TRUE(alone.prepare(c));
-        ASSERT_EQ(alone.solve(c, {1, 1, 1}, ITER), Status::ok);
-        EXPECT_TRUE(same_bits(alone.thread.PHIR, all.thread.PHIR));
-        EXPECT_TRUE(same_bits(alone.thread.PHID, all.thread.PHID));
-        omp_set_num_threads(threads);
-    }
-}
-
-// Makes a system of order n with one class, one radiation column and no headings.
-void small_system(int n, PeriodSystem &c) {
-    c.run.mesh.NEQN = n;
-    c.run.sym.NSYMR = c.run.sym.NSYMD = c.run.sym.NMCLS[1] = 1;
-    ASSERT_TRUE(c.run.sym.MODCLS.alloc(1, 4) && c.run.sym.MODPOS.alloc(1) && c.thread.ACORE.alloc(n, n, 1) &&
-                c.thread.PHIR.alloc(n, 1) && c.thread.PHID.alloc(n, 1, 1));
-    c.run.sym.MODCLS(1, 1) = c.run.sym.MODPOS(1) = 1;
-    for (int i = 1; i <= n; ++i)
-        c.thread.ACORE(i, i, 1) = 1;
-}
+};
 
 TEST(Solve, SmallSystemsOfClosedForm) {
     const RunFolder folder;
@@ -249,26 +158,16 @@ TEST(Solve, SmallSystemsOfClosedForm) {
         if (method.ISOLVE > 1)
             continue;
         SCOPED_TRACE(method.name);
-        PeriodSystem one;
-        small_system(1, one);
-        one.thread.ACORE(1, 1, 1) = {0, 2};
-        one.thread.PHIR(1, 1) = {4, 0};
-        set_method(method, one.run);
-        Attempt attempt;
-        int ITER[2];
-        ASSERT_TRUE(attempt.prepare(one));
-        ASSERT_EQ(attempt.solve(one, {1, -1, 1}, ITER), Status::ok);
-        EXPECT_LT(std::abs(attempt.thread.PHIR(1, 1) - c32(0, -2)), 1e-6);
-        EXPECT_EQ(ITER[0], method.ISOLVE == 1 ? -1 : 1);
-        EXPECT_EQ(ITER[1], 0);
-
-        // Nothing on the right: nothing comes out, after one sweep.
-        attempt.thread.PHIR.fill(0);
-        ASSERT_TRUE(attempt.prepare(one));
-        attempt.thread.PHIR.fill(0);
-        ASSERT_EQ(attempt.solve(one, {1, -1, 1}, ITER), Status::ok);
-        EXPECT_EQ(attempt.thread.PHIR(1, 1), c32(0));
-        EXPECT_EQ(ITER[0], method.ISOLVE == 1 ? -1 : 1);
+        for (const f32 right : {4.0f, 0.0f}) { // nothing on the right: nothing comes out, after one sweep
+            SmallSystem one(1);
+            one.thread.ACORE(1, 1, 1) = {0, 2};
+            one.thread.PHIR(1, 1) = right;
+            Attempt attempt;
+            ASSERT_EQ(attempt.run(one, method, {1, -1, 1}), Status::ok);
+            EXPECT_LT(std::abs(attempt.thread.PHIR(1, 1) - c32(0, -right / 2)), 1e-6);
+            EXPECT_EQ(attempt.ITER[0], method.ISOLVE == 1 ? -1 : 1);
+            EXPECT_EQ(attempt.ITER[1], 0);
+        }
     }
 }
 
@@ -281,17 +180,13 @@ TEST(Solve, WhatDoesNotConvergeSaysSoAndGoesOn) {
         SCOPED_TRACE(method.name);
         const RunFolder folder;
         const int n = 60;
-        PeriodSystem c;
-        small_system(n, c);
+        SmallSystem c(n);
         for (int i = 1; i < n; ++i)
             c.thread.ACORE(i, i + 1, 1) = 1;
         c.thread.PHIR(n, 1) = 1;
-        set_method(method, c.run);
         Attempt attempt;
-        int ITER[2];
-        ASSERT_TRUE(attempt.prepare(c));
-        ASSERT_EQ(attempt.solve(c, {1, -1, 1}, ITER), Status::ok);
-        EXPECT_EQ(ITER[0], 35);
+        ASSERT_EQ(attempt.run(c, method, {1, -1, 1}), Status::ok);
+        EXPECT_EQ(attempt.ITER[0], 35);
         EXPECT_TRUE(folder.told(" No convergence after MAXITT iterations "));
         double norm = 0;
         for (int i = 1; i <= n; ++i) {
@@ -304,18 +199,13 @@ TEST(Solve, WhatDoesNotConvergeSaysSoAndGoesOn) {
 
 TEST(Solve, ASweepOutOfTheRangeOfNumbersIsAFault) {
     const RunFolder folder;
-    PeriodSystem c;
-    small_system(60, c);
+    SmallSystem c(60);
     for (int i = 1; i <= 60; ++i) {
         for (int j = 1; j <= 60; ++j)
             c.thread.ACORE(i, j, 1) = i == j ? c32(1) : c32(9, static_cast<f32>((i * 53 + j * 29) % 13 - 6));
         c.thread.PHIR(i, 1) = 1;
     }
-    set_method(METHODS[1], c.run);
-    Attempt attempt;
-    int ITER[2];
-    ASSERT_TRUE(attempt.prepare(c));
-    EXPECT_EQ(attempt.solve(c, {1, -1, 1}, ITER), Status::failed);
+    EXPECT_EQ(Attempt().run(c, METHODS[1], {1, -1, 1}), Status::failed);
     EXPECT_TRUE(folder.told(" Error in iterative solver: residual matrix is singular "));
     EXPECT_TRUE(folder.told("       Error in radiation solution for mode M=1"));
 }
@@ -326,15 +216,10 @@ TEST(Solve, ASingularMatrixIsRefused) {
             continue;
         SCOPED_TRACE(method.name);
         const RunFolder folder;
-        PeriodSystem c;
-        small_system(40, c);
+        SmallSystem c(40);
         for (int i = 1; i <= 40; ++i)
             c.thread.ACORE(i, 39, 1) = 0;
-        set_method(method, c.run);
-        Attempt attempt;
-        int ITER[2];
-        ASSERT_TRUE(attempt.prepare(c));
-        EXPECT_EQ(attempt.solve(c, {1, -1, 1}, ITER), Status::failed);
+        EXPECT_EQ(Attempt().run(c, method, {1, -1, 1}), Status::failed);
         EXPECT_TRUE(folder.told(method.ISOLVE == 1
                                     ? " Error in direct solver: left-hand-side is singular 1"
                                     : " Error in block iteration: left-hand-side is singular 1"));
@@ -357,8 +242,7 @@ TEST(Solve, DamagedFilesAreTold) {
                             {9, 69, true, " Error reading LHS scratch file in ITRCC "},
                             {9, 70, false, " Error reading LHS scratch file in SOLVE "},
                             {9, 67, true, " Error reading LHS scratch file in SOLVE "}};
-    PeriodSystem c;
-    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
+    BoxSystem c;
     for (const Damage &damage : cases) {
         const RunFolder folder;
         const Method &method = METHODS[damage.method];
@@ -369,8 +253,7 @@ TEST(Solve, DamagedFilesAreTold) {
         const std::string name = std::string("SCRATCH") + static_cast<char>(damage.unit);
         ASSERT_TRUE(folder.exists(name));
         std::filesystem::resize_file(name, damage.truncated ? std::filesystem::file_size(name) - 10 : 0);
-        int ITER[2];
-        EXPECT_EQ(attempt.solve(c, {1, 1, 1}, ITER), Status::failed);
+        EXPECT_EQ(attempt.solve(c, {1, 1, 1}), Status::failed);
         EXPECT_TRUE(folder.told(damage.told)) << folder.list_text();
         EXPECT_EQ(folder.told("       Error in diffraction solution for heading IBETA=1"),
                   folder.list_has("in ITRCC"));
@@ -380,8 +263,7 @@ TEST(Solve, DamagedFilesAreTold) {
 // The disk is full for one unit: with four classes and blocks all eight are in use, the last two for the
 // factors and, with KEEP, for the saved class 1.
 TEST(Solve, AFullDiskIsTold) {
-    PeriodSystem c;
-    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
+    BoxSystem c;
     ASSERT_EQ(c.run.sym.NSYMR, 4);
     for (const bool last_unit : {true, false}) {
         const RunFolder folder;
@@ -390,8 +272,7 @@ TEST(Solve, AFullDiskIsTold) {
         ASSERT_TRUE(attempt.prepare(c));
         EXPECT_EQ(files_left(), 6); // classes 2 to 4, rows, columns, blocks
         std::filesystem::create_symlink("/dev/full", last_unit ? "SCRATCHG" : "SCRATCH@");
-        int ITER[2];
-        EXPECT_EQ(attempt.solve(c, {1, 1, 1, 1}, ITER), Status::failed);
+        EXPECT_EQ(attempt.solve(c, {1, 1, 1, 1}), Status::failed);
         EXPECT_TRUE(folder.told(last_unit ? "Error writing scratch LHS file, UNIT=71"
                                           : "Error writing scratch LHS file, UNIT=64"))
             << folder.list_text();
@@ -400,15 +281,11 @@ TEST(Solve, AFullDiskIsTold) {
 
 TEST(Solve, SavedFactorsThatAreGoneAreTold) {
     const RunFolder folder;
-    PeriodSystem c;
-    ASSERT_TRUE(make_system(hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, false), 1, 1, 1, c));
-    set_method(METHODS[4], c.run);
+    BoxSystem c;
     Attempt attempt;
-    int ITER[2];
-    ASSERT_TRUE(attempt.prepare(c));
-    ASSERT_EQ(attempt.solve(c, {1, 1, 1, 1}, ITER), Status::ok);
+    ASSERT_EQ(attempt.run(c, METHODS[4], {1, 1, 1, 1}), Status::ok);
     std::filesystem::resize_file("SCRATCHA", 100);
-    EXPECT_EQ(attempt.solve(c, {1, 1, 0, 0}, ITER), Status::failed);
+    EXPECT_EQ(attempt.solve(c, {1, 1, 0, 0}), Status::failed);
     EXPECT_TRUE(folder.told("Unable to read scratch LHS file, UNIT=65")) << folder.list_text();
 }
 

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <vector>
 
 namespace hulls {
@@ -87,29 +88,45 @@ inline Quads hemisphere(double radius, int m) {
     return mesh;
 }
 
-// One body of these panels, ready for PREGEO: all modes on, at the given place.
-inline void set_body(const Quads &mesh, RunState &run, std::array<f32, 4> place = {0, 0, 0, 0}) {
-    const int N = static_cast<int>(mesh.size());
-    run.bodies.NBODY = 1;
-    run.bodies.NMODES = 6;
-    run.mesh.NEQN = N;
-    const bool made = run.bodies.XBODY.alloc(4, 1) && run.bodies.NEQNB.alloc(1) &&
-                      run.bodies.NEWMDS.alloc(1) && run.bodies.NPANS.alloc(1) && run.bodies.MODE.alloc(6) &&
-                      run.bodies.VOL.alloc(3, 1) && run.bodies.XCB.alloc(3, 1) &&
-                      run.mesh.XVER.alloc(4, 3, N) && allocate_mesh(run.bodies, run.mesh);
+// Bodies of these panels, ready for PREGEO: all modes on, each at the origin, extra[b] as NEWMDS of body b
+// + 1.
+inline void set_bodies(const std::vector<Quads> &meshes, RunState &run, const std::vector<int> &extra = {}) {
+    const int B = static_cast<int>(meshes.size());
+    Bodies &bodies = run.bodies;
+    bodies.NBODY = B;
+    bodies.NMODES = 6 * B;
+    for (const int n : extra)
+        bodies.NMODES += std::abs(n);
+    Quads all;
+    for (const Quads &mesh : meshes)
+        all.insert(all.end(), mesh.begin(), mesh.end());
+    const int N = run.mesh.NEQN = static_cast<int>(all.size());
+    const bool made = bodies.XBODY.alloc(4, B) && bodies.NEQNB.alloc(B) && bodies.NEWMDS.alloc(B) &&
+                      bodies.NPANS.alloc(B) && bodies.MODE.alloc(bodies.NMODES) && bodies.VOL.alloc(3, B) &&
+                      bodies.XCB.alloc(3, B) && run.mesh.XVER.alloc(4, 3, N) &&
+                      allocate_mesh(bodies, run.mesh);
     if (!made)
         std::abort();
-    run.bodies.NEQNB(1) = N;
-    run.bodies.NPANS(1) = N;
-    run.bodies.MODE.fill(1);
+    for (int b = 1; b <= B; ++b) {
+        const std::size_t at = static_cast<std::size_t>(b - 1);
+        bodies.NEQNB(b) = bodies.NPANS(b) = static_cast<int>(meshes[at].size());
+        bodies.NEWMDS(b) = extra.empty() ? 0 : extra[at];
+    }
+    bodies.MODE.fill(1);
+    f32 *value = run.mesh.XVER.data();
+    for (const Quad &quad : all)
+        for (std::size_t c = 0; c < 3; ++c)
+            for (const Point &vertex : quad)
+                *value++ = static_cast<f32>(vertex[c]);
+}
+// One body at the given place.
+inline void set_body(const Quads &mesh, RunState &run, std::array<f32, 4> place = {0, 0, 0, 0}) {
+    set_bodies({mesh}, run);
     for (int c = 1; c <= 4; ++c)
         run.bodies.XBODY(c, 1) = place[static_cast<std::size_t>(c - 1)];
-    for (int ip = 1; ip <= N; ++ip)
-        for (int v = 1; v <= 4; ++v)
-            for (int c = 1; c <= 3; ++c)
-                run.mesh.XVER(v, c, ip) =
-                    static_cast<f32>(mesh[static_cast<std::size_t>(ip - 1)][static_cast<std::size_t>(v - 1)]
-                                         [static_cast<std::size_t>(c - 1)]);
+}
+inline Status pre_pass(RunState &run) {
+    return PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh);
 }
 
 } // namespace hulls

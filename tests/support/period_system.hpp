@@ -35,8 +35,7 @@ inline bool make_system(const hulls::Quads &panels, int ISX, int ISY, int headin
         run.periods.SINBET(b) = std::sin(0.4f * static_cast<f32>(b - 1));
         run.periods.COSBET(b) = std::cos(0.4f * static_cast<f32>(b - 1));
     }
-    if (failed(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh)) ||
-        failed(SYMSET(6, ISX, ISY, run.bodies.MODE, 1, run.sym)) ||
+    if (failed(hulls::pre_pass(run)) || failed(SYMSET(6, ISX, ISY, run.bodies.MODE, 1, run.sym)) ||
         failed(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store)) ||
         failed(RANKIN(run.opt, run.bodies, run.mesh, run.dipoles, run.sym, run.store)) ||
         failed(allocate_solution(run, c.thread)) || failed(ALLOCATE_WA(run, c.thread)))

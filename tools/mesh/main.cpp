@@ -6,6 +6,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <map>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -56,6 +59,80 @@ bool write_gdf(const Request &request, const std::string &title, Panels panels, 
     return std::fclose(file) == 0 && good;
 }
 
+// What a shape takes beside the common options: sizes, counts, flags and the options of plates, by their names.
+struct Option {
+    const char *name, *text;
+};
+struct Shape {
+    const char *name, *text, *title;
+    bool of_plates;
+    std::vector<Option> options;
+    Panels (*quarter)(const Request &);
+};
+
+constexpr Option RADIUS{"--radius", "radius"}, DRAFT{"--draft", "draft"}, LENGTH{"--length", "length, along x"},
+    BEAM{"--beam", "beam, along y"}, AROUND{"--nu", "panels around"}, ALONG{"--nu", "panels along half the length"},
+    ACROSS{"--nv", "panels along half the beam"}, OUTWARD{"--nw", "panels from the axis to the edge"},
+    LID{"--lid", "adds the inner free surface, normal down"};
+
+// clang-format off
+const Shape SHAPES[] = {
+    {"hemisphere", "floating hemisphere", "Hemisphere", false,
+     {RADIUS, AROUND, {"--nv", "panels from the waterline to the bottom"}},
+     [](const Request &r) { return hemisphere(r.radius, r.nu, r.nv); }},
+    {"cylinder", "truncated vertical cylinder", "Truncated cylinder", false,
+     {RADIUS, DRAFT, AROUND, {"--nv", "panels down the side"}, OUTWARD,
+      {"--standing", "no bottom: the cylinder stands on the sea bed"}, LID},
+     [](const Request &r) { return cylinder(r.radius, r.draft, r.nu, r.nv, r.nw, !r.standing, r.lid); }},
+    {"box", "rectangular barge", "Barge", false,
+     {LENGTH, BEAM, DRAFT, ALONG, ACROSS, {"--nw", "panels down the draft"}, LID},
+     [](const Request &r) { return box(r.length, r.beam, r.draft, r.nu, r.nv, r.nw, r.lid); }},
+    {"wigley", "Wigley hull with parabolic sections and waterlines", "Wigley hull", false,
+     {LENGTH, BEAM, DRAFT, ALONG, {"--nv", "panels down the draft"}},
+     [](const Request &r) { return wigley(r.length, r.beam, r.draft, r.nu, r.nv); }},
+    {"disc", "horizontal disc without thickness, of dipole panels", "Disc", true,
+     {RADIUS, {"--depth", "depth below the free surface"}, AROUND, OUTWARD},
+     [](const Request &r) { return heave_plate(r.radius, -r.depth, r.nu, r.nw); }},
+    {"plates", "two vertical plates without thickness, across x, from the free surface", "Two plates", true,
+     {{"--distance", "distance of the plates"}, BEAM, DRAFT, {"--nu", "panels along half the beam"},
+      {"--nv", "panels down the draft"}},
+     [](const Request &r) { return twin_plates(r.distance, r.beam, r.draft, r.nu, r.nv); }},
+    {"tank", "closed rectangular tank, normals out of the fluid", "Tank", false,
+     {LENGTH, BEAM, {"--height", "height"}, {"--depth", "depth of its top below z = 0"}, ALONG, ACROSS,
+      {"--nw", "panels down the height"}},
+     [](const Request &r) { return tank(r.length, r.beam, r.height, -r.depth, r.nu, r.nv, r.nw); }},
+};
+// clang-format on
+
+CLI::App *add_shape(CLI::App &app, const Shape &shape, Request &r) {
+    CLI::App *command = app.add_subcommand(shape.name, shape.text);
+    command->add_option("-o,--output", r.output, "name of the GDF file")->required();
+    command->add_option("--part", r.part, "quarter, half-x (x >= 0, symmetric about x = 0), half-y, full")
+        ->check(CLI::IsMember({"quarter", "half-x", "half-y", "full"}));
+    command->add_option("--offset", r.offset, "added to x, y, z of all vertices")->expected(3);
+    command->add_option("--ulen", r.ULEN, "length scale ULEN of the file")->check(CLI::PositiveNumber);
+    command->add_option("--gravity", r.GRAV, "gravity GRAV of the file")->check(CLI::PositiveNumber);
+    if (shape.of_plates) {
+        command->add_option("--idip", r.mark, "mark IDIP of the panels");
+        command->add_option("--dpora", r.porosity[0], "porosity coefficient DPORA");
+        command->add_option("--dporb", r.porosity[1], "porosity coefficient DPORB");
+    }
+    const std::map<std::string, double *> sizes = {
+        {"--length", &r.length}, {"--beam", &r.beam},         {"--draft", &r.draft}, {"--radius", &r.radius},
+        {"--depth", &r.depth},   {"--distance", &r.distance}, {"--height", &r.height}};
+    const std::map<std::string, int *> counts = {{"--nu", &r.nu}, {"--nv", &r.nv}, {"--nw", &r.nw}};
+    const std::map<std::string, bool *> flags = {{"--lid", &r.lid}, {"--standing", &r.standing}};
+    for (const auto &[name, text] : shape.options) {
+        if (sizes.count(name) > 0)
+            command->add_option(name, *sizes.at(name), text)->check(CLI::PositiveNumber);
+        else if (counts.count(name) > 0)
+            command->add_option(name, *counts.at(name), text)->check(CLI::Range(1, 10000));
+        else
+            command->add_flag(name, *flags.at(name), text);
+    }
+    return command;
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -63,109 +140,21 @@ int main(int argc, char **argv) {
                  "Panel counts are those of one quarter.");
     app.require_subcommand(1);
     Request r;
-    const auto common = [&](CLI::App *shape) {
-        shape->add_option("-o,--output", r.output, "name of the GDF file")->required();
-        shape->add_option("--part", r.part, "quarter, half-x (x >= 0, symmetric about x = 0), half-y, full")
-            ->check(CLI::IsMember({"quarter", "half-x", "half-y", "full"}));
-        shape->add_option("--offset", r.offset, "added to x, y, z of all vertices")->expected(3);
-        shape->add_option("--ulen", r.ULEN, "length scale ULEN of the file")->check(CLI::PositiveNumber);
-        shape->add_option("--gravity", r.GRAV, "gravity GRAV of the file")->check(CLI::PositiveNumber);
-    };
-    const auto count = [](CLI::App *shape, const char *name, int &value, const char *text) {
-        shape->add_option(name, value, text)->check(CLI::Range(1, 10000));
-    };
-    const auto size = [](CLI::App *shape, const char *name, double &value, const char *text) {
-        shape->add_option(name, value, text)->check(CLI::PositiveNumber);
-    };
-    CLI::App *sphere = app.add_subcommand("hemisphere", "floating hemisphere");
-    common(sphere);
-    size(sphere, "--radius", r.radius, "radius");
-    count(sphere, "--nu", r.nu, "panels around");
-    count(sphere, "--nv", r.nv, "panels from the waterline to the bottom");
-    CLI::App *tube = app.add_subcommand("cylinder", "truncated vertical cylinder");
-    common(tube);
-    size(tube, "--radius", r.radius, "radius");
-    size(tube, "--draft", r.draft, "draft");
-    count(tube, "--nu", r.nu, "panels around");
-    count(tube, "--nv", r.nv, "panels down the side");
-    count(tube, "--nw", r.nw, "panels from the axis to the edge");
-    tube->add_flag("--standing", r.standing, "no bottom: the cylinder stands on the sea bed");
-    tube->add_flag("--lid", r.lid, "adds the inner free surface, normal down");
-    CLI::App *barge = app.add_subcommand("box", "rectangular barge");
-    common(barge);
-    size(barge, "--length", r.length, "length, along x");
-    size(barge, "--beam", r.beam, "beam, along y");
-    size(barge, "--draft", r.draft, "draft");
-    count(barge, "--nu", r.nu, "panels along half the length");
-    count(barge, "--nv", r.nv, "panels along half the beam");
-    count(barge, "--nw", r.nw, "panels down the draft");
-    barge->add_flag("--lid", r.lid, "adds the inner free surface, normal down");
-    CLI::App *hull = app.add_subcommand("wigley", "Wigley hull with parabolic sections and waterlines");
-    common(hull);
-    size(hull, "--length", r.length, "length, along x");
-    size(hull, "--beam", r.beam, "beam, along y");
-    size(hull, "--draft", r.draft, "draft");
-    count(hull, "--nu", r.nu, "panels along half the length");
-    count(hull, "--nv", r.nv, "panels down the draft");
-    const auto plate_options = [&](CLI::App *shape) {
-        shape->add_option("--idip", r.mark, "mark IDIP of the panels");
-        shape->add_option("--dpora", r.porosity[0], "porosity coefficient DPORA");
-        shape->add_option("--dporb", r.porosity[1], "porosity coefficient DPORB");
-    };
-    CLI::App *plate = app.add_subcommand("disc", "horizontal disc without thickness, of dipole panels");
-    common(plate);
-    plate_options(plate);
-    size(plate, "--radius", r.radius, "radius");
-    size(plate, "--depth", r.depth, "depth below the free surface");
-    count(plate, "--nu", r.nu, "panels around");
-    count(plate, "--nw", r.nw, "panels from the axis to the edge");
-    CLI::App *twin = app.add_subcommand("plates", "two vertical plates without thickness, across x, from the free surface");
-    common(twin);
-    plate_options(twin);
-    size(twin, "--distance", r.distance, "distance of the plates");
-    size(twin, "--beam", r.beam, "beam, along y");
-    size(twin, "--draft", r.draft, "draft");
-    count(twin, "--nu", r.nu, "panels along half the beam");
-    count(twin, "--nv", r.nv, "panels down the draft");
-    CLI::App *closed = app.add_subcommand("tank", "closed rectangular tank, normals out of the fluid");
-    common(closed);
-    size(closed, "--length", r.length, "length, along x");
-    size(closed, "--beam", r.beam, "beam, along y");
-    size(closed, "--height", r.height, "height");
-    size(closed, "--depth", r.depth, "depth of its top below z = 0");
-    count(closed, "--nu", r.nu, "panels along half the length");
-    count(closed, "--nv", r.nv, "panels along half the beam");
-    count(closed, "--nw", r.nw, "panels down the height");
+    std::vector<CLI::App *> commands;
+    for (const Shape &shape : SHAPES)
+        commands.push_back(add_shape(app, shape, r));
     CLI11_PARSE(app, argc, argv);
 
+    const Shape *shape = SHAPES;
+    for (CLI::App *command : commands) {
+        if (command->parsed())
+            break;
+        ++shape;
+    }
     int ISX = 0;
     int ISY = 0;
-    Panels quarter;
-    std::string title;
-    if (sphere->parsed()) {
-        quarter = hemisphere(r.radius, r.nu, r.nv);
-        title = "Hemisphere";
-    } else if (tube->parsed()) {
-        quarter = cylinder(r.radius, r.draft, r.nu, r.nv, r.nw, !r.standing, r.lid);
-        title = "Truncated cylinder";
-    } else if (barge->parsed()) {
-        quarter = box(r.length, r.beam, r.draft, r.nu, r.nv, r.nw, r.lid);
-        title = "Barge";
-    } else if (plate->parsed()) {
-        quarter = heave_plate(r.radius, -r.depth, r.nu, r.nw);
-        title = "Disc";
-    } else if (twin->parsed()) {
-        quarter = twin_plates(r.distance, r.beam, r.draft, r.nu, r.nv);
-        title = "Two plates";
-    } else if (closed->parsed()) {
-        quarter = tank(r.length, r.beam, r.height, -r.depth, r.nu, r.nv, r.nw);
-        title = "Tank";
-    } else {
-        quarter = wigley(r.length, r.beam, r.draft, r.nu, r.nv);
-        title = "Wigley hull";
-    }
-    const Panels panels = part_of(quarter, r.part, ISX, ISY);
-    if (!write_gdf(r, title + ", " + r.part, panels, ISX, ISY)) {
+    const Panels panels = part_of(shape->quarter(r), r.part, ISX, ISY);
+    if (!write_gdf(r, std::string(shape->title) + ", " + r.part, panels, ISX, ISY)) {
         std::fprintf(stderr, "vorda-mesh: %s cannot be written: %s\n", r.output.c_str(), std::strerror(errno));
         return 1;
     }
