@@ -55,7 +55,7 @@ bool form_coefficients(const P2fFile &p2f, Coefficients &coefficients) {
                     continue;
                 const c64 value = pressure_integral(p2f, i, &p2f.PHIR(1, p2f.MODPOS(j), t));
                 coefficients.A(i, j, t) = static_cast<f32>(value.real());
-                coefficients.B(i, j, t) = static_cast<f32>(-value.imag());
+                coefficients.B(i, j, t) = static_cast<f32>(0 - value.imag()); // 0, not -0, without waves
             }
             for (int b = 1; p2f.IDIFF >= 0 && b <= p2f.NBETA; ++b)
                 coefficients.X(i, b, t) = c32(pressure_integral(p2f, i, &p2f.PHID(1, b, s, t)));
