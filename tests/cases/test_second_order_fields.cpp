@@ -6,6 +6,15 @@ namespace {
 
 using namespace drift;
 
+// Whether the error of a coarse mesh over that of a fine one is that of the order of the panels.
+void expect_order(double coarse, double fine, double least, double most) {
+    EXPECT_GT(coarse, least * fine);
+    EXPECT_LT(coarse, most * fine);
+}
+std::string hemisphere(int n) {
+    return "hemisphere --part quarter --nu " + std::to_string(n) + " --nv " + std::to_string(n);
+}
+
 // Fields at five equal steps of a variable: the derivative at the middle one.
 template <class Of> std::vector<Field> derivative(double step, Of of) {
     std::vector<Field> result = of(3);
@@ -66,9 +75,7 @@ TEST(SecondOrder, ZeroSpeedSetsAreDerivativesByFrequency) {
             pot.HBOT = depth;
             pot.PER = "0.86 0.88 0.90 0.92 0.94";
             pot.NPER = 5;
-            prepare_drift(folder, pot,
-                          std::string("hemisphere --part quarter") +
-                              (fine == 1 ? " --nu 8 --nv 8" : " --nu 4 --nv 4"));
+            prepare_drift(folder, pot, hemisphere(fine == 1 ? 8 : 4));
             folder.write("run.fdf", "none\n0\n0 0\n0\n");
             P2fFile p;
             run_drift(folder, p);
@@ -79,8 +86,7 @@ TEST(SecondOrder, ZeroSpeedSetsAreDerivativesByFrequency) {
         }
         for (const int k : {0, 1}) { // panels of half the size: second order
             EXPECT_LT(error[1][k], 1e-3) << names[k][0];
-            EXPECT_GT(error[0][k], 2.5 * error[1][k]) << names[k][0];
-            EXPECT_LT(error[0][k], 6 * error[1][k]) << names[k][0];
+            expect_order(error[0][k], error[1][k], 2.5, 6);
         }
     }
 }
@@ -90,9 +96,7 @@ TEST(SecondOrder, BothWaysToTheFreeSurfaceAgree) {
     double error[2][2];
     for (const int fine : {0, 1}) {
         CaseFolder folder;
-        prepare_drift(folder, drift_pot(),
-                      std::string("hemisphere --part quarter") +
-                          (fine == 1 ? " --nu 8 --nv 8" : " --nu 4 --nv 4"));
+        prepare_drift(folder, drift_pot(), hemisphere(fine == 1 ? 8 : 4));
         folder.write("run.fdf",
                      "a few panels\n0\n3 0\n0\n1.2 1.2 1.5 1.5 0.1 0.4 0.4 0.1\n2 2 2.5 2.5 2 2.5 2.5 2\n"
                      "0.5 0.5 1 1 3 4 4 3\n");
@@ -104,24 +108,22 @@ TEST(SecondOrder, BothWaysToTheFreeSurfaceAgree) {
     }
     EXPECT_LT(error[1][0], 0.06);
     EXPECT_LT(error[1][1], 0.02);
-    for (const int k : {0, 1}) { // panels of half the size: first order
-        EXPECT_GT(error[0][k], 1.4 * error[1][k]);
-        EXPECT_LT(error[0][k], 3 * error[1][k]);
-    }
+    for (const int k : {0, 1}) // panels of half the size: first order
+        expect_order(error[0][k], error[1][k], 1.4, 3);
 }
 
 // Errors of the steady flows past a sphere of radius 1 (double body), as root of the sum of squares over that
 // of the values: velocity on the hull; potential, gradient and second derivative on the free surface, further
-// off the waterline than `gap`, where the sources are felt panel by panel.
-std::array<double, 4> errors_of_sphere_flows(const P2fFile &p, double gap) {
-    std::array<double, 4> error{}, size{};
+// off the waterline than `gap`, where the sources are felt panel by panel; potential at the waterline.
+constexpr std::size_t ERRORS = 5;
+std::array<double, ERRORS> errors_of_sphere_flows(const P2fFile &p, double gap) {
+    std::array<double, ERRORS> error{}, size{};
     const auto add = [&](std::size_t k, f32 value, double exact) {
         error[k] += std::pow(static_cast<double>(value) - exact, 2);
         size[k] += exact * exact;
     };
     const auto at = [](const Array<f32, 2> &points, int i) {
-        return std::array<double, 4>{0, static_cast<double>(points(1, i)), static_cast<double>(points(2, i)),
-                                     static_cast<double>(points(3, i))};
+        return std::array<double, 4>{0, points(1, i), points(2, i), points(3, i)};
     };
     for (std::size_t d = 1; d <= 2; ++d) {
         const int column = static_cast<int>(d);
@@ -131,6 +133,8 @@ std::array<double, 4> errors_of_sphere_flows(const P2fFile &p, double gap) {
             for (std::size_t a = 1; a <= 3; ++a)
                 add(0, p.STB3(i, static_cast<int>(a), column), 1.5 * (x[d] * x[a] / r2 - (a == d ? 1 : 0)));
         }
+        for (int u = 1; u <= p.NWLB(1); ++u)
+            add(4, p.STB1(u, column), -1.5 * at(p.XCT, p.IWLP(u))[d]);
         for (int J = 1; J <= p.NFSP; ++J) {
             const auto x = at(p.XCTF, J);
             const double r = std::hypot(x[1], x[2]), r3 = std::pow(r, 3), r5 = r3 * r * r;
@@ -143,20 +147,18 @@ std::array<double, 4> errors_of_sphere_flows(const P2fFile &p, double gap) {
                     1.5 * x[d] * x[a] / r5 - (a == d ? 0.5 : 0) / r3);
         }
     }
-    for (std::size_t k = 0; k < 4; ++k)
+    for (std::size_t k = 0; k < ERRORS; ++k)
         error[k] = std::sqrt(error[k] / size[k]);
     return error;
 }
 
 TEST(SecondOrder, SteadyFlowsPastAHemisphereAreThoseOfASphere) {
-    std::array<double, 4> error[2];
+    std::array<double, ERRORS> error[2];
     for (const int fine : {0, 1}) {
         CaseFolder folder;
         Pot pot = drift_pot();
         pot.IDIFF = -1;
-        prepare_drift(folder, pot,
-                      std::string("hemisphere --part quarter") +
-                          (fine == 1 ? " --nu 12 --nv 12" : " --nu 6 --nv 6"));
+        prepare_drift(folder, pot, hemisphere(fine == 1 ? 12 : 6));
         P2fFile p;
         run_drift(folder, p);
         error[fine] = errors_of_sphere_flows(p, fine == 1 ? 0.08 : 0.16); // 0.6 sides of a hull panel
@@ -166,8 +168,8 @@ TEST(SecondOrder, SteadyFlowsPastAHemisphereAreThoseOfASphere) {
             EXPECT_NEAR(p.STB3(i, 3, 3), 0, 1e-6);
         }
     }
-    const double limit[4] = {0.02, 0.01, 0.05, 0.05};
-    for (std::size_t k = 0; k < 4; ++k) {
+    const double limit[ERRORS] = {0.02, 0.01, 0.05, 0.05, 0.04};
+    for (std::size_t k = 0; k < ERRORS; ++k) {
         EXPECT_LT(error[0][k], limit[k]) << k;
         EXPECT_GT(error[0][k], 1.2 * error[1][k]) << k;
     }
@@ -250,8 +252,7 @@ TEST(SecondOrder, ForcesOfSlowMotionAreAntisymmetric) {
         }
         for (int d = 1; d <= 3; ++d) { // panels of 0.6 the size: first order
             EXPECT_LT(mismatch[1][d], 0.08) << depth << " " << d;
-            EXPECT_GT(mismatch[0][d], 1.4 * mismatch[1][d]) << depth << " " << d;
-            EXPECT_LT(mismatch[0][d], 2.8 * mismatch[1][d]) << depth << " " << d;
+            expect_order(mismatch[0][d], mismatch[1][d], 1.4, 2.8);
         }
     }
 }
@@ -296,12 +297,9 @@ TEST(SecondOrder, TurningBodyOfRevolution) {
         EXPECT_LT(surge[1], 0.04); // panels of half the size: first order
         EXPECT_LT(roll[1], 0.11);
         EXPECT_LT(waves[1], 0.001); // second order
-        for (const auto &[coarse_error, fine_error] : {std::pair{surge[0], surge[1]}, {roll[0], roll[1]}}) {
-            EXPECT_GT(coarse_error, 1.5 * fine_error) << depth;
-            EXPECT_LT(coarse_error, 2.5 * fine_error) << depth;
-        }
-        EXPECT_GT(waves[0], 2.5 * waves[1]);
-        EXPECT_LT(waves[0], 6 * waves[1]);
+        expect_order(surge[0], surge[1], 1.5, 2.5);
+        expect_order(roll[0], roll[1], 1.5, 2.5);
+        expect_order(waves[0], waves[1], 2.5, 6);
     }
 }
 
