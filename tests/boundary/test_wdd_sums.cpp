@@ -72,18 +72,14 @@ void make(Case &c, f32 HBOT) {
     c.wave = frequency_variables(NU, HBOT, ratio);
     std::mt19937 random(11);
     std::uniform_real_distribution<f32> unit(-1, 1);
-    const auto fill = [&](auto &...array) {
-        (std::for_each(array.data(), array.data() + array.size(),
-                       [&](c32 &value) {
-                           value = {unit(random), unit(random)};
-                       }),
-         ...);
+    const auto fill = [&](auto *numbers, std::int64_t n) { // complex ones as pairs
+        f32 *const values = reinterpret_cast<f32 *>(numbers);
+        std::generate_n(values, n * static_cast<std::int64_t>(sizeof(*numbers) / sizeof(f32)),
+                        [&]() { return unit(random); });
     };
-    fill(t.PHIR, t.SRCR, t.PHID, t.SRCD, s.PHID2, s.SRCD2, s.W2D0, s.W2D0B);
-    const auto fill_real = [&](auto &...array) {
-        (std::generate_n(array.data(), array.size(), [&]() { return unit(random); }), ...);
-    };
-    fill_real(run.flow.STB3, run.flow.STF2, run.flow.STF3);
+    const auto fill_all = [&](auto &...array) { (fill(array.data(), array.size()), ...); };
+    fill_all(t.PHIR, t.SRCR, t.PHID, t.SRCD, s.PHID2, s.SRCD2, s.W2D0, s.W2D0B);
+    fill_all(run.flow.STB3, run.flow.STF2, run.flow.STF3);
 }
 
 // Rounding of sums of some hundred products of either sign.
@@ -153,12 +149,9 @@ PlainSums plain_sums(const Case &c, int i, int J, int col, int b) {
     };
     const double beta = std::atan2(sb, cb);
     const c64 turned = (incident(beta + 1e-5) - incident(beta - 1e-5)) / 2e-5;
-    for (const auto &[k, value] : {std::pair{1, incident(beta)},
-                                   {2, incident(beta)},
-                                   {3, K * K * incident(beta)},
-                                   {4, turned},
-                                   {5, K * K * turned}})
-        r.FSD[k] += value;
+    const c64 waves[6] = {0, incident(beta), incident(beta), K * K * incident(beta), turned, K * K * turned};
+    for (int k = 1; k <= 5; ++k)
+        r.FSD[k] += waves[k];
     return r;
 }
 

@@ -83,36 +83,6 @@ struct Field {
 template <class T> std::vector<c32> column_of(const T *values, std::int64_t n) {
     return {values, values + n};
 }
-// Columns by mode, empty for a mode that is off, each of `parts` components.
-inline void add_radiation(std::vector<Field> &fields, const P2fFile &p, const char *name,
-                          const Array<c32, 3> &array, int t, int parts = 1) {
-    if (array.size() == 0)
-        return;
-    const std::int64_t n = array.dim(1);
-    Field field{name, n != p.NEQN, {}};
-    for (int mode = 1; mode <= 6; ++mode)
-        for (int a = 1; a <= parts; ++a)
-            field.columns.push_back(p.MODPOS(mode) == 0
-                                        ? std::vector<c32>()
-                                        : column_of(&array(1, parts * (p.MODPOS(mode) - 1) + a, t), n));
-    fields.push_back(field);
-}
-inline void add_diffraction(std::vector<Field> &fields, const P2fFile &p, const char *name,
-                            const Array<c32, 4> &array, int t) {
-    if (array.size() == 0)
-        return;
-    const std::int64_t n = array.dim(1);
-    Field field{name, n != p.NEQN, {}};
-    for (std::int64_t c = 1; c <= array.dim(2); ++c) {
-        std::vector<c32> sum(static_cast<std::size_t>(n));
-        for (int s = 1; s <= p.NSYMR; ++s)
-            for (std::int64_t i = 1; i <= n; ++i)
-                sum[static_cast<std::size_t>(i - 1)] += array(i, c, s, t);
-        field.columns.push_back(sum);
-    }
-    fields.push_back(field);
-}
-
 inline std::vector<Field> fields_of(const P2fFile &p, int t = 1) {
     std::vector<Field> fields;
     Field waterline{"STB1", false, {{}, {}}};
@@ -130,11 +100,31 @@ inline std::vector<Field> fields_of(const P2fFile &p, int t = 1) {
             field.columns.push_back(column_of(array.data() + c * n, n));
         fields.push_back(field);
     };
-    const auto radiation = [&](const char *name, const auto &array, int parts = 1) {
-        add_radiation(fields, p, name, array, t, parts);
+    // By mode, empty for a mode that is off, each of `parts` components.
+    const auto radiation = [&](const char *name, const Array<c32, 3> &array, int parts = 1) {
+        if (array.size() == 0)
+            return;
+        Field field{name, array.dim(1) != p.NEQN, {}};
+        for (int mode = 1; mode <= 6; ++mode)
+            for (int a = 1 - parts; a <= 0; ++a) {
+                const int last = parts * p.MODPOS(mode);
+                field.columns.push_back(last == 0 ? std::vector<c32>()
+                                                  : column_of(&array(1, last + a, t), array.dim(1)));
+            }
+        fields.push_back(field);
     };
-    const auto diffraction = [&](const char *name, const auto &array) {
-        add_diffraction(fields, p, name, array, t);
+    const auto diffraction = [&](const char *name, const Array<c32, 4> &array) {
+        if (array.size() == 0)
+            return;
+        Field field{name, array.dim(1) != p.NEQN, {}};
+        for (std::int64_t c = 1; c <= array.dim(2); ++c) {
+            std::vector<c32> sum(static_cast<std::size_t>(array.dim(1)));
+            for (int s = 1; s <= p.NSYMR; ++s)
+                for (std::size_t i = 0; i < sum.size(); ++i)
+                    sum[i] += (&array(1, c, s, t))[i];
+            field.columns.push_back(sum);
+        }
+        fields.push_back(field);
     };
     real("STB2", p.STB2), real("STB3", p.STB3);
     real("STF1", p.STF1), real("STF2", p.STF2), real("STF3", p.STF3);

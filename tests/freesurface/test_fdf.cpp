@@ -28,14 +28,10 @@ Polygon points_of(const Shape &shape, double x, double y, double a0, double a1, 
     for (int i = 0; i <= n; ++i) {
         const double a = a1 + (a0 - a1) * i / n;
         double u = std::cos(a), v = std::sin(a);
-        if (shape.box) { // equal steps on a square, from its middle outwards
-            const double p = std::fmod(a + 4 * PI, 2 * PI) / (PI / 4);
-            const auto side = [](double t) {
-                const double s = std::fmod(t + 8, 8.0);
-                return s <= 1 || s >= 7 ? 1.0 : s >= 3 && s <= 5 ? -1.0 : s < 3 ? 2 - s : s - 6;
-            };
-            u = side(p);
-            v = side(p - 2);
+        if (shape.box) { // out to the square
+            const double out = std::max(std::fabs(u), std::fabs(v));
+            u /= out;
+            v /= out;
         }
         const auto rounded = [](double t) { return std::fabs(t) < 1e-9 ? 0.0 : t; };
         points.push_back({rounded(x + shape.length / 2 * u), rounded(y + shape.beam / 2 * v)});
