@@ -72,6 +72,18 @@ inline void run_drift(const CaseFolder &folder, P2fFile &p2f) {
     folder.results(p2f, c);
 }
 
+// A run by its own, with the free-surface panels of the text or those that it makes.
+inline P2fFile drift_run(const Pot &pot, const std::string &mesh, const char *fdf = nullptr) {
+    CaseFolder folder;
+    P2fFile p;
+    prepare_drift(folder, pot, mesh);
+    if (fdf != nullptr)
+        folder.write("run.fdf", fdf);
+    run_drift(folder, p);
+    return p;
+}
+inline const char *const NO_PANELS = "none\n0\n0 0\n0\n";
+
 // Values of an array of a period on the panels: one column of numbers for each mode and component,
 // diffraction summed over the classes.
 struct Field {

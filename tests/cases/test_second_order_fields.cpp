@@ -31,15 +31,11 @@ template <class Of> std::vector<Field> derivative(double step, Of of) {
 TEST(SecondOrder, SecondFieldsAreHeadingDerivatives) {
     constexpr double STEP = 2; // degrees
     for (const char *depth : {"0.0", "1.5"}) {
-        CaseFolder folder;
         Pot pot = drift_pot();
         pot.HBOT = depth;
         pot.BETA = "26 28 30 32 34";
         pot.NBETA = 5;
-        prepare_drift(folder, pot, BOX + "quarter");
-        P2fFile p;
-        run_drift(folder, p);
-        const auto all = fields_of(p);
+        const auto all = fields_of(drift_run(pot, BOX + "quarter"));
         const auto heading = [&](int b) { // the columns of one heading, the components of velocities too
             std::vector<Field> fields = all;
             for (Field &field : fields) {
@@ -70,15 +66,11 @@ TEST(SecondOrder, ZeroSpeedSetsAreDerivativesByFrequency) {
     for (const char *depth : {"0.0", "1.5"}) {
         double error[2][2];
         for (const int fine : {0, 1}) {
-            CaseFolder folder;
             Pot pot = drift_pot();
             pot.HBOT = depth;
             pot.PER = "0.86 0.88 0.90 0.92 0.94";
             pot.NPER = 5;
-            prepare_drift(folder, pot, hemisphere(fine == 1 ? 8 : 4));
-            folder.write("run.fdf", "none\n0\n0 0\n0\n");
-            P2fFile p;
-            run_drift(folder, p);
+            const P2fFile p = drift_run(pot, hemisphere(fine == 1 ? 8 : 4), NO_PANELS);
             const auto slope = derivative(STEP, [&](int t) { return fields_of(p, t); });
             const auto middle = fields_of(p, 3);
             for (const int k : {0, 1})
@@ -95,14 +87,10 @@ TEST(SecondOrder, ZeroSpeedSetsAreDerivativesByFrequency) {
 TEST(SecondOrder, BothWaysToTheFreeSurfaceAgree) {
     double error[2][2];
     for (const int fine : {0, 1}) {
-        CaseFolder folder;
-        prepare_drift(folder, drift_pot(), hemisphere(fine == 1 ? 8 : 4));
-        folder.write("run.fdf",
-                     "a few panels\n0\n3 0\n0\n1.2 1.2 1.5 1.5 0.1 0.4 0.4 0.1\n2 2 2.5 2.5 2 2.5 2.5 2\n"
-                     "0.5 0.5 1 1 3 4 4 3\n");
-        P2fFile p;
-        run_drift(folder, p);
-        const auto fields = fields_of(p);
+        const auto fields = fields_of(
+            drift_run(drift_pot(), hemisphere(fine == 1 ? 8 : 4),
+                      "a few panels\n0\n3 0\n0\n1.2 1.2 1.5 1.5 0.1 0.4 0.4 0.1\n2 2 2.5 2.5 2 2.5 2.5 2\n"
+                      "0.5 0.5 1 1 3 4 4 3\n"));
         error[fine][0] = rms(named(fields, "FSR1"), named(fields, "FSR2"));
         error[fine][1] = rms(named(fields, "FSD1"), named(fields, "FSD2"));
     }
@@ -155,12 +143,9 @@ std::array<double, ERRORS> errors_of_sphere_flows(const P2fFile &p, double gap) 
 TEST(SecondOrder, SteadyFlowsPastAHemisphereAreThoseOfASphere) {
     std::array<double, ERRORS> error[2];
     for (const int fine : {0, 1}) {
-        CaseFolder folder;
         Pot pot = drift_pot();
         pot.IDIFF = -1;
-        prepare_drift(folder, pot, hemisphere(fine == 1 ? 12 : 6));
-        P2fFile p;
-        run_drift(folder, p);
+        const P2fFile p = drift_run(pot, hemisphere(fine == 1 ? 12 : 6));
         error[fine] = errors_of_sphere_flows(p, fine == 1 ? 0.08 : 0.16); // 0.6 sides of a hull panel
         for (int i = 1; i <= p.NEQN; ++i) { // a sphere turns without disturbance
             EXPECT_NEAR(p.STB3(i, 1, 3), p.XCT(2, i), 1e-6);
@@ -176,15 +161,10 @@ TEST(SecondOrder, SteadyFlowsPastAHemisphereAreThoseOfASphere) {
 }
 
 TEST(SecondOrder, DeepWaterIsTheLimitOfGreatDepth) {
-    P2fFile p[2];
-    for (const int deep : {0, 1}) {
-        CaseFolder folder;
-        Pot pot = drift_pot();
-        pot.HBOT = deep == 1 ? "0.0" : "30.0";
-        prepare_drift(folder, pot, BOX + "quarter");
-        run_drift(folder, p[deep]);
-    }
-    expect_same(p[0], p[1], 5e-3);
+    Pot deep = drift_pot(), finite = drift_pot();
+    deep.HBOT = "0.0";
+    finite.HBOT = "30.0";
+    expect_same(drift_run(finite, BOX + "quarter"), drift_run(deep, BOX + "quarter"), 5e-3);
 }
 
 // Class of a mode.
@@ -235,20 +215,16 @@ TEST(SecondOrder, ForcesOfSlowMotionAreAntisymmetric) {
     for (const char *depth : {"0.0", "1.5"}) {
         double mismatch[2][4];
         for (const int fine : {0, 1}) {
-            CaseFolder folder;
             Pot pot = drift_pot();
             pot.IDIFF = -1;
             pot.HBOT = depth;
-            prepare_drift(folder, pot,
-                          "box --length 2.4 --beam 1.4 --draft 0.7 --part quarter" + meshes[fine]);
-            P2fFile p;
-            run_drift(folder, p);
+            const std::string box = "box --length 2.4 --beam 1.4 --draft 0.7 --part quarter" + meshes[fine];
+            const P2fFile p = drift_run(pot, box), other = drift_run(pot, box, NO_PANELS);
             for (int d = 1; d <= 3; ++d)
                 mismatch[fine][d] = asymmetry(p, d, 0.9);
-            folder.write("run.fdf", "none\n0\n0 0\n0\n"); // without the free surface it is another problem
-            run_drift(folder, p);
-            EXPECT_GT(asymmetry(p, 1, 0.9), 2.5 * mismatch[fine][1]);
-            EXPECT_GT(asymmetry(p, 2, 0.9), 2.5 * mismatch[fine][2]);
+            // Without the free surface it is another problem.
+            EXPECT_GT(asymmetry(other, 1, 0.9), 2.5 * mismatch[fine][1]);
+            EXPECT_GT(asymmetry(other, 2, 0.9), 2.5 * mismatch[fine][2]);
         }
         for (int d = 1; d <= 3; ++d) { // panels of 0.6 the size: first order
             EXPECT_LT(mismatch[1][d], 0.08) << depth << " " << d;
@@ -271,13 +247,10 @@ TEST(SecondOrder, TurningBodyOfRevolution) {
     for (const char *depth : {"0.0", "1.5"}) {
         double surge[2], roll[2], waves[2];
         for (const int fine : {0, 1}) {
-            CaseFolder folder;
             Pot pot = drift_pot();
             pot.HBOT = depth;
-            prepare_drift(folder, pot, "cylinder --radius 1 --draft 1 --part quarter" + meshes[fine]);
-            P2fFile p;
-            run_drift(folder, p);
-            const auto fields = fields_of(p);
+            const auto fields =
+                fields_of(drift_run(pot, "cylinder --radius 1 --draft 1 --part quarter" + meshes[fine]));
             const Field &W2R3 = named(fields, "W2R3");
             const f32 nu = 0.9f;
             const auto error = [&](std::size_t from, std::size_t to, f32 sign) {

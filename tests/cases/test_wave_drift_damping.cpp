@@ -78,10 +78,7 @@ TEST(DriftDamping, DoesNotDependOnTheThreads) {
 }
 
 TEST(DriftDamping, OneProblemAloneIsSolvedAsInTheWholeRun) {
-    P2fFile both;
-    CaseFolder whole;
-    prepare_drift(whole, drift_pot(), BOX + "half-y");
-    run_drift(whole, both);
+    const P2fFile both = drift_run(drift_pot(), BOX + "half-y");
     Pot radiation = drift_pot(), modes = drift_pot(), diffraction = drift_pot(), none = drift_pot();
     radiation.IDIFF = modes.IDIFF = -1;
     radiation.NBETA = 0;
@@ -104,22 +101,16 @@ TEST(DriftDamping, OneProblemAloneIsSolvedAsInTheWholeRun) {
         EXPECT_EQ(p2f.FSR3.empty(), pot.IRAD < 0);
         expect_same(p2f, both, 1e-5);
     }
-    CaseFolder folder;
-    prepare_drift(folder, none, BOX + "half-y");
-    P2fFile p2f;
-    run_drift(folder, p2f);
+    const P2fFile p2f = drift_run(none, BOX + "half-y");
     EXPECT_EQ(p2f.NFSP, both.NFSP);
     EXPECT_EQ(p2f.STB2(1, 1), 0);
 }
 
 // No flow goes through the hull, with the incident wave and in the modes of motion.
 TEST(DriftDamping, VelocitiesMeetTheHull) {
-    CaseFolder folder;
     Pot pot = drift_pot();
     pot.HBOT = "3.0";
-    prepare_drift(folder, pot, BOX + "half-x");
-    P2fFile p;
-    run_drift(folder, p);
+    const P2fFile p = drift_run(pot, BOX + "half-x");
     for (int i = 1; i <= p.NEQN; ++i) {
         const auto through = [&](auto velocity) {
             c32 sum = 0;
