@@ -7,6 +7,8 @@
 #include "green_points.hpp"
 #include "run/messages.hpp"
 
+#include <random>
+
 namespace {
 
 constexpr int TERMS = 9;
@@ -161,6 +163,30 @@ TEST(WaveNumberKernelLimits, GreatDepth) {
         EXPECT_LT(P, row.P) << row.H;
         EXPECT_LT(W, row.W) << row.H;
         EXPECT_TRUE(row.H > 20 || W > 0.1 * row.W) << "the bottom is not felt";
+    }
+}
+
+TEST(WaveNumberKernelLimits, ResultsDependOnThePairAlone) {
+    std::mt19937 random(5);
+    std::uniform_real_distribution<f32> part(0, 1);
+    constexpr int N = 77;
+    f32 X[N], Y[N], Z[N];
+    int IFLAG[N];
+    for (int i = 0; i < N; ++i) {
+        X[i] = 6 * part(random);
+        Y[i] = 4 * part(random);
+        Z[i] = 2 * part(random);
+        IFLAG[i] = i % 3 == 0;
+    }
+    for (const f32 H : {-1.0f, 2.0f, 25.0f}) {
+        RegularWork work;
+        RegularTerms all[N], one;
+        ASSERT_TRUE(work.alloc(N));
+        ASSERT_EQ(REGPAR({N, 1, 1, 0.2f, X, Y, Z, IFLAG}, H, {}, work, all), Status::ok);
+        for (int i = 0; i < N; ++i) {
+            ASSERT_EQ(REGPAR({1, 1, 1, 0.2f, X + i, Y + i, Z + i, IFLAG + i}, H, {}, work, &one), Status::ok);
+            ASSERT_EQ(list(one), list(all[i])) << H << " " << i;
+        }
     }
 }
 
