@@ -1,14 +1,15 @@
-// Sums of a second-order period. Truth: the sums as they are defined, pair by pair in double precision; the
-// same body given whole, as a half or as a quarter; differences by the heading.
+// Sums of a second-order period. Truth: the sums as they are defined, pair by pair in double precision;
+// differences by the heading. Bodies given as a half or a quarter, threads and single problems: whole runs.
 #include "boundary/wdd_sums.hpp"
 
 #include "boundary/incident_wave.hpp"
 #include "green/field_kernels.hpp"
 #include "green/wdkern.hpp"
-#include "wdd_bodies.hpp"
+#include "hull_meshes.hpp"
+#include "run/symmetry.hpp"
 
-#include <cstring>
-#include <omp.h>
+#include <algorithm>
+#include <gtest/gtest.h>
 #include <random>
 
 namespace {
@@ -16,207 +17,73 @@ namespace {
 using c64 = std::complex<double>;
 constexpr int HEADINGS = 2;
 constexpr f32 NU = 1.1f;
-constexpr int TYPE_OF_MODE[7] = {0, 2, 4, 1, 4, 2, 3}; // parity of rigid modes
-constexpr int TYPE_OF_FLOW[4] = {0, 2, 4, 3};
-
-// What the sums fill: sets of radiation and of diffraction, on the body (8 each at most) and on the free
-// surface.
 struct Case {
     RunState run;
     ThreadState thread;
     PeriodWave wave;
-    std::vector<Array<c32, 2> *> radiation() {
-        SecondOrder &s = thread.second;
-        return {&s.W2R0, &s.W2R1, &s.W2R2, &s.W2R3, &s.FSR1, &s.FSR2, &s.FSR3};
-    }
-    std::vector<Array<c32, 3> *> diffraction() {
-        SecondOrder &s = thread.second;
-        return {&s.W2D0, &s.W2D0B, &s.W2D1, &s.W2D2, &s.W2D3, &s.FSD1, &s.FSD2, &s.FSD3, &s.FSD4, &s.FSD5};
-    }
 };
 
 hulls::Quads free_surface() {
     hulls::Quads quads;
     hulls::add_patch(quads, {0.5, 0, 0}, {0.8, 0, 0}, {0, 1.1, 0}, 2, 2);
     hulls::add_patch(quads, {0, 0.4, 0}, {0.5, 0, 0}, {0, 0.7, 0}, 2, 2);
-    return quads;
+    return hulls::mirrored(quads);
 }
 
-// Made-up solutions that have the parities of their modes and classes: random numbers on the quarter,
-// continued to the panels of the mesh.
-void make(Case &c, int ISX, int ISY, f32 HBOT) {
-    RunState &run = c.run;
-    wdd::make(run, hulls::quarter_box(1, 0.8, -0.5, 0, 2, false), free_surface(), ISX, ISY);
+// A body without symmetry planes, free-surface panels around it, and random solutions and steady flows.
+void make(Case &c, f32 HBOT) {
+    RunState &run = c.run, flat;
+    hulls::set_body(free_surface(), flat);
+    hulls::set_body(hulls::mirrored(hulls::quarter_box(1, 0.8, -0.5, 0, 2, false)), run);
+    run.opt.IQUAD = 1;
+    for (RunState *r : {&run, &flat})
+        ASSERT_EQ(PREGEO(r->opt, r->files, r->dipoles, r->bodies, r->mesh), Status::ok);
+    Mesh &m = flat.mesh;
+    run.surface = {m.NEQN,
+                   std::move(m.XIV),
+                   std::move(m.ETV),
+                   std::move(m.XCT),
+                   std::move(m.TRM),
+                   std::move(m.PMOM),
+                   std::move(m.SIDE),
+                   std::move(m.XGP),
+                   std::move(m.GJAC),
+                   std::move(m.PSIZ)};
+    ASSERT_EQ(SYMSET(6, 0, 0, run.bodies.MODE, 1, run.sym), Status::ok);
+    run.sym.WCLS1[1] = run.sym.WCLS2[1] = run.sym.WCLS3[1] = 1;
     run.opt.HBOT = HBOT;
-    run.opt.IRAD = run.opt.IDIFF = 1;
+    run.opt.IRAD = run.opt.IDIFF = run.opt.ISOR = run.opt.IWADD = 1;
     run.periods.NBETA = run.periods.NBETAM = HEADINGS;
-    const int N = run.mesh.NEQN, NFSP = run.surface.NFSP, D = run.sym.NSYMD, R = run.sym.NSYMR;
+    const int N = run.mesh.NEQN, NFSP = run.surface.NFSP;
     ThreadState &t = c.thread;
     SecondOrder &s = t.second;
     ASSERT_TRUE(run.periods.SINBET.alloc(HEADINGS) && run.periods.COSBET.alloc(HEADINGS) &&
-                t.PHIR.alloc(N, D) && t.SRCR.alloc(N, D));
+                run.flow.STB3.alloc(N, 3, 3) && run.flow.STF2.alloc(NFSP, 2, 3) &&
+                run.flow.STF3.alloc(NFSP, 3) && allocate_solution(run, t) == Status::ok &&
+                allocate_velocities(run, t));
     for (int b = 1; b <= HEADINGS; ++b) {
         run.periods.SINBET(b) = std::sin(0.7f * static_cast<f32>(b));
         run.periods.COSBET(b) = std::cos(0.7f * static_cast<f32>(b));
     }
-    for (Array<c32, 2> *set : c.radiation())
-        ASSERT_TRUE(set->alloc(set == &s.FSR1 || set == &s.FSR2 || set == &s.FSR3 ? NFSP : N, D));
-    std::size_t k = 0;
-    for (Array<c32, 3> *set : c.diffraction())
-        ASSERT_TRUE(set->alloc(k++ < 5 ? N : NFSP, HEADINGS, R));
-    for (Array<c32, 3> *set : {&t.PHID, &t.SRCD, &s.PHID2, &s.SRCD2})
-        ASSERT_TRUE(set->alloc(N, HEADINGS, R));
     f32 ratio = 1;
     if (HBOT > 0) {
         ASSERT_EQ(HGRN98(NU * HBOT, ratio, t.gstate), 0);
     }
     c.wave = frequency_variables(NU, HBOT, ratio);
-
-    const std::vector<int> images = wdd::images_in_mesh(ISX, ISY);
     std::mt19937 random(11);
     std::uniform_real_distribution<f32> unit(-1, 1);
-    const auto number = [&]() { return c32(unit(random), unit(random)); };
-    const auto in_mesh = [&](int type, auto set) { // set(offset of the image, image, its sign)
-        for (std::size_t g = 0; g < images.size(); ++g)
-            set(static_cast<int>(g), images[g], static_cast<f32>(SGN[type][images[g]]));
+    const auto fill = [&](auto *numbers, std::int64_t n) { // complex ones as pairs
+        f32 *const values = reinterpret_cast<f32 *>(numbers);
+        std::generate_n(values, n * static_cast<std::int64_t>(sizeof(*numbers) / sizeof(f32)),
+                        [&]() { return unit(random); });
     };
-    const int quarter = N / static_cast<int>(images.size()), flat = NFSP / static_cast<int>(images.size());
-    for (int i = 1; i <= quarter; ++i) {
-        for (int mode = 1; mode <= 6; ++mode)
-            for (Array<c32, 2> *set : {&t.PHIR, &t.SRCR}) {
-                const c32 value = number();
-                in_mesh(TYPE_OF_MODE[mode], [&](int g, int, f32 sign) {
-                    (*set)(g * quarter + i, run.sym.MODPOS(mode)) = sign * value;
-                });
-            }
-        for (Array<c32, 3> *set : {&t.PHID, &t.SRCD, &s.PHID2, &s.SRCD2, &s.W2D0, &s.W2D0B})
-            for (int b = 1; b <= HEADINGS; ++b)
-                for (int type = 1; type <= 4; ++type) {
-                    const c32 value = number();
-                    int at = 1; // class that holds this parity: the same signs in all images
-                    for (int k2 = 1; k2 <= R; ++k2) {
-                        bool same = true;
-                        for (int g = 1; g <= run.sym.NSYMG; ++g)
-                            same = same &&
-                                   SGN[type][run.sym.ISYMG[g]] == SGN[run.sym.ICLS[k2]][run.sym.ISYMG[g]];
-                        at = same ? k2 : at;
-                    }
-                    in_mesh(type,
-                            [&](int g, int, f32 sign) { (*set)(g * quarter + i, b, at) += sign * value; });
-                }
-        for (int d = 1; d <= 3; ++d) {
-            const f32 v[3] = {unit(random), unit(random), unit(random)};
-            in_mesh(TYPE_OF_FLOW[d], [&](int g, int image, f32 sign) {
-                run.flow.STB3(g * quarter + i, 1, d) = sign * static_cast<f32>(SGX[image]) * v[0];
-                run.flow.STB3(g * quarter + i, 2, d) = sign * static_cast<f32>(SGY[image]) * v[1];
-                run.flow.STB3(g * quarter + i, 3, d) = sign * v[2];
-            });
-        }
-    }
-    for (int J = 1; J <= flat; ++J)
-        for (int d = 1; d <= 3; ++d) {
-            const f32 v[3] = {unit(random), unit(random), unit(random)};
-            in_mesh(TYPE_OF_FLOW[d], [&](int g, int image, f32 sign) {
-                run.flow.STF2(g * flat + J, 1, d) = sign * static_cast<f32>(SGX[image]) * v[0];
-                run.flow.STF2(g * flat + J, 2, d) = sign * static_cast<f32>(SGY[image]) * v[1];
-                run.flow.STF3(g * flat + J, d) = sign * v[2];
-            });
-        }
+    const auto fill_all = [&](auto &...array) { (fill(array.data(), array.size()), ...); };
+    fill_all(t.PHIR, t.SRCR, t.PHID, t.SRCD, s.PHID2, s.SRCD2, s.W2D0, s.W2D0B);
+    fill_all(run.flow.STB3, run.flow.STF2, run.flow.STF3);
 }
 
-void run_sums(Case &c) {
-    ASSERT_EQ(WDDFS(c.run, c.wave, c.thread), Status::ok);
-    ASSERT_EQ(WDDRHS(c.run, c.wave, c.thread), Status::ok);
-}
-
-// Rounding of sums of some hundred products of either sign, over the largest value of an array.
+// Rounding of sums of some hundred products of either sign.
 constexpr double ROUNDING = 2e-5;
-
-// Parity of the k-th radiation set in column `mode`: of the class to which it moves.
-int moved_class(const Symmetry &sym, std::size_t set, int c) {
-    const int *const maps[4] = {nullptr, sym.WCLS1, sym.WCLS2, sym.WCLS3};
-    return set >= 1 && set <= 3 ? maps[set][c] : c;
-}
-
-class Meshes : public ::testing::TestWithParam<std::tuple<int, int, f32>> {}; // ISX, ISY, HBOT
-
-TEST_P(Meshes, HoldWhatTheWholeBodyHas) {
-    const auto [ISX, ISY, HBOT] = GetParam();
-    Case whole, part;
-    make(whole, 0, 0, HBOT);
-    make(part, ISX, ISY, HBOT);
-    run_sums(whole);
-    run_sums(part);
-    const Symmetry &sym = part.run.sym;
-    const std::vector<int> images = wdd::images_in_mesh(ISX, ISY);
-    const int parts = static_cast<int>(images.size());
-    // Panel of the whole mesh that is image m of panel i: images of the quarter follow each other there.
-    const auto place = [&](int i, int rows, int m) {
-        const int quarter = rows / parts, own = images[static_cast<std::size_t>((i - 1) / quarter)];
-        int g = 1;
-        while (SGX[g] != SGX[own] * SGX[m] || SGY[g] != SGY[own] * SGY[m])
-            ++g;
-        return (g - 1) * quarter + (i - 1) % quarter + 1;
-    };
-    const auto expect_equal = [&](const char *what, std::size_t set, int rows, auto in_whole, auto in_part) {
-        double error = 0, largest = 0;
-        for (int g = 1; g <= sym.NSYMG; ++g)
-            for (int i = 1; i <= rows; ++i) {
-                const c64 expected(in_whole(place(i, rows, sym.ISYMG[g])));
-                error = std::max(error, std::abs(expected - c64(in_part(i, sym.ISYMG[g]))));
-                largest = std::max(largest, std::abs(expected));
-            }
-        EXPECT_GT(largest, 0.01) << what << set;
-        EXPECT_LT(error, ROUNDING * largest) << what << set;
-    };
-    for (std::size_t set = 0; set < 7; ++set)
-        for (int c = 1; c <= sym.NSYMR; ++c)
-            for (int k = 1; k <= sym.NMCLS[c]; ++k) {
-                const int mode = sym.MODCLS(k, c), type = sym.ICLS[moved_class(sym, set, c)];
-                const auto &a = *whole.radiation()[set], &b = *part.radiation()[set];
-                expect_equal(
-                    "radiation ", set, static_cast<int>(b.dim(1)),
-                    [&](int i) { return a(i, whole.run.sym.MODPOS(mode)); },
-                    [&](int i, int m) { return static_cast<f32>(SGN[type][m]) * b(i, sym.MODPOS(mode)); });
-            }
-    for (std::size_t set = 0; set < 10; ++set)
-        for (int h = 1; h <= HEADINGS; ++h) {
-            const auto &a = *whole.diffraction()[set], &b = *part.diffraction()[set];
-            expect_equal(
-                "diffraction ", set, static_cast<int>(b.dim(1)), [&](int i) { return a(i, h, 1); },
-                [&](int i, int m) {
-                    c32 sum = 0;
-                    for (int c = 1; c <= sym.NSYMR; ++c)
-                        sum += static_cast<f32>(SGN[sym.ICLS[c]][m]) * b(i, h, c);
-                    return sum;
-                });
-        }
-}
-INSTANTIATE_TEST_SUITE_P(Symmetries, Meshes,
-                         ::testing::Values(std::tuple{0, 1, -1.0f}, std::tuple{1, 0, -1.0f},
-                                           std::tuple{1, 1, -1.0f}, std::tuple{1, 1, 0.9f}));
-
-TEST(WddSums, SameBytesWithAnyNumberOfThreads) {
-    const int threads = omp_get_max_threads();
-    Case one, three;
-    make(one, 0, 0, -1);
-    make(three, 0, 0, -1);
-    omp_set_num_threads(1);
-    run_sums(one);
-    omp_set_num_threads(3);
-    run_sums(three);
-    omp_set_num_threads(threads);
-    for (std::size_t set = 0; set < 7; ++set) {
-        const auto &a = *one.radiation()[set], &b = *three.radiation()[set];
-        EXPECT_EQ(std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(c32)), 0)
-            << set;
-    }
-    for (std::size_t set = 0; set < 10; ++set) {
-        const auto &a = *one.diffraction()[set], &b = *three.diffraction()[set];
-        EXPECT_EQ(std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(c32)), 0)
-            << set;
-    }
-}
 
 // The sums of one field point over a body without symmetry, for radiation column `col` and heading `b`.
 struct PlainSums {
@@ -282,23 +149,21 @@ PlainSums plain_sums(const Case &c, int i, int J, int col, int b) {
     };
     const double beta = std::atan2(sb, cb);
     const c64 turned = (incident(beta + 1e-5) - incident(beta - 1e-5)) / 2e-5;
-    for (const auto &[k, value] : {std::pair{1, incident(beta)},
-                                   {2, incident(beta)},
-                                   {3, K * K * incident(beta)},
-                                   {4, turned},
-                                   {5, K * K * turned}})
-        r.FSD[k] += value;
+    const c64 waves[6] = {0, incident(beta), incident(beta), K * K * incident(beta), turned, K * K * turned};
+    for (int k = 1; k <= 5; ++k)
+        r.FSD[k] += waves[k];
     return r;
 }
 
 TEST(WddSums, EqualThePlainSums) {
     for (const f32 HBOT : {-1.0f, 0.9f}) {
         Case c;
-        make(c, 0, 0, HBOT);
+        make(c, HBOT);
         SecondOrder &s = c.thread.second;
         const int i = 21, J = 18, col = 5, b = 2;
         const c64 before[2] = {s.W2D0(i, b, 1), s.W2D0B(i, b, 1)};
-        run_sums(c);
+        ASSERT_EQ(WDDFS(c.run, c.wave, c.thread), Status::ok);
+        ASSERT_EQ(WDDRHS(c.run, c.wave, c.thread), Status::ok);
         PlainSums r = plain_sums(c, i, J, col, b);
         r.W2D[0] += before[0];
         r.W2D0B += before[1];
@@ -314,28 +179,6 @@ TEST(WddSums, EqualThePlainSums) {
                       ROUNDING * (1 + std::abs(pairs[k].second)))
                 << k;
     }
-}
-
-// Only the problems that are asked for: the incident wave is always there, what is not asked for stays as it
-// was.
-TEST(WddSums, OnlyWhatIsSolved) {
-    Case all, diffraction, radiation;
-    for (Case *c : {&all, &diffraction, &radiation})
-        make(*c, 1, 1, -1);
-    diffraction.run.opt.IRAD = -1;
-    radiation.run.opt.IDIFF = -1;
-    radiation.thread.second.W2D1.fill(7);
-    const c32 before = radiation.thread.second.W2D0(1, 1, 1);
-    for (Case *c : {&all, &diffraction, &radiation})
-        run_sums(*c);
-    EXPECT_EQ(diffraction.thread.second.W2D3(3, 1, 2), all.thread.second.W2D3(3, 1, 2));
-    EXPECT_EQ(radiation.thread.second.W2R3(3, 2), all.thread.second.W2R3(3, 2));
-    for (std::size_t set = 0; set < 7; ++set)
-        EXPECT_EQ((*diffraction.radiation()[set])(2, 1), c32(0)) << set;
-    EXPECT_EQ(radiation.thread.second.W2D1(1, 1, 1), c32(7));
-    EXPECT_EQ(radiation.thread.second.W2D0(1, 1, 1), before);
-    EXPECT_EQ(radiation.thread.second.FSD1(1, 1, 1), radiation.thread.second.FSD2(1, 1, 1));
-    EXPECT_NE(radiation.thread.second.FSD1(1, 1, 1), c32(0));
 }
 
 } // namespace

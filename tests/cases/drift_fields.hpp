@@ -72,6 +72,18 @@ inline void run_drift(const CaseFolder &folder, P2fFile &p2f) {
     folder.results(p2f, c);
 }
 
+// A run by its own, with the free-surface panels of the text or those that it makes.
+inline P2fFile drift_run(const Pot &pot, const std::string &mesh, const char *fdf = nullptr) {
+    CaseFolder folder;
+    P2fFile p;
+    prepare_drift(folder, pot, mesh);
+    if (fdf != nullptr)
+        folder.write("run.fdf", fdf);
+    run_drift(folder, p);
+    return p;
+}
+inline const char *const NO_PANELS = "none\n0\n0 0\n0\n";
+
 // Values of an array of a period on the panels: one column of numbers for each mode and component,
 // diffraction summed over the classes.
 struct Field {
@@ -83,44 +95,6 @@ struct Field {
 template <class T> std::vector<c32> column_of(const T *values, std::int64_t n) {
     return {values, values + n};
 }
-
-inline void add_real(std::vector<Field> &fields, const char *name, bool surface, const auto &array) {
-    Field field{name, surface, {}};
-    const std::int64_t n = array.dim(1);
-    for (std::int64_t c = 0; n > 0 && c < array.size() / n; ++c)
-        field.columns.push_back(column_of(array.data() + c * n, n));
-    fields.push_back(field);
-}
-// Columns by mode, empty for a mode that is off, each of `parts` components.
-inline void add_radiation(std::vector<Field> &fields, const P2fFile &p, const char *name,
-                          const Array<c32, 3> &array, int t, int parts = 1) {
-    if (array.size() == 0)
-        return;
-    const std::int64_t n = array.dim(1);
-    Field field{name, n != p.NEQN, {}};
-    for (int mode = 1; mode <= 6; ++mode)
-        for (int a = 1; a <= parts; ++a)
-            field.columns.push_back(p.MODPOS(mode) == 0
-                                        ? std::vector<c32>()
-                                        : column_of(&array(1, parts * (p.MODPOS(mode) - 1) + a, t), n));
-    fields.push_back(field);
-}
-inline void add_diffraction(std::vector<Field> &fields, const P2fFile &p, const char *name,
-                            const Array<c32, 4> &array, int t) {
-    if (array.size() == 0)
-        return;
-    const std::int64_t n = array.dim(1);
-    Field field{name, n != p.NEQN, {}};
-    for (std::int64_t c = 1; c <= array.dim(2); ++c) {
-        std::vector<c32> sum(static_cast<std::size_t>(n));
-        for (int s = 1; s <= p.NSYMR; ++s)
-            for (std::int64_t i = 1; i <= n; ++i)
-                sum[static_cast<std::size_t>(i - 1)] += array(i, c, s, t);
-        field.columns.push_back(sum);
-    }
-    fields.push_back(field);
-}
-
 inline std::vector<Field> fields_of(const P2fFile &p, int t = 1) {
     std::vector<Field> fields;
     Field waterline{"STB1", false, {{}, {}}};
@@ -131,39 +105,51 @@ inline std::vector<Field> fields_of(const P2fFile &p, int t = 1) {
             column[static_cast<std::size_t>(p.IWLP(u) - 1)] = p.STB1(u, d);
     }
     fields.push_back(waterline);
-    add_real(fields, "STB2", false, p.STB2);
-    add_real(fields, "STB3", false, p.STB3);
-    add_real(fields, "STF1", true, p.STF1);
-    add_real(fields, "STF2", true, p.STF2);
-    add_real(fields, "STF3", true, p.STF3);
-    for (const auto &[name, array] : {std::pair{"PHIR", &p.PHIR},
-                                      {"SRCR", &p.SRCR},
-                                      {"W2R0", &p.W2R0},
-                                      {"W2R1", &p.W2R1},
-                                      {"W2R2", &p.W2R2},
-                                      {"W2R3", &p.W2R3},
-                                      {"FSR1", &p.FSR1},
-                                      {"FSR2", &p.FSR2},
-                                      {"FSR3", &p.FSR3}})
-        add_radiation(fields, p, name, *array, t);
-    add_radiation(fields, p, "VELR", p.VELR, t, 3);
-    for (const auto &[name, array] : {std::pair{"PHID", &p.PHID},
-                                      {"SRCD", &p.SRCD},
-                                      {"VELD", &p.VELD},
-                                      {"PHID2", &p.PHID2},
-                                      {"SRCD2", &p.SRCD2},
-                                      {"VELD2", &p.VELD2},
-                                      {"W2D0", &p.W2D0},
-                                      {"W2D0B", &p.W2D0B},
-                                      {"W2D1", &p.W2D1},
-                                      {"W2D2", &p.W2D2},
-                                      {"W2D3", &p.W2D3},
-                                      {"FSD1", &p.FSD1},
-                                      {"FSD2", &p.FSD2},
-                                      {"FSD3", &p.FSD3},
-                                      {"FSD4", &p.FSD4},
-                                      {"FSD5", &p.FSD5}})
-        add_diffraction(fields, p, name, *array, t);
+    const auto real = [&](const char *name, const auto &array) {
+        Field field{name, name[2] == 'F', {}};
+        const std::int64_t n = array.dim(1);
+        for (std::int64_t c = 0; n > 0 && c < array.size() / n; ++c)
+            field.columns.push_back(column_of(array.data() + c * n, n));
+        fields.push_back(field);
+    };
+    // By mode, empty for a mode that is off, each of `parts` components.
+    const auto radiation = [&](const char *name, const Array<c32, 3> &array, int parts = 1) {
+        if (array.size() == 0)
+            return;
+        Field field{name, array.dim(1) != p.NEQN, {}};
+        for (int mode = 1; mode <= 6; ++mode)
+            for (int a = 1 - parts; a <= 0; ++a) {
+                const int last = parts * p.MODPOS(mode);
+                field.columns.push_back(last == 0 ? std::vector<c32>()
+                                                  : column_of(&array(1, last + a, t), array.dim(1)));
+            }
+        fields.push_back(field);
+    };
+    const auto diffraction = [&](const char *name, const Array<c32, 4> &array) {
+        if (array.size() == 0)
+            return;
+        Field field{name, array.dim(1) != p.NEQN, {}};
+        for (std::int64_t c = 1; c <= array.dim(2); ++c) {
+            std::vector<c32> sum(static_cast<std::size_t>(array.dim(1)));
+            for (int s = 1; s <= p.NSYMR; ++s)
+                for (std::size_t i = 0; i < sum.size(); ++i)
+                    sum[i] += (&array(1, c, s, t))[i];
+            field.columns.push_back(sum);
+        }
+        fields.push_back(field);
+    };
+    real("STB2", p.STB2), real("STB3", p.STB3);
+    real("STF1", p.STF1), real("STF2", p.STF2), real("STF3", p.STF3);
+    radiation("PHIR", p.PHIR), radiation("SRCR", p.SRCR), radiation("VELR", p.VELR, 3);
+    radiation("W2R0", p.W2R0), radiation("W2R1", p.W2R1);
+    radiation("W2R2", p.W2R2), radiation("W2R3", p.W2R3);
+    radiation("FSR1", p.FSR1), radiation("FSR2", p.FSR2), radiation("FSR3", p.FSR3);
+    diffraction("PHID", p.PHID), diffraction("SRCD", p.SRCD), diffraction("VELD", p.VELD);
+    diffraction("PHID2", p.PHID2), diffraction("SRCD2", p.SRCD2), diffraction("VELD2", p.VELD2);
+    diffraction("W2D0", p.W2D0), diffraction("W2D0B", p.W2D0B);
+    diffraction("W2D1", p.W2D1), diffraction("W2D2", p.W2D2), diffraction("W2D3", p.W2D3);
+    diffraction("FSD1", p.FSD1), diffraction("FSD2", p.FSD2), diffraction("FSD3", p.FSD3);
+    diffraction("FSD4", p.FSD4), diffraction("FSD5", p.FSD5);
     return fields;
 }
 

@@ -6,6 +6,15 @@ namespace {
 
 using namespace drift;
 
+// Whether the error of a coarse mesh over that of a fine one is that of the order of the panels.
+void expect_order(double coarse, double fine, double least, double most) {
+    EXPECT_GT(coarse, least * fine);
+    EXPECT_LT(coarse, most * fine);
+}
+std::string hemisphere(int n) {
+    return "hemisphere --part quarter --nu " + std::to_string(n) + " --nv " + std::to_string(n);
+}
+
 // Fields at five equal steps of a variable: the derivative at the middle one.
 template <class Of> std::vector<Field> derivative(double step, Of of) {
     std::vector<Field> result = of(3);
@@ -22,15 +31,11 @@ template <class Of> std::vector<Field> derivative(double step, Of of) {
 TEST(SecondOrder, SecondFieldsAreHeadingDerivatives) {
     constexpr double STEP = 2; // degrees
     for (const char *depth : {"0.0", "1.5"}) {
-        CaseFolder folder;
         Pot pot = drift_pot();
         pot.HBOT = depth;
         pot.BETA = "26 28 30 32 34";
         pot.NBETA = 5;
-        prepare_drift(folder, pot, BOX + "quarter");
-        P2fFile p;
-        run_drift(folder, p);
-        const auto all = fields_of(p);
+        const auto all = fields_of(drift_run(pot, BOX + "quarter"));
         const auto heading = [&](int b) { // the columns of one heading, the components of velocities too
             std::vector<Field> fields = all;
             for (Field &field : fields) {
@@ -61,17 +66,11 @@ TEST(SecondOrder, ZeroSpeedSetsAreDerivativesByFrequency) {
     for (const char *depth : {"0.0", "1.5"}) {
         double error[2][2];
         for (const int fine : {0, 1}) {
-            CaseFolder folder;
             Pot pot = drift_pot();
             pot.HBOT = depth;
             pot.PER = "0.86 0.88 0.90 0.92 0.94";
             pot.NPER = 5;
-            prepare_drift(folder, pot,
-                          std::string("hemisphere --part quarter") +
-                              (fine == 1 ? " --nu 8 --nv 8" : " --nu 4 --nv 4"));
-            folder.write("run.fdf", "none\n0\n0 0\n0\n");
-            P2fFile p;
-            run_drift(folder, p);
+            const P2fFile p = drift_run(pot, hemisphere(fine == 1 ? 8 : 4), NO_PANELS);
             const auto slope = derivative(STEP, [&](int t) { return fields_of(p, t); });
             const auto middle = fields_of(p, 3);
             for (const int k : {0, 1})
@@ -79,8 +78,7 @@ TEST(SecondOrder, ZeroSpeedSetsAreDerivativesByFrequency) {
         }
         for (const int k : {0, 1}) { // panels of half the size: second order
             EXPECT_LT(error[1][k], 1e-3) << names[k][0];
-            EXPECT_GT(error[0][k], 2.5 * error[1][k]) << names[k][0];
-            EXPECT_LT(error[0][k], 6 * error[1][k]) << names[k][0];
+            expect_order(error[0][k], error[1][k], 2.5, 6);
         }
     }
 }
@@ -89,39 +87,31 @@ TEST(SecondOrder, ZeroSpeedSetsAreDerivativesByFrequency) {
 TEST(SecondOrder, BothWaysToTheFreeSurfaceAgree) {
     double error[2][2];
     for (const int fine : {0, 1}) {
-        CaseFolder folder;
-        prepare_drift(folder, drift_pot(),
-                      std::string("hemisphere --part quarter") +
-                          (fine == 1 ? " --nu 8 --nv 8" : " --nu 4 --nv 4"));
-        folder.write("run.fdf",
-                     "a few panels\n0\n3 0\n0\n1.2 1.2 1.5 1.5 0.1 0.4 0.4 0.1\n2 2 2.5 2.5 2 2.5 2.5 2\n"
-                     "0.5 0.5 1 1 3 4 4 3\n");
-        P2fFile p;
-        run_drift(folder, p);
-        const auto fields = fields_of(p);
+        const auto fields = fields_of(
+            drift_run(drift_pot(), hemisphere(fine == 1 ? 8 : 4),
+                      "a few panels\n0\n3 0\n0\n1.2 1.2 1.5 1.5 0.1 0.4 0.4 0.1\n2 2 2.5 2.5 2 2.5 2.5 2\n"
+                      "0.5 0.5 1 1 3 4 4 3\n"));
         error[fine][0] = rms(named(fields, "FSR1"), named(fields, "FSR2"));
         error[fine][1] = rms(named(fields, "FSD1"), named(fields, "FSD2"));
     }
     EXPECT_LT(error[1][0], 0.06);
     EXPECT_LT(error[1][1], 0.02);
-    for (const int k : {0, 1}) { // panels of half the size: first order
-        EXPECT_GT(error[0][k], 1.4 * error[1][k]);
-        EXPECT_LT(error[0][k], 3 * error[1][k]);
-    }
+    for (const int k : {0, 1}) // panels of half the size: first order
+        expect_order(error[0][k], error[1][k], 1.4, 3);
 }
 
 // Errors of the steady flows past a sphere of radius 1 (double body), as root of the sum of squares over that
 // of the values: velocity on the hull; potential, gradient and second derivative on the free surface, further
-// off the waterline than `gap`, where the sources are felt panel by panel.
-std::array<double, 4> errors_of_sphere_flows(const P2fFile &p, double gap) {
-    std::array<double, 4> error{}, size{};
+// off the waterline than `gap`, where the sources are felt panel by panel; potential at the waterline.
+constexpr std::size_t ERRORS = 5;
+std::array<double, ERRORS> errors_of_sphere_flows(const P2fFile &p, double gap) {
+    std::array<double, ERRORS> error{}, size{};
     const auto add = [&](std::size_t k, f32 value, double exact) {
         error[k] += std::pow(static_cast<double>(value) - exact, 2);
         size[k] += exact * exact;
     };
     const auto at = [](const Array<f32, 2> &points, int i) {
-        return std::array<double, 4>{0, static_cast<double>(points(1, i)), static_cast<double>(points(2, i)),
-                                     static_cast<double>(points(3, i))};
+        return std::array<double, 4>{0, points(1, i), points(2, i), points(3, i)};
     };
     for (std::size_t d = 1; d <= 2; ++d) {
         const int column = static_cast<int>(d);
@@ -131,6 +121,8 @@ std::array<double, 4> errors_of_sphere_flows(const P2fFile &p, double gap) {
             for (std::size_t a = 1; a <= 3; ++a)
                 add(0, p.STB3(i, static_cast<int>(a), column), 1.5 * (x[d] * x[a] / r2 - (a == d ? 1 : 0)));
         }
+        for (int u = 1; u <= p.NWLB(1); ++u)
+            add(4, p.STB1(u, column), -1.5 * at(p.XCT, p.IWLP(u))[d]);
         for (int J = 1; J <= p.NFSP; ++J) {
             const auto x = at(p.XCTF, J);
             const double r = std::hypot(x[1], x[2]), r3 = std::pow(r, 3), r5 = r3 * r * r;
@@ -143,22 +135,17 @@ std::array<double, 4> errors_of_sphere_flows(const P2fFile &p, double gap) {
                     1.5 * x[d] * x[a] / r5 - (a == d ? 0.5 : 0) / r3);
         }
     }
-    for (std::size_t k = 0; k < 4; ++k)
+    for (std::size_t k = 0; k < ERRORS; ++k)
         error[k] = std::sqrt(error[k] / size[k]);
     return error;
 }
 
 TEST(SecondOrder, SteadyFlowsPastAHemisphereAreThoseOfASphere) {
-    std::array<double, 4> error[2];
+    std::array<double, ERRORS> error[2];
     for (const int fine : {0, 1}) {
-        CaseFolder folder;
         Pot pot = drift_pot();
         pot.IDIFF = -1;
-        prepare_drift(folder, pot,
-                      std::string("hemisphere --part quarter") +
-                          (fine == 1 ? " --nu 12 --nv 12" : " --nu 6 --nv 6"));
-        P2fFile p;
-        run_drift(folder, p);
+        const P2fFile p = drift_run(pot, hemisphere(fine == 1 ? 12 : 6));
         error[fine] = errors_of_sphere_flows(p, fine == 1 ? 0.08 : 0.16); // 0.6 sides of a hull panel
         for (int i = 1; i <= p.NEQN; ++i) { // a sphere turns without disturbance
             EXPECT_NEAR(p.STB3(i, 1, 3), p.XCT(2, i), 1e-6);
@@ -166,23 +153,18 @@ TEST(SecondOrder, SteadyFlowsPastAHemisphereAreThoseOfASphere) {
             EXPECT_NEAR(p.STB3(i, 3, 3), 0, 1e-6);
         }
     }
-    const double limit[4] = {0.02, 0.01, 0.05, 0.05};
-    for (std::size_t k = 0; k < 4; ++k) {
+    const double limit[ERRORS] = {0.02, 0.01, 0.05, 0.05, 0.04};
+    for (std::size_t k = 0; k < ERRORS; ++k) {
         EXPECT_LT(error[0][k], limit[k]) << k;
         EXPECT_GT(error[0][k], 1.2 * error[1][k]) << k;
     }
 }
 
 TEST(SecondOrder, DeepWaterIsTheLimitOfGreatDepth) {
-    P2fFile p[2];
-    for (const int deep : {0, 1}) {
-        CaseFolder folder;
-        Pot pot = drift_pot();
-        pot.HBOT = deep == 1 ? "0.0" : "30.0";
-        prepare_drift(folder, pot, BOX + "quarter");
-        run_drift(folder, p[deep]);
-    }
-    expect_same(p[0], p[1], 5e-3);
+    Pot deep = drift_pot(), finite = drift_pot();
+    deep.HBOT = "0.0";
+    finite.HBOT = "30.0";
+    expect_same(drift_run(finite, BOX + "quarter"), drift_run(deep, BOX + "quarter"), 5e-3);
 }
 
 // Class of a mode.
@@ -233,25 +215,20 @@ TEST(SecondOrder, ForcesOfSlowMotionAreAntisymmetric) {
     for (const char *depth : {"0.0", "1.5"}) {
         double mismatch[2][4];
         for (const int fine : {0, 1}) {
-            CaseFolder folder;
             Pot pot = drift_pot();
             pot.IDIFF = -1;
             pot.HBOT = depth;
-            prepare_drift(folder, pot,
-                          "box --length 2.4 --beam 1.4 --draft 0.7 --part quarter" + meshes[fine]);
-            P2fFile p;
-            run_drift(folder, p);
+            const std::string box = "box --length 2.4 --beam 1.4 --draft 0.7 --part quarter" + meshes[fine];
+            const P2fFile p = drift_run(pot, box), other = drift_run(pot, box, NO_PANELS);
             for (int d = 1; d <= 3; ++d)
                 mismatch[fine][d] = asymmetry(p, d, 0.9);
-            folder.write("run.fdf", "none\n0\n0 0\n0\n"); // without the free surface it is another problem
-            run_drift(folder, p);
-            EXPECT_GT(asymmetry(p, 1, 0.9), 2.5 * mismatch[fine][1]);
-            EXPECT_GT(asymmetry(p, 2, 0.9), 2.5 * mismatch[fine][2]);
+            // Without the free surface it is another problem.
+            EXPECT_GT(asymmetry(other, 1, 0.9), 2.5 * mismatch[fine][1]);
+            EXPECT_GT(asymmetry(other, 2, 0.9), 2.5 * mismatch[fine][2]);
         }
         for (int d = 1; d <= 3; ++d) { // panels of 0.6 the size: first order
             EXPECT_LT(mismatch[1][d], 0.08) << depth << " " << d;
-            EXPECT_GT(mismatch[0][d], 1.4 * mismatch[1][d]) << depth << " " << d;
-            EXPECT_LT(mismatch[0][d], 2.8 * mismatch[1][d]) << depth << " " << d;
+            expect_order(mismatch[0][d], mismatch[1][d], 1.4, 2.8);
         }
     }
 }
@@ -270,13 +247,10 @@ TEST(SecondOrder, TurningBodyOfRevolution) {
     for (const char *depth : {"0.0", "1.5"}) {
         double surge[2], roll[2], waves[2];
         for (const int fine : {0, 1}) {
-            CaseFolder folder;
             Pot pot = drift_pot();
             pot.HBOT = depth;
-            prepare_drift(folder, pot, "cylinder --radius 1 --draft 1 --part quarter" + meshes[fine]);
-            P2fFile p;
-            run_drift(folder, p);
-            const auto fields = fields_of(p);
+            const auto fields =
+                fields_of(drift_run(pot, "cylinder --radius 1 --draft 1 --part quarter" + meshes[fine]));
             const Field &W2R3 = named(fields, "W2R3");
             const f32 nu = 0.9f;
             const auto error = [&](std::size_t from, std::size_t to, f32 sign) {
@@ -296,12 +270,9 @@ TEST(SecondOrder, TurningBodyOfRevolution) {
         EXPECT_LT(surge[1], 0.04); // panels of half the size: first order
         EXPECT_LT(roll[1], 0.11);
         EXPECT_LT(waves[1], 0.001); // second order
-        for (const auto &[coarse_error, fine_error] : {std::pair{surge[0], surge[1]}, {roll[0], roll[1]}}) {
-            EXPECT_GT(coarse_error, 1.5 * fine_error) << depth;
-            EXPECT_LT(coarse_error, 2.5 * fine_error) << depth;
-        }
-        EXPECT_GT(waves[0], 2.5 * waves[1]);
-        EXPECT_LT(waves[0], 6 * waves[1]);
+        expect_order(surge[0], surge[1], 1.5, 2.5);
+        expect_order(roll[0], roll[1], 1.5, 2.5);
+        expect_order(waves[0], waves[1], 2.5, 6);
     }
 }
 

@@ -10,14 +10,16 @@ TEST(DriftDamping, PartsOfAMeshGiveTheWhole) {
     for (const std::string &mesh : {CYLINDER, BOX}) {
         P2fFile quarter;
         CaseFolder first;
-        prepare_drift(first, drift_pot(), mesh + "quarter");
+        Pot pot = drift_pot();
+        pot.HBOT = mesh == BOX ? "1.5" : "0.0";
+        prepare_drift(first, pot, mesh + "quarter");
         run_drift(first, quarter);
         EXPECT_NE(first.list().find("Creates the free surface data file FDF"), std::string::npos);
         const auto panels = read_fdf(first);
         for (const std::string part : {"half-x", "half-y", "full"}) {
             SCOPED_TRACE(mesh + part);
             CaseFolder folder;
-            prepare_drift(folder, drift_pot(), mesh + part);
+            prepare_drift(folder, pot, mesh + part);
             write_fdf(folder, panels, part != "half-x", part != "half-y");
             P2fFile p2f;
             run_drift(folder, p2f);
@@ -76,10 +78,7 @@ TEST(DriftDamping, DoesNotDependOnTheThreads) {
 }
 
 TEST(DriftDamping, OneProblemAloneIsSolvedAsInTheWholeRun) {
-    P2fFile both;
-    CaseFolder whole;
-    prepare_drift(whole, drift_pot(), BOX + "half-y");
-    run_drift(whole, both);
+    const P2fFile both = drift_run(drift_pot(), BOX + "half-y");
     Pot radiation = drift_pot(), modes = drift_pot(), diffraction = drift_pot(), none = drift_pot();
     radiation.IDIFF = modes.IDIFF = -1;
     radiation.NBETA = 0;
@@ -102,22 +101,16 @@ TEST(DriftDamping, OneProblemAloneIsSolvedAsInTheWholeRun) {
         EXPECT_EQ(p2f.FSR3.empty(), pot.IRAD < 0);
         expect_same(p2f, both, 1e-5);
     }
-    CaseFolder folder;
-    prepare_drift(folder, none, BOX + "half-y");
-    P2fFile p2f;
-    run_drift(folder, p2f);
+    const P2fFile p2f = drift_run(none, BOX + "half-y");
     EXPECT_EQ(p2f.NFSP, both.NFSP);
     EXPECT_EQ(p2f.STB2(1, 1), 0);
 }
 
 // No flow goes through the hull, with the incident wave and in the modes of motion.
 TEST(DriftDamping, VelocitiesMeetTheHull) {
-    CaseFolder folder;
     Pot pot = drift_pot();
     pot.HBOT = "3.0";
-    prepare_drift(folder, pot, BOX + "half-x");
-    P2fFile p;
-    run_drift(folder, p);
+    const P2fFile p = drift_run(pot, BOX + "half-x");
     for (int i = 1; i <= p.NEQN; ++i) {
         const auto through = [&](auto velocity) {
             c32 sum = 0;
@@ -140,34 +133,24 @@ TEST(DriftDamping, VelocitiesMeetTheHull) {
     }
 }
 
-// Faults that are told before anything is computed.
+// What the free-surface panels cannot be made from or read from, and input that cannot be, ends the run.
 TEST(DriftDamping, BadInputIsTold) {
     const struct {
-        const char *config, *HBOT, *XBODY, *mesh, *fdf;
-        const char *message;
+        const char *HBOT, *mesh, *fdf, *message;
     } rows[] = {
-        {"", "0.0", "0 0 0 1", "", "", "XBODY must be 0.0 when IWADD=1"},
-        {"", "0.09", "0 0 0 0", "", "", "Error return in HGRN98: depth HBOT is illegal "},
-        {"ISCATT=1\n", "0.0", "0 0 0 0", "", "", "ISCATT must be 0 when IWADD=1"},
-        {"", "0.0", "0 0 0 0", "", "t\n6\n2 0\n0\n1 2 2 1 1 1 0 0\n",
-         "Unable to read free-surface panel I=2"},
-        {"", "0.0", "0 0 0 0", "", "t\n6\n1 0\n0\n1 2 2 1 1 one 0 0\n",
-         "Unable to read free-surface panel I=1"},
-        {"", "0.0", "0 0 0 0", "", "t\n6\n1 0\n0\n1 2 2 1 1 1 0 0\nend\n",
-         "Extra data at the end of f-s data file"},
-        {"", "0.0", "0 0 0 0", " --offset 0 0 -1", "", "Unable to open or create FDF file"},
+        {"0.09", "", "", "Error return in HGRN98: depth HBOT is illegal "},
+        {"0.0", "", "t\n6\n2 0\n0\n1 2 2 1 1 1 0 0\n", "Unable to read free-surface panel I=2"},
+        {"0.0", " --offset 0 0 -1", "", "Unable to open or create FDF file"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.message);
         CaseFolder folder;
         Pot pot = drift_pot();
         pot.HBOT = row.HBOT;
-        pot.XBODY = row.XBODY;
         prepare_drift(
             folder, pot,
             std::string("box --length 2 --beam 1 --draft 0.05 --nu 3 --nv 1 --nw 2 --part quarter") +
-                row.mesh,
-            std::string("MAXSCR=5000\nISOLVE=1\n") + row.config);
+                row.mesh);
         if (*row.fdf != 0)
             folder.write("run.fdf", row.fdf);
         folder.solve();

@@ -53,6 +53,23 @@ template <class F> Complex difference(F f, double x, double h) {
     return (8.0 * (f(x + h) - f(x - h)) - (f(x + 2 * h) - f(x - 2 * h))) / (12 * h);
 }
 
+// f of an array of variables, differenced times[i] times in variable i by steps h[i].
+template <std::size_t N, class F>
+Complex derivative(F &f, std::array<double, N> x, std::array<int, N> times, std::array<double, N> h) {
+    for (std::size_t i = 0; i < N; ++i)
+        if (times[i] > 0) {
+            --times[i];
+            return difference(
+                [&](double a) {
+                    auto at = x;
+                    at[i] = a;
+                    return derivative<N>(f, at, times, h);
+                },
+                x[i], h[i]);
+        }
+    return f(x);
+}
+
 // All eight values, the derivatives as differences of G(R, z, zeta).
 template <class F>
 std::array<Complex, GREEN_VALUES> record_by_differences(F G, double R, double z, double zeta, double h) {

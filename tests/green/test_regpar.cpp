@@ -69,13 +69,10 @@ class WaveNumberDerivative {
 std::array<Complex, TERMS> by_differences(const Pair &p) {
     WaveNumberDerivative U(p.H);
     const double R = std::hypot(p.X, p.Y), c = p.X / R, s = p.Y / R, h = 0.01 * std::hypot(R, p.z - p.zeta);
-    const auto slope = [&](double r, double zeta) {
-        return difference([&](double x) { return U(x, p.z, zeta); }, r, h);
-    };
-    const Complex u = U(R, p.z, p.zeta), r = slope(R, p.zeta),
-                  zeta = difference([&](double x) { return U(R, p.z, x); }, p.zeta, h);
-    const Complex rr = difference([&](double x) { return slope(x, p.zeta); }, R, h), i(0, 2);
-    const Complex rz = difference([&](double x) { return slope(R, x); }, p.zeta, h);
+    const auto f = [&](const std::array<double, 2> &x) { return U(x[0], p.z, x[1]); };
+    const auto by = [&](std::array<int, 2> times) { return derivative<2>(f, {R, p.zeta}, times, {h, h}); };
+    const Complex u = by({0, 0}), r = by({1, 0}), zeta = by({0, 1}), rr = by({2, 0}), rz = by({1, 1}),
+                  i(0, 2);
     const Complex bend = rr - r / R;
     return {i * c * r, -i * (c * c * bend + r / R), -i * c * s * bend, -i * c * rz,
             i * s * r, -i * (s * s * bend + r / R), -i * s * rz,       -i * zeta,
@@ -106,6 +103,7 @@ TEST_P(WaveNumberKernel, NearTermsOfAPointAreWhatTheFlagLeavesOut) {
     for (const double nu : {1.0, 0.4}) {
         // A panel of unit area so far as its source point: its integrals are the values at the point.
         const double r = r1 / nu, i3 = 1 / (r * r * r);
+        const auto slope = [&](double x) { return single(-x / nu * i3); };
         const NearPair pair{single(p.X),
                             single(p.Y),
                             single(p.z),
@@ -115,7 +113,7 @@ TEST_P(WaveNumberKernel, NearTermsOfAPointAreWhatTheFlagLeavesOut) {
                             single(nu),
                             single(1 / r),
                             single(std::log((Y + r1) / nu)),
-                            {single(-p.X / nu * i3), single(-p.Y / nu * i3), single(-Y / nu * i3)},
+                            {slope(p.X), slope(p.Y), slope(Y)},
                             1};
         RegularTerms near;
         LOGPAR(pair, near);
