@@ -128,7 +128,7 @@ TEST(GeneratedSurface, OfTwoBodies) {
     EXPECT_LE(difference(made, read), SAME);
 }
 
-TEST(GeneratedSurface, ItsFileNeverTakesThePlaceOfItsSource) {
+TEST(GeneratedSurface, ItsFileNeverReplacesItsSource) {
     Pot pot;
     pot.ILOG = 1;
     pot.IRR = 3;
