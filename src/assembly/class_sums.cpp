@@ -130,7 +130,7 @@ void class_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &row,
     sum_images(f.run.sym, I, I - 1, s, row.SPC, nullptr, w.SCOL);
     add_signed(I, 1, w.DROW, tile.row(a, s));
     add_signed(I - 1, 1, w.DCOL, tile.column(a, s));
-    if (f.run.dipoles.IDIPOL && f.run.dipoles.IDIP(I) != 0) {
+    if (is_dipole(f.run.dipoles, I)) {
         const c32 term = porosity_term(f.run.dipoles, f.wave, I);
         tile.row(a, s).re[I - 1] += term.real();
         tile.row(a, s).im[I - 1] += term.imag();

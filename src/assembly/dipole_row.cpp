@@ -12,10 +12,6 @@ int partners(const DirectedPairs &pairs) {
     return pairs.row ? pairs.I : pairs.I - 1;
 }
 
-bool is_dipole(const Dipoles &dipoles, int panel) {
-    return dipoles.IDIP(panel) != 0;
-}
-
 void set(const Split &s, std::int64_t e, c32 value) {
     s.re[e] = value.real();
     s.im[e] = value.imag();

@@ -15,16 +15,15 @@ Status remove_image(const RunState &run, int field, int g, int source, std::int6
     const Mesh &mesh = run.mesh;
     const f32 mirrored[4] = {0, static_cast<f32>(SGX[g]) * mesh.XCT(1, field),
                              static_cast<f32>(SGY[g]) * mesh.XCT(2, field), -mesh.XCT(3, field)};
-    const auto dipole = [&](int panel) { return run.dipoles.IDIPOL && run.dipoles.IDIP(panel) != 0; };
     const f32 normal[4] = {0, static_cast<f32>(SGX[g]) * mesh.TRM(3, 1, field),
                            static_cast<f32>(SGY[g]) * mesh.TRM(3, 2, field), -mesh.TRM(3, 3, field)};
     const Panel panel = panel_of(mesh, source);
     FieldIntegrals integrals;
-    const int status = dipole(field) ? PANDNF(mirrored, normal, run.dipoles.DEPS(field), panel, 0, integrals)
+    const int status = is_dipole(run.dipoles, field) ? PANDNF(mirrored, normal, run.dipoles.DEPS(field), panel, 0, integrals)
                                      : PANFLD(mirrored, panel, 0, V != nullptr ? 1 : 0, integrals);
     if (status != 0)
         return MSGOUT("Error evaluating Rankine image for infinite-frequency case");
-    const f32 *gradient = dipole(source) ? integrals.GD : integrals.GS;
+    const f32 *gradient = is_dipole(run.dipoles, source) ? integrals.GD : integrals.GS;
     S.re[e] -= 2 * integrals.S;
     D.re[e] -= 2 * integrals.D;
     for (int c = 0; V != nullptr && c < 3; ++c)

@@ -22,10 +22,6 @@ bool takes_no_part(const RunState &run, int ip) {
     return run.mesh.IFSP(ip) == -1 && (run.mesh.projected(ip) != 0 || LIDDMP(run.bodies, ip, damping));
 }
 
-bool is_dipole(const RunState &run, int ip) {
-    return run.dipoles.IDIPOL && run.dipoles.IDIP(ip) != 0;
-}
-
 } // namespace
 
 bool SourceWeights::make(const RunState &run, const ThreadState &thread) {
@@ -38,7 +34,7 @@ bool SourceWeights::make(const RunState &run, const ThreadState &thread) {
         for (int k = 1; k <= run.sym.NSYMD; ++k) {
             const int mode = run.sym.MODLST(k);
             for (int ip = 1; ip <= n; ++ip)
-                velocity(ip, run.sym.MODPOS(mode)) = is_dipole(run, ip) ? 0 : run.mesh.VEL(mode, ip);
+                velocity(ip, run.sym.MODPOS(mode)) = is_dipole(run.dipoles, ip) ? 0 : run.mesh.VEL(mode, ip);
         }
     }
     if (diffraction) {
@@ -48,7 +44,7 @@ bool SourceWeights::make(const RunState &run, const ThreadState &thread) {
         for (int s = 1; s <= run.sym.NSYMR; ++s) {
             for (int b = 1; b <= headings; ++b) {
                 for (int ip = 1; ip <= n; ++ip) {
-                    const c32 value = takes_no_part(run, ip) || is_dipole(run, ip) ? c32(0) : thread.SRCD(ip, b, s);
+                    const c32 value = takes_no_part(run, ip) || is_dipole(run.dipoles, ip) ? c32(0) : thread.SRCD(ip, b, s);
                     incident_re(ip, b, s) = value.real();
                     incident_im(ip, b, s) = value.imag();
                 }
@@ -126,7 +122,7 @@ Status start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread)
 void add_dipole_rows(const RunState &run, ThreadState &thread) {
     const bool diffraction = run.opt.ISCATT == 1 && run.opt.IDIFF >= 0;
     for (int ip = 1; ip <= run.mesh.NEQN; ++ip) {
-        if (!is_dipole(run, ip))
+        if (!is_dipole(run.dipoles, ip))
             continue;
         for (int k = 1; run.opt.IRAD >= 0 && run.dipoles.IDIP(ip) != 3 && k <= run.sym.NSYMD; ++k)
             thread.PHIR(ip, k) -= PI4 * run.mesh.VEL(run.sym.MODLST(k), ip);

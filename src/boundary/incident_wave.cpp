@@ -44,7 +44,7 @@ void INCWAV(const RunState &run, f32 K, ThreadState &thread) {
     const bool keep_incident = opt.ISCATT == 1 || (opt.ISOR == 1 && opt.IRR != 0);
     for (int ip = 1; ip <= mesh.NEQN; ++ip) {
         const f32 point[3] = {mesh.XCT(1, ip), mesh.XCT(2, ip), mesh.XCT(3, ip)};
-        const bool dipole = dipoles && run.dipoles.IDIP(ip) != 0;
+        const bool dipole = is_dipole(run.dipoles, ip);
         // The images of overhangs are to cancel interior panels: they have the same share in the scattering
         // sum, none.
         const bool interior = mesh.IFSP(ip) == 1 || (mesh.IFSP(ip) == -1 && mesh.projected(ip) != 0);

@@ -25,7 +25,7 @@ std::vector<WaterSide> water_sides(const RunState &run, int first, int w1, int c
     for (int w = w1; w < w1 + count; ++w) {
         const int p = first - 1 + run.waterline.IWLP(w);
         const int v = run.waterline.IWLE(w);
-        if (run.dipoles.IDIPOL && run.dipoles.IDIP(p) != 0)
+        if (is_dipole(run.dipoles, p))
             continue;
         sides.push_back({{XVER(v, 1, p), XVER(v, 2, p)}, {XVER(JP[v], 1, p), XVER(JP[v], 2, p)}});
     }

@@ -200,7 +200,7 @@ Status BODGEO(const Options &opt, const Dipoles &dipoles, const BodyRange &range
                 mesh.RXNG(k, 3, ip) = r[1] * n[2] - r[2] * n[1];
             }
         }
-        if (dipoles.IDIPOL && dipoles.IDIP(ip) != 0)
+        if (is_dipole(dipoles, ip))
             sums.add_dipole(p, dipoles.DTHK(ip), at);
         else
             sums.add_hull(p, second_moments(p, gauss, at.z), at, wall);

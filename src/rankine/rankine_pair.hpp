@@ -21,7 +21,7 @@ struct RankineInput {
                  const Symmetry &symmetry);
 
     const Panel &panel(int NP) const { return panels[static_cast<std::size_t>(NP) - 1]; }
-    bool dipole(int NP) const { return dipoles.IDIPOL && dipoles.IDIP(NP) != 0; }
+    bool dipole(int NP) const { return is_dipole(dipoles, NP); }
     // A filled tank: every pair is near, and there are no images in free surface and bottom.
     bool tank() const { return opt.IRRX != 0; }
 };

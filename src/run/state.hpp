@@ -141,6 +141,10 @@ struct Dipoles {
     Array<f32, 1> DEPS; // step of the finite differences (NEQN)
 };
 
+inline bool is_dipole(const Dipoles &dipoles, int panel) {
+    return dipoles.IDIPOL && dipoles.IDIP(panel) != 0;
+}
+
 struct Symmetry {
     int NSYMG = 0;        // number of images
     int ISYMG[9] = {};    // 1..4: image numbers; 5..8: parity type of each class of the table row

@@ -9,7 +9,7 @@ namespace {
 void take_off(const RunState &run, int P, c32 *values) {
     const c32 reference = values[P - 1];
     for (int i = 1; i <= run.mesh.NEQN; ++i) {
-        if (i != P && !(run.dipoles.IDIPOL && run.dipoles.IDIP(i) != 0))
+        if (i != P && !is_dipole(run.dipoles, i))
             values[i - 1] -= reference;
     }
     values[P - 1] = 0;
