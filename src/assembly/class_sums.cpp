@@ -1,6 +1,7 @@
 #include "assembly/class_sums.hpp"
 
 #include "assembly/dipole_row.hpp"
+#include "assembly/lid.hpp"
 #include "rankine/rankin.hpp"
 #include "run/symmetry.hpp"
 
@@ -25,12 +26,14 @@ void sum_images(const Symmetry &sym, int I, int n, int s, const Split &coefficie
 }
 
 // Normal velocity and velocity: the images' velocities with the reflection of each image and the parity of the class.
+// Of a pair in the free surface the dipole coefficient has the mark of the source panel, the normal velocity that of the
+// field panel.
 void velocity_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &row, ClassWork &w, TileRows &tile) {
     const int *const axis_sign[3] = {SGX, SGY, nullptr};
     const Split EROW = tile.row(a, s, PLANE_E);
     const Split ECOL = tile.column(a, s, PLANE_E);
-    add_surface_pairs(I, row.EB.data(), w.DROW, EROW);
-    add_surface_pairs(I - 1, row.EB.data(), w.DCOL, ECOL);
+    add_surface_pairs(I, row.EFR.data(), row.EFC.data(), w.DROW, EROW);
+    add_surface_pairs(I - 1, row.EFR.data(), row.EFC.data(), w.DCOL, ECOL);
     for (int c = 0; c < 3; ++c) {
         sum_images(f.run.sym, I, I, s, row.VPR[c], axis_sign[c], w.VROW[c]);
         sum_images(f.run.sym, I, I - 1, s, row.VPC[c], axis_sign[c], w.VCOL[c]);
@@ -48,13 +51,10 @@ void make_lid_coefficient(const Split &source, const Split &coefficient, int j, 
     coefficient.im[j] = value.imag();
 }
 
-// Every coefficient whose source panel belongs to a lid of damping e becomes the source influence times (e^2, 2 e) NU,
-// with 4 pi on the diagonal. Panels of opposite marks do not feel each other's sources.
+// Every coefficient whose source panel belongs to a lid becomes the source influence times the lid factor, with 4 pi on
+// the diagonal.
 void lid_rules(const AssemblyFrame &f, int I, int a, int s, const ClassWork &w, TileRows &tile) {
-    const auto factor = [&](int P) {
-        const f32 e = f.panels.DAMP(P);
-        return c32(e * e * f.wave.NU, 2 * e * f.wave.NU);
-    };
+    const auto factor = [&](int P) { return lid_factor(f.panels.DAMP(P), f.wave.NUL); };
     const bool own = f.panels.LID(I) == 1;
     for (int J = 1; J <= I; ++J) {
         if (f.panels.LID(J) == 1)
@@ -64,11 +64,23 @@ void lid_rules(const AssemblyFrame &f, int I, int a, int s, const ClassWork &w, 
     }
     if (own)
         tile.row(a, s).re[I - 1] += PI4;
-    for (int J = 1; tile.planes > 1 && J < I; ++J) {
-        if (f.panels.IFSP(J) * f.panels.IFSP(I) != -1)
-            continue;
-        for (const Split &line : {tile.row(a, s, PLANE_E), tile.column(a, s, PLANE_E)})
-            line.re[J - 1] = line.im[J - 1] = 0;
+}
+
+// A porous plate at infinite frequency, where its resistance is none: the jump vanishes, and its row of the equations says
+// that. The right-hand sides are 0 there.
+void open_plates(const AssemblyFrame &f, int I, int a, int s, TileRows &tile) {
+    const auto clear_element = [](const Split &line, int j) { line.re[j] = line.im[j] = 0; };
+    const bool own = is_porous(f.run.dipoles, I);
+    for (int plane = 0; plane < std::min(tile.planes, 2); ++plane) {
+        const Split row = tile.row(a, s, plane), column = tile.column(a, s, plane);
+        for (int J = 1; J <= I; ++J) {
+            if (own)
+                clear_element(row, J - 1);
+            if (J < I && is_porous(f.run.dipoles, J))
+                clear_element(column, J - 1);
+        }
+        if (own)
+            row.re[I - 1] = PI4;
     }
 }
 
@@ -93,6 +105,8 @@ bool ClassWork::alloc(int NEQN, bool velocities) {
 
 void free_surface_pairs(const AssemblyFrame &f, int I, int a, const int *stored, int *code, WaveRow &row,
                         TileRows &tile) {
+    // At the limit frequencies the free-surface condition has no wave part.
+    const bool wave = f.wave.IPLIM == 0;
     const f32 mark = f.panels.IFSP(I);
     const f32 *marks = f.panels.IFSP.data();
     f32 *EB = row.EB.data(), *EFR = row.EFR.data(), *EFC = row.EFC.data();
@@ -101,8 +115,8 @@ void free_surface_pairs(const AssemblyFrame &f, int I, int a, const int *stored,
         const bool surface = stored[j] >= CODE_SURFACE;
         code[j] = stored[j] & (CODE_SURFACE - 1);
         EB[j] = surface ? 0.0f : 1.0f;
-        EFR[j] = surface ? marks[j] : 0.0f;
-        EFC[j] = surface ? mark : 0.0f;
+        EFR[j] = surface && wave ? marks[j] : 0.0f;
+        EFC[j] = surface && wave ? mark : 0.0f;
         any = any || surface;
     }
     const int planes = std::min(tile.planes, 2); // dipole influence and normal velocity
@@ -149,6 +163,8 @@ void class_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &row,
     }
     if (f.run.opt.IBDT3 == 1)
         lid_rules(f, I, a, s, w, tile);
+    if (f.run.dipoles.IDIPOL && f.wave.IPLIM == 2)
+        open_plates(f, I, a, s, tile);
     if (f.weights.diffraction)
         add_diffraction(f.run, f.weights, I, s, w.SROW, w.SCOL, sums);
 }

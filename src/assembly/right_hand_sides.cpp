@@ -15,16 +15,20 @@ int heading_column(const RunState &run, int b, int s) {
     return run.sym.NSYMD + b + run.periods.NBETAM * (s - 1);
 }
 
-// Panels of the free surface that are no hull: images of overhangs, and lids. A hull of no draught has the same mark, and
-// scatters like any other.
-bool takes_no_part(const RunState &run, int ip) {
+// What panel ip has as a source of the scattered wave: minus the normal velocity of the incident wave, and on a lid what
+// it takes away of that wave. The image of an overhang is no hull and has none (a hull of no draught has the same mark,
+// and scatters like any other), a dipole panel has an equation of its own.
+c32 scattering(const RunState &run, const ThreadState &thread, f32 NUL, int ip, int b, int s) {
     f32 damping = 0;
-    return run.mesh.IFSP(ip) == -1 && (run.mesh.projected(ip) != 0 || LIDDMP(run.bodies, ip, damping));
+    if (LIDDMP(run.bodies, ip, damping))
+        return -lid_factor(damping, NUL) * thread.PHI0(ip, b, s);
+    const bool overhang = run.mesh.IFSP(ip) == -1 && run.mesh.projected(ip) != 0;
+    return overhang || is_dipole(run.dipoles, ip) ? c32(0) : thread.SRCD(ip, b, s);
 }
 
 } // namespace
 
-bool SourceWeights::make(const RunState &run, const ThreadState &thread) {
+bool SourceWeights::make(const RunState &run, f32 NUL, const ThreadState &thread) {
     const int n = run.mesh.NEQN;
     radiation = run.opt.IRAD >= 0;
     diffraction = run.opt.ISCATT == 1 && run.opt.IDIFF >= 0;
@@ -44,7 +48,7 @@ bool SourceWeights::make(const RunState &run, const ThreadState &thread) {
         for (int s = 1; s <= run.sym.NSYMR; ++s) {
             for (int b = 1; b <= headings; ++b) {
                 for (int ip = 1; ip <= n; ++ip) {
-                    const c32 value = takes_no_part(run, ip) || is_dipole(run.dipoles, ip) ? c32(0) : thread.SRCD(ip, b, s);
+                    const c32 value = scattering(run, thread, NUL, ip, b, s);
                     incident_re(ip, b, s) = value.real();
                     incident_im(ip, b, s) = value.imag();
                 }
@@ -129,6 +133,20 @@ void add_dipole_rows(const RunState &run, ThreadState &thread) {
         for (int s = 1; diffraction && s <= run.sym.NSYMR; ++s) {
             for (int b = 1; b <= run.periods.NBETAM; ++b)
                 thread.PHID(ip, b, s) -= PI4 * thread.SRCD(ip, b, s);
+        }
+    }
+}
+
+void clear_open_plates(const RunState &run, ThreadState &thread) {
+    const bool diffraction = run.opt.IDIFF >= 0;
+    for (int ip = 1; ip <= run.mesh.NEQN; ++ip) {
+        if (!is_porous(run.dipoles, ip))
+            continue;
+        for (int k = 1; run.opt.IRAD >= 0 && k <= run.sym.NSYMD; ++k)
+            thread.PHIR(ip, k) = 0;
+        for (int s = 1; diffraction && s <= run.sym.NSYMR; ++s) {
+            for (int b = 1; b <= run.periods.NBETAM; ++b)
+                thread.PHID(ip, b, s) = 0;
         }
     }
 }

@@ -5,15 +5,16 @@
 #include "assembly/row_kernels.hpp"
 #include "assembly/thread_state.hpp"
 
-// What multiplies the source influence: the normal velocities of the modes by solution column and, with ISCATT=1,
-// the incident normal velocity by heading and class, zero on panels that take no part.
+// What multiplies the source influence: the normal velocities of the modes by solution column and, with ISCATT=1, minus
+// the incident normal velocity by heading and class, on lids what they take away of the incident wave, zero on panels
+// that take no part.
 struct SourceWeights {
     Array<f32, 2> velocity;    // (NEQN,NSYMD)
     Array<f32, 3> incident_re; // (NEQN,NBETAM,NSYMR)
     Array<f32, 3> incident_im;
     bool radiation = false;
     bool diffraction = false;
-    [[nodiscard]] bool make(const RunState &run, const ThreadState &thread);
+    [[nodiscard]] bool make(const RunState &run, f32 NUL, const ThreadState &thread);
 };
 
 // Sums of one block of rows over all panels: to its own rows from panels J <= I, to earlier rows J from its panels.
@@ -37,6 +38,8 @@ void add_diffraction(const RunState &run, const SourceWeights &weights, int I, i
 // Adds to the right-hand sides of dipole panels -4 pi times the normal velocity there: in thread.PHIR that of the modes,
 // but not for IDIP=3, with ISCATT=1 in thread.PHID that of the scattered wave, thread.SRCD.
 void add_dipole_rows(const RunState &run, ThreadState &thread);
+// Clears the right-hand sides of porous plates, for infinite frequency, where their jump is 0.
+void clear_open_plates(const RunState &run, ThreadState &thread);
 // Adds the sums of a block, whose last row is `last`, to PHIR and PHID.
 void add_block(const RunState &run, const SourceWeights &weights, const BlockSums &sums, int last,
                ThreadState &thread);

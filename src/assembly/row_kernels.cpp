@@ -187,13 +187,13 @@ VORDA_SIMD void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V) {
     }
 }
 
-VORDA_SIMD void add_surface_pairs(int n, const f32 *EB, ConstSplit value, Split sum) {
+VORDA_SIMD void add_surface_pairs(int n, const f32 *EFR, const f32 *EFC, ConstSplit value, Split sum) {
     const f32 *vr = value.re, *vi = value.im;
     f32 *sr = sum.re, *si = sum.im;
 #pragma omp simd
     for (int j = 0; j < n; ++j) {
-        sr[j] += (1 - EB[j]) * vr[j];
-        si[j] += (1 - EB[j]) * vi[j];
+        sr[j] += EFR[j] * EFC[j] * vr[j];
+        si[j] += EFR[j] * EFC[j] * vi[j];
     }
 }
 

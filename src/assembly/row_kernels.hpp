@@ -88,8 +88,8 @@ struct VelocityRow {
 void velocity_accumulate(int n, const VelocityRow &at, const f32 *area, const Split *V);
 void velocity_accumulate(int n, const VelocityRow &at, f32 area, const Split *V);
 void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V);
-// sum += (1 - EB) value: what pairs in the free surface take.
-void add_surface_pairs(int n, const f32 *EB, ConstSplit value, Split sum);
+// sum += EFR EFC value, the marks of both panels: what pairs in the free surface take.
+void add_surface_pairs(int n, const f32 *EFR, const f32 *EFC, ConstSplit value, Split sum);
 // sum += weight value, real weights.
 void add_weighted(int n, const f32 *weight, ConstSplit value, Split sum);
 

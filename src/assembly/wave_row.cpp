@@ -231,7 +231,7 @@ PeriodWave frequency_variables(f32 W, f32 HBOT, f32 F) {
     PeriodWave wave;
     wave.W = W;
     wave.F = F;
-    wave.IPLIM = W > 1.0e-6f ? 0 : W < -1.0e-6f ? 1 : 2;
+    wave.IPLIM = limit_of(W);
     if (wave.IPLIM == 0) {
         wave.NU = W;
         wave.NUL = W;

@@ -94,12 +94,16 @@ Status assemble_row(const AssemblyFrame &f, const GSTATE &gstate, int I, int a, 
 Status WAVEGR(const RunState &run, const PeriodWave &wave, ThreadState &thread) {
     PanelArrays panels;
     SourceWeights weights;
-    if (!panels.make(run) || !weights.make(run, thread))
+    if (!panels.make(run) || !weights.make(run, wave.NUL, thread))
         return MSGOUT(" RAM too small to allocate WAVEGR arrays ");
     if (failed(start_right_hand_sides(run, wave.NUL, thread)))
         return Status::failed;
     if (run.dipoles.IDIPOL)
         add_dipole_rows(run, thread);
     const AssemblyFrame frame{run, wave, panels, weights};
-    return run.memory.INCORE ? assemble_rows(frame, thread) : assemble_on_scratch(frame, thread);
+    if (failed(run.memory.INCORE ? assemble_rows(frame, thread) : assemble_on_scratch(frame, thread)))
+        return Status::failed;
+    if (run.dipoles.IDIPOL && wave.IPLIM == 2)
+        clear_open_plates(run, thread);
+    return Status::ok;
 }

@@ -41,7 +41,8 @@ void INCWAV(const RunState &run, f32 K, ThreadState &thread) {
     const bool dipoles = run.dipoles.IDIPOL;
     // The right-hand side of a dipole panel is a normal velocity in any run.
     const bool gradient = std::max(opt.ISOR, opt.ISCATT) == 1 || dipoles;
-    const bool keep_incident = opt.ISCATT == 1 || (opt.ISOR == 1 && opt.IRR != 0);
+    // To be added to the scattered wave, and for the source equations of interior panels and lids.
+    const bool keep_incident = opt.ISCATT == 1 || (opt.ISOR == 1 && (opt.IRR != 0 || opt.IBDT3 == 1));
     for (int ip = 1; ip <= mesh.NEQN; ++ip) {
         const f32 point[3] = {mesh.XCT(1, ip), mesh.XCT(2, ip), mesh.XCT(3, ip)};
         const bool dipole = is_dipole(run.dipoles, ip);

@@ -21,7 +21,7 @@ template <class Action> void walk_lids(const RunState &run, f32 K, Action action
     f32 EPS = 0;
     for (int I = 1; run.opt.IBDT3 == 1 && I <= run.mesh.NEQN; ++I) {
         if (LIDDMP(run.bodies, I, EPS))
-            action(I, K * c32(1 - EPS * EPS, -2 * EPS));
+            action(I, K - lid_factor(EPS, K));
     }
 }
 
@@ -32,8 +32,14 @@ c32 resistance(const Dipoles &dipoles, int I, f32 Z) {
     return {-dipoles.DPORA(I) * Z, dipoles.DPORB(I) * Z};
 }
 
-void radiation(const RunState &run, f32 K, f32 F, View<c32, 2> RS) {
+// A porous plate at infinite frequency lets everything through.
+bool is_open(const RunState &run, const PeriodWave &wave, int I) {
+    return wave.IPLIM == 2 && is_porous(run.dipoles, I);
+}
+
+void radiation(const RunState &run, const PeriodWave &wave, View<c32, 2> RS) {
     const Symmetry &sym = run.sym;
+    const f32 K = wave.NUL;
     walk_strips(run, [&](int q, int P) {
         for (int col = 1; col <= sym.NSYMD; ++col)
             RS(q, col) = -K * RS(P, col);
@@ -43,9 +49,9 @@ void radiation(const RunState &run, f32 K, f32 F, View<c32, 2> RS) {
         if (run.mesh.IFSP(I) == 1 || LIDDMP(run.bodies, I, EPS))
             continue;
         const int mark = dipole_mark(run, I);
-        const c32 z = mark != 0 ? resistance(run.dipoles, I, K * F) : c32(0);
+        const c32 z = mark != 0 ? resistance(run.dipoles, I, K * wave.F) : c32(0);
         for (int col = 1; col <= sym.NSYMD; ++col) {
-            const c32 own = mark == 3 ? 0 : run.mesh.VEL(sym.MODLST(col), I);
+            const c32 own = mark == 3 || is_open(run, wave, I) ? 0 : run.mesh.VEL(sym.MODLST(col), I);
             RS(I, col) = mark != 0 ? own - RS(I, col) * z : own;
         }
     }
@@ -55,24 +61,25 @@ void radiation(const RunState &run, f32 K, f32 F, View<c32, 2> RS) {
     });
 }
 
-void diffraction(const RunState &run, f32 K, f32 F, ThreadState &thread) {
+void diffraction(const RunState &run, const PeriodWave &wave, ThreadState &thread) {
+    const f32 K = wave.NUL;
     const auto each_column = [&](auto action) {
         for (int s = 1; s <= run.sym.NSYMR; ++s) {
             for (int b = 1; b <= run.periods.NBETAM; ++b)
                 action(b, s);
         }
     };
-    const auto set = [&](int I, int from, c32 factor) {
-        each_column([&](int b, int s) {
-            thread.SRCD(I, b, s) = factor * (thread.PHID(from, b, s) - thread.PHI0(from, b, s));
-        });
-    };
-    walk_strips(run, [&](int q, int P) { set(q, P, -K); });
-    walk_lids(run, K, [&](int I, c32 y) { set(I, I, y); });
+    walk_strips(run, [&](int q, int P) {
+        each_column(
+            [&](int b, int s) { thread.SRCD(q, b, s) = -K * (thread.PHID(P, b, s) - thread.PHI0(P, b, s)); });
+    });
+    walk_lids(run, K, [&](int I, c32 y) {
+        each_column([&](int b, int s) { thread.SRCD(I, b, s) = y * thread.PHID(I, b, s) - K * thread.PHI0(I, b, s); });
+    });
     for (int I = 1; run.dipoles.IDIPOL && I <= run.mesh.NEQN; ++I) {
         if (run.dipoles.IDIP(I) == 0)
             continue;
-        const c32 z = resistance(run.dipoles, I, K * F);
+        const c32 z = resistance(run.dipoles, I, K * wave.F);
         each_column([&](int b, int s) { thread.SRCD(I, b, s) -= thread.PHID(I, b, s) * z; });
     }
 }
@@ -106,9 +113,9 @@ void shift_to_reference(const RunState &run, ThreadState &thread) {
     }
 }
 
-void SRCRHS(const RunState &run, f32 K, f32 F, View<c32, 2> RS, ThreadState &thread) {
+void SRCRHS(const RunState &run, const PeriodWave &wave, View<c32, 2> RS, ThreadState &thread) {
     if (run.opt.IRAD != -1)
-        radiation(run, K, F, RS);
+        radiation(run, wave, RS);
     if (run.opt.IDIFF != -1)
-        diffraction(run, K, F, thread);
+        diffraction(run, wave, thread);
 }

@@ -101,6 +101,15 @@ Status generate_free_surface(RunState &run) {
     return FSGEN(PSCALE, names, run);
 }
 
+// The report tells what the limit frequencies among the periods are.
+void show_limits(const Periods &periods) {
+    static const char *const names[] = {"", "zero frequency", "infinite frequency"};
+    for (int i = 1; i <= periods.NPER; ++i) {
+        if (const int limit = limit_of(periods.WVN0(i)); limit != 0)
+            list_line(" Limit frequency: period " + int_in(5, i) + " is " + names[limit]);
+    }
+}
+
 void choose_solver(Options &opt, int NEQN) {
     if (NEQN > opt.MAXSCR && opt.ISOLVE == 1 && opt.IWADD == 0) {
         opt.ISOLVE = NEQN / opt.MAXSCR + 1;
@@ -172,5 +181,6 @@ Status INECHO(RunState &run) {
         return Status::failed;
     echo_file(run, " Input from Potential Control File:      ", 2, 2);
     echo_line(run, " ");
+    show_limits(run.periods);
     return Status::ok;
 }

@@ -1,3 +1,4 @@
+#include "base/text.hpp"
 #include "input/config.hpp"
 #include "input/gdf.hpp"
 #include "input/input.hpp"
@@ -35,6 +36,12 @@ Status check_configuration(const Options &opt, const Bodies &bodies) {
     return Status::ok;
 }
 
+// Warns of a number of PER that counts as infinite frequency where another limit, or a wave, may be meant.
+void warn_of_limit(int period, const std::string &found) {
+    message("WARNING: a period counts as infinite frequency, period ", period);
+    message_detail(found + "; give a negative value for zero frequency");
+}
+
 // WVN0 and PER [s] of all periods from the numbers as read. All faults are told.
 Status wave_numbers(const Options &opt, f32 ULEN1, Periods &periods) {
     Status status = Status::ok;
@@ -43,6 +50,9 @@ Status wave_numbers(const Options &opt, f32 ULEN1, Periods &periods) {
         f32 &k = periods.WVN0(i);
         if (p <= LIMIT_PERIOD) {
             k = p;
+            // Of periods, 0 is the limit of high frequencies; of frequencies and wave numbers it looks like that of low ones.
+            if (limit_of(p) == 2 && (p < 0 || opt.IPERIO > 1))
+                warn_of_limit(i, "the value" + sci(11, 3, p) + " of PER");
             if (opt.IWADD == 1)
                 status = MSGOUT("Do not use IWADD=1 option for zero or infinite periods");
             continue;
@@ -62,6 +72,9 @@ Status wave_numbers(const Options &opt, f32 ULEN1, Periods &periods) {
         if (!(k > 0) || !std::isfinite(k) || !std::isfinite(periods.PER(i)))
             status = MSGOUT_with("Error reading POT file, array of periods PER", 0,
                                  "the wave number of period " + std::to_string(i) + " is out of range");
+        else if (limit_of(k) != 0)
+            warn_of_limit(i, sci(11, 3, periods.PER(i)) + " s, wave number times ULEN" + sci(11, 3, k) +
+                                 ", not above 1.E-6");
     }
     return status;
 }

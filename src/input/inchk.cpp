@@ -63,7 +63,7 @@ void check_problem(const RunState &run, Faults &faults) {
 void check_depth(const RunState &run, Faults &faults) {
     constexpr f32 ROUNDING = 1.0e-5f; // of vertices and depth, as fractions of the depth
     const f32 lowest = -run.opt.HBOT * (1 + ROUNDING);
-    if (run.opt.HBOT <= 0)
+    if (run.opt.HBOT <= 0 || run.opt.IRRX != 0) // a tank has no depth of water
         return;
     int first = 1;
     for (int b = 1; b <= run.bodies.NEQNB.dim(1); ++b) {

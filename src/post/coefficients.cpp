@@ -21,9 +21,11 @@ int body_images(const P2fFile &p2f) {
 }
 
 c64 pressure_integral(const P2fFile &p2f, int mode, const c32 *potential) {
+    constexpr int HELD = 3; // a plate that is no part of the moving body
     c64 sum = 0;
     for (int ip = 1; ip <= p2f.NEQN; ++ip)
-        sum += static_cast<double>(p2f.PMOM(1, ip)) * p2f.VEL(mode, ip) * c64(potential[ip - 1]);
+        if (p2f.IDIP.empty() || p2f.IDIP(ip) != HELD)
+            sum += static_cast<double>(p2f.PMOM(1, ip)) * p2f.VEL(mode, ip) * c64(potential[ip - 1]);
     return sum * static_cast<double>(body_images(p2f));
 }
 

@@ -11,7 +11,8 @@ struct Coefficients {
     Array<c32, 3> X; // exciting force (NMODES,NBETA,NPER)
 };
 
-// A - i B/omega = rho sum of area VEL(i) phi_j, X = rho g sum of area VEL(i) phi_D, over the panels of all body images.
+// A - i B/omega = rho sum of area VEL(i) phi_j, X = rho g sum of area VEL(i) phi_D, over the panels of all body images, but for plates
+// that are held in place (IDIP=3).
 // Coefficients of modes of different classes, or of modes that were not solved, are 0. False when memory is refused.
 [[nodiscard]] bool form_coefficients(const P2fFile &p2f, Coefficients &coefficients);
 

@@ -98,7 +98,7 @@ class Sweep {
                     return false;
                 }
                 code += terms.digit << (3 * (p - 1));
-                scatter_terms(in_, planes_, terms, sym_.ISYMG[p], {B, surface}, element(B, r, b),
+                scatter_terms(in_, planes_, terms, sym_.ISYMG[p], {A, B, surface}, element(B, r, b),
                               right_hand_sides_ ? &b.rhs(1, 0, r) : nullptr);
             }
             if (B <= A)

@@ -44,12 +44,12 @@ bool visit(const RankineInput &in, const Planes &planes, int A, OuterPanel &oute
             if (!rankine_pair(in, A, B, p, surface, terms))
                 return false;
             outer.code(B) += terms.digit << (3 * (p - 1));
-            scatter_terms(in, planes, terms, m, {B, surface}, {&outer.row(B, 1), n}, rhs_of(A));
+            scatter_terms(in, planes, terms, m, {A, B, surface}, {&outer.row(B, 1), n}, rhs_of(A));
             if (A == B)
                 continue;
             if (!rankine_pair(in, B, A, p, surface, terms))
                 return false;
-            scatter_terms(in, planes, terms, m, {A, surface}, {&outer.column(B, 1), n}, rhs_of(B));
+            scatter_terms(in, planes, terms, m, {B, A, surface}, {&outer.column(B, 1), n}, rhs_of(B));
         }
     }
     if ((outer.mask(A) & PAIR_SURFACE) == 0 && !in.dipole(A))

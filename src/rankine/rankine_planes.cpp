@@ -28,22 +28,23 @@ int first_surface_row(const RankineInput &in) {
 
 } // namespace
 
-void scatter_terms(const RankineInput &in, const Planes &planes, const RankineTerms &t, int m, PairSource source,
+void scatter_terms(const RankineInput &in, const Planes &planes, const RankineTerms &t, int m, PanelPair pair,
                    PlaneElement element, f32 *rhs) {
     const Symmetry &sym = in.sym;
     const std::int64_t plane = element.plane;
-    const bool surface = source.surface;
-    const f32 mark = surface ? static_cast<f32>(in.mesh.IFSP(source.panel)) : 0;
-    const bool feeds = rhs != nullptr && !in.dipole(source.panel);
+    const bool surface = pair.surface;
+    const f32 source_mark = surface ? static_cast<f32>(in.mesh.IFSP(pair.source)) : 0;
+    const f32 field_mark = surface ? static_cast<f32>(in.mesh.IFSP(pair.field)) : 0;
+    const bool feeds = rhs != nullptr && !in.dipole(pair.source);
     for (int s = 1; s <= planes.classes; ++s) {
         const f32 e = static_cast<f32>(SGN[sym.ICLS[s]][m]);
         for (int k = 0; k < planes.levels; ++k) {
             f32 *to = element.at + planes.first(s, k) * plane;
-            to[0] += e * (surface ? mark * t.S[k] : t.D[k]);
+            to[0] += e * (surface ? source_mark * t.S[k] : t.D[k]);
             if (planes.source > 0)
                 to[planes.source * plane] += e * t.S[k];
             if (planes.normal > 0) {
-                to[planes.normal * plane] += e * (surface ? mark * t.S[k] : t.N[k]);
+                to[planes.normal * plane] += e * (surface ? field_mark * t.S[k] : t.N[k]);
                 if (!surface) {
                     to[planes.velocity * plane] += static_cast<f32>(SGX[m]) * e * t.V[k][1];
                     to[(planes.velocity + 1) * plane] += static_cast<f32>(SGY[m]) * e * t.V[k][2];
@@ -52,7 +53,7 @@ void scatter_terms(const RankineInput &in, const Planes &planes, const RankineTe
             }
             for (int n = 1; feeds && n <= sym.NMCLS[s]; ++n) {
                 const int q = sym.MODCLS(n, s);
-                rhs[sym.MODPOS(q) - 1 + k * sym.NSYMD] += in.mesh.VEL(q, source.panel) * t.S[k] * e;
+                rhs[sym.MODPOS(q) - 1 + k * sym.NSYMD] += in.mesh.VEL(q, pair.source) * t.S[k] * e;
             }
         }
     }

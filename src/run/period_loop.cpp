@@ -54,8 +54,8 @@ void solve_sources(const RunState &run, const PeriodWave &wave, ThreadState &thr
     const Options &opt = run.opt;
     if (opt.IRAD >= 0)
         std::copy_n(thread.PHIR.data(), thread.PHIR.size(), thread.SRCR.data());
-    SRCRHS(run, wave.NUL, wave.F, thread.SRCR, thread);
-    const SolveRequest request{opt.IRAD, opt.IDIFF, 1, 0, 1, opt.IRR == 0 ? EPSIT : 1.0e-4f, opt.IRRX};
+    SRCRHS(run, wave, thread.SRCR, thread);
+    const SolveRequest request{opt.IRAD, opt.IDIFF, 1, 0, 1, opt.IRR == 0 ? EPSIT : 1.0e-4f};
     require(SOLVE(run, request, thread.SRCR, thread.SRCD, thread, ITER));
     require(BVEL(run, thread));
 }
@@ -66,7 +66,8 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCou
     const f32 W = run.periods.WVN0(period);
     require(ALLOCATE_WA(run, thread));
     f32 F = 1;
-    require(depth_state(W, opt.HBOT, thread.gstate, F));
+    if (opt.IRRX == 0) // a tank has no waves
+        require(depth_state(W, opt.HBOT, thread.gstate, F));
     const PeriodWave wave = frequency_variables(W, opt.HBOT, F);
     if (opt.IDIFF >= 0 && opt.IWADD == 1)
         INCWWD(run, W * F, thread);

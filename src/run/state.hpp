@@ -144,6 +144,10 @@ struct Dipoles {
 inline bool is_dipole(const Dipoles &dipoles, int panel) {
     return dipoles.IDIPOL && dipoles.IDIP(panel) != 0;
 }
+// A dipole panel that lets fluid through.
+inline bool is_porous(const Dipoles &dipoles, int panel) {
+    return is_dipole(dipoles, panel) && (dipoles.DPORA(panel) != 0 || dipoles.DPORB(panel) != 0);
+}
 
 struct Symmetry {
     int NSYMG = 0;        // number of images
@@ -170,6 +174,13 @@ struct Symmetry {
     Array<int, 2> WMODM; // (NMODES,4)
     Array<int, 1> WMODP; // (NMODES)
 };
+
+// The limit frequency that a deep-water wave number WVN0 stands for: 0 none, 1 zero frequency, 2 infinite frequency. Waves
+// longer than 2 pi 1e6 lengths count as infinite frequency.
+inline int limit_of(f32 W) {
+    constexpr f32 LIMIT = 1.0e-6f;
+    return W > LIMIT ? 0 : W < -LIMIT ? 1 : 2;
+}
 
 struct Periods {
     int NPER = 0;

@@ -44,7 +44,7 @@ class Chain {
 };
 
 Status solve_sources(const RunState &run, const PeriodWave &wave, ThreadState &thread, int (&ITER)[2]) {
-    SRCRHS(run, wave.NUL, wave.F, thread.SRCR, thread);
+    SRCRHS(run, wave, thread.SRCR, thread);
     Chain sources(run, thread, 1, ITER);
     if (run.opt.IDIFF != 1)
         sources.last_one_comes();

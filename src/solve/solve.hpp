@@ -14,9 +14,8 @@ struct SolveRequest {
     int KEEP = 0;    // 1: the scratch files and the prepared matrix stay for a later call
     int ISRC = 0;    // 1: the source matrix, on the second list of units
     f32 EPS = EPSIT; // tolerance of the iterative solvers
-    // Reference panel of a fully filled tank, 0: none. The solution is made to vanish there in the class that
-    // is even in both planes, where it is defined up to a constant (up to the density of a conductor for
-    // sources).
+    // Reference panel of a fully filled tank, 0: none. The potentials are made to vanish there in the class that is
+    // even in both planes, where they are defined up to a constant. The source equations have one solution.
     int IRRX = 0;
     const ModeLists *modes = nullptr; // of the radiation columns; null: the modes of the run
 };

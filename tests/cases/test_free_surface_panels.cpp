@@ -1,50 +1,12 @@
 // Truth: two ways to the same diffraction potential of a disc of no draught, a hull with overhang without
 // treatment, and the energy that a lid on the water takes out.
+#include "panel_lists.hpp"
 #include "source_fields.hpp"
+#include "whole_fields.hpp"
 
 namespace {
 
-using Point = std::array<double, 3>;
-
-// Quarter of a surface of revolution, `down` panels along the line from (r0, z0) to (r1, z1); `turned` turns
-// the normals.
-struct Ring {
-    double r0, z0, r1, z1;
-    int around, down;
-    bool turned;
-};
-std::string quarter_gdf(const std::vector<Ring> &rings) {
-    std::ostringstream panels;
-    int count = 0;
-    for (const Ring &ring : rings) {
-        for (int i = 0; i < ring.around; ++i) {
-            for (int j = 0; j < ring.down; ++j) {
-                const auto at = [&](int a, int d) -> Point {
-                    const double angle = std::acos(0.0) * a / ring.around,
-                                 part = static_cast<double>(d) / ring.down;
-                    const double r = ring.r0 + (ring.r1 - ring.r0) * part;
-                    return {r * std::cos(angle), r * std::sin(angle), ring.z0 + (ring.z1 - ring.z0) * part};
-                };
-                std::array<Point, 4> p{at(i, j), at(i + 1, j), at(i + 1, j + 1), at(i, j + 1)};
-                if (ring.turned)
-                    std::reverse(p.begin(), p.end());
-                for (const Point &v : p)
-                    panels << " " << v[0] << " " << v[1] << " " << v[2] << "\n";
-                ++count;
-            }
-        }
-    }
-    std::ostringstream out;
-    out << "quarter\n 1 9.80665\n 1 1\n " << count << "\n" << panels.str();
-    return out.str();
-}
-
-SolvedRun solve_gdf(const std::string &gdf, const Pot &pot, const std::string &config = "") {
-    const CaseFolder folder;
-    prepare(folder, pot, config);
-    folder.write("run.gdf", gdf);
-    return solved(folder);
-}
+using panel_lists::gdf, panel_lists::rings, panel_lists::solve_gdf;
 
 Pot waves(const std::string &PER, int NPER, int ISOR) {
     Pot pot;
@@ -57,7 +19,7 @@ Pot waves(const std::string &PER, int NPER, int ISOR) {
 }
 
 std::string disc(int n) {
-    return quarter_gdf({{1, 0, 0, 0, n, n, true}});
+    return gdf(rings({{1, 0, 0, 0, n, n, true}}));
 }
 
 // On a panel in z = 0 the sources themselves and K times their potential make the vertical velocity: n . V =
@@ -107,7 +69,7 @@ TEST(DiscOfNoDraught, ScattersTheSameByBothEquations) {
 // overhang lie over panels of the bottom: only where both meshes agree can the images cancel.
 double overhang_difference(int m) {
     const std::string hull =
-        quarter_gdf({{0.8, 0, 1, -0.4, 6 * m, 2 * m, true}, {1, -0.4, 0, -0.4, 6 * m, 10 * m, true}});
+        gdf(rings({{0.8, 0, 1, -0.4, 6 * m, 2 * m, true}, {1, -0.4, 0, -0.4, 6 * m, 10 * m, true}}));
     Pot pot = waves("0.4 1.0 1.6", 3, 1); // far below the first eigenvalues inside
     const SolvedRun plain = solve_gdf(hull, pot);
     pot.IRR = 2;
@@ -134,6 +96,75 @@ double overhang_difference(int m) {
     return worst;
 }
 
+// Velocities in the free surface leave out the panel's own.
+bool wet(const whole_fields::Place &place) {
+    return place.at[2] < -1e-4;
+}
+bool of_the_disc(const whole_fields::Place &place) {
+    return place.at[3] == -1;
+}
+
+panel_lists::List hemisphere(int m) {
+    const std::string n = std::to_string(4 * m);
+    return panel_lists::made("hemisphere --nu " + n + " --nv " + n);
+}
+panel_lists::List lid(int m) {
+    return rings({{1, 0, 0, 0, 4 * m, 4 * m, false}});
+}
+// Leans outward downwards: the bottom has panels where those of the side are seen from above.
+panel_lists::List cone(int m) {
+    return rings({{1, 0, 1.4, -0.5, 6 * m, 2 * m, true}, {1.4, -0.5, 0, -0.5, 6 * m, 7 * m, true}});
+}
+SolvedRun solve_beside_disc(const panel_lists::List &hull, const Pot &pot) {
+    const CaseFolder folder;
+    prepare(folder, pot);
+    folder.write("hull.gdf", gdf(hull));
+    folder.write("disc.gdf", disc(4));
+    folder.write("run.gdf", "pair\n0 9.80665\n2\nhull.gdf\n0 0 0 0\n1 1\n1 1 1 1 1 1\n"
+                            "disc.gdf\n2.3 0 0 0\n1 1\n1 1 1 1 1 1\n");
+    return solved(folder);
+}
+
+// Below the first eigenvalue of the water inside the treatment changes the flow by an error of the mesh.
+struct Treated {
+    const char *name;
+    int IRR;
+    panel_lists::List (*hull)(int);
+    double fine, ratio; // the difference of velocities of the finer mesh, and at least what it gains
+};
+void PrintTo(const Treated &is, std::ostream *out) {
+    *out << is.name << " " << is.IRR;
+}
+class Interior : public testing::TestWithParam<Treated> {};
+
+TEST_P(Interior, PanelsChangeTheVelocitiesByTheMeshOnly) {
+    const Treated &is = GetParam();
+    const auto with_panels = [&](int m) {
+        return is.IRR == 1 || is.IRR == 4 ? is.hull(m) + lid(m) : is.hull(m);
+    };
+    double error[3] = {};
+    const Pot plain = waves("0.4 1.0 2.0", 3, 1);
+    Pot pot = plain;
+    pot.IRR = is.IRR;
+    for (const int m : {1, 2})
+        error[m] = whole_fields::difference(solve_gdf(gdf(is.hull(m)), plain), solve_gdf(gdf(with_panels(m)), pot), wet)
+                       .rms[whole_fields::VELOCITY];
+    EXPECT_LT(error[2], is.fine);
+    EXPECT_GT(error[1] / error[2], is.ratio);
+    // A hull of no draught beside it has sources in the free surface, as the interior panels have, with the other mark.
+    const SolvedRun with = solve_beside_disc(with_panels(1), pot), without = solve_beside_disc(is.hull(1), plain);
+    EXPECT_LT(whole_fields::difference(without, with, wet).rms[whole_fields::VELOCITY], 1.05 * error[1]);
+    if (is.hull == hemisphere) { // the images of an overhang have the mark of the disc
+        EXPECT_LT(whole_fields::difference(with, without, of_the_disc).largest[whole_fields::SOURCE], 0.05);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(All, Interior,
+                         testing::Values(Treated{"hemisphere", 1, hemisphere, 0.06, 1.9},
+                                         Treated{"hemisphere", 2, hemisphere, 0.06, 1.9},
+                                         Treated{"hemisphere", 3, hemisphere, 0.06, 1.9},
+                                         Treated{"hemisphere", 4, hemisphere, 0.06, 1.9},
+                                         Treated{"cone", 2, cone, 0.18, 1.3})); // its rim is sharp
+
 TEST(Overhang, WithItsImagesIsTheHullWithout) {
     const double coarse = overhang_difference(1), fine = overhang_difference(2);
     EXPECT_LT(fine, 0.011);
@@ -142,11 +173,13 @@ TEST(Overhang, WithItsImagesIsTheHullWithout) {
 }
 
 // A hemisphere within a ring of lid on the water.
-SolvedRun solve_with_lid(double damping) {
+SolvedRun solve_with_lid(double damping, int ISCATT, int IRR = 0, int m = 2) {
     CaseFolder folder;
-    prepare(folder, waves("0.5 1.0 1.8", 3, 1), "ISCATT=1\nIFSLID=1\n");
-    make_mesh(folder, "hemisphere --nu 8 --nv 8", "hull.gdf");
-    folder.write("lid.gdf", quarter_gdf({{1.6, 0, 1.2, 0, 8, 2, true}}));
+    Pot pot = waves("0.5 0.7 1.0 1.8", 4, 1);
+    pot.IRR = IRR;
+    prepare(folder, pot, "IFSLID=1\nISCATT=" + std::to_string(ISCATT) + "\n");
+    folder.write("hull.gdf", gdf(IRR == 1 ? hemisphere(m) + lid(m) : hemisphere(m)));
+    folder.write("lid.gdf", gdf(rings({{1.6, 0, 1.2, 0, 4 * m, m, true}})));
     folder.write(
         "run.gdf",
         "hull and lid\n0 9.80665\n2\nhull.gdf\n0 0 0 0\n1 1\n1 1 1 1 1 1\n1 0\nlid.gdf\n0 0 0 0\n0 1\n"
@@ -182,25 +215,40 @@ Budget heave_budget(const P2fFile &p2f, double e, int t) {
     return {K * std::norm(H) / 2, lid};
 }
 
-TEST(DampingLid, TakesEnergyOut) {
-    constexpr double DAMPING = 0.2;
-    constexpr double BUDGET =
-        0.015; // what the same hull misses without a lid in the shortest wave, by its panels
-    const SolvedRun alone = solve_mesh("hemisphere --nu 8 --nv 8", waves("0.5 1.0 1.8", 3, 1), "ISCATT=1\n"),
-                    idle = solve_with_lid(0), lid = solve_with_lid(DAMPING);
-    for (int t = 1; t <= 3; ++t) {
-        for (int mode = 1; mode <= 3; ++mode) {
-            EXPECT_NEAR(idle.c.A(mode, mode, t), alone.c.A(mode, mode, t), 1e-5);
-            EXPECT_NEAR(idle.c.B(mode, mode, t), alone.c.B(mode, mode, t), 1e-5);
-            EXPECT_LT(std::abs(idle.c.X(mode, 1, t) - alone.c.X(mode, 1, t)), 1e-5f);
-        }
-        const Budget budget = heave_budget(lid.p2f, DAMPING, t);
-        const double B = static_cast<double>(lid.c.B(3, 3, t));
-        EXPECT_GT(B, budget.waves);
-        EXPECT_GT(budget.lid, 0.02 * B);
-        EXPECT_NEAR((budget.waves + budget.lid) / B, 1, BUDGET);
+// A lid without damping is free surface. Its sources make up what the potentials of the two equations differ by, an error
+// of the mesh.
+TEST(DampingLid, WithoutDampingIsFreeSurface) {
+    for (const int ISCATT : {0, 1}) {
+        whole_fields::Difference error[3];
+        for (const int m : {1, 2})
+            error[m] = whole_fields::difference(solve_gdf(gdf(hemisphere(m)), waves("0.5 0.7 1.0 1.8", 4, 1),
+                                                          ISCATT == 1 ? "ISCATT=1\n" : ""),
+                                                solve_with_lid(0, ISCATT, 0, m), wet);
+        EXPECT_LT(error[2].largest[whole_fields::POTENTIAL], 1e-5);
+        EXPECT_LT(error[2].rms[whole_fields::VELOCITY], 0.03);
+        EXPECT_GT(error[1].rms[whole_fields::VELOCITY] / error[2].rms[whole_fields::VELOCITY], 1.7);
     }
-    EXPECT_LT(fields::normal_velocity_error(alone.p2f), 1e-5);
+}
+
+TEST(DampingLid, TakesEnergyOutOfTheTotalWave) {
+    constexpr double DAMPING = 0.2;
+    constexpr double BUDGET = 0.015; // what the same hull misses without a lid in the shortest wave, by its panels
+    constexpr double MESH = 0.025;   // between the two ways to diffraction, by the panels of the hull
+    for (const int IRR : {0, 1}) {
+        const SolvedRun total = solve_with_lid(DAMPING, 0, IRR), scattered = solve_with_lid(DAMPING, 1, IRR);
+        for (const double error : whole_fields::difference(total, scattered, wet).rms)
+            EXPECT_LT(error, MESH);
+        for (int t = 1; t <= 4; ++t) {
+            const Budget budget = heave_budget(total.p2f, DAMPING, t);
+            const double B = static_cast<double>(total.c.B(3, 3, t)), K = static_cast<double>(total.p2f.WVNH(t));
+            EXPECT_GT(budget.lid, 0.02 * B);
+            EXPECT_NEAR((budget.waves + budget.lid) / B, 1, BUDGET);
+            // The waves that heave sends out are those that lift it.
+            const auto share = [&](const SolvedRun &run) { return K * std::norm(fields::c64(run.c.X(3, 1, t))) / 2 / (B - budget.lid); };
+            EXPECT_NEAR(share(total), 1, 0.005);
+            EXPECT_NEAR(share(scattered), 1, 2 * MESH);
+        }
+    }
 }
 
 } // namespace
