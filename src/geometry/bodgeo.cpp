@@ -81,10 +81,27 @@ SecondMoments second_moments(const Panel &p, bool gauss, f32 ZB) {
 // free surface.
 struct BodySums {
     double n3A = 0, n3Ax = 0, n3Ay = 0, n3Az = 0; // n3 A times 1, x, y, height
-    double n1xx = 0, n2yy = 0, n3zz = 0;          // normal times second moment
-    double n3xx = 0, n3yy = 0, n3xy = 0;
-    double n1Ax = 0, n2Ay = 0; // with a wall in global axes
+    double n3xx = 0, n3yy = 0, n3zz = 0, n3xy = 0; // normal times second moment
+    // With a wall in global axes, the first two moments in axes that are only turned to them:
+    double n1Ax = 0, n2Ay = 0;
+    double n1xx = 0, n2yy = 0; // normal times second moment
 
+    // Vector area of the hull in global axes. It vanishes to the last bit over a closed body, far from the
+    // wall or not, because it comes from the vertices, not from rounded normals.
+    double area1 = 0, area2 = 0;
+
+    void add_vector_area(View<const f32, 2> vertex, const Placement &at) {
+        double d13[4], d24[4];
+        for (int c = 1; c <= 3; ++c) {
+            d13[c] = static_cast<double>(vertex(3, c)) - static_cast<double>(vertex(1, c));
+            d24[c] = static_cast<double>(vertex(4, c)) - static_cast<double>(vertex(2, c));
+        }
+        // Clockwise as seen from the side of the normal.
+        const double a1 = -0.5 * (d13[2] * d24[3] - d13[3] * d24[2]);
+        const double a2 = -0.5 * (d13[3] * d24[1] - d13[1] * d24[3]);
+        area1 += at.c * a1 - at.s * a2;
+        area2 += at.s * a1 + at.c * a2;
+    }
     void add_hull(const Panel &p, const SecondMoments &m, const Placement &at, bool wall) {
         const f32 *N = p.TRM[3];
         const f32 A = p.PMOM[1];
@@ -92,33 +109,50 @@ struct BodySums {
         n3Ax += N[3] * A * p.XCT[1];
         n3Ay += N[3] * A * p.XCT[2];
         n3Az += N[3] * A * (p.XCT[3] + at.z);
-        n1xx += N[1] * m.xx;
-        n2yy += N[2] * m.yy;
         n3zz += N[3] * m.zz;
         n3xx += N[3] * m.xx;
         n3yy += N[3] * m.yy;
         n3xy += N[3] * m.xy;
-        f32 n1 = N[1], n2 = N[2], x = p.XCT[1], y = p.XCT[2];
+        f32 n1 = N[1], n2 = N[2], x = p.XCT[1], y = p.XCT[2], xx = m.xx, yy = m.yy;
         if (wall) {
             turn(at, n1, n2);
             turn(at, x, y);
             x += at.x;
             y += at.y;
+            xx = at.c * at.c * m.xx - 2 * at.c * at.s * m.xy + at.s * at.s * m.yy;
+            yy = at.s * at.s * m.xx + 2 * at.c * at.s * m.xy + at.c * at.c * m.yy;
         }
+        n1xx += n1 * xx;
+        n2yy += n2 * yy;
         n1Ax += n1 * A * x;
         n2Ay += n2 * A * y;
     }
     // A thin structure of the given thickness has volume, but no two sides.
-    void add_dipole(const Panel &p, f32 thickness, const Placement &at) {
+    void add_dipole(const Panel &p, f32 thickness, const Placement &at, bool wall) {
         const f32 volume = p.PMOM[1] * thickness;
+        f32 x = p.XCT[1], y = p.XCT[2];
+        if (wall)
+            turn(at, x, y);
         n3Az -= volume;
         n1Ax -= volume;
         n2Ay -= volume;
-        n1xx -= 2 * p.XCT[1] * volume;
-        n2yy -= 2 * p.XCT[2] * volume;
+        n1xx -= 2 * x * volume;
+        n2yy -= 2 * y * volume;
         n3zz -= 2 * (p.XCT[3] + at.z) * volume;
     }
 };
+
+// Adds the piece of a wall that closes the body: what the vector area of the hull lacks, at the place of the
+// wall as seen from the origin of the body. Then turns the moments back to the axes of the body.
+void close_by_walls(const Options &opt, const Placement &at, BodySums &V) {
+    if (opt.ISX == -1)
+        V.n1xx -= V.area1 * at.x * at.x;
+    if (opt.ISY == -1)
+        V.n2yy -= V.area2 * at.y * at.y;
+    const double turned = V.n1xx;
+    V.n1xx = at.c * turned + at.s * V.n2yy;
+    V.n2yy = at.c * V.n2yy - at.s * turned;
+}
 
 // Fills VOL, XCB and the block of CHYD of the body. Of the three volumes the median is used.
 void fill_hydrostatics(const Options &opt, const BodySums &V, const BodyRange &range, Bodies &bodies) {
@@ -201,12 +235,16 @@ Status BODGEO(const Options &opt, const Dipoles &dipoles, const BodyRange &range
             }
         }
         if (is_dipole(dipoles, ip))
-            sums.add_dipole(p, dipoles.DTHK(ip), at);
-        else
+            sums.add_dipole(p, dipoles.DTHK(ip), at, wall);
+        else {
             sums.add_hull(p, second_moments(p, gauss, at.z), at, wall);
+            sums.add_vector_area(mesh.XVER.slice(ip), at);
+        }
         move_to_global(at, p);
         put_panel(p, ip, mesh);
     }
+    if (wall)
+        close_by_walls(opt, at, sums);
     fill_hydrostatics(opt, sums, range, bodies);
     return Status::ok;
 }

@@ -18,7 +18,10 @@ struct Panel {
     f32 SIDE[5];   // side lengths, exactly 0 for a collapsed side
     f32 XGP[5][4]; // Gauss points
     f32 GJAC[5];   // Gauss weights, their sum is the area
-    f32 PSIZ[3];   // size scales: of the tolerances, and the squared one of the regions
+    f32 PSIZ[3];   // size scales as they are handed over
+    // Measures of the integrals, d the largest distance of two vertices:
+    f32 region2; // squared length of the regions and of near pairs, max(PSIZ(2), d^2/8)
+    f32 width;   // area/d, what lies in the plane and which sides count is told in units of it
 };
 
 // Factors of the stored moments PMOM(1..13): the integrals of 1, xx, xy, yy, xxx, xxy, xyy, yyy, xxxx, xxxy,
@@ -30,6 +33,10 @@ constexpr f32 MOMENT_FACTOR[14] = {0,    1.0f, 1.5f,  3.0f, 1.5f,  1.5f, 1.5f,
 // the vertices run clockwise. `ordinal` is the number of the panel within its body, for messages. Failed: the
 // area is below 1e-10 or two sides cross. A panel with one reflex corner is only warned about.
 [[nodiscard]] Status PANGEO(View<const f32, 2> vertex, int IDIAG, int ordinal, Panel &panel);
+
+// Fills region2 and width from the vertices, the area and PSIZ. Up to an aspect ratio of about 8 the area of
+// a rectangle is the larger of the two region scales; beyond it the multipoles would begin inside its length.
+void measure_regions(Panel &panel);
 
 // Copies between the record and column NP of the mesh arrays.
 void put_panel(const Panel &panel, int NP, Mesh &mesh);

@@ -137,11 +137,8 @@ int reflex_corners(const Panel &p) {
     return count;
 }
 
-void fill_scales(int IDIAG, Panel &p) {
-    p.PSIZ[1] = 1;
-    p.PSIZ[2] = p.PMOM[1];
-    if (IDIAG < 1)
-        return;
+// Largest squared distance of two vertices.
+f32 squared_diameter(const Panel &p) {
     f32 largest = 0;
     for (int i = 1; i <= 3; ++i)
         for (int j = i + 1; j <= 4; ++j) {
@@ -149,8 +146,14 @@ void fill_scales(int IDIAG, Panel &p) {
             const f32 dy = p.ETV[j] - p.ETV[i];
             largest = std::max(largest, dx * dx + dy * dy);
         }
-    p.PSIZ[1] = p.PMOM[1] / std::sqrt(largest);
-    p.PSIZ[2] = largest;
+    return largest;
+}
+
+void fill_scales(int IDIAG, Panel &p) {
+    const f32 d2 = squared_diameter(p);
+    p.PSIZ[1] = IDIAG < 1 ? 1 : p.PMOM[1] / std::sqrt(d2);
+    p.PSIZ[2] = IDIAG < 1 ? p.PMOM[1] : d2;
+    measure_regions(p);
 }
 
 void put(Vector v, f32 *three) {
@@ -214,6 +217,12 @@ Status PANGEO(View<const f32, 2> vertex, int IDIAG, int ordinal, Panel &panel) {
     return status;
 }
 
+void measure_regions(Panel &p) {
+    const f32 d2 = squared_diameter(p);
+    p.region2 = std::max(p.PSIZ[2], d2 / 8);
+    p.width = p.PMOM[1] / std::sqrt(d2);
+}
+
 void put_panel(const Panel &panel, int NP, Mesh &mesh) {
     for (int c = 1; c <= 3; ++c) {
         mesh.XCT(c, NP) = panel.XCT[c];
@@ -253,5 +262,6 @@ Panel panel_of(const Mesh &mesh, int NP) {
         panel.PMOM[n] = mesh.PMOM(n, NP);
     panel.PSIZ[1] = mesh.PSIZ(1, NP);
     panel.PSIZ[2] = mesh.PSIZ(2, NP);
+    measure_regions(panel);
     return panel;
 }

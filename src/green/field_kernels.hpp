@@ -2,7 +2,7 @@
 // matrices.
 //
 // One call takes one field point P (x, y, z from 1, global axes) and all panels. Over a panel the Green
-// function is summed by the quadrature of QUADPT; for a near panel, by the squared distance RKNEAR PSIZ(2),
+// function is summed by the quadrature of QUADPT; for a near panel, by the squared distance RKNEAR region2,
 // the inverse distances and the logarithm are taken out of the quadrature and integrated exactly. The Green
 // function is called once, with the points of all panels. Failed: the logarithm has no value at a vertex,
 // with the message.

@@ -23,6 +23,7 @@ Panel surface_panel(const SurfaceMesh &surface, int J) {
         for (int k = 1; k <= 4; ++k)
             panel.XGP[k][c] = surface.XGPF(k, c, J);
     }
+    measure_regions(panel);
     return panel;
 }
 
@@ -69,7 +70,7 @@ bool FieldPanels::make(std::vector<Panel> panels, int IQUAD) {
         const Panel &p = panel[static_cast<std::size_t>(std::min(j, n) - 1)];
         f32 WG[5], PG[5][4];
         QUADPT(IQUAD, p, WG, PG);
-        FN(j) = RKNEAR * p.PSIZ[2];
+        FN(j) = RKNEAR * p.region2;
         for (int c = 1; c <= 3; ++c) {
             X(j, c) = p.XCT[c];
             N(j, c) = p.TRM[3][c];

@@ -17,7 +17,7 @@ struct FieldPanels {
     std::vector<Panel> panel; // panel NP at NP-1
     Array<f32, 2> X;          // centroids, those of the free surface with height 0 (padded,3)
     Array<f32, 2> N;          // normals (padded,3)
-    Array<f32, 1> FN;         // RKNEAR PSIZ(2): squared distance below which a field point is near (padded)
+    Array<f32, 1> FN;         // RKNEAR region2: squared distance below which a field point is near (padded)
     Array<f32, 3> XG;         // quadrature points (padded,3,NG)
     Array<f32, 2> W;          // their weights (padded,NG)
     // IQUAD as in QUADPT. False: no memory.

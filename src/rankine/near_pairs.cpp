@@ -6,7 +6,8 @@
 VORDA_SIMD
 void near_pairs(const PairPoints &points, int a, const PairImages &images, std::uint8_t *mask) {
     const f32 *x = points.x.data(), *y = points.y.data(), *z = points.z.data(), *size = points.size.data();
-    const f32 za = z[a], sa = size[a];
+    const f32 *reach = points.reach.data();
+    const f32 za = z[a], sa = size[a], ra = reach[a];
     std::int32_t bits[BATCH];
     for (int first = 0; first < points.padded; first += BATCH) {
 #pragma omp simd
@@ -21,7 +22,7 @@ void near_pairs(const PairPoints &points, int a, const PairImages &images, std::
 #pragma omp simd
             for (int i = 0; i < BATCH; ++i) {
                 const f32 dx = xa - x[first + i], dy = ya - y[first + i], dz = za - z[first + i];
-                const f32 larger = size[first + i] > sa ? size[first + i] : sa;
+                const f32 larger = reach[first + i] > ra ? reach[first + i] : ra;
                 bits[i] |= dz * dz + (dx * dx + dy * dy) < RKNEAR * larger ? bit : 0;
             }
         }

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <vector>
 
-// Centroids and size scales of all panels, padded with points far away to a multiple of BATCH.
+// Centroids, PSIZ(2) and region2 of all panels, padded with points far away to a multiple of BATCH.
 struct PairPoints {
-    std::vector<f32> x, y, z, size;
+    std::vector<f32> x, y, z, size, reach;
     int padded = 0; // length of the arrays
 };
 
@@ -18,7 +18,7 @@ struct PairImages {
     f32 sx[4] = {}, sy[4] = {};
 };
 
-// Of the size scale: largest squared sum of the heights of two panels in z = 0.
+// Of PSIZ(2): largest squared sum of the heights of two panels in z = 0.
 constexpr f32 SURFACE2 = 1.0e-8f;
 
 // Bits of a mask: bit p-1 tells that the pair is near with image p, PAIR_SURFACE that both panels lie in z =

@@ -62,7 +62,7 @@ int with_all_gradients(const f32 *P, f32 EPS, const Panel &p, int ILOGF, FieldIn
 } // namespace
 
 int PANINT(f32 X, f32 Y, f32 Z, const Panel &p, int IGRAD, int ILOGF, PanelIntegrals &out) {
-    if (X * X + Y * Y + Z * Z > FAR_FIELD * p.PSIZ[2]) {
+    if (X * X + Y * Y + Z * Z > FAR_FIELD * p.region2) {
         panint_far(X, Y, Z, p, IGRAD, ILOGF, out);
         return 0;
     }

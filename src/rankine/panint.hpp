@@ -22,7 +22,7 @@ struct PanelIntegrals {
     f32 LZX, LZY;
 };
 
-// Squared distances from the centroid, in units of PSIZ(2), beyond which a multipole stands for the exact
+// Squared distances from the centroid, in units of region2, beyond which a multipole stands for the exact
 // forms, and beyond which one of second order does.
 constexpr f32 FAR_FIELD = 40.0f;
 constexpr f32 FAR_SECOND_ORDER = 150.0f;

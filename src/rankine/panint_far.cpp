@@ -98,7 +98,7 @@ void panint_far(f32 X, f32 Y, f32 Z, const Panel &p, int IGRAD, int ILOGF, Panel
     const f32 over_R = std::sqrt(over_R2);
     const f32 over_R3 = over_R * over_R2;
     const f32 over_R5 = over_R3 * over_R2;
-    const bool fourth_order = R2 < FAR_SECOND_ORDER * p.PSIZ[2];
+    const bool fourth_order = R2 < FAR_SECOND_ORDER * p.region2;
 
     MultipoleSums t;
     const f32 N3 = -(m[2] + m[4]) / 3;

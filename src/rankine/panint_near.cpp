@@ -8,13 +8,13 @@
 
 namespace {
 
-constexpr double PLANE = 1.0e-6;      // of PSIZ(1): a field point not farther from the plane lies in it
+constexpr double PLANE = 1.0e-6;      // of the width: a field point not farther from the plane lies in it
 constexpr double BETWEEN = -0.99;     // product of cosines below which the field point lies close to the side
 constexpr double VERTEX_LOG = 1.0e-6; // rho + height over rho below which the logarithm is undefined
 constexpr double LEVEL_SIDE =
     1.0e-4; // of the sine between the vertical and the normal of side and field point
-constexpr double LEVEL_SHIFT = 1.0e-4; // least shift of such a field point
-constexpr double LEVEL_PLANE = 1.0e-3; // of PSIZ(1): no shift in the plane of a horizontal panel
+constexpr double LEVEL_SHIFT = 1.0e-4; // of the width: least shift of such a field point
+constexpr double LEVEL_PLANE = 1.0e-3; // of the width: no shift in the plane of a horizontal panel
 constexpr int MAX_SHIFTS = 60;         // each at least doubles the height above the side
 constexpr double STEEP_SIDE = 1.0e-5; // squared sine of the angle to the vertical below which a side is steep
 constexpr double STEEP_SERIES = 0.02; // largest ratio of terms in the series of a steep side
@@ -96,7 +96,7 @@ double solid_angle(const Vertices &v, double z) {
 }
 
 void near_source(double X, double Y, double Z_entry, const Panel &p, int IGRAD, PanelIntegrals &out) {
-    const double t = PLANE * static_cast<double>(p.PSIZ[1]);
+    const double t = PLANE * static_cast<double>(p.width);
     const bool in_plane = std::abs(Z_entry) <= t;
     const double Z = in_plane ? t : Z_entry;
     const double Z2 = Z * Z;
@@ -203,9 +203,9 @@ struct LogSums {
 // and the sums are not complete.
 int side_sums(double X, double Y, double Z, const double *k, const Panel &p, int IGRAD, LogSums &sum,
               double &shift) {
-    const double p1 = static_cast<double>(p.PSIZ[1]);
+    const double width = static_cast<double>(p.width);
     const double floor = ON_SIDE * std::sqrt(static_cast<double>(p.PMOM[1]));
-    const bool level = std::abs(k[1]) + std::abs(k[2]) + std::abs(Z) < LEVEL_PLANE * p1;
+    const bool level = std::abs(k[1]) + std::abs(k[2]) + std::abs(Z) < LEVEL_PLANE * width;
     Vertices v(X, Y, Z * Z, p);
     double f[5];
     bool undefined[5];
@@ -217,7 +217,7 @@ int side_sums(double X, double Y, double Z, const double *k, const Panel &p, int
     }
     int status = 0;
     for (int i = 1; i <= 4; ++i) {
-        if (!(static_cast<double>(p.SIDE[i]) > PLANE * p1))
+        if (!(static_cast<double>(p.SIDE[i]) > PLANE * width))
             continue;
         const int j = JP[i];
         Side a = v.side(i);
@@ -229,7 +229,7 @@ int side_sums(double X, double Y, double Z, const double *k, const Panel &p, int
         const double kv = (a.d * kn + Z * k[3]) / rho;
         const double w = (Z * kn - a.d * k[3]) / rho;
         if (IGRAD != 0 && !level && kt * kt + kv * kv < LEVEL_SIDE * LEVEL_SIDE) {
-            shift = std::abs(k[1] * v.x[i] + k[2] * v.y[i] + k[3] * Z) + LEVEL_SHIFT;
+            shift = std::abs(k[1] * v.x[i] + k[2] * v.y[i] + k[3] * Z) + LEVEL_SHIFT * width;
             return 2;
         }
         if (undefined[i] || undefined[j]) {

@@ -7,7 +7,7 @@
 constexpr int CODE_SURFACE = 4096;
 
 // Fills the Rankine store, which is allocated for the run and zero on entry: the integrals of 1/rho and of
-// its images in the free surface and in the bottom for all pairs of panels nearer than sqrt(RKNEAR PSIZ(2)),
+// its images in the free surface and in the bottom for all pairs of panels nearer than sqrt(RKNEAR region2),
 // summed over the images into the symmetry classes, the code word of each pair and the right-hand sides
 // RHSRAN. The rows are shared among the threads; the result does not depend on their number. Failed: an
 // integral has no value, or two panels lie in the free surface with ILOG=0, or memory is short.

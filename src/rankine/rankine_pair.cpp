@@ -55,6 +55,7 @@ RankineInput::RankineInput(const Options &options, const Mesh &the_mesh, const D
     points.y.assign(padded, FAR_AWAY);
     points.z.assign(padded, FAR_AWAY);
     points.size.assign(padded, 0.0f);
+    points.reach.assign(padded, 0.0f);
     for (int i = 1; i <= N; ++i) {
         panels.push_back(panel_of(mesh, i));
         const std::size_t at = static_cast<std::size_t>(i) - 1;
@@ -62,6 +63,7 @@ RankineInput::RankineInput(const Options &options, const Mesh &the_mesh, const D
         points.y[at] = mesh.XCT(2, i);
         points.z[at] = mesh.XCT(3, i);
         points.size[at] = mesh.PSIZ(2, i);
+        points.reach[at] = panels.back().region2;
     }
     images.count = sym.NSYMG;
     for (int p = 1; p <= sym.NSYMG; ++p) {
@@ -88,7 +90,7 @@ bool rankine_pair(const RankineInput &in, int F, int G, int p, bool surface, Ran
     const f32 dx = P[1] - source.XCT[1], dy = P[2] - source.XCT[2];
     const f32 dh2 = dx * dx + dy * dy;
     const f32 sum = field.XCT[3] + source.XCT[3];
-    const f32 near2 = RKNEAR * std::max(field.PSIZ[2], source.PSIZ[2]);
+    const f32 near2 = RKNEAR * std::max(field.region2, source.region2);
     const bool dipole_source = in.dipole(G);
 
     t = RankineTerms{};

@@ -13,7 +13,7 @@
 
 constexpr f32 EPSIT = 1.0e-6f;       // tolerance of the first solve of a period
 constexpr int MAXIT = 36;            // iteration limit of the solvers
-constexpr f32 RKNEAR = 100.0f;       // pairs nearer than sqrt(RKNEAR PSIZ(2)) get Rankine integrals
+constexpr f32 RKNEAR = 100.0f;       // pairs nearer than sqrt(RKNEAR region2) get Rankine integrals
 constexpr f32 FORMAT_VERSION = 5.5f; // first record of the hand-over file
 constexpr int NKEY = 18;             // entries of KFLAG
 constexpr f32 DEGREE = 0.017453292f; // pi / 180

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr f32 NOTHING = 1.0e-12f; // largest squared right-hand side that is taken for zero
+constexpr f32 NOTHING = 1.0e-12f; // largest squared scaled right-hand side that is taken for zero
 constexpr f32 TINY = 1.0e-37f;    // what has no reciprocal in single precision
 constexpr std::int64_t GROUP_LIMIT = 512ll
                                      << 20; // bytes of the vectors of all columns that are worked together
@@ -28,6 +28,7 @@ struct Iteration {
     Array<c32, 2> GRAM;  // products of the residuals (MAXIT,MAXIT)
     Array<c32, 2> RMAT;  // residual matrix
     Array<c32, 1> CW;    // its right-hand side, then the weights of the residuals (MAXIT)
+    double size = 1;     // largest modulus of the right-hand side, which is worked in units of it
     f32 BMAX = 0;        // largest squared right-hand side
     bool active = true;
     IterativeColumn *column = nullptr;
@@ -42,14 +43,21 @@ struct Iteration {
     Split y() { return {&Y(1, 1), &Y(1, 2)}; }
 };
 
+// The residual is measured absolutely, and what a right-hand side is large against depends on the unit of
+// length and on the wave: it is worked with a largest modulus of 1. In double, which holds the quotient of
+// any two numbers in single precision.
 void start(Iteration &it) {
     const Split x = it.residual(1);
+    double largest = 0;
+    for (int i = 0; i < it.N; ++i)
+        largest = std::max(largest, std::abs(std::complex<double>(it.column->B[i])));
+    it.size = largest > 0 ? largest : 1;
     f32 sum = 0;
     for (int i = 0; i < it.N; ++i) {
-        const c32 b = it.column->B[i];
-        const f32 size = static_cast<f32>(std::abs(std::complex<double>(b)));
-        x.re[i] = b.real();
-        x.im[i] = b.imag();
+        const std::complex<double> b = std::complex<double>(it.column->B[i]) / it.size;
+        const f32 size = static_cast<f32>(std::abs(b));
+        x.re[i] = static_cast<f32>(b.real());
+        x.im[i] = static_cast<f32>(b.imag());
         it.SCALE(i + 1) = std::max(size, 1.0f);
         it.BMAX = std::max(it.BMAX, size * size);
         sum += size * size;
@@ -59,7 +67,8 @@ void start(Iteration &it) {
 
 void finish(Iteration &it, int k, Outcome outcome, ConstSplit solution) {
     for (int i = 0; i < it.N; ++i)
-        it.column->B[i] = {solution.re[i], solution.im[i]};
+        it.column->B[i] = {static_cast<f32>(it.size * static_cast<double>(solution.re[i])),
+                           static_cast<f32>(it.size * static_cast<double>(solution.im[i]))};
     it.column->ITER = k;
     it.column->outcome = outcome;
     it.active = false;

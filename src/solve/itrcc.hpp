@@ -25,9 +25,9 @@ struct IterativeColumn {
 
 // Solves for all columns, as many at a time as memory allows, with at most MAXIT-1 steps each. After each
 // sweep the iterate becomes the affine combination of all iterates so far with the smallest residual (reduced
-// rank extrapolation; Smith, Ford and Sidi, SIAM Review 29, 1987). A column has converged when each element
-// of its residual is below EPS, relative to the right-hand side where that is above 1. A column that has not
-// converged holds its last iterate, one whose small system is singular no solution; the caller reports both.
-// Failed: memory
+// rank extrapolation; Smith, Ford and Sidi, SIAM Review 29, 1987). Each right-hand side is worked in units of
+// its largest modulus; a column has converged when each element of its residual is below EPS in these units.
+// A right-hand side of zeros has the solution 0 after one step. A column that has not converged holds its
+// last iterate, one whose small system is singular no solution; the caller reports both. Failed: memory
 // (" RAM too small. Allocation error in SOLVE "), or the sweep.
 [[nodiscard]] Status ITRCC(int N, f32 EPS, const Sweep &sweep, std::vector<IterativeColumn> &columns);

@@ -83,26 +83,81 @@ TEST(Pregeo, SymmetricHalvesAndQuarters) {
     expect_box(run.bodies, {0, 0, 0});
 }
 
-TEST(Pregeo, WallMeasuresFromTheGlobalPlane) {
-    // Half a box that stands against the wall x = 0: closed by the wall itself, so that its x estimate is
-    // right only when x counts from the wall. Its origin lies away from it.
+// Half a box, x 0..2, that stands against the wall x = 0, in the axes of a body with the given place, maybe
+// turned so that the wall is y = 0: closed by the wall itself, so that sums are right only when they count
+// from the wall.
+hulls::Quads against_wall(const std::array<f32, 4> &place, bool wall_y) {
     hulls::Quads half;
     hulls::add_patch(half, {0, -1, -1}, {2, 0, 0}, {0, 2, 0}, 4, 4);
     hulls::add_patch(half, {2, -1, -1}, {0, 0, 1}, {0, 2, 0}, 4, 4);
     hulls::add_patch(half, {0, -1, -1}, {0, 0, 1}, {2, 0, 0}, 4, 4);
     hulls::add_patch(half, {0, 1, -1}, {2, 0, 0}, {0, 0, 1}, 4, 4);
+    const double c = std::cos(static_cast<double>(DEGREE * place[3])),
+                 s = std::sin(static_cast<double>(DEGREE * place[3]));
     for (auto &quad : half)
-        for (auto &v : quad)
-            v[0] -= 1.5;
-    RunState run;
-    run.opt.ISX = -1;
-    ASSERT_EQ(body(half, run, {1.5f, 0, 0, 0}), Status::ok);
-    EXPECT_NEAR(run.bodies.VOL(1, 1), 4, 4 * ROUNDING); // not doubled
-    EXPECT_NEAR(run.bodies.VOL(2, 1), 4, 4 * ROUNDING);
+        for (auto &v : quad) {
+            const double gx = wall_y ? -v[1] : v[0], gy = wall_y ? v[0] : v[1];
+            const double x = gx - place[0], y = gy - place[1];
+            v[0] = c * x + s * y;
+            v[1] = c * y - s * x;
+        }
+    return half;
+}
+TEST(Pregeo, WallClosesTheBody) {
+    for (const std::array<f32, 4> &place :
+         {std::array<f32, 4>{0, 0, 0, 0}, {1.5f, 0, 0, 0}, {0.5f, 0.75f, 0, 25}, {10, -4, 0, 25}})
+        for (const bool wall_y : {false, true})
+            for (const int IQUAD : {0, 1}) {
+                SCOPED_TRACE(testing::PrintToString(place) + (wall_y ? " y " : " x ") +
+                             std::to_string(IQUAD));
+                RunState run;
+                run.opt.IQUAD = IQUAD;
+                (wall_y ? run.opt.ISY : run.opt.ISX) = -1;
+                ASSERT_EQ(body(against_wall(place, wall_y), run, place), Status::ok);
+                // Second moments about the origin of the body are rounded as the square of its distance.
+                const double far = std::pow(1 + std::abs(place[0]) + std::abs(place[1]), 2), volume = 4;
+                for (int i = 1; i <= 2; ++i) // not doubled
+                    EXPECT_NEAR(run.bodies.VOL(i, 1), volume, volume * far * ROUNDING);
+                // The centre of the box is 1 from the wall.
+                const double gx = (wall_y ? 0 : 1) - place[0], gy = (wall_y ? 1 : 0) - place[1];
+                const double c = std::cos(static_cast<double>(DEGREE * place[3])),
+                             s = std::sin(static_cast<double>(DEGREE * place[3]));
+                const double x = c * gx + s * gy, y = c * gy - s * gx;
+                EXPECT_NEAR(run.bodies.XCB(1, 1), x, far * ROUNDING);
+                EXPECT_NEAR(run.bodies.XCB(2, 1), y, far * ROUNDING);
+                EXPECT_NEAR(run.bodies.CHYD(4, 6), -volume * x, volume * far * ROUNDING);
+                EXPECT_NEAR(run.bodies.CHYD(5, 6), -volume * y, volume * far * ROUNDING);
+            }
     RunState open;
-    ASSERT_EQ(body(half, open, {1.5f, 0, 0, 0}), Status::ok);
+    ASSERT_EQ(body(against_wall({1.5f, 0, 0, 0}, false), open, {1.5f, 0, 0, 0}), Status::ok);
     EXPECT_NEAR(open.bodies.VOL(1, 1), 1, 1e-5); // the open end spoils this one
     EXPECT_NEAR(open.bodies.XCB(3, 1), -0.5, 0.02) << "the median still gives the sound volume";
+}
+
+// A closed body far from the wall keeps its own digits, and so does a plate.
+TEST(Pregeo, WallFarAway) {
+    for (const bool plate : {false, true}) {
+        RunState run;
+        run.opt.ISX = run.opt.ISY = -1;
+        run.opt.IQUAD = 1;
+        hulls::Quads mesh = box({1, 0.5, 0});
+        if (plate) {
+            mesh.clear();
+            hulls::add_patch(mesh, {-1, -1.5, -1}, {4, 0, 0}, {0, 4, 0}, 1, 1);
+        }
+        hulls::set_body(mesh, run, {300, 200, 0, 30});
+        if (plate) {
+            run.dipoles.IDIPOL = true;
+            ASSERT_TRUE(run.dipoles.IDIP.alloc(1) && run.dipoles.DTHK.alloc(1));
+            run.dipoles.IDIP(1) = 1;
+            run.dipoles.DTHK(1) = 0.25f;
+        }
+        ASSERT_EQ(hulls::pre_pass(run), Status::ok);
+        // What is 300 away moves the volume of f32 normals by 300 times their rounding, and the centre with
+        // it.
+        EXPECT_NEAR(run.bodies.XCB(1, 1), 1, 1e-4) << plate;
+        EXPECT_NEAR(run.bodies.XCB(2, 1), 0.5, 1e-4) << plate;
+    }
 }
 
 TEST(Pregeo, LidHasNoVelocityButCounts) {

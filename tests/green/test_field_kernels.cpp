@@ -17,7 +17,6 @@ Panel square() {
     p.PMOM[2] = p.PMOM[4] = 0.125f;
     p.PMOM[9] = p.PMOM[13] = 3.75f / 80;
     p.PMOM[11] = 3.75f / 144;
-    p.PSIZ[1] = p.PSIZ[2] = 1;
     for (int k = 1; k <= 4; ++k) {
         p.XIV[k] = X[k];
         p.ETV[k] = Y[k];
@@ -31,6 +30,8 @@ Panel square() {
         for (int r = 1; r <= 3; ++r)
             p.TRM[r][c] = frame[r][c];
     }
+    p.PSIZ[1] = p.PSIZ[2] = 1;
+    measure_regions(p);
     return p;
 }
 

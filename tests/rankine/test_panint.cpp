@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -153,7 +154,7 @@ std::vector<Point> near_points(const Panel &p) {
     for (const double z : {0., .01})
         add(2 * p.XIV[1] - p.XIV[2], 2 * p.ETV[1] - p.ETV[2], z * h);
     // Just inside the exact region.
-    const double R = std::sqrt(39.9 * p.PSIZ[2]);
+    const double R = std::sqrt(39.9 * p.region2);
     add(R * .6, R * .48, R * .64);
     add(R * .6, R * .8, 0);
     add(0, 0, R);
@@ -163,9 +164,9 @@ std::vector<Point> near_points(const Panel &p) {
 TEST(Panint, NearFieldIsExact) {
     for (const Shape &shape : SHAPES)
         for (const Pose &pose : POSES)
-            for (const int IDIAG : {0, 1}) {
-                const Panel p = make(shape, pose, IDIAG == 0 ? 1 : .05, IDIAG);
-                const double t = 1e-6 * p.PSIZ[1];
+            for (const auto &[IDIAG, size] : {std::pair{0, 1.}, {0, 3e-4}, {1, .05}}) {
+                const Panel p = make(shape, pose, size, IDIAG);
+                const double t = 1e-6 * p.width;
                 for (const Point &x : near_points(p)) {
                     const bool in_plane = std::abs(x[2]) <= t;
                     const bool on_edge = edge_distance(p, x) < 10 * t;
@@ -180,10 +181,10 @@ TEST(Panint, NearFieldIsExact) {
 }
 
 // Truncation of the multipoles on both sides of the borders, for panels of moderate shape (not the slender
-// one) and the area as scale: largest relative errors of S and D, of their gradients, of L and LZ, of their
-// gradients. Measured at R2 = 40.1 PSIZ(2): 6e-5, 5e-5, 1.4e-4, 7e-4; at 149.9: 3e-6, 2e-6, 2e-5, 1.1e-4; at
-// 150.1, where S and D lose the third order (on the triangle): 2e-4, 2e-4, and the family L as before; at
-// 1500: 7e-6, 7e-6, 7e-7, 4e-6.
+// one), whose scale is the area: largest relative errors of S and D, of their gradients, of L and LZ, of
+// their gradients. Measured at R2 = 40.1 region2: 6e-5, 5e-5, 1.4e-4, 7e-4; at 149.9: 3e-6, 2e-6,
+// 2e-5, 1.1e-4; at 150.1, where S and D lose the third order (on the triangle): 2e-4, 2e-4, and the family L
+// as before; at 1500: 7e-6, 7e-6, 7e-7, 4e-6.
 struct Region {
     double R2;
     Deviation limit;
@@ -198,7 +199,7 @@ TEST_P(Border, MultipoleTruncation) {
             continue;
         for (const Pose &pose : POSES) {
             const Panel p = make(shape, pose, 1, 0);
-            const double R = std::sqrt(region.R2 * p.PSIZ[2]);
+            const double R = std::sqrt(region.R2 * p.region2);
             for (const double down : {0., .5, 1., 1.5, 2.5})
                 for (const double round : {0., .7, 2., 4.}) {
                     const Point x = {static_cast<f32>(R * std::sin(down) * std::cos(round)),
@@ -219,6 +220,31 @@ INSTANTIATE_TEST_SUITE_P(Panint, Border,
                                          Region{149.9, {4e-6, 4e-6, 3e-5, 1.6e-4}},
                                          Region{150.1, {2.6e-4, 2.6e-4, 3e-5, 1.6e-4}},
                                          Region{1500, {1e-5, 1e-5, 1e-6, 6e-6}}));
+
+// Rectangles of any aspect ratio, at all distances at which the area alone would let the multipoles begin,
+// and at the borders of the regions. Measured at worst: 1.0e-4, 3.9e-4, 3.6e-4, 1.2e-3, for 1:8 and 1:300
+// alike.
+TEST(Panint, MultipolesBeginOutsideASlenderPanel) {
+    for (const double aspect : {8., 32., 300.}) {
+        const double a = aspect / 2;
+        const Shape strip = {"strip", {{a, .5}, {a, -.5}, {-a, -.5}, {-a, .5}}};
+        Deviation worst;
+        for (const Pose &pose : {POSES[0], POSES[2], POSES[4]}) {
+            const Panel p = make(strip, pose, .1, 0);
+            for (const f32 scale2 : {p.PMOM[1], p.region2})
+                for (const double R2 : {40.1, 149.9, 150.1})
+                    for (const double down : {0., .5, 1., 1.5707963})
+                        for (const double round : {0., .1, .7, 1.6}) {
+                            const double R = std::sqrt(scale2 * R2);
+                            const Point x = {static_cast<f32>(R * std::sin(down) * std::cos(round)),
+                                             static_cast<f32>(R * std::sin(down) * std::sin(round)),
+                                             down < 1.5 ? static_cast<f32>(R * std::cos(down)) : 0};
+                            worst.include(deviation(p, x, x[2] != 0));
+                        }
+        }
+        worst.expect_below({1.2e-4, 4.5e-4, 4e-4, 1.3e-3}, std::to_string(aspect));
+    }
+}
 
 TEST(Panint, GradientInThePlaneIsThePrincipalValue) {
     // Inside the panel the tangential derivatives of S and of LZ pass through the plane without a jump.
@@ -242,6 +268,7 @@ TEST(Panint, GradientInThePlaneIsThePrincipalValue) {
 TEST(Panint, LevelSideMovesThePointForTheLogarithm) {
     // A vertical panel with its upper side at the height of the field point and gradients wanted.
     const Panel p = make(SHAPES[0], POSES[4], 1, 0);
+    const double step = 1e-4 * p.width;
     const auto height = [&p](int k) {
         return (p.XIV[k] + p.XIV[JP[k]]) * p.TRM[1][3] + (p.ETV[k] + p.ETV[JP[k]]) * p.TRM[2][3];
     };
@@ -255,8 +282,8 @@ TEST(Panint, LevelSideMovesThePointForTheLogarithm) {
     EXPECT_EQ(I.S, plain.S) << "S and D stay at the point";
     EXPECT_EQ(I.D, plain.D);
     const quadrature::Integrals q = quadrature::panel(p, X, Y, Z),
-                                moved = quadrature::panel(p, X + 1e-4 * p.TRM[1][3], Y + 1e-4 * p.TRM[2][3],
-                                                          Z + 1e-4 * p.TRM[3][3]);
+                                moved = quadrature::panel(p, X + step * p.TRM[1][3], Y + step * p.TRM[2][3],
+                                                          Z + step * p.TRM[3][3]);
     EXPECT_NEAR(plain.L, q.L, 1e-6);
     EXPECT_NEAR(I.L, moved.L, 1e-6);
     EXPECT_NEAR(I.LX, moved.LX, 2e-6);

@@ -29,7 +29,7 @@ void all_kinds(RunState &run) {
     run.opt.HBOT = 1.5f;
 }
 
-// Largest squared distance of a mesh in units of PSIZ(2) must be below RKNEAR for all pairs to be near: few
+// Largest squared distance of a mesh in units of region2 must be below RKNEAR for all pairs to be near: few
 // panels.
 constexpr int FEW = 2;
 
@@ -70,15 +70,16 @@ TEST(Rankin, RightHandSidesAreSourceTimesVelocity) {
         EXPECT_EQ(run.store.RHSRAN.data()[i], 0) << "no radiation";
 }
 
-// Two unit squares, facing up, at depths z1 and z2 and x apart; the code word of the pair.
-int code_of(double x, double z1, double z2, int ILOG, f32 HBOT, int ISX = 0) {
+// Two rectangles of area 1 and the given length, facing up, at depths z1 and z2 and x apart; the code word of
+// the pair.
+int code_of(double x, double z1, double z2, int ILOG, f32 HBOT, double length) {
+    const double a = length / 2, b = 0.5 / length;
     hulls::Quads mesh;
-    hulls::add_patch(mesh, {-.5, -.5, z1}, {1, 0, 0}, {0, 1, 0}, 1, 1);
-    hulls::add_patch(mesh, {x - .5, -.5, z2}, {1, 0, 0}, {0, 1, 0}, 1, 1);
+    hulls::add_patch(mesh, {-a, -b, z1}, {length, 0, 0}, {0, 2 * b, 0}, 1, 1);
+    hulls::add_patch(mesh, {x - a, -b, z2}, {length, 0, 0}, {0, 2 * b, 0}, 1, 1);
     RunState run;
     run.opt.ILOG = ILOG;
     run.opt.HBOT = HBOT;
-    run.opt.ISX = ISX;
     hulls::set_body(mesh, run);
     const ListCapture list; // no volume
     EXPECT_EQ(hulls::pre_pass(run), Status::ok);
@@ -99,6 +100,7 @@ TEST(Rankin, CodesByDistance) {
         f32 HBOT;
         int word;
         const char *why;
+        double length = 1;
     };
     const Case cases[] = {
         {9.99, -6, -6, 0, -1, 1, "direct term only"},
@@ -112,9 +114,13 @@ TEST(Rankin, CodesByDistance) {
         {6, -6, -6, 1, 9.9f, 5, "bottom image alone"},
         {10.1, -6, -6, 1, 6.5f, 0, "no bottom image without the direct term"},
         {6, -6, -6, 1, 0, 1, "no bottom"},
+        // Of a strip 1:100 the scale is d^2/8 = 12.5, not its area.
+        {35.3, -6, -6, 0, -1, 1, "a strip is near by its length", 10},
+        {35.4, -6, -6, 0, -1, 0, "too far for a strip", 10},
+        {12, -1e-4, -1e-4, 1, -1, 3, "but in the free surface by its area", 10},
     };
     for (const Case &c : cases)
-        EXPECT_EQ(code_of(c.x, c.z1, c.z2, c.ILOG, c.HBOT), c.word) << c.why;
+        EXPECT_EQ(code_of(c.x, c.z1, c.z2, c.ILOG, c.HBOT, c.length), c.word) << c.why;
 }
 
 TEST(Rankin, OneOctalDigitAnImage) {
