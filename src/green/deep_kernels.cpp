@@ -58,22 +58,40 @@ template <bool DEEP> [[gnu::always_inline]] inline f32 band_variable(f32 Y, f32 
     return (DEEP ? 16 / Y : Y) - base;
 }
 
-// Real parts from F, F_X and F_Y; lanes of ISNG < 2 get the image 1/r1 with them.
+// F and its derivatives; the second ones follow from the relation.
+struct RealValues {
+    f32 F, FX, FY, FXY, FYY;
+};
+[[gnu::always_inline]] inline RealValues by_relation(f32 X, f32 Y, f32 F, f32 FX, f32 rinv) {
+    const f32 i3 = rinv * rinv * rinv, FY = -(F + 2 * rinv);
+    return {F, FX, FY, 2 * X * i3 - FX, 2 * Y * i3 - FY};
+}
+
+// The same where Y >= 4 from N = F + T, T = 2/r1 + (2 Y - 2)/r1^3 + (6 Y^2 - 18 Y)/r1^5 + 30 Y^3/r1^7 the far
+// tail: with the relation written for N, as F and 2/r1 cancel to the order 1/r1^2, and F_Y and 2 Y/r1^3
+// again.
+[[gnu::always_inline]] inline RealValues beyond_tail(f32 X, f32 Y, f32 N, f32 NX, f32 rinv) {
+    const f32 i2 = rinv * rinv, i3 = i2 * rinv, p = Y * i2, q = Y * p;
+    const f32 rest = 6 * q + p * (30 * q - 18), tail = (2 * Y - 2 + rest) * i3; // T less 2/r1
+    const f32 slope = X * i3 * i2 * (6 * Y - 6 + 30 * q + p * (210 * q - 90));  // of it, negative
+    return {N - (2 * rinv + tail), NX + (2 * X * i3 + slope), tail - N, -(NX + slope), N + (2 - rest) * i3};
+}
+
+// Real parts; lanes of ISNG < 2 get the image 1/r1 with them.
 template <bool SECOND>
-[[gnu::always_inline]] inline void store_real(GreenBlock &b, int k, f32 F, f32 FX, f32 FY, f32 rinv) {
+[[gnu::always_inline]] inline void store_real(GreenBlock &b, int k, const RealValues &v, f32 rinv) {
     const f32 X = b.X[k], Y = b.Y[k], image = b.ISNG[k] < 2 ? 1.0f : 0.0f;
-    const f32 i2 = rinv * rinv, i3 = i2 * rinv;
-    const f32 n3 = image * i3;
-    b.re[G_][k] = b.ISNG[k] < 2 ? F + rinv : F;
-    b.re[G_R][k] = FX - X * n3;
-    b.re[G_Z][k] = FY - Y * n3;
-    b.re[G_ZETA][k] = FY - Y * n3;
+    const f32 i2 = rinv * rinv, n3 = image * i2 * rinv;
+    b.re[G_][k] = b.ISNG[k] < 2 ? v.F + rinv : v.F;
+    b.re[G_R][k] = v.FX - X * n3;
+    b.re[G_Z][k] = v.FY - Y * n3;
+    b.re[G_ZETA][k] = v.FY - Y * n3;
     if constexpr (SECOND) {
-        const f32 FYY = 2 * Y * i3 - FY, FXY = 2 * X * i3 - FX, n5 = 3 * n3 * i2;
-        b.re[G_RZ][k] = FXY + X * Y * n5;
-        b.re[G_RZETA][k] = FXY + X * Y * n5;
-        b.re[G_ZZ][k] = FYY + (Y * Y * n5 - n3);
-        b.re[G_ZZETA][k] = FYY + (Y * Y * n5 - n3);
+        const f32 n5 = 3 * n3 * i2;
+        b.re[G_RZ][k] = v.FXY + X * Y * n5;
+        b.re[G_RZETA][k] = v.FXY + X * Y * n5;
+        b.re[G_ZZ][k] = v.FYY + (Y * Y * n5 - n3);
+        b.re[G_ZZETA][k] = v.FYY + (Y * Y * n5 - n3);
     }
 }
 
@@ -109,13 +127,16 @@ template <bool DEEP, bool SECOND, bool WAVES>
         const TableValue p = table(c, a, band_variable<DEEP>(Y, base));
         const f32 BX = p.slope * (2 / 3.0f) * x3, exy = decay(Y);
         const f32 J = polynomial5(JA, a), W = polynomial5(WA, a) * x3;
-        f32 F = p.B, FX = BX;
-        if constexpr (!DEEP) {
+        if constexpr (DEEP) {
+            const f32 i2 = rinv * rinv, i5 = i2 * i2 * rinv;
+            const f32 N = i5 * p.B, NX = i5 * (BX - 5 * X * i2 * p.B);
+            store_real<SECOND>(b, k, beyond_tail(X, Y, N, NX, rinv), rinv);
+        } else {
             const f32 s = r1 + Y, L = logf(s), Q = polynomial5(QA, a), V = polynomial5(VA, a) * x3;
-            F = exy * ((r1 * p.B - Q) - J * L);
-            FX = exy * (((r1 * BX - V) + X * rinv * (p.B - J / s)) + L * W);
+            const f32 F = exy * ((r1 * p.B - Q) - J * L);
+            const f32 FX = exy * (((r1 * BX - V) + X * rinv * (p.B - J / s)) + L * W);
+            store_real<SECOND>(b, k, by_relation(X, Y, F, FX, rinv), rinv);
         }
-        store_real<SECOND>(b, k, F, FX, -(F + 2 * rinv), rinv);
         if constexpr (WAVES)
             store_imaginary<SECOND>(b, k, PI_F * exy * J, PI_F * exy * W);
     }
@@ -145,15 +166,15 @@ template <bool DEEP, bool SECOND, bool WAVES>
         const f32 ca = ex * (cx + sx), sa = ex * (sx - cx);
         const f32 P0 = polynomial5(P0C, v), Q0 = polynomial5(Q0C, v) * x3;
         const f32 P1 = polynomial5(P1C, v), Q1 = polynomial5(Q1C, v) * x3;
-        f32 F = p.B - Q0 * ca - P0 * sa, FY = -(F + 2 * rinv);
-        f32 FX = -15 * xinv * xinv * p.slope + Q1 * sa - P1 * ca;
+        const f32 waves = Q0 * ca + P0 * sa, waves_X = P1 * ca - Q1 * sa; // 2 pi exp(-Y) Y0(X) and its slope
+        const f32 BX = -15 * xinv * xinv * p.slope;
         if constexpr (DEEP) {
-            const f32 i3 = i2 * rinv, y2 = 2 * Y - 2, q = Y * Y * i2, far = (y2 + 6 * q) * i3;
-            FY = far - F; // F + 2/r1 with its digits: what is left of the two is of the order 1/r1^2
-            F -= 2 * rinv + far;
-            FX += X * i3 * (2 + (3 * y2 + 30 * q) * i2);
+            const f32 i5 = i2 * i2 * rinv;
+            const f32 N = i5 * p.B - waves, NX = i5 * (BX - 5 * X * i2 * p.B) - waves_X;
+            store_real<SECOND>(b, k, beyond_tail(X, Y, N, NX, rinv), rinv);
+        } else {
+            store_real<SECOND>(b, k, by_relation(X, Y, p.B - waves, BX - waves_X, rinv), rinv);
         }
-        store_real<SECOND>(b, k, F, FX, FY, rinv);
         if constexpr (WAVES)
             store_imaginary<SECOND>(b, k, P0 * ca - Q0 * sa, Q1 * ca + P1 * sa);
     }
