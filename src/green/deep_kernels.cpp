@@ -67,14 +67,17 @@ struct RealValues {
     return {F, FX, FY, 2 * X * i3 - FX, 2 * Y * i3 - FY};
 }
 
-// The same where Y >= 4 from N = F + T, T = 2/r1 + (2 Y - 2)/r1^3 + (6 Y^2 - 18 Y)/r1^5 + 30 Y^3/r1^7 the far
-// tail: with the relation written for N, as F and 2/r1 cancel to the order 1/r1^2, and F_Y and 2 Y/r1^3
-// again.
-[[gnu::always_inline]] inline RealValues beyond_tail(f32 X, f32 Y, f32 N, f32 NX, f32 rinv) {
-    const f32 i2 = rinv * rinv, i3 = i2 * rinv, p = Y * i2, q = Y * p;
-    const f32 rest = 6 * q + p * (30 * q - 18), tail = (2 * Y - 2 + rest) * i3; // T less 2/r1
-    const f32 slope = X * i3 * i2 * (6 * Y - 6 + 30 * q + p * (210 * q - 90));  // of it, negative
-    return {N - (2 * rinv + tail), NX + (2 * X * i3 + slope), tail - N, -(NX + slope), N + (2 - rest) * i3};
+// The same where Y >= 4, from the table B and the waves W with their slopes in X:
+//   F + T = B/r1^5 - W, T = 2/r1 + (2 Y - 2)/r1^3 + (6 Y^2 - 18 Y)/r1^5 + 30 Y^3/r1^7 the far tail.
+// The relation is written for F + T, as F and 2/r1 cancel to the order 1/r1^2, and F_Y and 2 Y/r1^3 again.
+[[gnu::always_inline]] inline RealValues beyond_tail(f32 X, f32 Y, f32 B, f32 BX, f32 W, f32 WX, f32 rinv) {
+    const f32 i2 = rinv * rinv, i3 = i2 * rinv, i5 = i3 * i2, p = Y * i2, q = Y * p;
+    const f32 N = i5 * B - W, rest = 6 * q + p * (30 * q - 18);
+    const f32 FY = (2 * Y - 2 + rest) * i3 - N;
+    // Of -(T - 2/r1) and of 1/r1^5, both over X/r1^5.
+    const f32 slope = 6 * Y - 6 + 30 * q + p * (210 * q - 90) - 5 * i2 * B;
+    const f32 NX = i5 * (BX + X * slope) - WX;
+    return {-(FY + 2 * rinv), NX + 2 * X * i3, FY, -NX, N + (2 - rest) * i3};
 }
 
 // Real parts; lanes of ISNG < 2 get the image 1/r1 with them.
@@ -128,9 +131,7 @@ template <bool DEEP, bool SECOND, bool WAVES>
         const f32 BX = p.slope * (2 / 3.0f) * x3, exy = decay(Y);
         const f32 J = polynomial5(JA, a), W = polynomial5(WA, a) * x3;
         if constexpr (DEEP) {
-            const f32 i2 = rinv * rinv, i5 = i2 * i2 * rinv;
-            const f32 N = i5 * p.B, NX = i5 * (BX - 5 * X * i2 * p.B);
-            store_real<SECOND>(b, k, beyond_tail(X, Y, N, NX, rinv), rinv);
+            store_real<SECOND>(b, k, beyond_tail(X, Y, p.B, BX, 0, 0, rinv), rinv);
         } else {
             const f32 s = r1 + Y, L = logf(s), Q = polynomial5(QA, a), V = polynomial5(VA, a) * x3;
             const f32 F = exy * ((r1 * p.B - Q) - J * L);
@@ -169,9 +170,7 @@ template <bool DEEP, bool SECOND, bool WAVES>
         const f32 waves = Q0 * ca + P0 * sa, waves_X = P1 * ca - Q1 * sa; // 2 pi exp(-Y) Y0(X) and its slope
         const f32 BX = -15 * xinv * xinv * p.slope;
         if constexpr (DEEP) {
-            const f32 i5 = i2 * i2 * rinv;
-            const f32 N = i5 * p.B - waves, NX = i5 * (BX - 5 * X * i2 * p.B) - waves_X;
-            store_real<SECOND>(b, k, beyond_tail(X, Y, N, NX, rinv), rinv);
+            store_real<SECOND>(b, k, beyond_tail(X, Y, p.B, BX, waves, waves_X, rinv), rinv);
         } else {
             store_real<SECOND>(b, k, by_relation(X, Y, p.B - waves, BX - waves_X, rinv), rinv);
         }
