@@ -70,8 +70,10 @@ struct RealValues {
 // The same where Y >= 4, from the table B and the waves W with their slopes in X:
 //   F + T = B/r1^5 - W, T = 2/r1 + (2 Y - 2)/r1^3 + (6 Y^2 - 18 Y)/r1^5 + 30 Y^3/r1^7 the far tail.
 // The relation is written for F + T, as F and 2/r1 cancel to the order 1/r1^2, and F_Y and 2 Y/r1^3 again.
-[[gnu::always_inline]] inline RealValues beyond_tail(f32 X, f32 Y, f32 B, f32 BX, f32 W, f32 WX, f32 rinv) {
-    const f32 i2 = rinv * rinv, i3 = i2 * rinv, i5 = i3 * i2, p = Y * i2, q = Y * p;
+// (1/r1^2 comes apart from 1/r1: the polynomials of the tail need not wait for the root.)
+[[gnu::always_inline]] inline RealValues beyond_tail(f32 X, f32 Y, f32 B, f32 BX, f32 W, f32 WX, f32 i2,
+                                                     f32 rinv) {
+    const f32 i3 = i2 * rinv, i5 = i2 * i3, p = Y * i2, q = Y * p;
     const f32 N = i5 * B - W, rest = 6 * q + p * (30 * q - 18);
     const f32 FY = (2 * Y - 2 + rest) * i3 - N;
     // Of -(T - 2/r1) and of 1/r1^5, both over X/r1^5.
@@ -125,14 +127,15 @@ template <bool DEEP, bool SECOND, bool WAVES>
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
         const f32 X = b.X[k], Y = b.Y[k];
-        const f32 r1 = std::sqrt(X * X + Y * Y), rinv = r1 > TINY_R1 ? 1 / r1 : 0.0f;
-        const f32 x3 = X * (1 / 3.0f), a = x3 * x3;
+        const f32 r2 = X * X + Y * Y, x3 = X * (1 / 3.0f), a = x3 * x3;
         const TableValue p = table(c, a, band_variable<DEEP>(Y, base));
         const f32 BX = p.slope * (2 / 3.0f) * x3, exy = decay(Y);
         const f32 J = polynomial5(JA, a), W = polynomial5(WA, a) * x3;
         if constexpr (DEEP) {
-            store_real<SECOND>(b, k, beyond_tail(X, Y, p.B, BX, 0, 0, rinv), rinv);
+            const f32 i2 = 1 / r2, rinv = std::sqrt(i2);
+            store_real<SECOND>(b, k, beyond_tail(X, Y, p.B, BX, 0, 0, i2, rinv), rinv);
         } else {
+            const f32 r1 = std::sqrt(r2), rinv = r1 > TINY_R1 ? 1 / r1 : 0.0f;
             const f32 s = r1 + Y, L = logf(s), Q = polynomial5(QA, a), V = polynomial5(VA, a) * x3;
             const f32 F = exy * ((r1 * p.B - Q) - J * L);
             const f32 FX = exy * (((r1 * BX - V) + X * rinv * (p.B - J / s)) + L * W);
@@ -170,7 +173,7 @@ template <bool DEEP, bool SECOND, bool WAVES>
         const f32 waves = Q0 * ca + P0 * sa, waves_X = P1 * ca - Q1 * sa; // 2 pi exp(-Y) Y0(X) and its slope
         const f32 BX = -15 * xinv * xinv * p.slope;
         if constexpr (DEEP) {
-            store_real<SECOND>(b, k, beyond_tail(X, Y, p.B, BX, waves, waves_X, rinv), rinv);
+            store_real<SECOND>(b, k, beyond_tail(X, Y, p.B, BX, waves, waves_X, i2, rinv), rinv);
         } else {
             store_real<SECOND>(b, k, by_relation(X, Y, p.B - waves, BX - waves_X, rinv), rinv);
         }
