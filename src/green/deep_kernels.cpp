@@ -58,22 +58,45 @@ template <bool DEEP> [[gnu::always_inline]] inline f32 band_variable(f32 Y, f32 
     return (DEEP ? 16 / Y : Y) - base;
 }
 
-// Real parts from F, F_X and F_Y; lanes of ISNG < 2 get the image 1/r1 with them.
+// F and its derivatives; the second ones follow from the relation.
+struct RealValues {
+    f32 F, FX, FY, FXY, FYY;
+};
+[[gnu::always_inline]] inline RealValues by_relation(f32 X, f32 Y, f32 F, f32 FX, f32 rinv) {
+    const f32 i3 = rinv * rinv * rinv, FY = -(F + 2 * rinv);
+    return {F, FX, FY, 2 * X * i3 - FX, 2 * Y * i3 - FY};
+}
+
+// The same where Y >= 4, from the table B and the waves W with their slopes in X:
+//   F + T = B/r1^5 - W, T = 2/r1 + (2 Y - 2)/r1^3 + (6 Y^2 - 18 Y)/r1^5 + 30 Y^3/r1^7 the far tail.
+// The relation is written for F + T, as F and 2/r1 cancel to the order 1/r1^2, and F_Y and 2 Y/r1^3 again.
+// (1/r1^2 comes apart from 1/r1: the polynomials of the tail need not wait for the root.)
+[[gnu::always_inline]] inline RealValues beyond_tail(f32 X, f32 Y, f32 B, f32 BX, f32 W, f32 WX, f32 i2,
+                                                     f32 rinv) {
+    const f32 i3 = i2 * rinv, i5 = i2 * i3, p = Y * i2, q = Y * p;
+    const f32 N = i5 * B - W, rest = 6 * q + p * (30 * q - 18);
+    const f32 FY = (2 * Y - 2 + rest) * i3 - N;
+    // Of -(T - 2/r1) and of 1/r1^5, both over X/r1^5.
+    const f32 slope = 6 * Y - 6 + 30 * q + p * (210 * q - 90) - 5 * i2 * B;
+    const f32 NX = i5 * (BX + X * slope) - WX;
+    return {-(FY + 2 * rinv), NX + 2 * X * i3, FY, -NX, N + (2 - rest) * i3};
+}
+
+// Real parts; lanes of ISNG < 2 get the image 1/r1 with them.
 template <bool SECOND>
-[[gnu::always_inline]] inline void store_real(GreenBlock &b, int k, f32 F, f32 FX, f32 FY, f32 rinv) {
+[[gnu::always_inline]] inline void store_real(GreenBlock &b, int k, const RealValues &v, f32 rinv) {
     const f32 X = b.X[k], Y = b.Y[k], image = b.ISNG[k] < 2 ? 1.0f : 0.0f;
-    const f32 i2 = rinv * rinv, i3 = i2 * rinv;
-    const f32 n3 = image * i3;
-    b.re[G_][k] = b.ISNG[k] < 2 ? F + rinv : F;
-    b.re[G_R][k] = FX - X * n3;
-    b.re[G_Z][k] = FY - Y * n3;
-    b.re[G_ZETA][k] = FY - Y * n3;
+    const f32 i2 = rinv * rinv, n3 = image * i2 * rinv;
+    b.re[G_][k] = b.ISNG[k] < 2 ? v.F + rinv : v.F;
+    b.re[G_R][k] = v.FX - X * n3;
+    b.re[G_Z][k] = v.FY - Y * n3;
+    b.re[G_ZETA][k] = v.FY - Y * n3;
     if constexpr (SECOND) {
-        const f32 FYY = 2 * Y * i3 - FY, FXY = 2 * X * i3 - FX, n5 = 3 * n3 * i2;
-        b.re[G_RZ][k] = FXY + X * Y * n5;
-        b.re[G_RZETA][k] = FXY + X * Y * n5;
-        b.re[G_ZZ][k] = FYY + (Y * Y * n5 - n3);
-        b.re[G_ZZETA][k] = FYY + (Y * Y * n5 - n3);
+        const f32 n5 = 3 * n3 * i2;
+        b.re[G_RZ][k] = v.FXY + X * Y * n5;
+        b.re[G_RZETA][k] = v.FXY + X * Y * n5;
+        b.re[G_ZZ][k] = v.FYY + (Y * Y * n5 - n3);
+        b.re[G_ZZETA][k] = v.FYY + (Y * Y * n5 - n3);
     }
 }
 
@@ -104,18 +127,20 @@ template <bool DEEP, bool SECOND, bool WAVES>
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
         const f32 X = b.X[k], Y = b.Y[k];
-        const f32 r1 = std::sqrt(X * X + Y * Y), rinv = r1 > TINY_R1 ? 1 / r1 : 0.0f;
-        const f32 x3 = X * (1 / 3.0f), a = x3 * x3;
+        const f32 r2 = X * X + Y * Y, x3 = X * (1 / 3.0f), a = x3 * x3;
         const TableValue p = table(c, a, band_variable<DEEP>(Y, base));
         const f32 BX = p.slope * (2 / 3.0f) * x3, exy = decay(Y);
         const f32 J = polynomial5(JA, a), W = polynomial5(WA, a) * x3;
-        f32 F = p.B, FX = BX;
-        if constexpr (!DEEP) {
+        if constexpr (DEEP) {
+            const f32 i2 = 1 / r2, rinv = std::sqrt(i2);
+            store_real<SECOND>(b, k, beyond_tail(X, Y, p.B, BX, 0, 0, i2, rinv), rinv);
+        } else {
+            const f32 r1 = std::sqrt(r2), rinv = r1 > TINY_R1 ? 1 / r1 : 0.0f;
             const f32 s = r1 + Y, L = logf(s), Q = polynomial5(QA, a), V = polynomial5(VA, a) * x3;
-            F = exy * ((r1 * p.B - Q) - J * L);
-            FX = exy * (((r1 * BX - V) + X * rinv * (p.B - J / s)) + L * W);
+            const f32 F = exy * ((r1 * p.B - Q) - J * L);
+            const f32 FX = exy * (((r1 * BX - V) + X * rinv * (p.B - J / s)) + L * W);
+            store_real<SECOND>(b, k, by_relation(X, Y, F, FX, rinv), rinv);
         }
-        store_real<SECOND>(b, k, F, FX, -(F + 2 * rinv), rinv);
         if constexpr (WAVES)
             store_imaginary<SECOND>(b, k, PI_F * exy * J, PI_F * exy * W);
     }
@@ -145,15 +170,13 @@ template <bool DEEP, bool SECOND, bool WAVES>
         const f32 ca = ex * (cx + sx), sa = ex * (sx - cx);
         const f32 P0 = polynomial5(P0C, v), Q0 = polynomial5(Q0C, v) * x3;
         const f32 P1 = polynomial5(P1C, v), Q1 = polynomial5(Q1C, v) * x3;
-        f32 F = p.B - Q0 * ca - P0 * sa, FY = -(F + 2 * rinv);
-        f32 FX = -15 * xinv * xinv * p.slope + Q1 * sa - P1 * ca;
+        const f32 waves = Q0 * ca + P0 * sa, waves_X = P1 * ca - Q1 * sa; // 2 pi exp(-Y) Y0(X) and its slope
+        const f32 BX = -15 * xinv * xinv * p.slope;
         if constexpr (DEEP) {
-            const f32 i3 = i2 * rinv, y2 = 2 * Y - 2, q = Y * Y * i2, far = (y2 + 6 * q) * i3;
-            FY = far - F; // F + 2/r1 with its digits: what is left of the two is of the order 1/r1^2
-            F -= 2 * rinv + far;
-            FX += X * i3 * (2 + (3 * y2 + 30 * q) * i2);
+            store_real<SECOND>(b, k, beyond_tail(X, Y, p.B, BX, waves, waves_X, i2, rinv), rinv);
+        } else {
+            store_real<SECOND>(b, k, by_relation(X, Y, p.B - waves, BX - waves_X, rinv), rinv);
         }
-        store_real<SECOND>(b, k, F, FX, FY, rinv);
         if constexpr (WAVES)
             store_imaginary<SECOND>(b, k, P0 * ca - Q0 * sa, Q1 * ca + P1 * sa);
     }

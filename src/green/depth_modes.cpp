@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr f32 SQRT_HALF = 0.70710678f;
 constexpr f32 SERIES_END = 3; // of k X: fits below, asymptotic forms beyond
 
 // 2 pi times the Bessel functions of k X.
@@ -20,31 +19,18 @@ struct Bessel {
 };
 
 template <bool FAR>
-[[gnu::always_inline]] inline void bessel(f32 wave_number, const DepthBlock &b, Bessel &out) {
+[[gnu::always_inline]] inline void bessel(f32 wave_number, double turns, const DepthBlock &b, Bessel &out) {
     const Polynomial<6> J0(J0C), J1(J1C), Y1(Y1C), P0(P0C), Q0(Q0C), P1(P1C), Q1(Q1C);
     const Polynomial<7> Y0(Y0C);
-    alignas(64) f32 large[GREEN_LANES], cosine[GREEN_LANES], sine[GREEN_LANES];
-#pragma omp simd
-    for (int k = 0; k < GREEN_LANES; ++k) {
-        const f32 x = wave_number * b.X[k];
-        large[k] = x > SERIES_END ? x : SERIES_END;
-    }
-    // Each in a loop of its own: side by side GCC joins them to sincosf, which has no vector version.
-#pragma omp simd
-    for (int k = 0; k < GREEN_LANES; ++k)
-        cosine[k] = cosf(large[k]);
-#pragma omp simd
-    for (int k = 0; k < GREEN_LANES; ++k)
-        sine[k] = sinf(large[k]);
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
         const f32 any = wave_number * b.X[k], x = any < SERIES_END ? any : SERIES_END, x3 = x * (1 / 3.0f);
         const f32 u = x3 * x3;
         const bool beyond = any > SERIES_END;
         const f32 j0 = J0(u), j1 = x3 * J1(u);
-        const f32 inverse = 1 / large[k], i3 = 3 * inverse, v = i3 * i3;
-        const f32 half = std::sqrt(inverse) * SQRT_HALF;
-        const f32 cs = half * (cosine[k] + sine[k]), sn = half * (sine[k] - cosine[k]);
+        const f32 inverse = 1 / (beyond ? any : SERIES_END), i3 = 3 * inverse, v = i3 * i3;
+        const Turn phase = wave_phase(turns, b.X[k]);
+        const f32 root = std::sqrt(inverse), cs = root * phase.c, sn = root * phase.s;
         const f32 p0 = P0(v), q0 = i3 * Q0(v), p1 = P1(v), q1 = i3 * Q1(v);
         out.J0[k] = beyond ? p0 * cs - q0 * sn : j0;
         out.J1[k] = beyond ? p1 * sn + q1 * cs : j1;
@@ -117,7 +103,7 @@ template <bool FAR> [[gnu::always_inline]] inline void propagating(const HSTATE 
     const f32 C = s.CN0, k1 = s.RK0, k2 = s.RK0SQ, grow = s.DCN0 / s.CN0, stretch = s.DRK0 / s.RK0;
     Bessel w;
     Vertical z;
-    bessel<FAR>(k1, b, w);
+    bessel<FAR>(k1, s.quarter_turns, b, w);
     vertical_factor(s, H, b, z);
     const auto radial = [&](f32 f0, f32 f1, f32 X) {
         const f32 w0 = C * f0, w1 = C * k1 * f1;

@@ -75,8 +75,10 @@ int HGRN98(f32 H, f32 &RATIO, GSTATE &state) {
     state.HINV2X2 = 2 * state.HINV2;
     state.HINV2X8 = 8 * state.HINV2;
 
-    const f32 m = propagating_root(H, 1), k = m / H;
+    const double root = propagating_root(H);
+    const f32 m = static_cast<f32>(root), k = static_cast<f32>(root / H);
     state.RK = k;
+    state.quarter_turns = quarter_turns(root / H);
     state.RKSQ = k * k;
     state.RKTWO = 2 * k;
     RATIO = k;

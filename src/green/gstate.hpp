@@ -6,15 +6,16 @@
 #include "base/types.hpp"
 
 struct GSTATE {
-    f32 HINV = 0;    // 1 / H, H the depth times nu
-    f32 HTWO = 0;    // 2 H
-    f32 HINV2 = 0;   // 1 / H^2
-    f32 HINV2X2 = 0; // 2 / H^2
-    f32 HINV2X8 = 0; // 8 / H^2
-    f32 RK = 0;      // k, the positive root of k tanh(k H) = 1: finite-depth wave number / nu
-    f32 RKSQ = 0;    // k^2
-    f32 RKTWO = 0;   // 2 k
-    f32 CFOUR = 0;   // 4 C, C the normalisation of the propagating mode
+    f32 HINV = 0;             // 1 / H, H the depth times nu
+    f32 HTWO = 0;             // 2 H
+    f32 HINV2 = 0;            // 1 / H^2
+    f32 HINV2X2 = 0;          // 2 / H^2
+    f32 HINV2X8 = 0;          // 8 / H^2
+    f32 RK = 0;               // k, the positive root of k tanh(k H) = 1: finite-depth wave number / nu
+    f32 RKSQ = 0;             // k^2
+    f32 RKTWO = 0;            // 2 k
+    double quarter_turns = 0; // 2 k / pi: phases k R at a distance are formed in double precision
+    f32 CFOUR = 0;            // 4 C, C the normalisation of the propagating mode
 
     // Bessel functions of k R, times C. For k R <= 3 polynomials in R^2, constant first.
     f32 PJ0[6] = {}; // 2 pi C J0(k R)

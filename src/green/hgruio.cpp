@@ -9,7 +9,7 @@
 void HGRUIO(f32 H, HSTATE &state) {
     constexpr double DEEP = 30; // of 2 m: beyond it k = C = 1
     constexpr double PI = 3.14159265358979323846;
-    const double h = H, m = propagating_root(h, 2), k = m / h;
+    const double h = H, m = propagating_root(h), k = m / h;
     double C = 1, DC = 0, DK = 0;
     if (2 * m < DEEP) {
         const double ei = std::exp(2 * m), s2 = std::sinh(2 * m), s = std::sinh(m);
@@ -19,6 +19,7 @@ void HGRUIO(f32 H, HSTATE &state) {
         DC = 2 * C * (DM - 2 / Dn * (s2 * DM + 1));
     }
     state.RK0 = static_cast<f32>(k);
+    state.quarter_turns = quarter_turns(k);
     state.RK0SQ = static_cast<f32>(k * k);
     state.RK0X2 = static_cast<f32>(2 * k);
     state.DRK0 = static_cast<f32>(DK);

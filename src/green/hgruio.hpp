@@ -7,6 +7,7 @@ constexpr int DEPTH_MODES = 12; // evanescent modes that are kept
 
 struct HSTATE {
     f32 RK0 = 0;                // k, the positive root of k tanh(k H) = 1
+    double quarter_turns = 0;   // 2 k / pi, as in GSTATE
     f32 RK0SQ = 0;              // k^2
     f32 RK0X2 = 0;              // 2 k
     f32 DRK0 = 0;               // dk/dH

@@ -38,13 +38,11 @@ struct InfiniteWork {
     [[nodiscard]] bool alloc(int n);
 };
 
-// Evaluates by the table of deep water; the free-surface relation F_Y
-// =
-// -(F + 2/r1) gives what the table does not.
+// Evaluates by the table of deep water; the free-surface relation F_Y = -(F + 2/r1) gives what the table does
+// not.
 void IGRUIO(const InfinitePoints &points, InfiniteWork &work, const InfiniteArrays &result);
 
 // F2 + 1/r1 alike, for Y above DISTANT: by its expansion in (-d/dY)^n (1/r1), n points. What it leaves out is
-// 4e-9 or less, and falls with Y. (Values of the table err by 4e-8 at any distance, and FGRUIO multiplies
-// them with H.)
+// 4e-9 or less, and falls with Y. (It takes less time than the table.)
 constexpr f32 DISTANT = 20;
 void IGRUIO_distant(int n, const f32 *X, const f32 *Y, const InfiniteArrays &result);

@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr f32 QUARTER_PI_COS = 0.70710678f;
-
 // Vertical factor of the propagating mode and its derivatives: E, -E_z, -E_zeta, E_zzeta; E_zz = k^2 E.
 struct Vertical {
     alignas(64) f32 E[GREEN_LANES];
@@ -76,23 +74,15 @@ template <bool FAR, bool SECOND>
 template <bool FAR, bool SECOND>
 [[gnu::always_inline]] inline void propagating_far_from_axis(const GSTATE &g, GreenBlock &b) {
     const Polynomial<6> P0(g.QP0), Q0(g.QQ0), P1(g.QP1), Q1(g.QQ1);
-    const f32 k = g.RK, k2 = g.RKSQ;
+    const f32 k2 = g.RKSQ;
+    const double turns = g.quarter_turns;
     Vertical z;
     vertical_factor<SECOND>(g, b, z);
-    // Each in a loop of its own: side by side GCC joins them to sincosf, which has no vector version.
-    alignas(64) f32 cosine[GREEN_LANES], sine[GREEN_LANES];
-#pragma omp simd
-    for (int i = 0; i < GREEN_LANES; ++i)
-        cosine[i] = cosf(k * b.X[i]);
-#pragma omp simd
-    for (int i = 0; i < GREEN_LANES; ++i)
-        sine[i] = sinf(k * b.X[i]);
 #pragma omp simd
     for (int i = 0; i < GREEN_LANES; ++i) {
         const f32 rinv = 1 / b.X[i], T = rinv * rinv;
-        // cos and sin of k R - pi/4 from those of k R: the difference itself would round at large k R.
-        const f32 half = std::sqrt(rinv) * QUARTER_PI_COS;
-        const f32 cs = half * (cosine[i] + sine[i]), sn = half * (sine[i] - cosine[i]);
+        const Turn phase = wave_phase(turns, b.X[i]);
+        const f32 root = std::sqrt(rinv), cs = root * phase.c, sn = root * phase.s;
         const f32 p0 = P0(T), q0 = rinv * Q0(T);
         const f32 p1 = P1(T), q1 = rinv * Q1(T);
         store_mode<SECOND>(b.im, i, p0 * cs - q0 * sn, q1 * cs + p1 * sn, z, k2);

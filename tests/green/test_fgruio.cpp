@@ -89,6 +89,40 @@ TEST(Fgruio, RecordIsThatOfTheFirstOrderEvaluation) {
     }
 }
 
+// Waves at a distance, of both evaluations: as k R grows the phase does not lose its digits.
+TEST(Fgruio, PhaseIsRightAtAnyDistance) {
+    constexpr double OF_AMPLITUDE = 6e-7; // of G and its slope in R; measured 3.6e-7, at any k R
+    constexpr int N = 32;
+    for (const f32 H : {0.05f, 0.5f, 1.0f, 2.0f, 4.7f, 4.9f, 6.0f}) {
+        ModeExpansion modes(H);
+        GSTATE state;
+        f32 ratio;
+        ASSERT_EQ(HGRN98(H, ratio, state), 0);
+        for (const double kR : {20.0, 138.0, 1000.0, 1e5}) {
+            Points p;
+            for (int i = 0; i < N; ++i)
+                p.add(static_cast<f32>((kR + 0.2 * i) / modes.k), 0.1f * H, 0.3f * H, 0);
+            const DepthResults depth = depth_values(p, H);
+            const Results record = evaluate(p, GreenOrder::first, H, state);
+            double amplitude = 0;
+            std::vector<FiniteValues> exact;
+            for (int i = 0; i < N; ++i) {
+                exact.push_back(modes.imaginary(p.R[i], p.Z[i], p.ZETA[i]));
+                amplitude = std::max(amplitude, std::abs(exact[i].G));
+            }
+            for (int i = 0; i < N; ++i) {
+                const double value = exact[i].G.imag(), slope = exact[i].G_R.imag(),
+                             allowed = OF_AMPLITUDE * amplitude;
+                SCOPED_TRACE(testing::Message() << "H " << H << " k R " << modes.k * p.R[i]);
+                EXPECT_NEAR(record.arrays.im[G_][i], value, allowed);
+                EXPECT_NEAR(depth(G_, i).imag(), value, allowed);
+                EXPECT_NEAR(record.arrays.im[G_R][i], slope, allowed * modes.k);
+                EXPECT_NEAR(depth(G_R, i).imag(), slope, allowed * modes.k);
+            }
+        }
+    }
+}
+
 // The values behind the record by differences in double precision, R > 0.05 H: one of the first-order values,
 // differenced so often by H, z and zeta.
 std::array<Complex, DEPTH_VALUES> by_differences(double H, double R, double z, double zeta) {

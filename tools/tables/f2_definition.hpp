@@ -139,10 +139,37 @@ struct F2Definition {
                 -2 * g.slope - PI_D * std::exp(-Y) * (h0.slope - ::y1(X))};
     }
 
-    // The far tail T that the boxes X > 3, Y >= 4 hold apart, and its X slope.
+    // The far tail T that the boxes of Y >= 4 hold apart, and its X slope: the first four terms of F2 =
+    // -2 sum of (-d/dY)^n (1/r1), its expansion without the waves.
     static ValueSlope tail(double X, double Y) {
-        const double r = std::hypot(X, Y), r3 = r * r * r, r5 = r3 * r * r;
-        return {2 / r + (2 * Y - 2) / r3 + 6 * Y * Y / r5,
-                -X * (2 / r3 + 3 * (2 * Y - 2) / r5 + 30 * Y * Y / (r5 * r * r))};
+        const double i2 = 1 / (X * X + Y * Y), i1 = std::sqrt(i2), i3 = i1 * i2, q = Y * Y * i2, p = Y * i2;
+        return {2 * i1 + (2 * Y - 2 + 6 * q + p * (30 * q - 18)) * i3,
+                -X * i3 * (2 + i2 * (6 * Y - 6 + 30 * q + p * (210 * q - 90)))};
+    }
+
+    // F2 + T, Y >= 4; `near`: in the boxes of X <= 3, else without the waves, F2 + 2 pi exp(-Y) Y0(X) + T.
+    // The part without waves is -2 integral over t up to Y of exp(t - Y) / sqrt(X^2 + t^2) dt, which four
+    // integrations by parts turn into -T and what it leaves as an integral: at great distances the sum of the
+    // two would keep no digits. (Near the axis its integrand has a pole at t = 0, which does not count from
+    // Y = 50 on.)
+    ValueSlope beyond_tail(double X, double Y, bool near) const {
+        if (near && Y < 50) {
+            const ValueSlope F = (*this)(X, Y), T = tail(X, Y);
+            return {F.value + T.value, F.slope + T.slope};
+        }
+        ValueSlope sum;
+        for (double b = Y; Y - b < 45;) {
+            const double h = std::min(1.5, 0.5 * std::hypot(X, b));
+            sum.value -= gauss(b - h, b, [&](double t) {
+                const double i2 = 1 / (X * X + t * t), q = t * t * i2;
+                return 2 * std::exp(t - Y) * ((105 * q - 90) * q + 9) * i2 * i2 * std::sqrt(i2);
+            });
+            sum.slope += gauss(b - h, b, [&](double t) {
+                const double i2 = 1 / (X * X + t * t), q = t * t * i2;
+                return 2 * std::exp(t - Y) * X * ((945 * q - 630) * q + 45) * i2 * i2 * i2 * std::sqrt(i2);
+            });
+            b -= h;
+        }
+        return sum;
     }
 };

@@ -1,5 +1,7 @@
 // Prints, row by row of FTAB, the worst error of the deep-water record that VGRN98 leaves, as the table of
-// docs/numerics.md. An error is absolute where the value is below 1, else relative.
+// docs/numerics.md. Of the rows of Y < 4 an error is absolute where the value is below 1, else relative; of
+// the others, where F2 falls as 1/r1, it is one in units of 1/r1, of a first derivative in 1/r1^2, of a
+// second in 1/r1^3.
 #include "f2_definition.hpp"
 #include "green/tables/ftab.hpp"
 #include "green/vgrn98.hpp"
@@ -12,8 +14,8 @@ namespace {
 
 constexpr int POINTS = 48; // a side of a box
 
-void add(double &worst, f32 value, double exact) {
-    worst = std::max(worst, std::abs(value - exact) / std::max(1.0, std::abs(exact)));
+double worse(double worst, f32 value, double exact, double unit) {
+    return std::max(worst, std::abs(value - exact) / unit);
 }
 
 struct RowError {
@@ -37,13 +39,17 @@ RowError row_error(const F2Definition &definition, int row, int ISNG) {
             const double x = X, y = Y, r = std::hypot(x, y), r3 = r * r * r, c = 2 * PI_D * std::exp(-y);
             const ValueSlope F = definition(x, y);
             const double FY = -F.value - 2 / r, with_log = ISNG == 3 ? 2 : 0;
-            add(worst.G, record[0], F.value + with_log * std::log(r + y));
-            add(worst.GR, record[2], F.slope + with_log * x / (r * (r + y)));
-            add(worst.GZ, record[4], FY + with_log / r);
-            add(worst.GRZ, record[6], 2 * x / r3 - F.slope - with_log * x / r3);
-            add(worst.GZZ, record[8], 2 * y / r3 - FY - with_log * y / r3);
-            add(worst.im, record[1], -c * ::j0(x));
-            add(worst.imR, record[3], c * ::j1(x));
+            const auto add = [&](double &to, f32 value, double exact, int order) {
+                to = worse(to, value, exact,
+                           band > 4 ? std::pow(r, -order - 1) : std::max(1.0, std::abs(exact)));
+            };
+            add(worst.G, record[0], F.value + with_log * std::log(r + y), 0);
+            add(worst.GR, record[2], F.slope + with_log * x / (r * (r + y)), 1);
+            add(worst.GZ, record[4], FY + with_log / r, 1);
+            add(worst.GRZ, record[6], 2 * x / r3 - F.slope - with_log * x / r3, 2);
+            add(worst.GZZ, record[8], 2 * y / r3 - FY - with_log * y / r3, 2);
+            add(worst.im, record[1], -c * ::j0(x), 0);
+            add(worst.imR, record[3], c * ::j1(x), 1);
         }
     }
     return worst;
