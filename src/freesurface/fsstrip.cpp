@@ -6,12 +6,14 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <vector>
 
 namespace {
 
 constexpr f32 COINCIDE2 = 1.0e-8f; // squared distance below which two points are one
 constexpr f32 TRIANGLE = 0.01f;    // a shorter side, in perimeters, is that of a triangle
+constexpr f32 ROUNDING = 1.0e-4f;  // lengths that differ by less of themselves are equal
 constexpr f32 MIN_PERIMETER = 1.0e-30f;
 constexpr int OPPOSITE[5] = {0, 3, 4, 1, 2}; // first vertex of the side across from a side
 
@@ -47,6 +49,60 @@ int shared_side(const Mesh &mesh, int panel, Point P, Point Q) {
     return 0;
 }
 
+// A strip that grows.
+struct Growth {
+    int head;                // its waterline panel, over the whole mesh
+    Point P, Q;              // the side that its next panel shares, in opposite sense
+    f32 offset;              // of the wet side from x = 0
+    bool is_open;            // its last panel was no triangle
+    std::vector<int> panels; // so far
+};
+
+Growth start_strip(const RunState &run, int head, int side) {
+    const Point P = vertex_of(run.mesh, side, head), Q = vertex_of(run.mesh, JP[side], head);
+    return {head, P, Q, std::fabs(P.x + Q.x) / 2, distance2(P, Q) >= COINCIDE2, {}};
+}
+
+// A panel that one or more strips want next, and the one that gets it.
+struct Claim {
+    Growth *strip;
+    int side; // the shared side of the panel
+    f32 distance2;
+};
+
+// The nearest waterline panel wins, of equals the one farther from x = 0, of these the first: an order that
+// mirror images have in common, so that it is the same on full, half and quarter meshes.
+bool is_better(const Claim &a, const Claim &b) {
+    if (std::fabs(a.distance2 - b.distance2) > ROUNDING * b.distance2)
+        return a.distance2 < b.distance2;
+    return a.strip->offset > (1 + ROUNDING) * b.strip->offset;
+}
+
+// The next panels of all strips, out of those in `pool`.
+std::map<int, Claim> next_panels(const Mesh &mesh, const std::vector<int> &pool,
+                                 std::vector<Growth> &strips) {
+    std::map<int, Claim> claims;
+    for (Growth &strip : strips) {
+        if (!strip.is_open)
+            continue;
+        int side = 0;
+        const auto found = std::find_if(pool.begin(), pool.end(), [&](int p) {
+            side = shared_side(mesh, p, strip.P, strip.Q);
+            return side != 0;
+        });
+        strip.is_open = found != pool.end();
+        if (!strip.is_open)
+            continue;
+        const int p = *found, h = strip.head;
+        const Claim claim{&strip, side,
+                          distance2({mesh.XCT(1, p), mesh.XCT(2, p)}, {mesh.XCT(1, h), mesh.XCT(2, h)})};
+        const auto [entry, is_first] = claims.try_emplace(p, claim);
+        if (!is_first && is_better(claim, entry->second))
+            entry->second = claim;
+    }
+    return claims;
+}
+
 } // namespace
 
 void FSSTRP(const RunState &run, int body, int first, int w1, int w2, View<int, 1> IRRP, int &used) {
@@ -56,29 +112,26 @@ void FSSTRP(const RunState &run, int body, int first, int w1, int w2, View<int, 
         if (mesh.IFSP(p) == 1)
             pool.push_back(p);
     }
-    for (int w = w1; w <= w2; ++w) {
-        const int count = ++used;
-        const int hull = first - 1 + run.waterline.IWLP(w);
-        const int side = run.waterline.IWLE(w);
-        Point P = vertex_of(mesh, side, hull);
-        Point Q = vertex_of(mesh, JP[side], hull);
-        bool go_on = distance2(P, Q) >= COINCIDE2;
-        while (go_on) {
-            int j = 0;
-            const auto found = std::find_if(pool.begin(), pool.end(), [&](int p) {
-                j = shared_side(mesh, p, P, Q);
-                return j != 0;
-            });
-            if (found == pool.end())
-                break;
-            const int panel = *found;
-            pool.erase(found);
-            IRRP(++used) = panel;
-            P = vertex_of(mesh, OPPOSITE[j], panel);
-            Q = vertex_of(mesh, JP[OPPOSITE[j]], panel);
-            go_on = !is_triangle(mesh, panel);
+    std::vector<Growth> strips;
+    for (int w = w1; w <= w2; ++w)
+        strips.push_back(start_strip(run, first - 1 + run.waterline.IWLP(w), run.waterline.IWLE(w)));
+    for (;;) {
+        const std::map<int, Claim> claims = next_panels(mesh, pool, strips);
+        if (claims.empty())
+            break;
+        for (const auto &[panel, claim] : claims) {
+            Growth &strip = *claim.strip;
+            strip.panels.push_back(panel);
+            strip.P = vertex_of(mesh, OPPOSITE[claim.side], panel);
+            strip.Q = vertex_of(mesh, JP[OPPOSITE[claim.side]], panel);
+            strip.is_open = !is_triangle(mesh, panel);
         }
-        IRRP(count) = used - count;
+        std::erase_if(pool, [&](int p) { return claims.contains(p); });
+    }
+    for (const Growth &strip : strips) {
+        IRRP(++used) = static_cast<int>(strip.panels.size());
+        for (const int p : strip.panels)
+            IRRP(++used) = p;
     }
 }
 

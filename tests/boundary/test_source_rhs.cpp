@@ -108,7 +108,8 @@ void expect_near(c32 value, c32 wanted, int p) {
 }
 
 // Panels whose velocity is that of the boundary condition, which for an interior panel that no strip reaches
-// is what was there; the others by their potential f (on strips and lids the scattered one in waves).
+// is what was there; the others by their potential f (on strips the scattered one in waves,
+// on lids the total one less the velocity of the incident wave).
 TEST(SourceRhs, RadiationHasTheVelocityOfEachKind) {
     struct {
         int IRAD, IDIFF;
@@ -120,7 +121,11 @@ TEST(SourceRhs, RadiationHasTheVelocityOfEachKind) {
         const ThreadState &t = a.thread, &old = before.thread;
         a.run.opt.IRAD = row.IRAD;
         a.run.opt.IDIFF = row.IDIFF;
-        SRCRHS(a.run, row.K, row.F, a.thread.PHIR, a.thread);
+        PeriodWave wave;
+        wave.IPLIM = row.K > 0 ? 0 : 1;
+        wave.NUL = row.K;
+        wave.F = row.F;
+        SRCRHS(a.run, wave, a.thread.PHIR, a.thread);
         const f32 waves = row.K / K;
         const auto by_potential = [&](int p, c32 rigid, c32 f, c32 head1, c32 head2) {
             return p == STRIP1A || p == STRIP1B ? -row.K * head1
@@ -141,10 +146,10 @@ TEST(SourceRhs, RadiationHasTheVelocityOfEachKind) {
             }
             for (int s = 1; s <= CLASSES; ++s)
                 for (int b = 1; b <= HEADINGS; ++b) {
-                    const c32 rigid = old.SRCD(p, b, s),
-                              f = p == LID ? before.scattered(p, b, s) : old.PHID(p, b, s);
-                    const c32 wanted = by_potential(p, rigid, f, before.scattered(HEAD1, b, s),
-                                                    before.scattered(HEAD2, b, s));
+                    const c32 rigid = old.SRCD(p, b, s), f = old.PHID(p, b, s);
+                    c32 wanted = by_potential(p, rigid, f, before.scattered(HEAD1, b, s), before.scattered(HEAD2, b, s));
+                    if (p == LID)
+                        wanted -= row.K * old.PHI0(p, b, s);
                     expect_near(t.SRCD(p, b, s), row.IDIFF == 1 ? wanted : rigid, p);
                     EXPECT_EQ(t.PHID(p, b, s), old.PHID(p, b, s)) << "the potentials stay";
                 }

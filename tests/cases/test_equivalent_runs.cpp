@@ -1,6 +1,6 @@
 // Truth: runs that must agree. The same body as full, half and quarter mesh, moved, turned, beside another
 // body or a wall, on one thread and on two, by one quadrature or another, in one unit of length or another.
-#include "case_folder.hpp"
+#include "source_fields.hpp"
 
 namespace {
 
@@ -45,6 +45,25 @@ TEST(Barge, IsTheSameAsFullHalfAndQuarterMesh) {
         const SolvedRun other = solve_mesh(std::string(BARGE) + " --part " + part, two_waves());
         expect_same(quarter, other, 1, 1);
         expect_same(quarter, other, 2, 2);
+    }
+}
+
+// Strips of interior panels reach the same waterline panels on every part.
+TEST(Barge, HasTheSameFieldsOnEveryPartWithEachTreatment) {
+    constexpr double FIELDS = 1e-5; // single precision; 1.3e-6 at most
+    for (const int IRR : {1, 2, 4}) {
+        SCOPED_TRACE(IRR);
+        Pot pot = two_waves();
+        pot.PER = "0.6 2.1";
+        pot.ISOR = pot.ILOG = 1;
+        pot.IRR = IRR;
+        const std::string mesh = std::string(BARGE) + (IRR == 2 ? "" : " --lid");
+        const SolvedRun quarter = solve_mesh(mesh, pot);
+        for (const char *part : {"half-x", "half-y", "full"}) {
+            SCOPED_TRACE(part);
+            const SolvedRun other = solve_mesh(mesh + " --part " + part, pot);
+            EXPECT_LT(fields::difference_of_parts(quarter.p2f, other.p2f), FIELDS);
+        }
     }
 }
 

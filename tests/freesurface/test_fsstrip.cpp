@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <random>
 #include <set>
 
 namespace {
@@ -56,32 +58,53 @@ std::size_t total(const std::vector<std::vector<int>> &strips) {
     return n;
 }
 
-TEST(Fsstrp, QuarterLidRunsToTheCentreline) {
-    const int n = 4;
-    RunState run;
-    run.opt.IRR = 1;
-    run.opt.ISX = run.opt.ISY = 1;
-    hulls::set_body(hulls::quarter_box(4, 2, -1, 0, n, true), run);
-    find_strips(run);
-    ASSERT_EQ(run.waterline.NWL, 2 * n);
+// Panels of which waterline panel, each by its centroid's distances from the planes of symmetry.
+using Place = std::pair<int, int>; // thousandths
+std::map<Place, std::set<Place>> heads_of_panels(const RunState &run) {
+    const auto place = [&](int p) {
+        return Place{static_cast<int>(std::lround(1000 * std::fabs(run.mesh.XCT(1, p)))),
+                     static_cast<int>(std::lround(1000 * std::fabs(run.mesh.XCT(2, p))))};
+    };
+    std::map<Place, std::set<Place>> heads;
     const auto strips = strips_of(run);
-    EXPECT_EQ(total(strips), static_cast<std::size_t>(n * n)) << "the strips are the whole lid";
-    for (int w = 1; w <= run.waterline.NWL; ++w) {
-        const int hull = run.strips.head(w);
-        EXPECT_EQ(hull, run.waterline.IWLP(w));
-        const auto &strip = strips[static_cast<std::size_t>(w - 1)];
-        if (std::fabs(run.mesh.TRM(3, 1, hull)) < 0.5) { // the long side finds nothing left
-            EXPECT_TRUE(strip.empty());
-            continue;
+    for (int w = 1; w <= run.waterline.NWL; ++w)
+        for (const int p : strips[static_cast<std::size_t>(w - 1)])
+            heads[place(p)].insert(place(run.strips.head(w)));
+    return heads;
+}
+
+// Row j from the end x = l/2 and column i from the side y = 1 grow by one panel a round and meet on the
+// diagonal, where the nearer waterline panel wins, and of equals that of the end.
+TEST(Fsstrp, StripsGrowInTurnOnEveryPartOfTheMesh) {
+    const int n = 4;
+    for (const double l : {4.0, 2.0}) {
+        SCOPED_TRACE(l);
+        const hulls::Quads quarter = hulls::quarter_box(l, 2, -1, 0, n, true);
+        RunState part;
+        part.opt.IRR = 1;
+        part.opt.ISX = part.opt.ISY = 1;
+        hulls::set_body(quarter, part);
+        find_strips(part);
+        const auto heads = heads_of_panels(part);
+        ASSERT_EQ(heads.size(), static_cast<std::size_t>(n * n)) << "the strips are the whole lid";
+        for (int i = 0; i < n; ++i) {
+            for (int j = 0; j < n; ++j) { // i and j from the corner
+                const bool of_side = l > 2 ? j <= i : j < i;
+                const int x = static_cast<int>(1000 * l / 2 * (n - i - 0.5) / n), y = 1000 - 125 - 250 * j;
+                const Place end{static_cast<int>(500 * l), y}, side{x, 1000};
+                EXPECT_EQ(heads.at({x, y}), std::set<Place>{of_side ? side : end}) << i << " " << j;
+            }
         }
-        ASSERT_EQ(strip.size(), static_cast<std::size_t>(n));
-        f32 x = 2;
-        for (const int p : strip) { // rows of equal y from the waterline x = 2 inwards
-            EXPECT_NEAR(run.mesh.XCT(2, p), run.mesh.XCT(2, hull), 1e-6);
-            EXPECT_LT(run.mesh.XCT(1, p), x);
-            x = run.mesh.XCT(1, p);
+        hulls::Quads full = hulls::mirrored(quarter);
+        for (const int order : {0, 1, 2}) { // as mirrored, and out of order
+            std::shuffle(full.begin(), full.end(), std::mt19937(static_cast<unsigned>(order)));
+            RunState whole;
+            whole.opt.IRR = 1;
+            hulls::set_body(order == 0 ? hulls::mirrored(quarter) : full, whole);
+            find_strips(whole);
+            EXPECT_EQ(heads_of_panels(whole), heads) << order;
+            EXPECT_EQ(total(strips_of(whole)), static_cast<std::size_t>(4 * n * n));
         }
-        EXPECT_NEAR(x, 0.25, 1e-6) << "the last panel is that at the centreline";
     }
 }
 
