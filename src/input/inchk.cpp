@@ -107,3 +107,19 @@ Status INCHK(const RunState &run) {
     }
     return faults.any ? Status::failed : Status::ok;
 }
+
+Status check_limits(const RunState &run) {
+    bool infinite = false;
+    for (int t = 1; t <= run.periods.NPER; ++t)
+        infinite = infinite || limit_of(run.periods.WVN0(t)) == 2;
+    int ip = 0;
+    for (int b = 1; infinite && b <= run.bodies.NBODY; ++b) {
+        const bool lid = !run.bodies.BDTYP.empty() && run.bodies.BDTYP(b) == 3;
+        for (int k = 1; k <= run.bodies.NEQNB(b); ++k) {
+            ++ip;
+            if (!lid && run.mesh.IFSP(ip) == -1 && run.mesh.projected(ip) == 0)
+                return MSGOUT("Infinite frequency is not possible with a hull of no draught, panel I=", ip);
+        }
+    }
+    return Status::ok;
+}

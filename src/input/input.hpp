@@ -11,5 +11,9 @@
 // HDRSCR, and finds out about extra modes: IMDRUN, NMODES, NBLKSZ, NBLKLS, and NBODY = 1 for a single body.
 [[nodiscard]] Status INECHO(RunState &run);
 
+// After the panels have their marks: a hull of no draught has no equation at infinite frequency. Failed: there are both; the
+// message names the first such panel.
+[[nodiscard]] Status check_limits(const RunState &run);
+
 // Tests the input as a whole, NCORE included, and tells all its faults, not only the first.
 [[nodiscard]] Status INCHK(const RunState &run);

@@ -68,6 +68,7 @@ void run_solver() {
         require(MSGOUT(" RAM too small for number of panels "));
     require(PREGEO(run.opt, run.files, run.dipoles, run.bodies, run.mesh));
     require(FSMARK(run.opt, run.bodies, run.mesh));
+    require(check_limits(run));
     if (run.opt.IRR >= 1)
         require(fill_strips(run, run.strips));
     const bool drift = run.opt.IWADD == 1;

@@ -173,9 +173,9 @@ TEST(Overhang, WithItsImagesIsTheHullWithout) {
 }
 
 // A hemisphere within a ring of lid on the water.
-SolvedRun solve_with_lid(double damping, int ISCATT, int IRR = 0, int m = 2) {
+SolvedRun solve_with_lid(double damping, int ISCATT, int IRR = 0, int m = 2, const std::string &PER = "0.5 0.7 1.0 1.8") {
     CaseFolder folder;
-    Pot pot = waves("0.5 0.7 1.0 1.8", 4, 1);
+    Pot pot = waves(PER, static_cast<int>(std::count(PER.begin(), PER.end(), ' ')) + 1, 1);
     pot.IRR = IRR;
     prepare(folder, pot, "IFSLID=1\nISCATT=" + std::to_string(ISCATT) + "\n");
     folder.write("hull.gdf", gdf(IRR == 1 ? hemisphere(m) + lid(m) : hemisphere(m)));
@@ -186,6 +186,31 @@ SolvedRun solve_with_lid(double damping, int ISCATT, int IRR = 0, int m = 2) {
         "0 0 0 0 0 0\n3 " +
             std::to_string(damping) + "\n");
     return solved(folder);
+}
+
+// Under a rigid surface a disc is a piston: 8/3. It is refused at infinite frequency. The lid of another body takes nothing
+// at the limits, whatever its damping.
+TEST(Limits, HaveNoWavePartInTheFreeSurface) {
+    double before = 0;
+    for (const int n : {6, 12}) {
+        const SolvedRun run = solve_gdf(disc(n), waves("-1 1e-5", 2, 0));
+        const double limit = run.c.A(3, 3, 1), defect = 1 - limit / (8.0 / 3);
+        EXPECT_NEAR(limit / static_cast<double>(run.c.A(3, 3, 2)), 1, 2e-4);
+        EXPECT_LT(defect, 0.015);
+        if (before > 0) {
+            EXPECT_NEAR(before / defect, 4, 0.5); // second order in the mesh
+        }
+        before = defect;
+    }
+    const CaseFolder folder;
+    prepare(folder, waves("0 1", 2, 0));
+    folder.write("run.gdf", disc(4));
+    folder.solve();
+    EXPECT_TRUE(folder.lists("Infinite frequency is not possible with a hull of no draught, panel I=1"));
+    EXPECT_FALSE(folder.exists("run.p2f"));
+    const SolvedRun alone = solve_gdf(gdf(hemisphere(2)), waves("-1 0", 2, 0));
+    const SolvedRun damped = solve_with_lid(1, 0, 0, 2, "-1 0");
+    EXPECT_LT(whole_fields::difference(alone, damped, wet).largest[whole_fields::POTENTIAL], 1e-5);
 }
 
 // Share of heave damping that the waves carry away: K |H|^2 / 2, with the amplitude H of the far waves from

@@ -1,7 +1,9 @@
 // Truth for plates of dipole panels: the same panels as vortex rings in double precision, with their images
 // at the limit frequencies; the added mass 8/3 rho a^3 of a disc in unbounded fluid (H. Lamb, Hydrodynamics,
 // art. 108); the energy of the radiated waves, and what a porous plate takes out of it; equivalent runs.
+#include "panel_lists.hpp"
 #include "source_fields.hpp"
+#include "whole_fields.hpp"
 
 #include <algorithm>
 #include <sstream>
@@ -268,6 +270,33 @@ TEST(HullOverADisc, AFixedDiscStandsInTheFlow) {
             jump = std::max(jump, std::abs(fields::potential(run.p2f, ip, heave)));
     }
     EXPECT_GT(jump, 0.05); // it stops the flow that the hull makes there
+    // Forces are those on the hull, of a body near a wall.
+    for (const int i : {1, 3, 5}) {
+        EXPECT_GT(run.c.B(i, i, 1), 0.0f) << i;
+        for (const int j : {1, 3, 5})
+            EXPECT_NEAR(run.c.A(i, j, 1), run.c.A(j, i, 1), 0.01 * A33(run, 1)) << i << j;
+    }
+}
+
+// The resistance of a porous plate is none at infinite frequency: the hull is alone.
+TEST(HullOverADisc, APorousOneIsOpenAtInfiniteFrequency) {
+    using panel_lists::made, panel_lists::gdf;
+    const panel_lists::List hull = made("hemisphere --nu 5 --nv 5");
+    Pot pot = waves("0 1");
+    pot.ISOR = 1;
+    const SolvedRun alone = panel_lists::solve_gdf(gdf(hull), pot);
+    for (const char *config : {"", "IUSESCR=1\n", "ISOLVE=0\n"}) {
+        const SolvedRun with = panel_lists::solve_gdf(
+            gdf(hull + made("disc --depth 1.3 --nu 3 --nw 4", "1 0.1 0.2 0")), pot, config);
+        const auto on_hull = [](const whole_fields::Place &place) { return place.at[4] == 0; };
+        for (const double error : whole_fields::difference(alone, with, on_hull, 1).largest)
+            EXPECT_LT(error, 1e-5) << config;
+        for (int ip = 1; ip <= with.p2f.NEQN; ++ip)
+            if (with.p2f.IDIP(ip) != 0) {
+                EXPECT_EQ(with.p2f.PHIR(ip, 1, 1), c32(0));
+            }
+        EXPECT_GT(whole_fields::difference(alone, with, on_hull).largest[whole_fields::POTENTIAL], 0.01); // in the wave
+    }
 }
 
 // Two vertical plates through the free surface.

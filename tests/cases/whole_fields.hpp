@@ -90,18 +90,21 @@ inline bool every_place(const Place &) {
     return true;
 }
 
-// How the fields of run b differ from those of run a at the places of a where `counts` is true, of each kind;
-// the modes that both have.
+// How the fields of run b differ from those of run a at the places of a where `counts` is true, of each
+// kind; the modes that both have, and the first `periods` periods (0: all).
 struct Difference {
     double largest[KINDS] = {}; // over the largest value of all fields
     double rms[KINDS] =
         {}; // root mean square over that of the field, largest of all fields that are not small
 };
 inline Difference difference(const SolvedRun &a, const SolvedRun &b,
-                             bool (*counts)(const Place &) = every_place) {
+                             bool (*counts)(const Place &) = every_place,
+                             int periods = 0) {
     const int modes = std::min(a.p2f.NMODES, b.p2f.NMODES);
     const std::vector<Place> places = whole(a.p2f, modes), others = whole(b.p2f, modes);
-    const std::size_t fields = places.front().field.size();
+    std::size_t fields = places.front().field.size();
+    if (periods > 0)
+        fields = fields / static_cast<std::size_t>(a.p2f.NPER) * static_cast<std::size_t>(periods);
     Difference result;
     for (std::size_t kind = 0; kind < KINDS; ++kind) {
         std::vector<double> errors(fields), sizes(fields);

@@ -113,6 +113,8 @@ TEST(WaveNumber, is_that_of_infinite_depth) {
         int IPERIO;
         const char *HBOT;
         double typed, WVN0, PER;
+        const char *limit = ""; // as the report calls it
+        bool warned = false;
     } rows[] = {
         {1, "-1.", 8, k_of(8), 8},
         {0, "-1.", 8, k_of(8), 8},
@@ -121,10 +123,11 @@ TEST(WaveNumber, is_that_of_infinite_depth) {
         {5, "4.", 1.5, 1.5, T_of(1.5)},
         {4, "-1.", 1.5, 1.5, T_of(1.5)},
         {4, "3.", 1.5, FINITE, T_of(FINITE)},
-        {1, "-1.", 0, 0, 0},
-        {1, "-1.", -1, -1, -1},
-        {2, "-1.", 0, 0, 0},
-        {3, "-1.", -2, -2, -2},
+        {1, "-1.", 0, 0, 0, "infinite"},
+        {1, "-1.", -1, -1, -1, "zero"},
+        {2, "-1.", 0, 0, 0, "infinite", true},
+        {3, "-1.", -2, -2, -2, "zero"},
+        {1, "-1.", 4000, k_of(4000), 4000, "infinite", true}, // a wave of no more than 1e-6
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(testing::Message() << row.IPERIO << ' ' << row.HBOT << ' ' << row.typed);
@@ -133,6 +136,8 @@ TEST(WaveNumber, is_that_of_infinite_depth) {
                                       {"box.pot", with_line(pot, 5, std::string(row.HBOT) + " 0 0 0 0")}}));
         EXPECT_NEAR(in.run.periods.WVN0(1), row.WVN0, EPS * std::fabs(row.WVN0));
         EXPECT_NEAR(in.run.periods.PER(1), row.PER, EPS * std::fabs(row.PER));
+        EXPECT_EQ(in.folder.list_has("WARNING: a period counts as infinite frequency, period 1"), row.warned);
+        EXPECT_EQ(in.folder.list_has(" Limit frequency: period     1 is " + std::string(row.limit)), row.limit[0] != 0);
     }
 }
 
