@@ -159,19 +159,23 @@ void WLLINE(SurfacePoint from, SurfacePoint to, double step, Polygon &polygon) {
 }
 
 bool WLPTS(const std::vector<WaterSide> &sides, SurfacePlanes planes, const WaterlineContours &line,
-           double PSCALE, std::vector<Polygon> &polygons) {
-    polygons.clear();
+           double PSCALE, std::vector<Outline> &outlines) {
+    outlines.clear();
     const int count = static_cast<int>(line.contours.size());
-    const auto add_ends = [&](int c, Polygon &polygon) {
-        for (const int k : line.contours[c].sides)
-            polygon.push_back(sides[k].to);
+    const auto add_contour = [&](int c, Outline &outline) {
+        outline.contours.push_back(c);
+        for (const int k : line.contours[c].sides) {
+            outline.points.push_back(sides[k].to);
+            outline.length += distance(sides[k].from, sides[k].to);
+            ++outline.sides;
+        }
     };
     std::vector<Meeting> meetings;
     for (int c = 0; c < count; ++c) {
         const Contour &contour = line.contours[c];
         if (!contour.open) {
-            polygons.emplace_back();
-            add_ends(c, polygons.back());
+            outlines.emplace_back();
+            add_contour(c, outlines.back());
             continue;
         }
         meetings.push_back({place_along(sides[contour.sides.front()].from, planes), c, true});
@@ -191,10 +195,10 @@ bool WLPTS(const std::vector<WaterSide> &sides, SurfacePlanes planes, const Wate
     for (int first = 0; first < count; ++first) {
         if (behind[first] < 0)
             continue;
-        polygons.emplace_back();
-        Polygon &polygon = polygons.back();
+        outlines.emplace_back();
+        Polygon &polygon = outlines.back().points;
         for (int c = first; behind[c] >= 0;) {
-            add_ends(c, polygon);
+            add_contour(c, outlines.back());
             const SurfacePoint end = polygon.back();
             const SurfacePoint start = onto_plane(sides[line.contours[behind[c]].sides.front()].from, planes);
             const bool around_corner =

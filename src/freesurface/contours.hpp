@@ -41,13 +41,23 @@ struct WaterlineContours {
 // WLTOL. False: a contour neither closes nor ends on a plane.
 [[nodiscard]] bool WLSORT(const std::vector<WaterSide> &sides, SurfacePlanes planes, WaterlineContours &line);
 
+// A closed polygon made of contours: `contours` are their places in the list, `length` and `sides` sum up the waterline
+// sides in it.
+struct Outline {
+    Polygon points;
+    std::vector<int> contours;
+    double length = 0;
+    int sides = 0;
+};
+
 // The closed polygons of the contours, with the body's inside on the right of each edge: those around the
 // body run clockwise, those of a moonpool the other way. Open contours are closed along the planes: of the
 // points where contours meet the planes, put in order along them, the first and the second, the third and the
 // fourth
-// ... have the inside between them. False: two such neighbours are not an end and a start.
+// ... have the inside between them; steps along the planes are PSCALE mean sides. False: two such neighbours are not an end
+// and a start.
 [[nodiscard]] bool WLPTS(const std::vector<WaterSide> &sides, SurfacePlanes planes,
-                         const WaterlineContours &line, double PSCALE, std::vector<Polygon> &polygons);
+                         const WaterlineContours &line, double PSCALE, std::vector<Outline> &outlines);
 
 // Adds to the polygon the points of a straight line behind its last one, that one left out: equal steps of
 // about `step`, no fewer than one.

@@ -11,6 +11,7 @@ namespace {
 
 constexpr double NEAR = 1.5;  // candidates farther from an end of the edge come last, in H
 constexpr double REACH = 4;   // candidates are looked for that near to the ideal point, in H
+constexpr double FARTHEST = 2; // distance of the ideal point from its edge, in H
 constexpr double POOR = 0.99; // largest cosine of a good triangle
 constexpr double E1 = 0.001;  // tolerance on old edges, in H
 constexpr double E2 = 1.0e-6; // tolerance on new edges, in H
@@ -120,7 +121,8 @@ class Front {
     int choose(int a, int b) {
         const SurfacePoint A = point(a), B = point(b);
         const double L = distance(A, B);
-        const double out = H * H / (L * L);
+        // No farther than FARTHEST: a short edge could not see its own neighbours from there.
+        const double out = std::min(H * H / (L * L), FARTHEST * H / L);
         const SurfacePoint ideal{(A.x + B.x) / 2 + out * (B.y - A.y), (A.y + B.y) / 2 - out * (B.x - A.x)};
         const int new_node = static_cast<int>(FPT.size());
         FPT.push_back(ideal);
@@ -129,8 +131,7 @@ class Front {
             std::find_if(list.begin(), list.end(), [&](const Candidate &p) { return !(p.R < NEAR * H); });
         list.insert(far_ones, {0, new_node});
         int chosen = best_of(list, a, b, true);
-        // The ideal point of a short edge lies far out, and the reach may miss what lies between. Some node
-        // of the front sees the edge.
+        // The reach may miss what lies between long edges. Some node of the front sees the edge.
         if (chosen < 0)
             chosen = best_of(candidates(a, b, ideal, std::numeric_limits<double>::infinity()), a, b, true);
         if (chosen < 0)
@@ -201,10 +202,12 @@ TriangleShape TRIQ(SurfacePoint a, SurfacePoint b, SurfacePoint c) {
 FrontEnd FSFRNT(const std::vector<Polygon> &polygons, double H, std::int64_t limit, SurfacePanels &panels) {
     Front front(H);
     for (const Polygon &polygon : polygons) {
-        const std::vector<FrontNode> nodes = boundary_nodes(polygon, H);
+        SurfacePanels tips;
+        const std::vector<FrontNode> nodes = boundary_nodes(polygon, H, tips);
         if (nodes.size() < 3)
             return FrontEnd::stuck;
         front.add_loop(nodes);
+        panels.insert(panels.end(), tips.begin(), tips.end());
     }
     for (std::int64_t made = 0; !front.is_empty(); ++made) {
         if (made == limit)

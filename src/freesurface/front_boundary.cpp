@@ -8,6 +8,7 @@ namespace {
 constexpr double LONGEST = 1.5;    // edge kept whole, in H
 constexpr double SHORTEST = 0.5;   // edge kept, in H
 constexpr double BULGE = 0.001;    // distance from an edge that counts, in H
+constexpr double DENT = 0.002;     // distance of a skipped point inside an edge that makes it a node, in H
 constexpr double SMALLEST = 0.001; // sides of a polygon that is still filled, in H
 constexpr double FOLDED = -0.99;   // G of a node where the boundary folds back
 
@@ -48,11 +49,14 @@ std::vector<FrontNode> resample(const Polygon &P, double H) {
     return nodes;
 }
 
-void remove_spikes(std::vector<FrontNode> &nodes) {
+void remove_spikes(std::vector<FrontNode> &nodes, SurfacePanels &tips) {
     for (std::size_t k = 0; nodes.size() >= 3 && k < nodes.size();) {
         const std::size_t n = nodes.size();
         const std::size_t tip = (k + 1) % n;
-        if (TRIQ(nodes[k].at, nodes[(k + 2) % n].at, nodes[tip].at).G < FOLDED) {
+        const SurfacePoint A = nodes[k].at, B = nodes[tip].at, Z = nodes[(k + 2) % n].at;
+        if (TRIQ(A, Z, B).G < FOLDED) {
+            if (EDGDST(A, B, Z) < 0)
+                tips.push_back({Z, B, A, A});
             nodes[k].FSKS.clear(); // they lay inside the spike
             nodes.erase(nodes.begin() + static_cast<std::ptrdiff_t>(tip));
             if (tip < k)
@@ -60,6 +64,33 @@ void remove_spikes(std::vector<FrontNode> &nodes) {
         } else
             ++k;
     }
+}
+
+// Skipped points where the area is dented, as along a finely panelled moonpool, become nodes: an edge across the dent would
+// lie over water.
+std::vector<FrontNode> with_dents(std::vector<FrontNode> nodes, double H) {
+    for (std::size_t k = 0; k < nodes.size();) {
+        const SurfacePoint from = nodes[k].at, to = nodes[(k + 1) % nodes.size()].at;
+        const std::vector<SurfacePoint> &skipped = nodes[k].FSKS;
+        double deepest = -DENT * H;
+        auto dent = skipped.end();
+        for (auto p = skipped.begin(); p != skipped.end(); ++p) {
+            if (const double d = EDGDST(from, to, *p); d < deepest) {
+                deepest = d;
+                dent = p;
+            }
+        }
+        if (dent == skipped.end()) {
+            ++k;
+            continue;
+        }
+        FrontNode node;
+        node.at = *dent;
+        node.FSKS.assign(dent + 1, skipped.end());
+        nodes[k].FSKS.erase(dent, skipped.end());
+        nodes.insert(nodes.begin() + static_cast<std::ptrdiff_t>(k) + 1, node);
+    }
+    return nodes;
 }
 
 void find_bulge(FrontNode &node, SurfacePoint next, double H) {
@@ -80,15 +111,18 @@ double EDGDST(SurfacePoint a, SurfacePoint b, SurfacePoint point) {
     return ((b.x - a.x) * (point.y - a.y) - (b.y - a.y) * (point.x - a.x)) / distance(a, b);
 }
 
-std::vector<FrontNode> boundary_nodes(const Polygon &polygon, double H) {
+std::vector<FrontNode> boundary_nodes(const Polygon &polygon, double H, SurfacePanels &tips) {
     if (polygon.size() < 3)
         return {};
     std::vector<FrontNode> nodes;
     // A polygon much smaller than H keeps its own points.
     for (const double smallest = SMALLEST * H; nodes.size() < 3 && H > smallest; H /= 2) {
         nodes = resample(polygon, H);
-        remove_spikes(nodes);
+        tips.clear();
+        remove_spikes(nodes, tips);
     }
+    if (nodes.size() >= 3)
+        nodes = with_dents(std::move(nodes), H);
     for (std::size_t k = 0; k < nodes.size(); ++k)
         find_bulge(nodes[k], nodes[(k + 1) % nodes.size()].at, H);
     return nodes;

@@ -1,5 +1,6 @@
 #include "freesurface/fsgen.hpp"
 
+#include "base/text.hpp"
 #include "freesurface/front.hpp"
 #include "freesurface/generated_file.hpp"
 #include "freesurface/mirror.hpp"
@@ -16,6 +17,8 @@
 namespace {
 
 constexpr double SLIVER = 0.1;   // area of a panel that is left out, in mean areas
+constexpr double COMPLETE = 0.998; // covered part of the waterplane that needs no word
+constexpr double ENOUGH = 0.95;    // covered part without which a run makes no sense
 constexpr double NO_AREA = 1e-6; // area of a polygon that has none, in squared mean sides
 
 // Dipole panels are left out: a thin plate bounds no inside.
@@ -32,7 +35,7 @@ std::vector<WaterSide> water_sides(const RunState &run, int first, int w1, int c
     return sides;
 }
 
-void warn_incomplete(const char *why) {
+void warn_incomplete(const std::string &why) {
     message("WARNING: Free surface panelling is not completed");
     message_detail(why);
 }
@@ -51,25 +54,33 @@ bool make_rings(const std::vector<WaterSide> &sides, const WaterlineContours &li
 }
 
 // An outer polygon followed by the holes in it.
-using Region = std::vector<Polygon>;
+using Region = std::vector<Outline>;
 
-std::vector<Region> make_regions(const std::vector<Polygon> &polygons, double WLMEAN) {
+double clockwise_area(const Region &region) {
+    double area = 0;
+    for (const Outline &outline : region)
+        area += clockwise_area(outline.points);
+    return area;
+}
+
+std::vector<Region> make_regions(const std::vector<Outline> &outlines, double WLMEAN) {
     std::vector<Region> regions;
-    std::vector<const Polygon *> holes;
-    for (const Polygon &polygon : polygons) {
-        const double area = clockwise_area(polygon);
+    std::vector<const Outline *> holes;
+    for (const Outline &outline : outlines) {
+        const double area = clockwise_area(outline.points);
         if (std::fabs(area) < NO_AREA * WLMEAN * WLMEAN)
             warn_incomplete("a contour of the waterline has no area");
         else if (area > 0)
-            regions.push_back({polygon});
+            regions.push_back({outline});
         else
-            holes.push_back(&polygon);
+            holes.push_back(&outline);
     }
-    for (const Polygon *hole : holes) {
+    for (const Outline *hole : holes) {
         Region *around = nullptr;
         for (Region &region : regions) {
-            if (lies_inside(region.front(), hole->front()) &&
-                (around == nullptr || clockwise_area(region.front()) < clockwise_area(around->front())))
+            const Polygon &outer = region.front().points;
+            if (lies_inside(outer, hole->points.front()) &&
+                (around == nullptr || clockwise_area(outer) < clockwise_area(around->front().points)))
                 around = &region;
         }
         if (around == nullptr)
@@ -85,31 +96,83 @@ double area_of(const SurfacePanel &p) {
     return ((p[3].x - p[1].x) * (p[0].y - p[2].y) + (p[0].x - p[2].x) * (p[1].y - p[3].y)) / 2;
 }
 
-void remove_slivers(SurfacePanels &panels) {
-    double mean = 0;
+double area_of(const SurfacePanels &panels) {
+    double sum = 0;
     for (const SurfacePanel &panel : panels)
-        mean += area_of(panel);
-    mean /= static_cast<double>(panels.size());
+        sum += area_of(panel);
+    return sum;
+}
+
+void remove_slivers(SurfacePanels &panels) {
+    const double mean = area_of(panels) / static_cast<double>(panels.size());
     std::erase_if(panels, [&](const SurfacePanel &panel) { return area_of(panel) / mean < SLIVER; });
 }
 
-Status make_front(const std::vector<WaterSide> &sides, SurfacePlanes planes, const WaterlineContours &line,
-                  double PSCALE, std::int64_t limit, SurfacePanels &panels) {
+struct FrontInput {
+    const std::vector<WaterSide> &sides;
+    const WaterlineContours &line;
+    double PSCALE;
+    std::int64_t limit; // of panels
+};
+
+// Fills a region: by a front, or by rings where the front is stuck and they can do it.
+FrontEnd fill_region(const FrontInput &in, const Region &region, SurfacePanels &panels) {
+    double length = 0;
+    int count = 0;
     std::vector<Polygon> polygons;
-    if (!WLPTS(sides, planes, line, PSCALE, polygons))
-        return MSGOUT("Waterline panels do not form a closed contour");
-    for (const Region &region : make_regions(polygons, line.WLMEAN)) {
-        const FrontEnd end = FSFRNT(region, PSCALE * line.WLMEAN, limit, panels);
-        if (end == FrontEnd::stuck)
-            warn_incomplete("the panels made so far stand");
-        if (end == FrontEnd::out_of_steps) {
-            (void)MSGOUT("Number of free-surface panels exceeds limit ",
-                         static_cast<int>(std::min<std::int64_t>(limit, std::numeric_limits<int>::max())));
-            return MSGOUT("Allocation error, insufficient RAM for IRR=3");
+    for (const Outline &outline : region) {
+        polygons.push_back(outline.points);
+        length += outline.length;
+        count += outline.sides;
+    }
+    const double WLMEAN = length / count;
+    const FrontEnd end = FSFRNT(polygons, in.PSCALE * WLMEAN, in.limit, panels);
+    if (end == FrontEnd::stuck && region.size() == 1 && region.front().contours.size() == 1) {
+        const Contour &contour = in.line.contours[static_cast<std::size_t>(region.front().contours.front())];
+        const SurfacePoint centre = contour_centre(in.sides, contour);
+        if (seen_from_centre(in.sides, contour, centre)) {
+            panels.clear();
+            FSRAD(in.sides, contour, centre, WLMEAN, panels);
+            return FrontEnd::filled;
         }
     }
     remove_slivers(panels);
-    return Status::ok;
+    return end;
+}
+
+// What the regions hold and what of it has panels.
+struct Covered {
+    double wanted = 0, done = 0;
+};
+
+// Tells what is left open. Failed: too much for the equations to hold inside.
+Status judge(const Covered &area) {
+    if (area.done >= COMPLETE * area.wanted)
+        return Status::ok;
+    const double open = area.wanted - area.done, part = 100 * open / area.wanted;
+    warn_incomplete("not covered: area" + sci(11, 3, open) + " ULEN^2," + fixed(6, 2, part) + " per cent of the waterplane");
+    return area.done < ENOUGH * area.wanted
+               ? MSGOUT("Free-surface panels cover less than 95 per cent of the waterplane")
+               : Status::ok;
+}
+
+Status make_front(const FrontInput &in, SurfacePlanes planes, SurfacePanels &panels) {
+    std::vector<Outline> outlines;
+    if (!WLPTS(in.sides, planes, in.line, in.PSCALE, outlines))
+        return MSGOUT("Waterline panels do not form a closed contour");
+    Covered area;
+    for (const Region &region : make_regions(outlines, in.line.WLMEAN)) {
+        SurfacePanels filling;
+        if (fill_region(in, region, filling) == FrontEnd::out_of_steps) {
+            (void)MSGOUT("Number of free-surface panels exceeds limit ",
+                         static_cast<int>(std::min<std::int64_t>(in.limit, std::numeric_limits<int>::max())));
+            return MSGOUT("Allocation error, insufficient RAM for IRR=3");
+        }
+        area.wanted += clockwise_area(region);
+        area.done += area_of(filling);
+        panels.insert(panels.end(), filling.begin(), filling.end());
+    }
+    return judge(area);
 }
 
 // The new panels of one body with these wet sides.
@@ -125,8 +188,7 @@ Status make_panels(const RunState &run, int body, const std::vector<WaterSide> &
         message("WARNING: Rings do not cover the inside of the waterline once, an advancing front does it");
         message_detail("body " + std::to_string(body));
     }
-    return make_front(sides, planes, line, PSCALE, 2 * static_cast<std::int64_t>(run.bodies.NEQNB(body)),
-                      panels);
+    return make_front({sides, line, PSCALE, 2 * static_cast<std::int64_t>(run.bodies.NEQNB(body))}, planes, panels);
 }
 
 // Puts the panels behind the last panel of the body and moves those of the bodies after it.

@@ -18,8 +18,9 @@ TEST(Boundary, long_sides_are_divided_and_short_ones_skipped) {
     // skipped.
     Polygon polygon = {{0, 0}, {0, 1}, {3, 1}, {3, 0}};
     for (int i = 9; i >= 1; --i)
-        polygon.push_back({0.3 * i, i == 6 ? -0.05 : (i == 5 ? 0.05 : 0)});
-    const std::vector<FrontNode> nodes = boundary_nodes(polygon, 1);
+        polygon.push_back({0.3 * i, i == 7 ? -0.05 : 0});
+    SurfacePanels tips;
+    const std::vector<FrontNode> nodes = boundary_nodes(polygon, 1, tips);
     ASSERT_EQ(nodes.size(), 4u + 2 + 4); // the long side has 3 edges, the fine one 5
     EXPECT_NEAR(nodes[2].at.x, 1, 1e-15);
     EXPECT_NEAR(nodes[3].at.x, 2, 1e-15);
@@ -30,8 +31,8 @@ TEST(Boundary, long_sides_are_divided_and_short_ones_skipped) {
 TEST(Boundary, the_farthest_skipped_point_outside_is_kept) {
     // A chamfered corner of short sides at (4, 4): the last two of its points are skipped.
     const Polygon polygon = {{0, 0}, {0, 4}, {3.9, 4}, {3.98, 3.98}, {4, 3.9}, {4, 0}};
-    const std::vector<FrontNode> nodes = boundary_nodes(polygon, 1);
-    SurfacePanels panels;
+    SurfacePanels panels, tips;
+    const std::vector<FrontNode> nodes = boundary_nodes(polygon, 1, tips);
     ASSERT_EQ(FSFRNT({polygon}, 1, 200, panels), FrontEnd::filled);
     double area = 0;
     bool kept = false;
@@ -55,10 +56,12 @@ TEST(Boundary, the_farthest_skipped_point_outside_is_kept) {
 
 TEST(Boundary, a_spike_is_cut_off_with_its_skipped_points) {
     const Polygon polygon = {{0, 0}, {0, 2}, {1, 2}, {1.02, 3}, {1.04, 2}, {2, 2}, {2, 0}};
-    for (const FrontNode &node : boundary_nodes(polygon, 1)) {
+    SurfacePanels tips;
+    for (const FrontNode &node : boundary_nodes(polygon, 1, tips)) {
         EXPECT_LE(node.at.y, 2);
         EXPECT_FALSE(node.has_bulge);
     }
+    EXPECT_EQ(tips.size(), 1u); // it is a corner of the area
 }
 
 TEST(FSFRNT, three_nodes_make_one_triangle) {
@@ -181,6 +184,80 @@ TEST(FSFRNT, fills_ten_thousand_panels_in_seconds) {
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     EXPECT_GE(panels.size(), 10000u);
     EXPECT_LT(seconds, 5);
+}
+
+// Half a waterline from stern (-1) to bow (1): the half breadth B (1 - x^2).
+Polygon parabola(double B, int n) {
+    Polygon points;
+    for (int i = 0; i <= n; ++i) {
+        const double x = -1 + 2.0 * i / n;
+        points.push_back({x, B * (1 - x * x)});
+    }
+    return points;
+}
+// The two sides, one mirrored, joined at bow and stern.
+Polygon hull_of(const Polygon &one, const Polygon &other) {
+    Polygon line = one;
+    for (std::size_t i = other.size() - 1; i-- > 1;)
+        line.push_back({other[i].x, -other[i].y});
+    return line;
+}
+// Bow of a half angle of 6 degrees, parallel body and transom.
+Polygon transom_ship(int n) {
+    const double bow = 0.2 / std::tan(PI / 30);
+    return divided({{-1, -0.2}, {-1, 0.2}, {3 - bow, 0.2}, {3, 0}, {3 - bow, -0.2}}, 8.0 / n);
+}
+
+double longest_edge(const Body &body) {
+    double longest = 0;
+    for (int i = body.first_new(); i <= body.last_new(); ++i) {
+        const Polygon p = body.panel(i);
+        for (std::size_t k = 0; k < p.size(); ++k)
+            longest = std::max(longest, distance(p[k], p[(k + 1) % p.size()]));
+    }
+    return longest;
+}
+
+// Sharp ends, unequal sides, columns of very different size, a pool of fine panels. Whatever the order of the panels.
+TEST(FSFRNT, fills_what_ships_are_made_of) {
+    const Polygon large = circle(6, 60), small = circle(0.3, 12, 8), barge = divided({{-2, -1}, {-2, 1}, {2, 1}, {2, -1}}, 0.25),
+                  pool = reversed(circle(0.5, 120));
+    struct Row {
+        std::string label;
+        std::vector<Polygon> lines;
+    };
+    std::vector<Row> rows = {{"transom 80", {transom_ship(80)}},
+                             {"transom 200", {transom_ship(200)}},
+                             {"columns", {large, small}},
+                             {"fine pool", {barge, pool}}};
+    for (const double ratio : {0.04, 0.05, 0.07})
+        for (const int n : {40, 80, 150})
+            rows.push_back({"demihull " + std::to_string(ratio) + " " + std::to_string(n),
+                            {hull_of(parabola(ratio, n), parabola(ratio, n))}});
+    for (const int n : {40, 80, 150})
+        rows.push_back({"one flat side " + std::to_string(n), {hull_of(parabola(0.1, n), parabola(0, n))}});
+    for (const Row &row : rows) {
+        for (const bool in_order : {false, true}) {
+            SCOPED_TRACE(row.label + (in_order ? " in order" : ""));
+            const RunFolder folder;
+            std::vector<Line> lines;
+            double H = 0; // of the coarsest line
+            for (const Polygon &line : row.lines) {
+                lines.push_back({line, true, in_order});
+                double own = 0;
+                for (std::size_t k = 0; k < line.size(); ++k)
+                    own += distance(line[k], line[(k + 1) % line.size()]);
+                H = std::max(H, 1.4 * own / static_cast<double>(line.size()));
+            }
+            Body body(lines, 8);
+            ASSERT_EQ(body.generate(), Status::ok) << folder.list_text();
+            EXPECT_FALSE(folder.list_has("not completed")) << folder.list_text();
+            const Cover cover = cover_of(body, row.lines, 200);
+            EXPECT_NEAR(cover.area, cover.wanted, 1e-3 * cover.wanted);
+            EXPECT_EQ(cover.wrong_normals + cover.doubled + cover.outside, 0);
+            EXPECT_LT(longest_edge(body), 2.5 * H);
+        }
+    }
 }
 
 } // namespace

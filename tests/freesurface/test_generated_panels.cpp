@@ -248,6 +248,7 @@ TEST(Generated, bad_waterlines) {
         const RunFolder folder;
         Body body({{knot}}, 4);
         const Status status = body.generate(ISOR);
+        printf("%d %s\n", ISOR, folder.list_text().c_str());
         EXPECT_EQ(folder.exists("run.idf"), status == Status::ok);
         EXPECT_TRUE(folder.list_has("not completed") || folder.list_has("Error in generating"))
             << folder.list_text();

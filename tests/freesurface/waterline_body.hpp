@@ -19,6 +19,7 @@ constexpr double PI = 3.14159265358979;
 struct Line {
     Polygon points;
     bool closed = true;
+    bool in_order = false; // sides follow each other in the file, too
 };
 
 // Points of the closed polygon with its sides divided into pieces of about `side`.
@@ -153,7 +154,7 @@ class Body {
         // Sides out of order, as a geometry file may have them.
         const std::size_t count = n - (line.closed ? 0 : 1);
         for (std::size_t k = 0; k < count; ++k) {
-            const std::size_t i = count % 7 == 0 ? k : (k * 7 + 3) % count;
+            const std::size_t i = count % 7 == 0 || line.in_order ? k : (k * 7 + 3) % count;
             const SurfacePoint a = line.points[i], b = line.points[(i + 1) % n];
             for (int r = 0; r < rows; ++r, ++p) {
                 const int shift = static_cast<int>(k % 4); // the wet side has any place in the panel
