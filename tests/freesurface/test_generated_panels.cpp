@@ -228,6 +228,7 @@ TEST(Generated, bad_waterlines) {
         {"two panels side by side", {{{{0, 1}, {1, 1}, {2, 1}}, false}}, 1, OPEN, true},
         {"two panels there and back", {{{{0, 1}, {1, 1}}}}, 0, NOT_COMPLETED, false},
         {"inside out", {{reversed(circle(1, 40))}}, 0, NOT_COMPLETED, false},
+        {"crosses itself", {{divided({{0, 0}, {0, 1}, {1, 1}, {1.6, 0.2}, {1.6, 0.8}, {1, 0}}, 0.1)}}, 0, "Free-surface panels cover less than 95 per cent of the waterplane", true},
         {"as coarse as a hull may be", {{circle(1, 300)}}, 0, "Number of free-surface panels exceeds limit 600", true},
     };
     // clang-format on
@@ -248,7 +249,6 @@ TEST(Generated, bad_waterlines) {
         const RunFolder folder;
         Body body({{knot}}, 4);
         const Status status = body.generate(ISOR);
-        printf("%d %s\n", ISOR, folder.list_text().c_str());
         EXPECT_EQ(folder.exists("run.idf"), status == Status::ok);
         EXPECT_TRUE(folder.list_has("not completed") || folder.list_has("Error in generating"))
             << folder.list_text();
