@@ -5,8 +5,8 @@
 #include "boundary/incident_wave.hpp"
 #include "hull_meshes.hpp"
 #include "rankine/rankin.hpp"
-#include "run/memory_plan.hpp"
-#include "run/symmetry.hpp"
+#include "state/memory_plan.hpp"
+#include "state/symmetry.hpp"
 #include "solve/solve.hpp"
 
 #include <benchmark/benchmark.h>

@@ -2,7 +2,7 @@
 #include "base/simd.hpp"
 #include "rankine/panint.hpp"
 #include "rankine/rankin.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 #include <benchmark/benchmark.h>
 

@@ -3,7 +3,7 @@
 #include "assembly/dipole_row.hpp"
 #include "assembly/lid.hpp"
 #include "rankine/rankin.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 #include <algorithm>
 

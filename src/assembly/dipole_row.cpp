@@ -2,7 +2,7 @@
 
 #include "green/ghess.hpp"
 #include "green/gradsg.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Bodies that are lids: panels in the free surface on which the waves are damped.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Damping of panel P, if it belongs to a lid (BDTYP=3): true and EPS = FSDMP of the first lid with that
 // panel; else false and EPS = 0. The vertical velocity on a lid of damping e is K (1 - i e)^2 times the

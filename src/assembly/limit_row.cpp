@@ -3,8 +3,8 @@
 #include "geometry/panel.hpp"
 #include "green/vgrn0.hpp"
 #include "rankine/panint.hpp"
-#include "run/messages.hpp"
-#include "run/symmetry.hpp"
+#include "state/messages.hpp"
+#include "state/symmetry.hpp"
 
 namespace {
 

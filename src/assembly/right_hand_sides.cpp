@@ -2,7 +2,7 @@
 
 #include "assembly/lid.hpp"
 #include "assembly/scratch_store.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "assembly/scratch_rows.hpp"
 
 #include "assembly/tiles.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <complex>

@@ -1,7 +1,7 @@
 #include "assembly/scratch_store.hpp"
 
 #include "base/platform.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 

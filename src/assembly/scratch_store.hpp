@@ -5,7 +5,7 @@
 #include "assembly/row_kernels.hpp"
 #include "base/array.hpp"
 #include "base/record_file.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Eight named units, counted from 1. The file of a unit is "SCRATCH" and the one character with the unit's
 // code.

@@ -1,6 +1,6 @@
 #include "assembly/thread_state.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 

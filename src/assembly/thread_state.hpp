@@ -2,7 +2,7 @@
 #pragma once
 
 #include "green/gstate.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 struct ScratchStore;
 

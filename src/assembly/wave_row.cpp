@@ -3,7 +3,7 @@
 #include "assembly/dipole_row.hpp"
 #include "assembly/lid.hpp"
 #include "assembly/limit_row.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 #include <cmath>
 

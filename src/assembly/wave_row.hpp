@@ -4,7 +4,7 @@
 
 #include "assembly/row_kernels.hpp"
 #include "green/vgrn98.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // What depends on the frequency of a period alone.
 struct PeriodWave {

@@ -1,7 +1,7 @@
 #include "assembly/wavegr.hpp"
 
 #include "assembly/wavegr_parts.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <vector>

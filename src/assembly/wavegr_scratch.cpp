@@ -2,7 +2,7 @@
 // in order to AMAT and the scratch files. In between the cores share the tiles of a group.
 #include "assembly/scratch_rows.hpp"
 #include "assembly/wavegr_parts.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <omp.h>

@@ -2,7 +2,7 @@
 
 #include "assembly/scratch_store.hpp"
 #include "base/lapack.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cstring>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "assembly/thread_state.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 // The velocity vector at every panel centroid from the source strengths, class by class: thread.VELR from
 // the radiation sources thread.SRCR, and thread.VELD from thread.SRCD, through the influence

@@ -2,7 +2,7 @@
 
 #include "base/lapack.hpp"
 #include "base/simd.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 namespace {
 

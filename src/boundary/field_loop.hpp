@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/lapack.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 // Calls body(i, work) for i = 1..count on the cores that the caller has, each thread with a Work of its own that `make`
 // allocates (false: no memory). What a body writes belongs to its i alone. Failed: " RAM too small ", or a body failed.

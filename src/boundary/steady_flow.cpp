@@ -2,7 +2,7 @@
 
 #include "boundary/field_loop.hpp"
 #include "green/field_kernels.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 #include <vector>
 

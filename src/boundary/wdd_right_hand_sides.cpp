@@ -4,7 +4,7 @@
 #include "boundary/wdd_sums.hpp"
 #include "green/field_kernels.hpp"
 #include "green/wdkern.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 #include <algorithm>
 

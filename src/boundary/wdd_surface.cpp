@@ -4,7 +4,7 @@
 #include "boundary/incident_wave.hpp"
 #include "boundary/wdd_sums.hpp"
 #include "green/field_kernels.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 #include <algorithm>
 

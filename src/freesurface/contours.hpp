@@ -1,7 +1,7 @@
 // The waterline of a body as closed lines in the plane of the free surface, body axes.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 #include <vector>
 

@@ -3,7 +3,7 @@
 #include "base/text.hpp"
 #include "freesurface/fdfgen.hpp"
 #include "geometry/panel.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <utility>
 

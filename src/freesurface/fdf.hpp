@@ -1,7 +1,7 @@
 // The free-surface panels of a run for wave drift damping.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Reads the panels of the file FILNAM(5), made by FDFSTG or by hand, into `surface`. Failed: the file is not
 // there, short, not numbers or goes on with what is no integer, a panel has no area, or memory is short; the

@@ -7,7 +7,7 @@
 #include "freesurface/rings.hpp"
 #include "geometry/dipoles.hpp"
 #include "geometry/panel.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>

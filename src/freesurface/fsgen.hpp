@@ -1,7 +1,7 @@
 // Interior free-surface panels generated from the waterline.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "freesurface/fsmark.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 namespace {
 

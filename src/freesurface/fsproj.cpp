@@ -2,7 +2,7 @@
 
 #include "freesurface/mirror.hpp"
 #include "geometry/panel.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // Interior free-surface panels made from the hull.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Adds to the NP panels of a body, of which the first is panel `first`, the projection of each on the free
 // surface, which lies at z = -ZB in the axes of the body. The vertices run the other way round, so that a

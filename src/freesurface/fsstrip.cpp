@@ -1,7 +1,7 @@
 #include "freesurface/fsstrip.hpp"
 
 #include "geometry/panel.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>

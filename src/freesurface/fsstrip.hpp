@@ -1,7 +1,7 @@
 // The strips of interior free-surface panels behind the waterline panels.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Fills strips.IRRP and strips.head for the panels that FSMARK has marked: by adjacency for IRR 1 to 3, by
 // distance for IRR=4. IRRP is as long as its entries need, and NEQN at least. Failed: " RAM too small ".

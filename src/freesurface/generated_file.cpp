@@ -1,7 +1,7 @@
 #include "freesurface/generated_file.hpp"
 
 #include "base/text.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <cerrno>
 #include <cmath>

@@ -1,7 +1,7 @@
 // The geometry file of a body whose free surface was generated.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Writes the panels of a body, of which the first is `first`, as a geometry file. Read again, the file gives
 // the same panels, in the same units and with the same symmetry. A dipole block follows for a body with

@@ -1,6 +1,6 @@
 #include "freesurface/mirror.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <limits>
 

@@ -1,7 +1,7 @@
 // Growth of the vertex array and mirroring of a body's panels in its symmetry planes.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Gives XVER room for at least `capacity` panels and keeps those it has; new ones are 0. Failed: no memory.
 [[nodiscard]] Status XVGROW(std::int64_t capacity, Array<f32, 3> &XVER);

@@ -1,6 +1,6 @@
 #include "freesurface/waterline.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 // The panels of a body that have a side in the free surface.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Goes through the panels XVER(4,3,NP) of one body, whose origin lies at height ZB, and lists those with a
 // side in the free surface: IWLP the panel, counted within the body, IWLE the first vertex of the side, which

@@ -1,6 +1,6 @@
 #include "geometry/dipoles.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <cmath>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/text.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Gives IDIP, DPORA, DPORB, DTHK room for `size` panels and keeps what they hold; new entries are 0, ordinary
 // panels. Nothing happens when they are that large already. Failed: no memory.

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/types.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Next vertex of a quadrilateral: side k runs from vertex k to vertex JP[k].
 constexpr int JP[5] = {0, 2, 3, 4, 1};

@@ -1,6 +1,6 @@
 #include "geometry/panel.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "base/text.hpp"
 #include "geometry/rdmod.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,7 +2,7 @@
 // hydrostatics.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Makes the panel arrays (all but XVER) for NEQN panels and CHYD for NMODES modes, zeroed; `projected` keeps
 // the marks of the input stage. False when memory is refused.

@@ -1,7 +1,7 @@
 #include "geometry/rdmod.hpp"
 
 #include "base/text.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 namespace {
 

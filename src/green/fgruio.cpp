@@ -1,7 +1,7 @@
 #include "green/fgruio.hpp"
 
 #include "green/depth_block.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cassert>

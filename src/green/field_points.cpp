@@ -1,7 +1,7 @@
 #include "green/field_points.hpp"
 
 #include "green/vgrn0.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <utility>

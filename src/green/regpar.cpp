@@ -1,7 +1,7 @@
 #include "green/regpar.hpp"
 
 #include "green/green_block.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <cmath>
 

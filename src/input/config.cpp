@@ -1,7 +1,7 @@
 #include "input/config.hpp"
 
 #include "base/text.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <string_view>
 #include <unistd.h>

@@ -5,7 +5,7 @@
 #include "geometry/dipoles.hpp"
 #include "input/input.hpp"
 #include "input/names.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/platform.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Block size NBLKSZ, size of the last block NBLKLS and number of blocks ISOLVE for NEQN panels, with ISOLVE
 // the wished number. ISOLVE becomes 0 (iterative) for blocks of one panel, 1 (direct) for one block.

@@ -4,7 +4,7 @@
 #include "freesurface/mirror.hpp"
 #include "freesurface/waterline.hpp"
 #include "geometry/dipoles.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <limits>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/text.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 #include <string>
 

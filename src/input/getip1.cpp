@@ -4,7 +4,7 @@
 #include "input/input.hpp"
 #include "input/names.hpp"
 #include "input/pot.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>

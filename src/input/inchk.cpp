@@ -1,5 +1,5 @@
 #include "input/input.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 namespace {
 

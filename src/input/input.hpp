@@ -1,7 +1,7 @@
 // The input stage of a run: reading, echo and cross-checks, in the order in which the driver calls them.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Reads all that the user supplied: configuration, file names, control file, geometry. Fills Options, Files,
 // Bodies, Mesh.XVER, Waterline, Dipoles and Periods (but WVNH). An old result file is removed here.

@@ -1,7 +1,7 @@
 // Names of the input and result files.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 #include <string>
 

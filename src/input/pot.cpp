@@ -1,7 +1,7 @@
 #include "input/pot.hpp"
 
 #include "base/text.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,7 @@
 // The control file of a run.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Reads FILNAM(2): the problems, periods and headings. What the configuration file has set (KFLAG false) is
 // not expected in it. Makes MODE for the modes of one body, PER, WVN0, WVNH, BETA, SINBET and COSBET; lengths

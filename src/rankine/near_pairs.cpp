@@ -1,7 +1,7 @@
 #include "rankine/near_pairs.hpp"
 
 #include "base/simd.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 VORDA_SIMD
 void near_pairs(const PairPoints &points, int a, const PairImages &images, std::uint8_t *mask) {

@@ -1,7 +1,7 @@
 // The period-independent influence matrices.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Mark in a pair code: both panels lie in z = 0.
 constexpr int CODE_SURFACE = 4096;

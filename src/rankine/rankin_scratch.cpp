@@ -2,7 +2,7 @@
 
 #include "rankine/rankin.hpp"
 #include "rankine/rankine_planes.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <new>

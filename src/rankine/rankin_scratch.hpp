@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/record_file.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // As RANKIN, for a run whose matrices are not held in memory: opens the two unnamed scratch files and writes, for each
 // panel A in order, per class and level the records of column (1..A-1) and row (1..A) of the dipole influence, with

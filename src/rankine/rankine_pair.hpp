@@ -3,7 +3,7 @@
 
 #include "geometry/panel.hpp"
 #include "rankine/near_pairs.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 #include <vector>
 

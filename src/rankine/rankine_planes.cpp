@@ -1,7 +1,7 @@
 #include "rankine/rankine_planes.hpp"
 
-#include "run/messages.hpp"
-#include "run/symmetry.hpp"
+#include "state/messages.hpp"
+#include "state/symmetry.hpp"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "results/p2f_writer.hpp"
 
 #include "base/text.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cstdio>

@@ -3,7 +3,7 @@
 
 #include "assembly/thread_state.hpp"
 #include "base/record_file.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // What a call of PERWRT writes: the potentials PHIR if IRAD >= 0 and PHID if IDIFF >= 0; or the
 // sources SRCR and velocities VELR if IRAD >= 0, SRCD and VELD if IDIFF >= 0.

@@ -10,10 +10,10 @@
 #include "rankine/rankin.hpp"
 #include "rankine/rankin_scratch.hpp"
 #include "results/p2f_writer.hpp"
-#include "run/memory_plan.hpp"
-#include "run/messages.hpp"
+#include "state/memory_plan.hpp"
+#include "state/messages.hpp"
 #include "run/period_loop.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 #include "run/wdd_flows.hpp"
 
 #include <memory>

@@ -8,7 +8,7 @@
 #include "boundary/incident_wave.hpp"
 #include "boundary/source_rhs.hpp"
 #include "results/p2f_writer.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 #include "run/progress.hpp"
 #include "run/wdd_chain.hpp"
 #include "solve/solve.hpp"

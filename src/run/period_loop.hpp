@@ -5,7 +5,7 @@
 #include "assembly/thread_state.hpp"
 #include "assembly/wave_row.hpp"
 #include "base/record_file.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Iteration counts of a period, radiation and diffraction; -1 after a direct solution.
 struct PeriodCounts {

@@ -3,7 +3,7 @@
 #include "assembly/wavegr.hpp"
 #include "boundary/bvel.hpp"
 #include "boundary/steady_flow.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 #include "run/period_loop.hpp"
 #include "solve/solve.hpp"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "assembly/scratch_store.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Makes the arrays of run.flow, of zeros. Failed: " RAM too small ".
 [[nodiscard]] Status allocate_flows(RunState &run);

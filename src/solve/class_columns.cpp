@@ -1,7 +1,7 @@
 #include "solve/class_columns.hpp"
 
 #include "base/lapack.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "solve/itrcc.hpp"
 
 #include "base/lapack.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 #include "solve/sweep_kernels.hpp"
 
 #include <algorithm>

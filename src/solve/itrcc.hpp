@@ -2,7 +2,7 @@
 #pragma once
 
 #include "assembly/row_kernels.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 #include <functional>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "solve/scratch_solve.hpp"
 
 #include "assembly/scratch_store.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 #include "solve/class_columns.hpp"
 #include "solve/lu.hpp"
 #include "solve/sweeps.hpp"

@@ -1,6 +1,6 @@
 #include "solve/solve.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 #include "solve/class_columns.hpp"
 #include "solve/lu.hpp"
 #include "solve/scratch_solve.hpp"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "assembly/thread_state.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 // Which right-hand sides a call solves for (the results overwrite them), with which matrix, and what is left
 // behind.

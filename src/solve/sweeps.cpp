@@ -1,6 +1,6 @@
 #include "solve/sweeps.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 #include "solve/sweep_kernels.hpp"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "solve/tank.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 #include "solve/lu.hpp"
 
 namespace {

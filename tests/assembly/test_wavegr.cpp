@@ -6,8 +6,8 @@
 #include "boundary/incident_wave.hpp"
 #include "hull_meshes.hpp"
 #include "rankine/rankin.hpp"
-#include "run/memory_plan.hpp"
-#include "run/symmetry.hpp"
+#include "state/memory_plan.hpp"
+#include "state/symmetry.hpp"
 
 #include <gtest/gtest.h>
 

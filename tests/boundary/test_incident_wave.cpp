@@ -2,7 +2,7 @@
 // central differences.
 #include "boundary/incident_derivatives.hpp"
 #include "boundary/incident_wave.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -6,7 +6,7 @@
 #include "green/field_kernels.hpp"
 #include "green/wdkern.hpp"
 #include "hull_meshes.hpp"
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 #include <algorithm>
 #include <gtest/gtest.h>

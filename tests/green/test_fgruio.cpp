@@ -6,7 +6,7 @@
 #include "green/depth_polynomial.hpp"
 #include "green/fgruio.hpp"
 #include "green_points.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <map>
 #include <random>

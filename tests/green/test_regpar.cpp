@@ -5,7 +5,7 @@
 #include "finite_reference.hpp"
 #include "green/regpar.hpp"
 #include "green_points.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <random>
 

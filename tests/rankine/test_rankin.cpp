@@ -4,8 +4,8 @@
 #include "hull_meshes.hpp"
 #include "list_capture.hpp"
 #include "rankine/rankin.hpp"
-#include "run/memory_plan.hpp"
-#include "run/symmetry.hpp"
+#include "state/memory_plan.hpp"
+#include "state/symmetry.hpp"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "geometry/pregeo.hpp"
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 #include <array>
 #include <cmath>

@@ -1,7 +1,7 @@
 // Catches what a test writes to the list file.
 #pragma once
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <gtest/gtest.h>
 

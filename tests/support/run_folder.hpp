@@ -2,7 +2,7 @@
 // a list file is open in it, and all is removed with it.
 #pragma once
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <gtest/gtest.h>
 

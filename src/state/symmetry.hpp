@@ -1,7 +1,7 @@
 // Images and symmetry classes.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Signs of image g = 1..4 of a point: (x,y), (-x,y), (-x,-y), (x,-y).
 constexpr int SGX[5] = {0, 1, -1, -1, 1};

@@ -1,4 +1,4 @@
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include "base/platform.hpp"
 #include "base/text.hpp"

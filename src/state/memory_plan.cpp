@@ -1,8 +1,8 @@
-#include "run/memory_plan.hpp"
+#include "state/memory_plan.hpp"
 
 #include "base/platform.hpp"
 #include "base/text.hpp"
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // The machine's memory, whether the influence matrices live in it, and how many periods run at a time.
 #pragma once
 
-#include "run/state.hpp"
+#include "state/state.hpp"
 
 // Reports the memory of the machine on the list file and fills AVAILM [bytes]: 0 when the system does not tell.
 void MEMRPT(Memory &memory);

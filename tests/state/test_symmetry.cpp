@@ -1,6 +1,6 @@
 // Truth: the parities themselves. A rigid mode's velocity under a reflection gives its class; the parts of
 // the incident wave that share the parities in the symmetry planes of a class make up that class.
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "run/symmetry.hpp"
+#include "state/symmetry.hpp"
 
-#include "run/messages.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 

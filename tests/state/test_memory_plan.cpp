@@ -1,5 +1,5 @@
 // Truth: the plan's formula worked by hand for chosen memories, and the lines it must leave.
-#include "run/memory_plan.hpp"
+#include "state/memory_plan.hpp"
 
 #include "list_capture.hpp"
 
