@@ -1,7 +1,7 @@
 #include "assembly/class_sums.hpp"
 
 #include "assembly/dipole_row.hpp"
-#include "assembly/lid.hpp"
+#include "geometry/lid.hpp"
 #include "rankine/rankin.hpp"
 #include "state/symmetry.hpp"
 

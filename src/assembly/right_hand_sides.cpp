@@ -1,6 +1,6 @@
 #include "assembly/right_hand_sides.hpp"
 
-#include "assembly/lid.hpp"
+#include "geometry/lid.hpp"
 #include "assembly/scratch_store.hpp"
 #include "state/messages.hpp"
 

@@ -1,7 +1,7 @@
 #include "assembly/wave_row.hpp"
 
 #include "assembly/dipole_row.hpp"
-#include "assembly/lid.hpp"
+#include "geometry/lid.hpp"
 #include "assembly/limit_row.hpp"
 #include "state/symmetry.hpp"
 

@@ -1,6 +1,6 @@
 #include "assembly/wavegr.hpp"
 
-#include "assembly/wavegr_parts.hpp"
+#include "assembly/assemble_row.hpp"
 #include "state/messages.hpp"
 
 #include <algorithm>

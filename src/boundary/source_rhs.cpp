@@ -1,6 +1,6 @@
 #include "boundary/source_rhs.hpp"
 
-#include "assembly/lid.hpp"
+#include "geometry/lid.hpp"
 
 namespace {
 

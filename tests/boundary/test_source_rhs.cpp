@@ -1,6 +1,6 @@
 // The passes between the solutions of a period on a small state with a panel of every kind. Truth: the
 // boundary condition of each kind, written out.
-#include "assembly/lid.hpp"
+#include "geometry/lid.hpp"
 #include "boundary/source_rhs.hpp"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "assembly/lid.hpp"
+#include "geometry/lid.hpp"
 
 bool LIDDMP(const Bodies &bodies, int P, f32 &EPS) {
     EPS = 0;

@@ -1,7 +1,7 @@
 // The rows of a period when the matrices are not in memory: Rankine records come in order from unit 60, finished rows go
 // in order to AMAT and the scratch files. In between the cores share the tiles of a group.
 #include "assembly/scratch_rows.hpp"
-#include "assembly/wavegr_parts.hpp"
+#include "assembly/assemble_row.hpp"
 #include "state/messages.hpp"
 
 #include <algorithm>
