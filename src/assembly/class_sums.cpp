@@ -1,6 +1,7 @@
 #include "assembly/class_sums.hpp"
 
 #include "assembly/dipole_row.hpp"
+#include "assembly/row_kernels.hpp"
 #include "geometry/lid.hpp"
 #include "rankine/rankin.hpp"
 #include "state/symmetry.hpp"
@@ -28,10 +29,11 @@ void sum_images(const Symmetry &sym, int I, int n, int s, const Split &coefficie
 // Normal velocity and velocity: the images' velocities with the reflection of each image and the parity of the class.
 // Of a pair in the free surface the dipole coefficient has the mark of the source panel, the normal velocity that of the
 // field panel.
-void velocity_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &row, ClassWork &w, TileRows &tile) {
+void velocity_sums(const AssemblyFrame &f, const TileRow &at, int s, const WaveRow &row, ClassWork &w) {
+    const int I = at.I;
     const int *const axis_sign[3] = {SGX, SGY, nullptr};
-    const Split EROW = tile.row(a, s, PLANE_E);
-    const Split ECOL = tile.column(a, s, PLANE_E);
+    const Split EROW = at.row(s, PLANE_E);
+    const Split ECOL = at.column(s, PLANE_E);
     add_surface_pairs(I, row.EFR.data(), row.EFC.data(), w.DROW, EROW);
     add_surface_pairs(I - 1, row.EFR.data(), row.EFC.data(), w.DCOL, ECOL);
     for (int c = 0; c < 3; ++c) {
@@ -39,8 +41,8 @@ void velocity_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &r
         sum_images(f.run.sym, I, I - 1, s, row.VPC[c], axis_sign[c], w.VCOL[c]);
         add_signed(I, f.panels.N(I, c + 1), w.VROW[c], EROW);
         add_weighted(I - 1, &f.panels.N(1, c + 1), w.VCOL[c], ECOL);
-        add_signed(I, 1, w.VROW[c], tile.row(a, s, PLANE_V + c));
-        add_signed(I - 1, 1, w.VCOL[c], tile.column(a, s, PLANE_V + c));
+        add_signed(I, 1, w.VROW[c], at.row(s, PLANE_V + c));
+        add_signed(I - 1, 1, w.VCOL[c], at.column(s, PLANE_V + c));
     }
 }
 
@@ -53,26 +55,28 @@ void make_lid_coefficient(const Split &source, const Split &coefficient, int j, 
 
 // Every coefficient whose source panel belongs to a lid becomes the source influence times the lid factor, with 4 pi on
 // the diagonal.
-void lid_rules(const AssemblyFrame &f, int I, int a, int s, const ClassWork &w, TileRows &tile) {
+void lid_rules(const AssemblyFrame &f, const TileRow &at, int s, const ClassWork &w) {
+    const int I = at.I;
     const auto factor = [&](int P) { return lid_factor(f.panels.DAMP(P), f.wave.NUL); };
     const bool own = f.panels.LID(I) == 1;
     for (int J = 1; J <= I; ++J) {
         if (f.panels.LID(J) == 1)
-            make_lid_coefficient(w.SROW, tile.row(a, s), J - 1, factor(J));
+            make_lid_coefficient(w.SROW, at.row(s), J - 1, factor(J));
         if (own && J < I)
-            make_lid_coefficient(w.SCOL, tile.column(a, s), J - 1, factor(I));
+            make_lid_coefficient(w.SCOL, at.column(s), J - 1, factor(I));
     }
     if (own)
-        tile.row(a, s).re[I - 1] += PI4;
+        at.row(s).re[I - 1] += PI4;
 }
 
 // A porous plate at infinite frequency, where its resistance is none: the jump vanishes, and its row of the equations says
 // that. The right-hand sides are 0 there.
-void open_plates(const AssemblyFrame &f, int I, int a, int s, TileRows &tile) {
+void open_plates(const AssemblyFrame &f, const TileRow &at, int s) {
+    const int I = at.I;
     const auto clear_element = [](const Split &line, int j) { line.re[j] = line.im[j] = 0; };
     const bool own = is_porous(f.run.dipoles, I);
-    for (int plane = 0; plane < std::min(tile.planes, 2); ++plane) {
-        const Split row = tile.row(a, s, plane), column = tile.column(a, s, plane);
+    for (int plane = 0; plane < std::min(at.tile.planes, 2); ++plane) {
+        const Split row = at.row(s, plane), column = at.column(s, plane);
         for (int J = 1; J <= I; ++J) {
             if (own)
                 clear_element(row, J - 1);
@@ -103,8 +107,8 @@ bool ClassWork::alloc(int NEQN, bool velocities) {
     return true;
 }
 
-void free_surface_pairs(const AssemblyFrame &f, int I, int a, const int *stored, int *code, WaveRow &row,
-                        TileRows &tile) {
+void free_surface_pairs(const AssemblyFrame &f, const TileRow &at, const int *stored, int *code, WaveRow &row) {
+    const int I = at.I;
     // At the limit frequencies the free-surface condition has no wave part.
     const bool wave = f.wave.IPLIM == 0;
     const f32 mark = f.panels.IFSP(I);
@@ -119,52 +123,52 @@ void free_surface_pairs(const AssemblyFrame &f, int I, int a, const int *stored,
         EFC[j] = surface && wave ? mark : 0.0f;
         any = any || surface;
     }
-    const int planes = std::min(tile.planes, 2); // dipole influence and normal velocity
+    const int planes = std::min(at.tile.planes, 2); // dipole influence and normal velocity
     for (int j = 0; any && j < I; ++j) {
         if (EB[j] != 0)
             continue;
         for (int s = 1; s <= f.run.sym.NSYMR; ++s) {
             for (int plane = 0; plane < planes; ++plane) {
-                f32 &coefficient = tile.row(a, s, plane).re[j];
+                f32 &coefficient = at.row(s, plane).re[j];
                 coefficient *= -f.wave.NUL;
                 if (j + 1 == I)
                     coefficient -= PI4 * f.panels.DIAG(I);
                 else
-                    tile.column(a, s, plane).re[j] *= -f.wave.NUL;
+                    at.column(s, plane).re[j] *= -f.wave.NUL;
             }
         }
     }
 }
 
-void class_sums(const AssemblyFrame &f, int I, int a, int s, const WaveRow &row, ClassWork &w, TileRows &tile,
-                BlockSums &sums) {
+void class_sums(const AssemblyFrame &f, const TileRow &at, int s, const WaveRow &row, ClassWork &w, BlockSums &sums) {
+    const int I = at.I;
     sum_images(f.run.sym, I, I, s, row.DPR, nullptr, w.DROW);
     sum_images(f.run.sym, I, I - 1, s, row.DPC, nullptr, w.DCOL);
     sum_images(f.run.sym, I, I, s, row.SPR, nullptr, w.SROW);
     sum_images(f.run.sym, I, I - 1, s, row.SPC, nullptr, w.SCOL);
-    add_signed(I, 1, w.DROW, tile.row(a, s));
-    add_signed(I - 1, 1, w.DCOL, tile.column(a, s));
+    add_signed(I, 1, w.DROW, at.row(s));
+    add_signed(I - 1, 1, w.DCOL, at.column(s));
     if (is_dipole(f.run.dipoles, I)) {
         const c32 term = porosity_term(f.run.dipoles, f.wave, I);
-        tile.row(a, s).re[I - 1] += term.real();
-        tile.row(a, s).im[I - 1] += term.imag();
+        at.row(s).re[I - 1] += term.real();
+        at.row(s).im[I - 1] += term.imag();
     }
-    if (tile.planes > 1)
-        velocity_sums(f, I, a, s, row, w, tile);
+    if (at.tile.planes > 1)
+        velocity_sums(f, at, s, row, w);
     // The Rankine share of the radiation right-hand sides comes ready-made; diffraction needs the whole source row.
     if (f.weights.radiation)
-        add_radiation(f.run, f.weights, I, s, w.SROW, w.SCOL, sums);
-    if (tile.keep_source) {
-        const f32 *source_row = tile.source_row(a, s), *source_column = tile.source_column(a, s);
+        add_radiation(f.run, f.weights, {I, s, w.SROW, w.SCOL}, sums);
+    if (at.tile.keep_source) {
+        const f32 *source_row = at.tile.source_row(at.a, s), *source_column = at.tile.source_column(at.a, s);
         for (int j = 0; j < I; ++j)
             w.SROW.re[j] += source_row[j];
         for (int j = 0; j < I - 1; ++j)
             w.SCOL.re[j] += source_column[j];
     }
     if (f.run.opt.IBDT3 == 1)
-        lid_rules(f, I, a, s, w, tile);
+        lid_rules(f, at, s, w);
     if (f.run.dipoles.IDIPOL && f.wave.IPLIM == 2)
-        open_plates(f, I, a, s, tile);
+        open_plates(f, at, s);
     if (f.weights.diffraction)
-        add_diffraction(f.run, f.weights, I, s, w.SROW, w.SCOL, sums);
+        add_diffraction(f.run, f.weights, {I, s, w.SROW, w.SCOL}, sums);
 }

@@ -51,12 +51,14 @@ void start_dipole_pairs(const Dipoles &dipoles, const DirectedPairs &pairs, Wave
     });
 }
 
-void add_dipole_points(const Dipoles &dipoles, const PanelArrays &panels, f32 NU, const DirectedPairs &pairs,
-                       std::int64_t point, const f32 *weight, WaveRow &row) {
+void add_dipole_points(const AssemblyFrame &f, const DirectedPairs &pairs, std::int64_t point, const f32 *weight,
+                       WaveRow &row) {
+    const PanelArrays &panels = f.panels;
+    const f32 NU = f.wave.NU;
     const f32 sx = static_cast<f32>(SGX[pairs.image]), sy = static_cast<f32>(SGY[pairs.image]);
     // Unit vectors from field to source.
     const f32 *cosine = (pairs.row ? row.CR : row.CC).data(), *sine = (pairs.row ? row.SR : row.SC).data();
-    each_dipole_pair(dipoles, pairs, [&](int J, std::int64_t e, bool field, bool source) {
+    each_dipole_pair(f.run.dipoles, pairs, [&](int J, std::int64_t e, bool field, bool source) {
         if (!field && !(source && row.velocities))
             return;
         const std::int64_t p = point + J - 1;

@@ -20,8 +20,8 @@ void start_dipole_pairs(const Dipoles &dipoles, const DirectedPairs &pairs, Wave
 
 // Adds the points of which J = 1 stands at `point`, from 0, one for each J, to the pairs that were cleared.
 // weight(J) (column: weight(1) for all) is the area of the source panel that the point stands for.
-void add_dipole_points(const Dipoles &dipoles, const PanelArrays &panels, f32 NU, const DirectedPairs &pairs,
-                       std::int64_t point, const f32 *weight, WaveRow &row);
+void add_dipole_points(const AssemblyFrame &frame, const DirectedPairs &pairs, std::int64_t point, const f32 *weight,
+                       WaveRow &row);
 
 // What a dipole panel adds to its own diagonal: normal velocity through a porous plate per unit jump of
 // potential, times 4 pi.

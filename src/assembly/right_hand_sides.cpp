@@ -63,8 +63,8 @@ bool BlockSums::alloc(int NEQN, const RunState &run) {
     return re.alloc(NEQN, columns) && im.alloc(NEQN, columns);
 }
 
-void add_radiation(const RunState &run, const SourceWeights &weights, int I, int s, ConstSplit SROW, ConstSplit SCOL,
-                   BlockSums &sums) {
+void add_radiation(const RunState &run, const SourceWeights &weights, const SourceRow &row, BlockSums &sums) {
+    const auto &[I, s, SROW, SCOL] = row;
     for (int k = 1; k <= run.sym.NMCLS[s]; ++k) {
         const int column = run.sym.MODPOS(run.sym.MODCLS(k, s));
         const c32 own = weighted_sum(I, &weights.velocity(1, column), SROW);
@@ -74,8 +74,8 @@ void add_radiation(const RunState &run, const SourceWeights &weights, int I, int
     }
 }
 
-void add_diffraction(const RunState &run, const SourceWeights &weights, int I, int s, ConstSplit SROW,
-                     ConstSplit SCOL, BlockSums &sums) {
+void add_diffraction(const RunState &run, const SourceWeights &weights, const SourceRow &row, BlockSums &sums) {
+    const auto &[I, s, SROW, SCOL] = row;
     for (int b = 1; b <= run.periods.NBETAM; ++b) {
         const int column = heading_column(run, b, s);
         const ConstSplit incident(&weights.incident_re(1, b, s), &weights.incident_im(1, b, s));

@@ -2,8 +2,8 @@
 // itself is never kept.
 #pragma once
 
-#include "assembly/row_kernels.hpp"
 #include "assembly/thread_state.hpp"
+#include "base/split.hpp"
 
 // What multiplies the source influence: the normal velocities of the modes by solution column and, with ISCATT=1, minus
 // the incident normal velocity by heading and class, on lids what they take away of the incident wave, zero on panels
@@ -25,12 +25,14 @@ struct BlockSums {
     void clear();
 };
 
-// Add row I of class s: SROW for J = 1..I, SCOL for J = 1..I-1. Radiation takes the wave part of the source
-// influence, diffraction the whole of it.
-void add_radiation(const RunState &run, const SourceWeights &weights, int I, int s, ConstSplit SROW, ConstSplit SCOL,
-                   BlockSums &sums);
-void add_diffraction(const RunState &run, const SourceWeights &weights, int I, int s, ConstSplit SROW,
-                     ConstSplit SCOL, BlockSums &sums);
+// The source influence of row I in class s: SROW for J = 1..I, SCOL for J = 1..I-1.
+struct SourceRow {
+    int I, s;
+    ConstSplit SROW, SCOL;
+};
+// Radiation takes the wave part of the source influence, diffraction the whole of it.
+void add_radiation(const RunState &run, const SourceWeights &weights, const SourceRow &row, BlockSums &sums);
+void add_diffraction(const RunState &run, const SourceWeights &weights, const SourceRow &row, BlockSums &sums);
 // Starts PHIR from the Rankine share, in memory or on unit 61; with ISCATT=1 clears PHID. Failed: the unit cannot be
 // read; the message is out.
 [[nodiscard]] Status start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread);

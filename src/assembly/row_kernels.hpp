@@ -2,19 +2,7 @@
 // real and imaginary arrays.
 #pragma once
 
-#include "base/types.hpp"
-
-// A complex array in split form.
-struct Split {
-    f32 *re = nullptr;
-    f32 *im = nullptr;
-};
-struct ConstSplit {
-    const f32 *re = nullptr;
-    const f32 *im = nullptr;
-    ConstSplit(const f32 *r, const f32 *i) : re(r), im(i) {}
-    ConstSplit(const Split &s) : re(s.re), im(s.im) {}
-};
+#include "base/split.hpp"
 
 // Geometry of one point against many: horizontal distances times NU and the unit vectors of both directions.
 // The point is the fixed one (x, y), imaged with signs sx, sy; the many are (px, py).
@@ -90,14 +78,3 @@ void velocity_accumulate(int n, const VelocityRow &at, f32 area, const Split *V)
 void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V);
 // sum += EFR EFC value, the marks of both panels: what pairs in the free surface take.
 void add_surface_pairs(int n, const f32 *EFR, const f32 *EFC, ConstSplit value, Split sum);
-// sum += weight value, real weights.
-void add_weighted(int n, const f32 *weight, ConstSplit value, Split sum);
-
-// sum += sign value.
-void add_signed(int n, f32 sign, ConstSplit value, Split sum);
-// Real weights against a complex array.
-c32 weighted_sum(int n, const f32 *weight, ConstSplit value);
-// Complex weights against a complex array.
-c32 complex_sum(int n, ConstSplit weight, ConstSplit value);
-// sum += factor value.
-void add_scaled(int n, c32 factor, ConstSplit value, Split sum);

@@ -2,6 +2,7 @@
 // in order to AMAT and the scratch files. In between the cores share the tiles of a group.
 #include "assembly/scratch_rows.hpp"
 #include "assembly/assemble_row.hpp"
+#include "assembly/period_rows.hpp"
 #include "state/messages.hpp"
 
 #include <algorithm>
@@ -124,7 +125,7 @@ Status close_stores(const RunState &run, Stores &stores) {
 
 } // namespace
 
-Status assemble_on_scratch(const AssemblyFrame &f, ThreadState &thread) {
+Status rows_on_scratch(const AssemblyFrame &f, ThreadState &thread) {
     const char *const no_memory = " RAM too small to allocate WAVEGR arrays ";
     const RunState &run = f.run;
     const int n = run.mesh.NEQN;
@@ -160,8 +161,8 @@ Status assemble_on_scratch(const AssemblyFrame &f, ThreadState &thread) {
         for (int k = 0; k < count; ++k) {
             ScratchTile &tile = tiles[static_cast<std::size_t>(k)];
             for (int I = tile.first; good && I <= tile.last; ++I)
-                good = !failed(assemble_row(f, thread.gstate, I, I - tile.first, &tile.stored(1, I - tile.first + 1),
-                                            work[static_cast<std::size_t>(k)], tile.rows, tile.sums));
+                good = !failed(assemble_row(f, {I, I - tile.first, tile.rows}, &tile.stored(1, I - tile.first + 1),
+                                            work[static_cast<std::size_t>(k)], tile.sums));
         }
         if (!good)
             status = Status::failed;

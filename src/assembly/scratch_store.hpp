@@ -2,9 +2,9 @@
 // position each, used by one thread. Complex numbers are pairs of f32.
 #pragma once
 
-#include "assembly/row_kernels.hpp"
 #include "base/array.hpp"
 #include "base/record_file.hpp"
+#include "base/split.hpp"
 #include "state/state.hpp"
 
 // Eight named units, counted from 1. The file of a unit is "SCRATCH" and the one character with the unit's

@@ -2,7 +2,6 @@
 // matrices of the period.
 #pragma once
 
-#include "assembly/row_kernels.hpp"
 #include "assembly/thread_state.hpp"
 #include "assembly/tiles.hpp"
 
@@ -29,6 +28,14 @@ private:
     }
     Array<f32, 4> values_; // (NEQN, real or imaginary, rows then columns, plane and class)
     Array<f32, 3> source_; // (NEQN, rows then columns, NSYMR)
+};
+
+// Row I at work, row a of its tile.
+struct TileRow {
+    int I, a;
+    TileRows &tile;
+    Split row(int s, int plane = PLANE_D) const { return tile.row(a, s, plane); }
+    Split column(int s, int plane = PLANE_D) const { return tile.column(a, s, plane); }
 };
 
 // Starts the rows first..last from the store in memory: the plane of the logarithm counts NUL times.

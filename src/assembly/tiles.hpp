@@ -2,7 +2,7 @@
 // that every touch of the matrix is a run of TILE elements.
 #pragma once
 
-#include "assembly/row_kernels.hpp"
+#include "base/split.hpp"
 
 #include <cstdint>
 

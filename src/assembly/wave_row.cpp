@@ -1,8 +1,8 @@
 #include "assembly/wave_row.hpp"
 
 #include "assembly/dipole_row.hpp"
-#include "geometry/lid.hpp"
 #include "assembly/limit_row.hpp"
+#include "assembly/row_kernels.hpp"
 #include "state/symmetry.hpp"
 
 #include <cmath>
@@ -55,7 +55,7 @@ void clear_points(int count, WaveRow &row) {
         std::fill_n(&row.green(1, column), count, 0.0f);
 }
 
-void evaluate(int count, const PeriodWave &wave, const GSTATE &gstate, WaveRow &row) {
+void evaluate(const AssemblyFrame &f, int count, WaveRow &row) {
     if (row.tank)
         return clear_points(count, row);
     const GreenPoints points{count, row.RR.data(), row.ZS.data(), row.ZF.data(), row.ISNG.data(), row.IBOT.data()};
@@ -64,10 +64,10 @@ void evaluate(int count, const PeriodWave &wave, const GSTATE &gstate, WaveRow &
         values.re[VALUES[v]] = &row.green(1, 2 * v + 1);
         values.im[VALUES[v]] = &row.green(1, 2 * v + 2);
     }
-    if (wave.IPLIM == 0)
-        VGRN98(points, wave.HNU, gstate, row.second ? GreenOrder::second : GreenOrder::first, row.work, values);
+    if (f.wave.IPLIM == 0)
+        VGRN98(points, f.wave.HNU, f.gstate, row.second ? GreenOrder::second : GreenOrder::first, row.work, values);
     else
-        limit_green(count, wave, row, values);
+        limit_green(count, f.wave, row, values);
 }
 
 FixedPoint fixed_point(const PanelArrays &panels, int I, int image, f32 NU) {
@@ -78,8 +78,10 @@ OneSource one_source(const PanelArrays &panels, int I, f32 area) {
     return {panels.N(I, 1), panels.N(I, 2), panels.N(I, 3), area};
 }
 
-void centroid_path(const Symmetry &sym, const Dipoles &dipoles, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I,
-                   const int *code, WaveRow &row) {
+void centroid_path(const AssemblyFrame &f, int I, const int *code, WaveRow &row) {
+    const Symmetry &sym = f.run.sym;
+    const PanelArrays &panels = f.panels;
+    const PeriodWave &wave = f.wave;
     for (int m = 0; m < sym.NSYMG; ++m) {
         const std::int64_t o = static_cast<std::int64_t>(m) * I;
         decode_pairs(I, 3 * m, code, row.ISNG.data() + o, row.IBOT.data() + o);
@@ -89,7 +91,7 @@ void centroid_path(const Symmetry &sym, const Dipoles &dipoles, const PanelArray
         scale_to(I, -wave.NU, &panels.X(1, 3), row.ZS.data() + o);
         std::fill_n(row.ZF.data() + o, I, -wave.NU * panels.X(I, 3));
     }
-    evaluate(sym.NSYMG * I, wave, gstate, row);
+    evaluate(f, sym.NSYMG * I, row);
     for (int m = 0; m < sym.NSYMG; ++m) {
         const std::int64_t o = static_cast<std::int64_t>(m) * I;
         const int *ISNG = row.ISNG.data() + o;
@@ -111,29 +113,30 @@ void centroid_path(const Symmetry &sym, const Dipoles &dipoles, const PanelArray
             velocity_accumulate(I - 1, velocity_row(row, GZ, o, row.CC, row.SC), panels.A(I), at_column.component);
             velocity_finish(I - 1, wave.NU, row.EB.data(), at_column.component);
         }
-        if (!dipoles.IDIPOL)
+        if (!f.run.dipoles.IDIPOL)
             continue;
         for (const bool at_row : {true, false}) {
             const DirectedPairs pairs{I, sym.ISYMG[m + 1], at_row, at_row ? 0 : 1, o};
-            start_dipole_pairs(dipoles, pairs, row);
-            add_dipole_points(dipoles, panels, wave.NU, pairs, o, at_row ? panels.A.data() : &panels.A(I), row);
+            start_dipole_pairs(f.run.dipoles, pairs, row);
+            add_dipole_points(f, pairs, o, at_row ? panels.A.data() : &panels.A(I), row);
         }
     }
 }
 
 // The pairs with dipole panels of one image, all four Gauss points. In both passes z is the depth of the source.
-void gauss_dipoles(const Dipoles &dipoles, const PanelArrays &panels, f32 NU, const DirectedPairs &pairs, WaveRow &row) {
-    if (!dipoles.IDIPOL)
+void gauss_dipoles(const AssemblyFrame &f, const DirectedPairs &pairs, WaveRow &row) {
+    if (!f.run.dipoles.IDIPOL)
         return;
-    start_dipole_pairs(dipoles, pairs, row);
+    start_dipole_pairs(f.run.dipoles, pairs, row);
     for (int q = 0; q < 4; ++q)
-        add_dipole_points(dipoles, panels, NU, pairs, static_cast<std::int64_t>(q) * pairs.I,
-                          &panels.GW(pairs.row ? 1 : pairs.I, q + 1), row);
+        add_dipole_points(f, pairs, static_cast<std::int64_t>(q) * pairs.I,
+                          &f.panels.GW(pairs.row ? 1 : pairs.I, q + 1), row);
 }
 
 // Points of one image on the Gauss path stand in four blocks of length I, one for each Gauss point.
-void gauss_row_pass(const Dipoles &dipoles, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
-                    const DirectedPairs &pairs, WaveRow &row) {
+void gauss_row_pass(const AssemblyFrame &f, const DirectedPairs &pairs, WaveRow &row) {
+    const PanelArrays &panels = f.panels;
+    const PeriodWave &wave = f.wave;
     const int I = pairs.I, image = pairs.image;
     const std::int64_t o = pairs.entry;
     for (int q = 0; q < 4; ++q) {
@@ -144,7 +147,7 @@ void gauss_row_pass(const Dipoles &dipoles, const PanelArrays &panels, const Per
         scale_to(I, -wave.NU, &panels.XG(1, 3, q + 1), row.ZS.data() + p);
         std::fill_n(row.ZF.data() + p, I, -wave.NU * panels.X(I, 3));
     }
-    evaluate(4 * I, wave, gstate, row);
+    evaluate(f, 4 * I, row);
     const Split S = shifted(row.SPR, o);
     const Split D = shifted(row.DPR, o);
     SourceArea sources{&panels.N(1, 1), &panels.N(1, 2), &panels.N(1, 3), nullptr, nullptr, nullptr,
@@ -166,11 +169,12 @@ void gauss_row_pass(const Dipoles &dipoles, const PanelArrays &panels, const Per
     }
     sources.area = panels.A.data();
     gauss_finish(I, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), sources, wave.NU, S, D);
-    gauss_dipoles(dipoles, panels, wave.NU, pairs, row);
+    gauss_dipoles(f, pairs, row);
 }
 
-void gauss_column_pass(const Dipoles &dipoles, const PanelArrays &panels, const PeriodWave &wave,
-                       const GSTATE &gstate, const DirectedPairs &pairs, WaveRow &row) {
+void gauss_column_pass(const AssemblyFrame &f, const DirectedPairs &pairs, WaveRow &row) {
+    const PanelArrays &panels = f.panels;
+    const PeriodWave &wave = f.wave;
     const int I = pairs.I, image = pairs.image, n = I - 1;
     const std::int64_t o = pairs.entry;
     for (int q = 0; q < 4; ++q) {
@@ -184,7 +188,7 @@ void gauss_column_pass(const Dipoles &dipoles, const PanelArrays &panels, const 
         std::fill_n(row.ZS.data() + p, I, -wave.NU * panels.XG(I, 3, q + 1));
         scale_to(I, -wave.NU, &panels.X(1, 3), row.ZF.data() + p);
     }
-    evaluate(4 * I, wave, gstate, row);
+    evaluate(f, 4 * I, row);
     const Split S = shifted(row.SPC, o);
     const Split D = shifted(row.DPC, o);
     SourceArea column{nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, row.EB.data(), row.EFC.data()};
@@ -205,11 +209,11 @@ void gauss_column_pass(const Dipoles &dipoles, const PanelArrays &panels, const 
     }
     gauss_finish(n, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), column, one_source(panels, I, panels.A(I)),
                  wave.NU, S, D);
-    gauss_dipoles(dipoles, panels, wave.NU, pairs, row);
+    gauss_dipoles(f, pairs, row);
 }
 
-void gauss_path(const Symmetry &sym, const Dipoles &dipoles, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate, int I,
-                const int *code, WaveRow &row) {
+void gauss_path(const AssemblyFrame &f, int I, const int *code, WaveRow &row) {
+    const Symmetry &sym = f.run.sym;
     for (int m = 0; m < sym.NSYMG; ++m) {
         const std::int64_t o = static_cast<std::int64_t>(m) * I;
         for (const Split &s : {row.SPR, row.DPR, row.SPC, row.DPC}) {
@@ -219,57 +223,13 @@ void gauss_path(const Symmetry &sym, const Dipoles &dipoles, const PanelArrays &
         for (int q = 0; q < 4; ++q)
             decode_pairs(I, 3 * m, code, row.ISNG.data() + q * I, row.IBOT.data() + q * I);
         const int image = sym.ISYMG[m + 1];
-        gauss_row_pass(dipoles, panels, wave, gstate, {I, image, true, 0, o}, row);
+        gauss_row_pass(f, {I, image, true, 0, o}, row);
         if (I > 1)
-            gauss_column_pass(dipoles, panels, wave, gstate, {I, image, false, 0, o}, row);
+            gauss_column_pass(f, {I, image, false, 0, o}, row);
     }
 }
 
 } // namespace
-
-PeriodWave frequency_variables(f32 W, f32 HBOT, f32 F) {
-    PeriodWave wave;
-    wave.W = W;
-    wave.F = F;
-    wave.IPLIM = limit_of(W);
-    if (wave.IPLIM == 0) {
-        wave.NU = W;
-        wave.NUL = W;
-        wave.LOGT = -std::log(W * W);
-    }
-    wave.HNU = wave.NU * HBOT;
-    return wave;
-}
-
-bool PanelArrays::make(const RunState &run) {
-    const Mesh &mesh = run.mesh;
-    const int n = mesh.NEQN;
-    const bool gauss = run.opt.IQUAD == 1;
-    const bool lids = run.opt.IBDT3 == 1;
-    if (lids && (!LID.alloc(n) || !DAMP.alloc(n)))
-        return false;
-    for (int i = 1; lids && i <= n; ++i)
-        LID(i) = LIDDMP(run.bodies, i, DAMP(i)) ? 1 : 0;
-    if (!X.alloc(n, 3) || !N.alloc(n, 3) || !A.alloc(n) || !IFSP.alloc(n) || !DIAG.alloc(n))
-        return false;
-    if (gauss && (!XG.alloc(n, 3, 4) || !GW.alloc(n, 4)))
-        return false;
-    for (int i = 1; i <= n; ++i) {
-        for (int c = 1; c <= 3; ++c) {
-            X(i, c) = mesh.XCT(c, i);
-            N(i, c) = mesh.TRM(3, c, i);
-            for (int q = 1; gauss && q <= 4; ++q)
-                XG(i, c, q) = mesh.XGP(q, c, i);
-        }
-        for (int q = 1; gauss && q <= 4; ++q)
-            GW(i, q) = mesh.GJAC(q, i);
-        A(i) = mesh.PMOM(1, i);
-        IFSP(i) = static_cast<f32>(mesh.IFSP(i));
-        const bool overhang = mesh.IFSP(i) == -1 && mesh.projected(i) != 0;
-        DIAG(i) = overhang ? 1 : IFSP(i);
-    }
-    return true;
-}
 
 bool WaveRow::alloc(int NEQN, int NSYMG, const Options &opt, bool dipoles) {
     const int points = opt.IQUAD == 1 ? 4 * NEQN : NSYMG * NEQN;
@@ -300,11 +260,7 @@ void WaveRow::record(std::int64_t p, f32 (&values)[16]) const {
     }
 }
 
-Status wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
-                         int I, const int *code, WaveRow &row) {
-    if (run.opt.IQUAD == 1)
-        gauss_path(run.sym, run.dipoles, panels, wave, gstate, I, code, row);
-    else
-        centroid_path(run.sym, run.dipoles, panels, wave, gstate, I, code, row);
-    return wave.IPLIM == 2 ? infinite_frequency_images(run, I, code, row) : Status::ok;
+Status wave_coefficients(const AssemblyFrame &f, int I, const int *code, WaveRow &row) {
+    (f.run.opt.IQUAD == 1 ? gauss_path : centroid_path)(f, I, code, row);
+    return f.wave.IPLIM == 2 ? infinite_frequency_images(f.run, I, code, row) : Status::ok;
 }

@@ -2,36 +2,8 @@
 // directions, from one batched call of the Green function (from two on the Gauss path).
 #pragma once
 
-#include "assembly/row_kernels.hpp"
+#include "assembly/assembly_frame.hpp"
 #include "green/vgrn98.hpp"
-#include "state/state.hpp"
-
-// What depends on the frequency of a period alone.
-struct PeriodWave {
-    f32 W = 0;     // WVN0: deep-water wave number, or the mark of a limit frequency
-    f32 F = 1;     // depth factor WVNH / WVN0
-    int IPLIM = 0; // 0 a wave, 1 zero frequency, 2 infinite frequency
-    f32 NU = 1;    // scale of all lengths in the wave term
-    f32 NUL = 0;   // factor of the logarithmic plane of the Rankine store
-    f32 HNU = 0;   // depth argument of the Green function
-    f32 LOGT = 0;  // -ln(NU^2): what the scaling of the logarithm leaves behind
-};
-PeriodWave frequency_variables(f32 W, f32 HBOT, f32 F);
-
-// Panel data of the assembly, one contiguous array per quantity; XG and GW have a column per Gauss point.
-struct PanelArrays {
-    Array<f32, 2> X;    // centroid (NEQN,3)
-    Array<f32, 2> N;    // normal (NEQN,3)
-    Array<f32, 1> A;    // area (NEQN)
-    Array<f32, 3> XG;   // Gauss points (NEQN,3,4), only on the Gauss path
-    Array<f32, 2> GW;   // their weights (NEQN,4)
-    Array<f32, 1> IFSP; // free-surface mark (NEQN)
-    Array<f32, 1> DIAG; // what the diagonal of a panel in the free surface has of -4 pi: its mark, but 1 for the image of
-                        // an overhang (NEQN)
-    Array<int, 1> LID;  // 1: panel of a lid body; only with such a body (NEQN)
-    Array<f32, 1> DAMP; // its damping FSDMP (NEQN)
-    [[nodiscard]] bool make(const RunState &run);
-};
 
 // Work of one assembling thread, and the results of a row: entry e = m I + J - 1, from 0, for image position m from
 // 0 and panel J of row I.
@@ -58,5 +30,4 @@ struct WaveRow {
 // that of a dipole.
 // Forms SPR, DPR, with ISOR=1 VPR (J = 1..I), and SPC, DPC, VPC (J = 1..I-1) for all images. `code` holds the pair codes ICODE(1..I)
 // without the free-surface mark; EB, EFR, EFC are set. Failed: an image has no value at infinite frequency.
-[[nodiscard]] Status wave_coefficients(const RunState &run, const PanelArrays &panels, const PeriodWave &wave, const GSTATE &gstate,
-                       int I, const int *code, WaveRow &row);
+[[nodiscard]] Status wave_coefficients(const AssemblyFrame &frame, int I, const int *code, WaveRow &row);

@@ -1,95 +1,7 @@
 #include "assembly/wavegr.hpp"
 
-#include "assembly/assemble_row.hpp"
+#include "assembly/period_rows.hpp"
 #include "state/messages.hpp"
-
-#include <algorithm>
-#include <vector>
-
-namespace {
-
-constexpr std::int64_t SUMS_LIMIT = 64ll << 20; // bytes that all BlockSums of a call may take
-
-// Rows first..last, at most TILE of them, in memory.
-Status assemble_tile(const AssemblyFrame &f, int first, int last, RowWork &work, TileRows &tile, BlockSums &sums,
-                     ThreadState &thread) {
-    start_rows(f.run, f.wave.NUL, first, last, tile);
-    for (int I = first; I <= last; ++I) {
-        start_column(f.run, f.wave.NUL, I, I - first, tile);
-        if (failed(assemble_row(f, thread.gstate, I, I - first, &f.run.store.ICODM(1, I), work, tile, sums)))
-            return Status::failed;
-        store_column_of(f.run.sym.NSYMR, I, I - first, tile, thread);
-    }
-    store_rows(f.run.sym.NSYMR, first, last, tile, thread);
-    return Status::ok;
-}
-
-// Rows of a block: as many as keep the sums of all blocks within their limit.
-int block_rows(const RunState &run) {
-    const std::int64_t n = run.mesh.NEQN;
-    const std::int64_t headings = run.opt.ISCATT == 1 ? run.periods.NBETAM * run.sym.NSYMR : 0;
-    const std::int64_t bytes = std::max<std::int64_t>(1, 8 * n * (run.sym.NSYMD + headings));
-    const std::int64_t blocks = std::clamp<std::int64_t>(SUMS_LIMIT / bytes, 4, 64);
-    const std::int64_t rows = (n + blocks - 1) / blocks;
-    return static_cast<int>((rows + TILE - 1) / TILE * TILE);
-}
-
-// The rows of a call, block by block. Failed: memory is refused, or a row has no value.
-Status assemble_rows(const AssemblyFrame &f, ThreadState &thread) {
-    const char *const no_memory = " RAM too small to allocate WAVEGR arrays ";
-    const int n = f.run.mesh.NEQN;
-    const int rows = block_rows(f.run);
-    const int blocks = (n + rows - 1) / rows;
-    std::vector<BlockSums> sums(static_cast<std::size_t>(blocks));
-    for (BlockSums &block : sums) {
-        if (!block.alloc(n, f.run))
-            return MSGOUT(no_memory);
-    }
-    bool memory = true;
-    bool values = true;
-#pragma omp parallel
-    {
-        RowWork work;
-        TileRows tile;
-        const bool made = work.alloc(f.run) && tile.alloc(n, f.run.sym.NSYMR, f.run.opt, false);
-#pragma omp critical(wavegr_memory)
-        memory = memory && made;
-#pragma omp barrier
-        // The last blocks have the longest rows: first, so that the cores end together.
-#pragma omp for schedule(dynamic, 1) reduction(&& : values)
-        for (int k = 0; k < blocks; ++k) {
-            const int b = blocks - 1 - k;
-            const int end = std::min(n, (b + 1) * rows);
-            for (int first = b * rows + 1; memory && values && first <= end; first += TILE)
-                values = !failed(assemble_tile(f, first, std::min(first + TILE - 1, end), work, tile,
-                                               sums[static_cast<std::size_t>(b)], thread));
-        }
-    }
-    if (!memory)
-        return MSGOUT(no_memory);
-    if (!values)
-        return Status::failed;
-    for (int b = 0; b < blocks; ++b)
-        add_block(f.run, f.weights, sums[static_cast<std::size_t>(b)], std::min(n, (b + 1) * rows), thread);
-    return Status::ok;
-}
-
-} // namespace
-
-bool RowWork::alloc(const RunState &run) {
-    const int n = run.mesh.NEQN;
-    return row.alloc(n, run.sym.NSYMG, run.opt, run.dipoles.IDIPOL) && sums.alloc(n, run.opt.ISOR == 1) && code.alloc(n);
-}
-
-Status assemble_row(const AssemblyFrame &f, const GSTATE &gstate, int I, int a, const int *stored, RowWork &work,
-                    TileRows &tile, BlockSums &sums) {
-    free_surface_pairs(f, I, a, stored, work.code.data(), work.row, tile);
-    if (failed(wave_coefficients(f.run, f.panels, f.wave, gstate, I, work.code.data(), work.row)))
-        return Status::failed;
-    for (int s = 1; s <= f.run.sym.NSYMR; ++s)
-        class_sums(f, I, a, s, work.row, work.sums, tile, sums);
-    return Status::ok;
-}
 
 Status WAVEGR(const RunState &run, const PeriodWave &wave, ThreadState &thread) {
     PanelArrays panels;
@@ -100,8 +12,8 @@ Status WAVEGR(const RunState &run, const PeriodWave &wave, ThreadState &thread) 
         return Status::failed;
     if (run.dipoles.IDIPOL)
         add_dipole_rows(run, thread);
-    const AssemblyFrame frame{run, wave, panels, weights};
-    if (failed(run.memory.INCORE ? assemble_rows(frame, thread) : assemble_on_scratch(frame, thread)))
+    const AssemblyFrame frame{run, wave, panels, weights, thread.gstate};
+    if (failed(run.memory.INCORE ? rows_in_core(frame, thread) : rows_on_scratch(frame, thread)))
         return Status::failed;
     if (run.dipoles.IDIPOL && wave.IPLIM == 2)
         clear_open_plates(run, thread);

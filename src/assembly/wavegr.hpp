@@ -1,8 +1,8 @@
 // The system of one period: Rankine store plus wave terms, folded into the symmetry classes.
 #pragma once
 
+#include "assembly/period_wave.hpp"
 #include "assembly/thread_state.hpp"
-#include "assembly/wave_row.hpp"
 
 // Fills thread.ACORE (on scratch: thread.AMAT and the files of thread.scratch) with the dipole influence of every class, 2 pi on the diagonal included, thread.PHIR with the
 // radiation right-hand sides (IRAD >= 0) and, with ISCATT=1, thread.PHID with those of diffraction from the incident

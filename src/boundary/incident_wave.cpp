@@ -29,6 +29,18 @@ void PLNWAV(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], 
     }
 }
 
+void PLNWFS(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], c32 (&P)[5], c32 (&PB)[5]) {
+    WaveComponents wave;
+    PLNWAV(HBOT, K, sin_beta, cos_beta, point, false, wave);
+    std::copy_n(wave.C + 1, 4, P + 1);
+    // The heading turns a component into its neighbours of other parity in x (by u) and in y (by v).
+    const c32 u(0, K * point[0] * sin_beta), v(0, K * point[1] * cos_beta);
+    PB[1] = u * P[2] - v * P[4];
+    PB[2] = u * P[1] - v * P[3];
+    PB[3] = u * P[4] - v * P[2];
+    PB[4] = u * P[3] - v * P[1];
+}
+
 void INCWAV(const RunState &run, f32 K, ThreadState &thread) {
     const Options &opt = run.opt;
     const Symmetry &sym = run.sym;

@@ -12,6 +12,10 @@ struct WaveComponents {
 };
 void PLNWAV(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], bool gradient, WaveComponents &wave);
 
+// Parity components P of the incident wave at a point and their derivatives PB by the heading, components
+// from 1 as in WaveComponents.
+void PLNWFS(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], c32 (&P)[5], c32 (&PB)[5]);
+
 // Fills PHID, PHI0 and SRCD of the thread for wave number K on all panels, headings and classes. All stay zero
 // for K <= 1e-6, where there is no incident wave.
 void INCWAV(const RunState &run, f32 K, ThreadState &thread);

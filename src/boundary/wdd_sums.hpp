@@ -4,7 +4,7 @@
 #pragma once
 
 #include "assembly/thread_state.hpp"
-#include "assembly/wave_row.hpp"
+#include "assembly/period_wave.hpp"
 
 // The first-order solutions on the free surface: FSR1 to FSR3, FSD1 to FSD5 of thread.second. The incident
 // wave is always there, radiation is added for IRAD >= 0, diffraction for IDIFF = 1. Read: PHIR, PHID, SRCR,
@@ -15,7 +15,3 @@
 // incident wave, the sums over the body are added. Read: PHIR, PHID, PHID2, FSR1, FSD1 and the steady flows.
 // Failed: as above, or the regular part of the kernel has no value.
 [[nodiscard]] Status WDDRHS(const RunState &run, const PeriodWave &wave, ThreadState &thread);
-
-// Parity components P of the incident wave at a point and their derivatives PB by the heading, components
-// from 1 as in WaveComponents.
-void PLNWFS(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], c32 (&P)[5], c32 (&PB)[5]);

@@ -114,18 +114,6 @@ Status strip_potentials(const SurfaceFrame &f, FieldStrip strip, SurfaceWork &wo
 
 } // namespace
 
-void PLNWFS(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], c32 (&P)[5], c32 (&PB)[5]) {
-    WaveComponents wave;
-    PLNWAV(HBOT, K, sin_beta, cos_beta, point, false, wave);
-    std::copy_n(wave.C + 1, 4, P + 1);
-    // The heading turns a component into its neighbours of other parity in x (by u) and in y (by v).
-    const c32 u(0, K * point[0] * sin_beta), v(0, K * point[1] * cos_beta);
-    PB[1] = u * P[2] - v * P[4];
-    PB[2] = u * P[1] - v * P[3];
-    PB[3] = u * P[4] - v * P[2];
-    PB[4] = u * P[3] - v * P[1];
-}
-
 Status WDDFS(const RunState &run, const PeriodWave &wave, ThreadState &thread) {
     const int NFSP = run.surface.NFSP;
     if (NFSP < 1)

@@ -14,33 +14,61 @@ f32 dot(const f32 *a, const f32 *b) {
     return a[1] * b[1] + a[2] * b[2] + a[3] * b[3];
 }
 
-// One evaluation: field point P with field normal N on panel F (which decides by its kind), source panel G.
-struct Term {
-    int F, G;
-    const f32 *P, *N;
-    int logarithm, gradient;
-    bool image; // the free-surface image
+// Where a term of a pair has its field point: the panel itself, or its image in the free surface or in the bottom.
+enum class At { panel, free_surface, bottom };
+
+// The sum of the terms of one pair, field panel F and source panel G.
+class PairSum {
+  public:
+    PairSum(const RankineInput &in, int F, int G, int gradient, RankineTerms &t)
+        : in_(in), F_(F), G_(G), gradient_(gradient), t_(t) {}
+
+    // Adds the term of field point P with field normal N; in the free surface with that of the logarithm. False: an
+    // integral has no value.
+    bool add(At at, const f32 *P, const f32 *N) {
+        const int logarithm = at == At::free_surface ? in_.opt.ILOG : 0;
+        FieldIntegrals f;
+        if (!evaluate(at, P, N, logarithm, f))
+            return false;
+        // The image in a horizontal plane turns the vertical.
+        const f32 vertical = at == At::panel ? 1.0f : -1.0f;
+        t_.D[0] += f.D;
+        t_.S[0] += f.S;
+        if (logarithm == 1) {
+            t_.D[1] = -2 * f.LZ;
+            t_.S[1] = -2 * f.L;
+        }
+        if (gradient_ == 0)
+            return true;
+        const bool dipole = in_.dipole(G_);
+        add_gradient(0, 1, vertical, dipole ? f.GD : f.GS, N);
+        if (logarithm == 1)
+            add_gradient(1, -2, vertical, dipole ? f.GLZ : f.GL, N);
+        return true;
+    }
+
+  private:
+    // By the kinds of the panels.
+    bool evaluate(At at, const f32 *P, const f32 *N, int logarithm, FieldIntegrals &f) const {
+        const Panel &source = in_.panel(G_);
+        if (in_.dipole(F_))
+            return PANDNF(P, N, in_.dipoles.DEPS(F_), source, logarithm, f) != 1;
+        if (at == At::free_surface && in_.opt.ILOG != 0 && in_.dipole(G_))
+            return PANDPS(P, in_.dipoles.DEPS(G_), source, logarithm, gradient_, f) != 1;
+        return PANFLD(P, source, logarithm, gradient_, f) != 1;
+    }
+    void add_gradient(int level, f32 factor, f32 vertical, const f32 *g, const f32 *N) {
+        t_.V[level][1] += factor * g[1];
+        t_.V[level][2] += factor * g[2];
+        t_.V[level][3] += factor * vertical * g[3];
+        t_.N[level] += factor * dot(N, g);
+    }
+
+    const RankineInput &in_;
+    int F_, G_;
+    int gradient_;
+    RankineTerms &t_;
 };
-
-bool evaluate(const RankineInput &in, const Term &t, FieldIntegrals &out) {
-    const Panel &source = in.panel(t.G);
-    int status;
-    if (in.dipole(t.F))
-        status = PANDNF(t.P, t.N, in.dipoles.DEPS(t.F), source, t.logarithm, out);
-    else if (t.image && in.opt.ILOG != 0 && in.dipole(t.G))
-        status = PANDPS(t.P, in.dipoles.DEPS(t.G), source, t.logarithm, t.gradient, out);
-    else
-        status = PANFLD(t.P, source, t.logarithm, t.gradient, out);
-    return status != 1;
-}
-
-// Adds the gradient g of a term at an image of the field panel in a horizontal plane: the image turns the
-// vertical.
-void add_reflected(f32 factor, const f32 *g, f32 *V) {
-    V[1] += factor * g[1];
-    V[2] += factor * g[2];
-    V[3] -= factor * g[3];
-}
 
 } // namespace
 
@@ -83,7 +111,6 @@ bool rankine_pair(const RankineInput &in, int F, int G, int p, bool surface, Ran
     const Options &opt = in.opt;
     const Panel &field = in.panel(F);
     const Panel &source = in.panel(G);
-    const int gradient = surface ? 0 : opt.ISOR;
     const f32 sx = in.images.sx[p - 1], sy = in.images.sy[p - 1];
     f32 P[4] = {0, sx * field.XCT[1], sy * field.XCT[2], field.XCT[3]};
     f32 N[4] = {0, sx * field.TRM[3][1], sy * field.TRM[3][2], field.TRM[3][3]};
@@ -91,69 +118,34 @@ bool rankine_pair(const RankineInput &in, int F, int G, int p, bool surface, Ran
     const f32 dh2 = dx * dx + dy * dy;
     const f32 sum = field.XCT[3] + source.XCT[3];
     const f32 near2 = RKNEAR * std::max(field.region2, source.region2);
-    const bool dipole_source = in.dipole(G);
 
     t = RankineTerms{};
     if (F == G && p == 1 && !in.dipole(F))
         for (int c = 1; c <= 3; ++c)
             t.V[0][c] = PI2 * field.TRM[3][c];
 
-    FieldIntegrals f;
-    if (!evaluate(in, {F, G, P, N, 0, gradient, false}, f))
+    PairSum terms(in, F, G, surface ? 0 : opt.ISOR, t);
+    if (!terms.add(At::panel, P, N))
         return false;
-    t.D[0] = f.D;
-    t.S[0] = f.S;
-    t.digit = 1;
-    if (gradient != 0) {
-        const f32 *g = dipole_source ? f.GD : f.GS;
-        for (int c = 1; c <= 3; ++c)
-            t.V[0][c] += g[c];
-        t.N[0] += dot(N, g);
-    }
-
-    if (in.tank()) {
-        t.digit = 0;
+    if (in.tank())
         return true;
-    }
+    t.digit = 1;
 
     N[3] = -N[3]; // of both images in horizontal planes
     if (dh2 + sum * sum < near2) {
         P[3] = -field.XCT[3];
-        if (!evaluate(in, {F, G, P, N, opt.ILOG, gradient, true}, f))
+        if (!terms.add(At::free_surface, P, N))
             return false;
-        t.D[0] += f.D;
-        t.S[0] += f.S;
         t.digit = opt.ILOG + 2;
-        if (opt.ILOG == 1) {
-            t.D[1] = -2 * f.LZ;
-            t.S[1] = -2 * f.L;
-        }
-        if (gradient != 0) {
-            const f32 *g = dipole_source ? f.GD : f.GS;
-            add_reflected(1, g, t.V[0]);
-            t.N[0] += dot(N, g);
-            if (opt.ILOG == 1) {
-                const f32 *gl = dipole_source ? f.GLZ : f.GL;
-                add_reflected(-2, gl, t.V[1]);
-                t.N[1] = -2 * dot(N, gl);
-            }
-        }
     }
 
     const f32 depth2 = 2 * opt.HBOT;
     const f32 below = depth2 + sum;
     if (opt.HBOT > 0 && dh2 + below * below <= near2) {
         P[3] = -(depth2 + field.XCT[3]);
-        if (!evaluate(in, {F, G, P, N, 0, gradient, false}, f))
+        if (!terms.add(At::bottom, P, N))
             return false;
-        t.D[0] += f.D;
-        t.S[0] += f.S;
         t.digit += 4;
-        if (gradient != 0) {
-            const f32 *g = dipole_source ? f.GD : f.GS;
-            add_reflected(1, g, t.V[0]);
-            t.N[0] += dot(N, g);
-        }
     }
     return true;
 }

@@ -102,15 +102,6 @@ Status write_period(const Options &opt, ThreadState &thread, RecordFile &RESSCR)
 
 } // namespace
 
-Status depth_state(f32 W, f32 HBOT, GSTATE &state, f32 &F) {
-    F = 1;
-    if (!(HBOT > 0 && W > 0))
-        return Status::ok;
-    INIT_HGRN98_ARRAYS(state);
-    return HGRN98(W * HBOT, F, state) > 0 ? MSGOUT("Error return in HGRN98: depth HBOT is illegal ")
-                                          : Status::ok;
-}
-
 void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &RESSCR) {
     const int NPER = run.periods.NPER;
     Progress progress("period", NPER);

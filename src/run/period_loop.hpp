@@ -3,7 +3,6 @@
 
 #include "assembly/scratch_store.hpp"
 #include "assembly/thread_state.hpp"
-#include "assembly/wave_row.hpp"
 #include "base/record_file.hpp"
 #include "state/state.hpp"
 
@@ -12,11 +11,6 @@ struct PeriodCounts {
     int potentials[2] = {0, 0};
     int sources[2] = {0, 0};
 };
-
-// The depth state of the Green function for the deep-water wave number W, and the depth factor WVNH / WVN0 in
-// F: 1 in deep water and at limit frequencies (W <= 0), where `state` stays as it is. Failed: the depth times
-// W is outside 1e-5 to 1e5; the message is out.
-[[nodiscard]] Status depth_state(f32 W, f32 HBOT, GSTATE &state, f32 &F);
 
 // Solves all periods on `threads` threads, in order, and leaves their solutions on RESSCR in period order.
 // Writes the report rows to the list file and the text echo. WVNH(period) is the one element of shared data

@@ -1,6 +1,7 @@
 // The solves of a period of a run for wave drift damping (IWADD=1).
 #pragma once
 
+#include "assembly/period_wave.hpp"
 #include "run/period_loop.hpp"
 
 // From the systems of the period (WAVEGR) and the incident wave (INCWWD) to all arrays of its block:

@@ -1,7 +1,7 @@
 // Accelerated Gauss-Seidel iteration for a set of right-hand sides of one complex system.
 #pragma once
 
-#include "assembly/row_kernels.hpp"
+#include "base/split.hpp"
 #include "state/state.hpp"
 
 #include <functional>

@@ -3,7 +3,7 @@
 // on.
 #pragma once
 
-#include "assembly/row_kernels.hpp"
+#include "base/split.hpp"
 
 // v[i] -= y column[i]; y is a real part and an imaginary part.
 void subtract_column(int n, const c32 *column, const f32 (&y)[2], Split v);

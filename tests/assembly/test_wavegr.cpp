@@ -4,6 +4,7 @@
 #include "assembly/wavegr.hpp"
 
 #include "boundary/incident_wave.hpp"
+#include "green/vgrn98.hpp"
 #include "hull_meshes.hpp"
 #include "rankine/rankin.hpp"
 #include "state/memory_plan.hpp"

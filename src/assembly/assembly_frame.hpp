@@ -1,0 +1,28 @@
+// What all rows of an assembly read.
+#pragma once
+
+#include "assembly/period_wave.hpp"
+#include "assembly/right_hand_sides.hpp"
+
+// Panel data of the assembly, one contiguous array per quantity; XG and GW have a column per Gauss point.
+struct PanelArrays {
+    Array<f32, 2> X;    // centroid (NEQN,3)
+    Array<f32, 2> N;    // normal (NEQN,3)
+    Array<f32, 1> A;    // area (NEQN)
+    Array<f32, 3> XG;   // Gauss points (NEQN,3,4), only on the Gauss path
+    Array<f32, 2> GW;   // their weights (NEQN,4)
+    Array<f32, 1> IFSP; // free-surface mark (NEQN)
+    Array<f32, 1> DIAG; // what the diagonal of a panel in the free surface has of -4 pi: its mark, but 1 for the image of
+                        // an overhang (NEQN)
+    Array<int, 1> LID;  // 1: panel of a lid body; only with such a body (NEQN)
+    Array<f32, 1> DAMP; // its damping FSDMP (NEQN)
+    [[nodiscard]] bool make(const RunState &run);
+};
+
+struct AssemblyFrame {
+    const RunState &run;
+    const PeriodWave &wave;
+    const PanelArrays &panels;
+    const SourceWeights &weights;
+    const GSTATE &gstate;
+};

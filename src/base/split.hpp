@@ -1,0 +1,28 @@
+// Complex arrays in split form, real and imaginary parts apart, and their vector loops. All arrays are contiguous, n long.
+#pragma once
+
+#include "base/types.hpp"
+
+// A complex array in split form.
+struct Split {
+    f32 *re = nullptr;
+    f32 *im = nullptr;
+};
+struct ConstSplit {
+    const f32 *re = nullptr;
+    const f32 *im = nullptr;
+    ConstSplit(const f32 *r, const f32 *i) : re(r), im(i) {}
+    ConstSplit(const Split &s) : re(s.re), im(s.im) {}
+};
+
+// sum += weight value, real weights.
+void add_weighted(int n, const f32 *weight, ConstSplit value, Split sum);
+
+// sum += sign value.
+void add_signed(int n, f32 sign, ConstSplit value, Split sum);
+// Real weights against a complex array.
+c32 weighted_sum(int n, const f32 *weight, ConstSplit value);
+// Complex weights against a complex array.
+c32 complex_sum(int n, ConstSplit weight, ConstSplit value);
+// sum += factor value.
+void add_scaled(int n, c32 factor, ConstSplit value, Split sum);
