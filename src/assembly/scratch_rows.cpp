@@ -2,6 +2,7 @@
 
 #include "assembly/tiles.hpp"
 #include "state/messages.hpp"
+#include "state/method.hpp"
 
 #include <algorithm>
 #include <complex>
@@ -15,8 +16,8 @@ int first_record_class(const RowStore &store) {
 
 int units_behind_class_1(const RowStore &store) {
     const int classes = store.run.sym.NSYMR;
-    return store.AMAT != nullptr && store.run.opt.ISOLVE > 1 ? classes + 2
-                                                             : classes + 1 - first_record_class(store);
+    return store.AMAT != nullptr && method_of(store.run) == Method::blocks ? classes + 2
+                                                                           : classes + 1 - first_record_class(store);
 }
 
 c32 reciprocal(c32 value) {
@@ -49,9 +50,10 @@ Status store_in_block(RowStore &store, int I, const c32 *ROW, const c32 *COL) {
 
 Status store_class_1(RowStore &store, int I, const c32 *ROW, const c32 *COL) {
     const int n = store.run.mesh.NEQN;
-    if (store.run.opt.ISOLVE > 1)
+    const Method method = method_of(store.run);
+    if (method == Method::blocks)
         return store_in_block(store, I, ROW, COL);
-    if (packed_rows(store.run.opt, n))
+    if (method == Method::iterative_packed)
         std::copy_n(ROW, 2 * I - 1, store.AMAT + packed_place(I));
     else
         PUTBRD(store.AMAT, ROW, COL, I, n);
@@ -69,9 +71,8 @@ Status open_rows(RowStore &store) {
 }
 
 Status store_row(RowStore &store, int I, const Split (&ROW)[5], const Split (&COL)[5]) {
-    const Options &opt = store.run.opt;
-    const bool packed_form = packed_rows(opt, store.run.mesh.NEQN);
-    if (opt.ISOLVE == 0 && I == opt.NCORE + 1 && failed(switch_units(store)))
+    const bool packed_form = method_of(store.run) == Method::iterative_packed;
+    if (packed_form && I == store.run.opt.NCORE + 1 && failed(switch_units(store)))
         return Status::failed;
     c32 *row = store.packed.data();
     c32 *column = row + I;

@@ -18,11 +18,10 @@ struct UnitList {
 };
 
 // All files of the store; the driver owns one. Units of the matrix of class s, S classes in all:
-//   ISOLVE=1, or 0 with the full matrix   s: rows, later the saved matrix or its factors
-//   ISOLVE=0, packed                      s: rows to NCORE; S+s: the rows behind them
-//   ISOLVE>1                              s: rows, later the saved blocks; S+1, S+2: off-diagonal rows and
-//   columns,
-//                                         S+3: diagonal blocks, S+4: their factors
+//   direct, iterative_full   s: rows, later the saved matrix or its factors
+//   iterative_packed         s: rows to NCORE; S+s: the rows behind them
+//   blocks                   s: rows, later the saved blocks; S+1, S+2: off-diagonal rows and columns, S+3: diagonal
+//                            blocks, S+4: their factors
 // Class 1 of the dipole matrix goes to AMAT or the block units straight from the assembly.
 struct ScratchStore {
     RecordFile RANKINE{60};  // coefficient rows of RANKIN, open from there to the end of the run
@@ -32,10 +31,6 @@ struct ScratchStore {
     UnitList IUE{72};        // the same of the source matrix, ISOR=1
 };
 
-// True when the iterative solver works on packed rows with the diagonal in reciprocal form.
-inline bool packed_rows(const Options &opt, int NEQN) {
-    return opt.ISOLVE == 0 && (opt.NCORE < NEQN || opt.ISOLVN == 1);
-}
 // Place of packed row I (2 I - 1 values: the row to its diagonal, then the column) in a vector of rows, from
 // 0.
 inline std::int64_t packed_place(std::int64_t I) {

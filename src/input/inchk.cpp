@@ -1,5 +1,6 @@
 #include "input/input.hpp"
 #include "state/messages.hpp"
+#include "state/method.hpp"
 
 namespace {
 
@@ -20,11 +21,12 @@ bool is_switch(int value) {
 
 void check_solver(const RunState &run, Faults &faults) {
     const Options &opt = run.opt;
-    const bool direct = opt.ISOLVE == 1 && opt.NCORE < run.mesh.NEQN;
+    const Method method = method_of(run);
+    const bool direct = method == Method::direct && opt.NCORE < run.mesh.NEQN;
     faults.test(direct, " MAXSCR too small for direct solution:");
     faults.test(direct, "                               MAXSCR=", opt.NCORE);
     faults.test(direct, "                                 NEQN=", run.mesh.NEQN);
-    const bool blocks = opt.ISOLVE >= 2 && opt.NCORE < opt.NBLKSZ;
+    const bool blocks = method == Method::blocks && opt.NCORE < opt.NBLKSZ;
     faults.test(blocks, " MAXSCR too small for block iteration:");
     faults.test(blocks, "                               MAXSCR=", opt.NCORE);
     faults.test(blocks, "                  Dimension of blocks=", opt.NBLKSZ);
@@ -84,7 +86,7 @@ void check_drift_damping(const RunState &run, Faults &faults) {
     // A fully filled tank was given as IRR too.
     faults.test(opt.IRR != 0 || opt.IRRX != 0, "IRR must be 0 when IWADD=1");
     faults.test(opt.ISOR != 1, "ISOR must be 1 when IWADD=1");
-    faults.test(opt.ISOLVE > 1, "ISOLVE must be 0 or 1 when IWADD=1");
+    faults.test(method_of(run) == Method::blocks, "ISOLVE must be 0 or 1 when IWADD=1");
     faults.test(opt.ISCATT != 0, "ISCATT must be 0 when IWADD=1");
     faults.test(opt.I2ND != 0, "I2ND must be 0 when IWADD=1");
 }

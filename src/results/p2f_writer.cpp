@@ -136,42 +136,47 @@ bool write_text(const RunState &run, RecordFile &file) {
     return good && file.write({{end.data(), end.size()}});
 }
 
-// Lengths of the records of a period, in complex numbers.
-struct PeriodSizes {
-    std::int64_t radiation;
-    std::int64_t diffraction;
-    explicit PeriodSizes(const RunState &run)
-        : radiation(static_cast<std::int64_t>(run.mesh.NEQN) * run.sym.NSYMD),
-          diffraction(static_cast<std::int64_t>(run.mesh.NEQN) * run.periods.NBETAM * run.sym.NSYMR) {}
+// A record of an ordinary period: problem and part that it belongs to, and its array.
+struct PeriodRecord {
+    bool radiation;
+    PeriodPart part;
+    Bytes (*bytes)(const ThreadState &);
+    std::int64_t per_column; // values of one panel and column
 };
+// In the order of the hand-over file. In the scratch file the potentials of both problems come before all sources.
+const PeriodRecord PERIOD_RECORDS[] = {
+    {true, PeriodPart::potentials, [](const ThreadState &t) { return whole(t.PHIR); }, 1},
+    {true, PeriodPart::sources, [](const ThreadState &t) { return whole(t.SRCR); }, 1},
+    {true, PeriodPart::sources, [](const ThreadState &t) { return whole(t.VELR); }, 3},
+    {false, PeriodPart::potentials, [](const ThreadState &t) { return whole(t.PHID); }, 1},
+    {false, PeriodPart::sources, [](const ThreadState &t) { return whole(t.SRCD); }, 1},
+    {false, PeriodPart::sources, [](const ThreadState &t) { return whole(t.VELD); }, 3},
+};
+constexpr std::size_t PERIOD_RECORD_COUNT = std::size(PERIOD_RECORDS);
 
-// The records of the periods, each problem with its sources and velocities behind its potentials. In the
-// scratch file both potentials come first: those of diffraction wait in `held`.
+bool is_written(const Options &opt, const PeriodRecord &record) {
+    return (record.radiation ? opt.IRAD : opt.IDIFF) >= 0 && (record.part == PeriodPart::potentials || opt.ISOR == 1);
+}
+
+// From the order of the scratch file to that of the hand-over file.
 bool copy_periods(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
-    const PeriodSizes size(run);
-    const bool radiation = run.opt.IRAD >= 0;
-    const bool diffraction = run.opt.IDIFF >= 0;
-    const bool sources = run.opt.ISOR == 1;
-    Array<c32, 1> record, held;
-    if (!record.alloc((sources ? 3 : 1) * std::max(size.radiation, size.diffraction)) ||
-        !held.alloc(size.diffraction))
-        return false;
-    const auto read = [&](Array<c32, 1> &into, std::int64_t n) {
-        return RESSCR.read({{into.data(), static_cast<std::size_t>(n) * sizeof(c32)}});
-    };
-    const auto copy = [&](std::int64_t n) {
-        return read(record, n) && file.write({first_elements(record, n)});
-    };
+    Array<c32, 1> values[PERIOD_RECORD_COUNT];
+    for (std::size_t r = 0; r < PERIOD_RECORD_COUNT; ++r) {
+        const PeriodRecord &record = PERIOD_RECORDS[r];
+        const std::int64_t columns =
+            record.radiation ? run.sym.NSYMD : std::int64_t{run.periods.NBETAM} * run.sym.NSYMR;
+        if (is_written(run.opt, record) && !values[r].alloc(record.per_column * run.mesh.NEQN * columns))
+            return false;
+    }
     bool good = RESSCR.rewind();
     for (int period = 1; good && period <= run.periods.NPER; ++period) {
-        good = !radiation || copy(size.radiation);
-        good = good && (!diffraction || read(held, size.diffraction));
-        if (radiation && sources)
-            good = good && copy(size.radiation) && copy(3 * size.radiation);
-        if (diffraction)
-            good = good && file.write({first_elements(held, size.diffraction)});
-        if (diffraction && sources)
-            good = good && copy(size.diffraction) && copy(3 * size.diffraction);
+        for (const PeriodPart part : {PeriodPart::potentials, PeriodPart::sources})
+            for (std::size_t r = 0; r < PERIOD_RECORD_COUNT; ++r)
+                if (PERIOD_RECORDS[r].part == part && is_written(run.opt, PERIOD_RECORDS[r]))
+                    good = good && RESSCR.read({{values[r].data(), whole(values[r]).size}});
+        for (std::size_t r = 0; r < PERIOD_RECORD_COUNT; ++r)
+            if (is_written(run.opt, PERIOD_RECORDS[r]))
+                good = good && file.write({whole(values[r])});
     }
     return good;
 }
@@ -219,14 +224,9 @@ Status RWDPOT(const Options &opt, RecordFile &file, ThreadState &thread) {
 
 Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR, PeriodPart part) {
     bool good = true;
-    if (part == PeriodPart::potentials) {
-        good = opt.IRAD < 0 || RESSCR.write({whole(thread.PHIR)});
-        good = good && (opt.IDIFF < 0 || RESSCR.write({whole(thread.PHID)}));
-    } else {
-        good = opt.IRAD < 0 || (RESSCR.write({whole(thread.SRCR)}) && RESSCR.write({whole(thread.VELR)}));
-        good = good &&
-               (opt.IDIFF < 0 || (RESSCR.write({whole(thread.SRCD)}) && RESSCR.write({whole(thread.VELD)})));
-    }
+    for (const PeriodRecord &record : PERIOD_RECORDS)
+        if (record.part == part && is_written(opt, record))
+            good = good && RESSCR.write({record.bytes(thread)});
     return good ? Status::ok : period_not_written(RESSCR);
 }
 

@@ -2,6 +2,7 @@
 
 #include "assembly/scratch_store.hpp"
 #include "state/messages.hpp"
+#include "state/method.hpp"
 #include "solve/class_columns.hpp"
 #include "solve/lu.hpp"
 #include "solve/sweeps.hpp"
@@ -227,22 +228,22 @@ Status solve_blocks(ScratchSolve &c, int s, const Columns &columns, int (&ITER)[
 
 Status solve_on_scratch(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR,
                         View<c32, 3> PHID, ThreadState &thread, int (&ITER)[2]) {
-    const Options &opt = run.opt;
     UnitList &units = request.ISRC == 1 ? thread.scratch->IUE : thread.scratch->IUL;
     ScratchSolve c{run, request, units, thread.AMAT, run.mesh.NEQN, run.sym.NSYMR, {}, {}};
-    const bool records = opt.ISOLVE > 1 || packed_rows(opt, c.n);
+    const Method method = method_of(run);
+    const bool records = method == Method::blocks || method == Method::iterative_packed;
     if (!c.IPIV.alloc(c.n) || (records && !c.buffer.alloc(2 * std::int64_t{c.n}, RUN_ROWS)))
         return MSGOUT(" RAM too small. Allocation error in SOLVE ");
-    const auto solve = opt.ISOLVE > 1          ? solve_blocks
-                       : opt.ISOLVE == 1       ? solve_full_direct
-                       : packed_rows(opt, c.n) ? solve_packed
-                                               : solve_full;
-    if (opt.ISOLVE > 1)
+    const auto solve = method == Method::blocks             ? solve_blocks
+                       : method == Method::direct           ? solve_full_direct
+                       : method == Method::iterative_packed ? solve_packed
+                                                            : solve_full;
+    if (method == Method::blocks)
         OPENSC(units, c.S + 1, 4);
     Status status = Status::ok;
     for (int s = 1; s <= c.S && !failed(status); ++s)
         status = solve(c, s, columns_of_class(run, request, PHIR, PHID, s), ITER);
-    if (opt.ISOLVE > 1 && failed(CLOSSC(units, c.S + 1, 4, false)))
+    if (method == Method::blocks && failed(CLOSSC(units, c.S + 1, 4, false)))
         status = Status::failed;
     return status;
 }

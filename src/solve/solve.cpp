@@ -1,6 +1,7 @@
 #include "solve/solve.hpp"
 
 #include "state/messages.hpp"
+#include "state/method.hpp"
 #include "solve/class_columns.hpp"
 #include "solve/lu.hpp"
 #include "solve/scratch_solve.hpp"
@@ -64,15 +65,16 @@ Status solve_blocks(CoreSolve &c, const SolveRequest &request, int s,
 
 Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,
                      ThreadState &thread, int (&ITER)[2]) {
-    const int ISOLVE = run.opt.ISOLVE;
+    const Method method = method_of(run);
+    const bool direct = method == Method::direct;
     const bool sources = request.ISRC == 1;
     CoreSolve c{run, thread,       sources ? thread.ECORE : thread.ACORE, sources ? thread.EPIV : thread.APIV,
                 {},  run.mesh.NEQN};
     bool made = c.IPIV.alloc(c.n);
-    if (ISOLVE == 1 && request.KEEP == 1 && request.FACT == 1)
+    if (direct && request.KEEP == 1 && request.FACT == 1)
         made = made && c.pivots.alloc(c.n, run.sym.NSYMR);
-    if (thread.ALU.empty() && ISOLVE > 0 && !(ISOLVE == 1 && in_place(request)))
-        made = made && thread.ALU.alloc(ISOLVE == 1 ? c.n : run.opt.NBLKSZ, c.n);
+    if (thread.ALU.empty() && (method == Method::blocks || (direct && !in_place(request))))
+        made = made && thread.ALU.alloc(direct ? c.n : run.opt.NBLKSZ, c.n);
     if (!made)
         return MSGOUT(" RAM too small. Allocation error in SOLVE ");
     for (int s = 1; s <= run.sym.NSYMR; ++s) {
@@ -82,9 +84,9 @@ Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32,
             sweep_full(matrix, work);
             return Status::ok;
         };
-        const Status status = ISOLVE == 1   ? solve_full_direct(c, request, s, columns, ITER)
-                              : ISOLVE == 0 ? solve_iteratively(c.n, request.EPS, sweep, columns, ITER)
-                                            : solve_blocks(c, request, s, columns, ITER);
+        const Status status = direct                     ? solve_full_direct(c, request, s, columns, ITER)
+                              : method == Method::blocks ? solve_blocks(c, request, s, columns, ITER)
+                                                         : solve_iteratively(c.n, request.EPS, sweep, columns, ITER);
         if (failed(status))
             return status;
     }
@@ -103,7 +105,7 @@ Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR
 
 Status SOLVE_R(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,
                ThreadState &thread, int (&ITER)[2]) {
-    if (run.opt.ISOLVE != 1)
+    if (method_of(run) != Method::direct)
         return MSGOUT(" Fully filled tank exists, ISOLVE=1 is expected! ");
     return SOLVE(run, request, PHIR, PHID, thread, ITER);
 }

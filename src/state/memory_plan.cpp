@@ -3,6 +3,7 @@
 #include "base/platform.hpp"
 #include "base/text.hpp"
 #include "state/messages.hpp"
+#include "state/method.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -38,7 +39,7 @@ void MEMRPT(Memory &memory) {
 }
 
 int core_order(const Options &opt, int NEQN) {
-    return std::min(std::max(opt.MAXSCR, 2), opt.ISOLVE >= 2 ? opt.NBLKSZ : NEQN);
+    return std::min(std::max(opt.MAXSCR, 2), method_of(opt, NEQN) == Method::blocks ? opt.NBLKSZ : NEQN);
 }
 
 void MEMPLN(const Options &opt, int NEQN, int NSYMR, Memory &memory) {
