@@ -52,9 +52,8 @@ bool body_number(const std::string &word, FreeReader &text, const std::string &n
     return text.read(body) && body >= 1;
 }
 
-Status read_new_modes(RunState &run, const std::string &word, FreeReader &value, const std::string &name,
+Status read_new_modes(Array<int, 1> &NEWMDS, const std::string &word, FreeReader &value, const std::string &name,
                       int line) {
-    Array<int, 1> &NEWMDS = run.bodies.NEWMDS;
     FreeReader index;
     int body = 1;
     if (!body_number(word, index, name, line, body)) {
@@ -70,24 +69,40 @@ Status read_new_modes(RunState &run, const std::string &word, FreeReader &value,
     return Status::ok;
 }
 
-Status read_setting(RunState &run, const Keyword &key, const std::string &word, FreeReader &value, int line) {
+// What settings go to.
+struct Settings {
+    Options &opt;
+    Array<int, 1> &NEWMDS;
+    TypedInput &typed;
+};
+
+// One setting: its keyword as typed, in capitals, and the text behind it, from `place`.
+struct Setting {
+    std::string word;
+    FreeReader value;
+    std::string place;
+    int line;
+};
+
+Status read_setting(const Settings &to, const Keyword &key, Setting &setting) {
     if (key.flag != 0)
-        run.opt.KFLAG[static_cast<std::size_t>(key.flag)] = false;
+        to.opt.KFLAG[static_cast<std::size_t>(key.flag)] = false;
+    FreeReader &value = setting.value;
     if (key.word == "NEWMDS")
-        return read_new_modes(run, word, value, "the setting in " + run.files.config, line);
+        return read_new_modes(to.NEWMDS, setting.word, value, setting.place, setting.line);
     const bool good =
-        key.value != nullptr ? value.read(run.opt.*key.value) : value.read_array(run.bodies.XBODY.data(), 4);
+        key.value != nullptr ? value.read(to.opt.*key.value) : value.read_array(to.typed.XBODY.data(), 4);
     return good ? Status::ok : MSGOUT_with(READ_FAULT, 0, value.fault());
 }
 
 } // namespace
 
-Status RDCONF(RunState &run) {
-    run.opt.KFLAG.fill(true);
+Status RDCONF(const std::string &name, Options &opt, Array<int, 1> &NEWMDS, TypedInput &typed) {
+    opt.KFLAG.fill(true);
     FreeReader in;
-    if (!in.open(run.files.config)) {
+    if (!in.open(name)) {
         // A file that is there and cannot be read is not the same as none: its settings would be lost unseen.
-        if (access(run.files.config.c_str(), F_OK) != 0)
+        if (access(name.c_str(), F_OK) != 0)
             return Status::ok;
         return MSGOUT_with(READ_FAULT, 0, in.fault());
     }
@@ -97,13 +112,12 @@ Status RDCONF(RunState &run) {
         if (!in.line(line, LINE_LENGTH))
             return Status::ok;
         const std::size_t equals = line.find('=');
-        const std::string word = keyword_text(line, equals);
+        Setting setting{keyword_text(line, equals), {}, "the setting in " + name, number};
         for (const Keyword &key : KEYWORDS) {
-            if (word.compare(0, key.word.size(), key.word) != 0)
+            if (setting.word.compare(0, key.word.size(), key.word) != 0)
                 continue;
-            FreeReader value;
-            value.open_text("the setting in " + run.files.config, line.substr(equals + 1), number);
-            if (failed(read_setting(run, key, word, value, number)))
+            setting.value.open_text(setting.place, line.substr(equals + 1), number);
+            if (failed(read_setting({opt, NEWMDS, typed}, key, setting)))
                 return Status::failed;
             break;
         }

@@ -1,8 +1,6 @@
 #include "input/echo.hpp"
 
 #include "base/text.hpp"
-#include "freesurface/fsgen.hpp"
-#include "geometry/dipoles.hpp"
 #include "input/input.hpp"
 #include "input/names.hpp"
 #include "state/messages.hpp"
@@ -14,7 +12,7 @@
 
 namespace {
 
-enum Extension { PRE = 4, MOD = 5, IDF = 6 }; // places in EXTS
+enum Extension { PRE = 4, MOD = 5 }; // places in EXTS
 
 // A line of the report that goes into the result file as well.
 void echo_line(RunState &run, const std::string &line) {
@@ -89,18 +87,6 @@ Status echo_mod_titles(FreeReader &in, int body, RunState &run) {
     return Status::ok;
 }
 
-// The panels that IRR=3 asks for; each body's geometry file names the generated one.
-Status generate_free_surface(RunState &run) {
-    constexpr double PSCALE = 1.4;
-    NameTable &FILNAM = run.files.FILNAM;
-    std::vector<std::string> names;
-    for (int b = 1; b <= std::max(run.bodies.NBODY, 1); ++b) {
-        SETEXT(FILNAM, run.bodies.NBODY == 0 ? 1 : b + 4, 4, IDF);
-        names.push_back(FILNAM(4));
-    }
-    return FSGEN(PSCALE, names, run);
-}
-
 // The report tells what the limit frequencies among the periods are.
 void show_limits(const Periods &periods) {
     static const char *const names[] = {"", "zero frequency", "infinite frequency"};
@@ -110,35 +96,7 @@ void show_limits(const Periods &periods) {
     }
 }
 
-void choose_solver(Options &opt, int NEQN) {
-    if (NEQN > opt.MAXSCR && opt.ISOLVE == 1 && opt.IWADD == 0) {
-        opt.ISOLVE = NEQN / opt.MAXSCR + 1;
-        message("Switched from direct solver to block-iterative solver");
-        message("Because matrix is too large");
-    }
-    if (opt.ISOLVE > 1)
-        BLKSIZ(NEQN, opt.NBLKSZ, opt.NBLKLS, opt.ISOLVE);
-}
-
 } // namespace
-
-void BLKSIZ(int NEQN, int &NBLKSZ, int &NBLKLS, int &ISOLVE) {
-    NBLKSZ = static_cast<int>((static_cast<std::int64_t>(NEQN) + ISOLVE - 1) / ISOLVE);
-    if (NBLKSZ == 1) {
-        ISOLVE = 0;
-        message("WARNING: Block size = 1 ; ISOLVE is reset to =", ISOLVE);
-    } else if (NBLKSZ == NEQN) {
-        ISOLVE = 1;
-        message("WARNING: Block size = NEQN ; ISOLVE is reset to =", ISOLVE);
-    } else {
-        const int rest = NEQN % NBLKSZ;
-        const int blocks = NEQN / NBLKSZ + (rest != 0 ? 1 : 0);
-        NBLKLS = rest != 0 ? rest : NBLKSZ;
-        if (blocks != ISOLVE)
-            message("WARNING: Number of blocks is reset to ", blocks);
-        ISOLVE = blocks;
-    }
-}
 
 Status MODCHK(int body, int source, const DateTime &now, RunState &run) {
     NameTable &FILNAM = run.files.FILNAM;
@@ -168,11 +126,6 @@ Status MODCHK(int body, int source, const DateTime &now, RunState &run) {
 }
 
 Status INECHO(RunState &run) {
-    if (run.opt.IRR == 3 && failed(generate_free_surface(run)))
-        return Status::failed;
-    if (run.dipoles.IDIPOL && failed(DIPGRW(run.mesh.NEQN, run.dipoles)))
-        return Status::failed;
-    choose_solver(run.opt, run.mesh.NEQN);
     const DateTime now = DATTIM();
     run.HDRSCR.clear();
     run.opt.IMDRUN = 0;

@@ -56,7 +56,7 @@ Status check_single_end(FreeReader &in) {
     return MSGOUT_with("Error:  Extra data at end of geometric data file", 0, in.fault());
 }
 
-Status read_single(FreeReader &in, GdfHead &head, RunState &run) {
+Status read_single(FreeReader &in, GdfHead &head, const TypedInput &typed, RunState &run) {
     Bodies &bodies = run.bodies;
     Mesh &mesh = run.mesh;
     if (head.ULEN < SHORTEST_LENGTH)
@@ -66,21 +66,20 @@ Status read_single(FreeReader &in, GdfHead &head, RunState &run) {
     run.opt.RULEN = 1.0f / head.ULEN;
     run.opt.ISX = head.ISX;
     run.opt.ISY = head.ISY;
-    if (!bodies.NDIPB.alloc(1))
+    if (!bodies.NDIPB.alloc(1) || !bodies.XBODY.alloc(4, 1))
         return gdf_fault("RAM is not sufficient to read .gdf inputs", 0);
     if (failed(read_gdf_counts(in, 0, 1, bodies)))
         return Status::failed;
     const int n = bodies.NEQNB(1);
     if (!mesh.XVER.alloc(4, 3, n))
         return gdf_fault("RAM is not sufficient to read .gdf inputs", 0);
-    if (failed(read_gdf_panels(in, 1, 1, run, mesh.XVER)))
+    if (failed(read_gdf_panels(in, {1, n, -typed.XBODY(3, 1), run.opt.RULEN}, mesh.XVER)))
         return Status::failed;
     if (bodies.NDIPB(1) != 0 && failed(read_dipoles(in, 1, n, run.dipoles)))
         return Status::failed;
     if (failed(check_single_end(in)))
         return Status::failed;
-    for (int c = 1; c <= 3; ++c)
-        bodies.XBODY(c, 1) *= run.opt.RULEN;
+    place_body(1, typed, run.opt.RULEN, bodies.XBODY);
     if (failed(project_body(1, 1, run)))
         return Status::failed;
     const int block = bodies.NEQNB(1);
@@ -146,10 +145,15 @@ Status read_gdf_counts(FreeReader &in, int body, int slot, Bodies &bodies) {
     return Status::ok;
 }
 
-Status read_gdf_panels(FreeReader &in, int slot, int first, const RunState &run, Array<f32, 3> &XVER) {
-    const f32 limit = ABOVE_SURFACE - run.bodies.XBODY(3, slot);
-    const int n = run.bodies.NEQNB(slot);
-    for (int i = 1; i <= n; ++i) {
+void place_body(int slot, const TypedInput &typed, f32 RULEN, Array<f32, 2> &XBODY) {
+    for (int c = 1; c <= 3; ++c)
+        XBODY(c, slot) = typed.XBODY(c, slot) * RULEN;
+    XBODY(4, slot) = typed.XBODY(4, slot);
+}
+
+Status read_gdf_panels(FreeReader &in, const PanelPlace &place, Array<f32, 3> &XVER) {
+    const f32 limit = ABOVE_SURFACE + place.surface;
+    for (int i = 1; i <= place.n; ++i) {
         f32 xyz[12];
         if (!in.read_array(xyz, 12))
             return MSGOUT_with("Error reading GDF file, vertices XVER of panel N=", i, in.fault());
@@ -159,7 +163,7 @@ Status read_gdf_panels(FreeReader &in, int slot, int first, const RunState &run,
                 return MSGOUT_with("Error in GDF file: vertex above free surface for panel N=", i,
                                    "vertex " + std::to_string(v));
             for (int c = 1; c <= 3; ++c)
-                XVER(v, c, first + i - 1) = vertex[c - 1] * run.opt.RULEN;
+                XVER(v, c, place.first + i - 1) = vertex[c - 1] * place.RULEN;
         }
     }
     return Status::ok;
@@ -214,7 +218,7 @@ Status find_waterline(int body, int slot, int first, RunState &run) {
     return Status::ok;
 }
 
-Status GDFRD(RunState &run) {
+Status GDFRD(TypedInput &typed, RunState &run) {
     FreeReader in;
     GdfHead head;
     if (failed(read_gdf_title(run.files.FILNAM(1), 0, in, head)))
@@ -225,6 +229,6 @@ Status GDFRD(RunState &run) {
     run.bodies.ULEN(1) = head.ULEN;
     run.opt.GRAV = head.GRAV;
     run.waterline = Waterline();
-    const Status status = head.ULEN > 0 ? read_single(in, head, run) : read_bodies(in, run);
+    const Status status = head.ULEN > 0 ? read_single(in, head, typed, run) : read_bodies(in, typed, run);
     return failed(status) ? status : settle_dipoles(run);
 }

@@ -2,15 +2,16 @@
 #pragma once
 
 #include "base/text.hpp"
+#include "input/typed.hpp"
 #include "state/state.hpp"
 
 #include <string>
 
 // Reads FILNAM(1): the panels of one body, or, when its first number is not above 0, the index of NBODY
 // bodies and their files. Fills XVER (divided by ULEN(1)), NEQN, the body arrays, the symmetry indices, the
-// waterline lists and dipole records; scales XBODY. NBODY stays 0 in the single-body form. Panels that the
+// waterline lists, dipole records and XBODY. NBODY stays 0 in the single-body form. Panels that the
 // solution cannot get by symmetry are mirrored.
-[[nodiscard]] Status GDFRD(RunState &run);
+[[nodiscard]] Status GDFRD(TypedInput &typed, RunState &run);
 
 // Pieces of both forms. A body number 0 stands for the single-body form; its messages name no body.
 
@@ -28,9 +29,14 @@ Status gdf_fault(const char *text, int body, const std::string &detail = {});
 [[nodiscard]] Status read_gdf_symmetry(FreeReader &in, int body, GdfHead &head);
 // The number of panels and the dipole marker of body `slot`, which is 1 in the single-body form.
 [[nodiscard]] Status read_gdf_counts(FreeReader &in, int body, int slot, Bodies &bodies);
-// The vertices of the NEQNB(slot) panels from panel `first` on. XVER has room for them.
-[[nodiscard]] Status read_gdf_panels(FreeReader &in, int slot, int first, const RunState &run,
-                                     Array<f32, 3> &XVER);
+// XBODY of body `slot` from what was typed.
+void place_body(int slot, const TypedInput &typed, f32 RULEN, Array<f32, 2> &XBODY);
+// Where n panels go: from panel `first` on, times RULEN; no vertex may lie above z = `surface` [length].
+struct PanelPlace {
+    int first, n;
+    f32 surface, RULEN;
+};
+[[nodiscard]] Status read_gdf_panels(FreeReader &in, const PanelPlace &place, Array<f32, 3> &XVER);
 // With IRR=2 adds the interior free-surface panels of body `slot`, whose panels start at `first`, by
 // projection; NEQNB(slot) counts them. Nothing otherwise.
 [[nodiscard]] Status project_body(int slot, int first, RunState &run);
@@ -43,4 +49,4 @@ Status gdf_fault(const char *text, int body, const std::string &detail = {});
 // Appends the waterline panels of body `slot` to the lists and counts them in NWLB(slot) and NWL.
 [[nodiscard]] Status find_waterline(int body, int slot, int first, RunState &run);
 // The several-body form, from NBODY on.
-[[nodiscard]] Status read_bodies(FreeReader &in, RunState &run);
+[[nodiscard]] Status read_bodies(FreeReader &in, TypedInput &typed, RunState &run);

@@ -18,7 +18,7 @@ constexpr f32 GRAVITY_TOLERANCE = 0.1f;  // gravity of a body's file against tha
 constexpr f32 SHORTEST_LENGTH = 1.0e-5f; // ULEN(1) below it is no length
 
 // Arrays for NBODY bodies. The name tables grow while the bodies are read, since NBODY may be nonsense.
-bool make_body_arrays(const Options &opt, Bodies &bodies) {
+bool make_body_arrays(const Options &opt, Bodies &bodies, TypedInput &typed) {
     const int N = bodies.NBODY;
     std::int64_t modes = 6 * static_cast<std::int64_t>(N);
     for (int n = 1; n <= std::min<std::int64_t>(N, bodies.NEWMDS.dim(1)); ++n)
@@ -30,7 +30,7 @@ bool make_body_arrays(const Options &opt, Bodies &bodies) {
                             !bodies.IPANB1.alloc(N)))
         return false;
     return bodies.NDIPB.alloc(N) && bodies.NEQNB.alloc(N) && bodies.NWLB.alloc(N) && bodies.ULEN.alloc(N) &&
-           bodies.XBODY.alloc(4, N) && bodies.MODE.alloc(modes);
+           typed.XBODY.alloc(4, N) && bodies.XBODY.alloc(4, N) && bodies.MODE.alloc(modes);
 }
 
 // Room for the names and titles of bodies 1 to n.
@@ -53,7 +53,7 @@ void merge_problem(int N, int index, int &of_run) {
 }
 
 // Name, place, problems and modes of body N; `modes` is the number of modes before it.
-Status read_body_entry(FreeReader &in, int N, int modes, RunState &run) {
+Status read_body_entry(FreeReader &in, int N, int modes, TypedInput &typed, RunState &run) {
     Bodies &bodies = run.bodies;
     const auto fault = [&](const char *what) {
         return MSGOUT_with(std::string("Error reading ") + what + " in global GDF file for body N=", N,
@@ -65,7 +65,7 @@ Status read_body_entry(FreeReader &in, int N, int modes, RunState &run) {
     if (!in.line(name, std::string::npos))
         return fault("GDF filename");
     FNNORM(name);
-    if (!in.read_array(&bodies.XBODY(1, N), 4))
+    if (!in.read_array(&typed.XBODY(1, N), 4))
         return fault("XBODY coordinates");
     int IRAD = 0;
     int IDIFF = 0;
@@ -93,7 +93,7 @@ Status read_body_entry(FreeReader &in, int N, int modes, RunState &run) {
     return Status::ok;
 }
 
-Status read_index(FreeReader &in, RunState &run) {
+Status read_index(FreeReader &in, TypedInput &typed, RunState &run) {
     Bodies &bodies = run.bodies;
     if (!in.read(bodies.NBODY))
         return MSGOUT_with("Error reading global GDF file:  parameter NBODY ", 0, in.fault());
@@ -102,12 +102,12 @@ Status read_index(FreeReader &in, RunState &run) {
     // The name of the free-surface file and that of the first body share a place of FILNAM.
     if (bodies.NBODY == 1 && run.opt.IWADD == 1)
         return MSGOUT("A global GDF file is not possible when IWADD=1");
-    if (!make_body_arrays(run.opt, bodies))
+    if (!make_body_arrays(run.opt, bodies, typed))
         return MSGOUT("Insufficient memory to allocate NBODY arrays");
     run.opt.IBDT3 = 0;
     int modes = 0;
     for (int N = 1; N <= bodies.NBODY; ++N) {
-        if (failed(read_body_entry(in, N, modes, run)))
+        if (failed(read_body_entry(in, N, modes, typed, run)))
             return Status::failed;
         modes += 6 + bodies.NEWMDS(N);
     }
@@ -125,27 +125,27 @@ Status read_body_head(const Files &files, int N, FreeReader &in, GdfHead &head) 
 
 // Tells whether the bodies as a whole are symmetric about the planes that their files name, so that no panel
 // has to be mirrored. False as well for bodies without symmetry, where nothing is to be mirrored.
-Status keeps_symmetry(const RunState &run, bool &keep) {
-    const Bodies &bodies = run.bodies;
+Status keeps_symmetry(const Files &files, const Array<f32, 2> &XBODY, bool &keep) {
+    const int NBODY = static_cast<int>(XBODY.dim(2));
     keep = true;
     GdfHead first;
-    for (int N = 1; keep && N <= bodies.NBODY; ++N) {
+    for (int N = 1; keep && N <= NBODY; ++N) {
         FreeReader in;
         GdfHead head;
-        if (failed(read_body_head(run.files, N, in, head)))
+        if (failed(read_body_head(files, N, in, head)))
             return Status::failed;
         if (N == 1)
             first = head;
-        keep = std::fabs(bodies.XBODY(4, N)) <= PLACE_TOLERANCE && head.ISX == first.ISX &&
+        keep = std::fabs(XBODY(4, N)) <= PLACE_TOLERANCE && head.ISX == first.ISX &&
                head.ISY == first.ISY;
     }
     if (first.ISX == 0 && first.ISY == 0)
         keep = false;
     const bool plane_x = first.ISX == 1 && (first.ISY == 0 || first.ISY == 1);
     const bool plane_y = first.ISY == 1 && (first.ISX == 0 || first.ISX == 1);
-    for (int N = 1; keep && N <= bodies.NBODY; ++N) {
-        if ((plane_x && std::fabs(bodies.XBODY(1, N)) > PLACE_TOLERANCE) ||
-            (plane_y && std::fabs(bodies.XBODY(2, N)) > PLACE_TOLERANCE))
+    for (int N = 1; keep && N <= NBODY; ++N) {
+        if ((plane_x && std::fabs(XBODY(1, N)) > PLACE_TOLERANCE) ||
+            (plane_y && std::fabs(XBODY(2, N)) > PLACE_TOLERANCE))
             keep = false;
     }
     return Status::ok;
@@ -183,13 +183,13 @@ Status take_head(FreeReader &in, int N, const GdfHead &head, RunState &run) {
 }
 
 // Panels and dipole records of body N, of which the first panel is `first`.
-Status read_body_panels(FreeReader &in, int N, int first, RunState &run) {
+Status read_body_panels(FreeReader &in, int N, int first, f32 ZB, RunState &run) {
     const std::int64_t last = static_cast<std::int64_t>(first) + run.bodies.NEQNB(N) - 1;
     const bool made = last <= std::numeric_limits<int>::max() &&
                       (N == 1 ? run.mesh.XVER.alloc(4, 3, last) : !failed(XVGROW(last, run.mesh.XVER)));
     if (!made)
         return gdf_fault("RAM is not sufficient to read .gdf inputs", N);
-    if (failed(read_gdf_panels(in, N, first, run, run.mesh.XVER)))
+    if (failed(read_gdf_panels(in, {first, run.bodies.NEQNB(N), -ZB, run.opt.RULEN}, run.mesh.XVER)))
         return gdf_fault("Error reading GDF file", N);
     if (run.bodies.NDIPB(N) != 0 && failed(read_dipoles(in, first, run.bodies.NEQNB(N), run.dipoles)))
         return gdf_fault("Error reading GDF file", N);
@@ -199,17 +199,16 @@ Status read_body_panels(FreeReader &in, int N, int first, RunState &run) {
     return Status::ok;
 }
 
-Status read_body(int N, int first, bool keep, RunState &run) {
+Status read_body(int N, int first, bool keep, const TypedInput &typed, RunState &run) {
     Bodies &bodies = run.bodies;
     FreeReader in;
     GdfHead head;
     if (failed(read_gdf_title(run.files.FILNAM(N + 4), N, in, head)))
         return Status::failed;
     if (failed(read_gdf_symmetry(in, N, head)) || failed(take_head(in, N, head, run)) ||
-        failed(read_body_panels(in, N, first, run)))
+        failed(read_body_panels(in, N, first, typed.XBODY(3, N), run)))
         return Status::failed;
-    for (int c = 1; c <= 3; ++c)
-        bodies.XBODY(c, N) *= run.opt.RULEN;
+    place_body(N, typed, run.opt.RULEN, bodies.XBODY);
     const int hull = bodies.NEQNB(N);
     if (failed(project_body(N, first, run)))
         return gdf_fault("Error reading GDF file", N);
@@ -229,15 +228,15 @@ Status read_body(int N, int first, bool keep, RunState &run) {
 
 } // namespace
 
-Status read_bodies(FreeReader &in, RunState &run) {
+Status read_bodies(FreeReader &in, TypedInput &typed, RunState &run) {
     Bodies &bodies = run.bodies;
     bool keep = true;
-    if (failed(read_index(in, run)) || failed(keeps_symmetry(run, keep)))
+    if (failed(read_index(in, typed, run)) || failed(keeps_symmetry(run.files, typed.XBODY, keep)))
         return Status::failed;
     int first = 1;
     int listed = 0;
     for (int N = 1; N <= bodies.NBODY; ++N) {
-        if (failed(read_body(N, first, keep, run)))
+        if (failed(read_body(N, first, keep, typed, run)))
             return Status::failed;
         // A lid that the files give is joined to the waterline of all bodies: its panel numbers count over
         // the mesh.

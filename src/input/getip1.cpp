@@ -14,11 +14,11 @@ namespace {
 constexpr f32 FOUR_PI2 = 39.47842f;
 constexpr f32 LIMIT_PERIOD = 1.0e-6f; // a value not above this stands for a limit frequency
 
-bool make_head_arrays(Files &files, Bodies &bodies) {
+bool make_head_arrays(Files &files, Bodies &bodies, TypedInput &typed) {
     files.HEADER.resize(5);
     files.FILNAM.resize(5);
     return bodies.NEQNB.alloc(1) && bodies.NWLB.alloc(1) && bodies.NEWMDS.alloc(1) && bodies.ULEN.alloc(1) &&
-           bodies.XBODY.alloc(4, 1);
+           typed.XBODY.alloc(4, 1);
 }
 
 // Settings that no other file has to be known for.
@@ -43,11 +43,12 @@ void warn_of_limit(int period, const std::string &found) {
 }
 
 // WVN0 and PER [s] of all periods from the numbers as read. All faults are told.
-Status wave_numbers(const Options &opt, f32 ULEN1, Periods &periods) {
+Status wave_numbers(const Options &opt, const Array<f32, 1> &PER, f32 ULEN1, Periods &periods) {
     Status status = Status::ok;
     for (int i = 1; i <= periods.NPER; ++i) {
-        f32 p = periods.PER(i);
+        f32 p = PER(i);
         f32 &k = periods.WVN0(i);
+        periods.PER(i) = p;
         if (p <= LIMIT_PERIOD) {
             k = p;
             // Of periods, 0 is the limit of high frequencies; of frequencies and wave numbers it looks like that of low ones.
@@ -97,23 +98,24 @@ Status GETIP1(RunState &run) {
     constexpr const char *NO_MEMORY = "Insufficient memory to allocate arrays in GETIP1";
     Options &opt = run.opt;
     Periods &periods = run.periods;
-    if (!make_head_arrays(run.files, run.bodies))
+    TypedInput typed;
+    if (!make_head_arrays(run.files, run.bodies, typed))
         return MSGOUT(NO_MEMORY);
-    if (failed(RDCONF(run)) || failed(check_configuration(opt, run.bodies)) || failed(RDNAMS(run.files)))
+    if (failed(RDCONF(run.files.config, opt, run.bodies.NEWMDS, typed)) || failed(check_configuration(opt, run.bodies)) || failed(RDNAMS(run.files)))
         return Status::failed;
     if (opt.IWADD == 1 && failed(RDFDFN(run.files)))
         return Status::failed;
-    if (failed(POTRD(run)))
+    if (failed(POTRD({run.files, opt, run.bodies, periods, typed})))
         return Status::failed;
     periods.NBETAM = std::max(periods.NBETA, 1);
     for (int i = 1; i <= periods.NBETA; ++i) {
         periods.SINBET(i) = std::sin(periods.BETA(i) * DEGREE);
         periods.COSBET(i) = std::cos(periods.BETA(i) * DEGREE);
     }
-    if (failed(GDFRD(run)))
+    if (failed(GDFRD(typed, run)))
         return Status::failed;
-    opt.HBOT = (opt.HBOT > 0 ? opt.HBOT : -1.0f) * opt.RULEN;
-    const Status waves = wave_numbers(opt, run.bodies.ULEN(1), periods);
+    opt.HBOT = (typed.HBOT > 0 ? typed.HBOT : -1.0f) * opt.RULEN;
+    const Status waves = wave_numbers(opt, typed.PER, run.bodies.ULEN(1), periods);
     const Status solver = check_solver(opt);
     const int nwl = std::max(run.waterline.NWL, 1);
     const int nbody = std::max(run.bodies.NBODY, 1);

@@ -48,13 +48,15 @@ Status read_switches(FreeReader &in, Options &opt) {
 }
 
 // Depth, body position and the integration options.
-Status read_position(FreeReader &in, Options &opt, Bodies &bodies) {
+Status read_position(FreeReader &in, const ControlFile &pot) {
+    Options &opt = pot.opt;
+    Bodies &bodies = pot.bodies;
     f32 values[5] = {};
     if (!in.read_array(values, opt.KFLAG[F_XBODY] ? 5 : 1))
         return read_fault(in, "HBOT,XBODY,,... line");
-    opt.HBOT = values[0];
+    pot.typed.HBOT = values[0];
     if (opt.KFLAG[F_XBODY])
-        std::copy(values + 1, values + 5, bodies.XBODY.data());
+        std::copy(values + 1, values + 5, pot.typed.XBODY.data());
     const std::int64_t NMODES = static_cast<std::int64_t>(bodies.NEWMDS(1)) + 6;
     if (!modes_fit(NMODES) || !bodies.MODE.alloc(NMODES))
         return MSGOUT("Insufficient memory to allocate .pot file arrays");
@@ -129,19 +131,21 @@ void settle_problems(View<const int, 1> MODE, Options &opt) {
         opt.IDIFF = 1;
 }
 
-Status POTRD(RunState &run) {
+Status POTRD(const ControlFile &pot) {
     FreeReader in;
-    if (!in.open(run.files.FILNAM(2)))
+    if (!in.open(pot.files.FILNAM(2)))
         return MSGOUT_with("Error opening POT file ", 0, in.fault());
-    if (!in.line(run.files.HEADER(2), 72))
+    if (!in.line(pot.files.HEADER(2), 72))
         return read_fault(in, "header line");
-    if (failed(read_switches(in, run.opt)) || failed(read_position(in, run.opt, run.bodies)) ||
-        failed(read_problems(in, run.opt, run.bodies.MODE)))
+    if (failed(read_switches(in, pot.opt)) || failed(read_position(in, pot)) ||
+        failed(read_problems(in, pot.opt, pot.bodies.MODE)))
         return Status::failed;
-    Periods &per = run.periods;
+    Periods &per = pot.periods;
     const Series periods = {"parameter NPER", "array of periods PER"};
-    if (failed(read_series(in, periods, per.NPER, per.PER, per.WVN0, per.WVNH)))
+    if (failed(read_series(in, periods, per.NPER, pot.typed.PER, per.WVN0, per.WVNH)))
         return Status::failed;
+    if (!per.PER.alloc(std::max(per.NPER, 0)))
+        return MSGOUT("Insufficient memory to allocate .pot file arrays");
     const Series headings = {"parameter NBETA", "array of heading angles BETA"};
     return read_series(in, headings, per.NBETA, per.BETA, per.SINBET, per.COSBET);
 }

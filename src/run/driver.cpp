@@ -61,6 +61,9 @@ void run_solver() {
     RecordFile RESSCR(8);
     if (!RESSCR.open_scratch())
         require(MSGOUT_with("Error opening scratch file, UNIT=", RESSCR.unit(), RESSCR.error()));
+    if (run.opt.IRR == 3)
+        require(generate_free_surface(run));
+    choose_solver(run.opt, run.mesh.NEQN);
     require(INECHO(run));
     run.opt.NCORE = core_order(run.opt, run.mesh.NEQN);
     require(INCHK(run));

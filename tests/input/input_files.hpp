@@ -78,7 +78,10 @@ inline InputFiles good_bodies(InputFiles changes = {}) {
 
 // The input stage as the driver runs it.
 inline Status run_input(RunState &run) {
-    if (failed(GETIP1(run)) || failed(INECHO(run)))
+    if (failed(GETIP1(run)) || (run.opt.IRR == 3 && failed(generate_free_surface(run))))
+        return Status::failed;
+    choose_solver(run.opt, run.mesh.NEQN);
+    if (failed(INECHO(run)))
         return Status::failed;
     Options &opt = run.opt;
     opt.NCORE = std::min(std::max(opt.MAXSCR, 2), opt.ISOLVE >= 2 ? opt.NBLKSZ : run.mesh.NEQN);

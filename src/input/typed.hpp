@@ -1,0 +1,11 @@
+// What the input files hold in units of their own, as typed. GETIP1 turns it into the run state, once.
+#pragma once
+
+#include "base/array.hpp"
+#include "base/types.hpp"
+
+struct TypedInput {
+    f32 HBOT = 0;        // depth, 0 or less: infinite [length]
+    Array<f32, 2> XBODY; // origin of each body [length] and heading [degrees] (4,NBODY)
+    Array<f32, 1> PER;   // periods, frequencies or wave numbers, by IPERIO (NPER)
+};
