@@ -12,6 +12,7 @@
 #include "results/p2f_writer.hpp"
 #include "state/memory_plan.hpp"
 #include "state/messages.hpp"
+#include "run/mesh_report.hpp"
 #include "run/period_loop.hpp"
 #include "state/symmetry.hpp"
 #include "run/wdd_flows.hpp"
@@ -86,6 +87,7 @@ void run_solver() {
         require(WDDLFM(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.sym));
         require(allocate_flows(run));
     }
+    report_mesh(run);
     MEMPLN(run.opt, run.mesh.NEQN, run.sym.NSYMR, run.memory);
     if (run.memory.INCORE)
         require(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store));
