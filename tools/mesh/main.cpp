@@ -1,4 +1,5 @@
 // vorda-mesh: panels of simple hulls as GDF files.
+#include "check.hpp"
 #include "shapes.hpp"
 
 #include <CLI/CLI.hpp>
@@ -136,14 +137,23 @@ CLI::App *add_shape(CLI::App &app, const Shape &shape, Request &r) {
 } // namespace
 
 int main(int argc, char **argv) {
-    CLI::App app("Writes the panels of a simple hull, free surface at z = 0, as a GDF file.\n"
+    CLI::App app("Writes the panels of a simple hull, free surface at z = 0, as a GDF file, or checks such a file.\n"
                  "Panel counts are those of one quarter.");
     app.require_subcommand(1);
     Request r;
     std::vector<CLI::App *> commands;
     for (const Shape &shape : SHAPES)
         commands.push_back(add_shape(app, shape, r));
+    CheckRequest check;
+    CLI::App *check_command = app.add_subcommand("check", "says what is wrong with the mesh of a geometry file");
+    check_command->add_option("FILE", check.file, "geometry file, or global geometry file")->required();
+    check_command->add_option("--depth", check.depth, "water depth, default infinite");
+    check_command->add_option("--wave-length", check.wave_length, "shortest wave, to judge the panels by");
+    check_command->add_flag("--tank", check.tank, "a filled tank: normals out of the fluid");
+    check_command->add_flag("--lids", check.lids, "the global file holds BDTYP and FSDMP (IFSLID)");
     CLI11_PARSE(app, argc, argv);
+    if (check_command->parsed())
+        return check_gdf(check);
 
     const Shape *shape = SHAPES;
     for (CLI::App *command : commands) {
