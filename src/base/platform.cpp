@@ -10,6 +10,7 @@
 #include <mutex>
 #include <pwd.h>
 #include <sstream>
+#include <sys/stat.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
@@ -104,7 +105,7 @@ namespace {
 // What a signal handler can work with: fixed storage, process-wide as signals are.
 struct RegisteredFile {
     volatile std::sig_atomic_t used = 0;
-    char name[16] = {};
+    char name[512] = {};
 };
 RegisteredFile registered[32];
 std::mutex registering;
@@ -164,6 +165,14 @@ void remove_registered_files() noexcept {
             unlink(entry.name);
         }
     }
+}
+
+bool same_file(const std::string &a, const std::string &b) {
+    struct stat of_a, of_b;
+    if (a == b)
+        return true;
+    return stat(a.c_str(), &of_a) == 0 && stat(b.c_str(), &of_b) == 0 && of_a.st_dev == of_b.st_dev &&
+           of_a.st_ino == of_b.st_ino;
 }
 
 DateTime DATTIM() {

@@ -19,10 +19,13 @@ struct MemorySizes {
 void apply_control_groups(const std::string &groups, const std::string &root, MemorySizes &sizes);
 
 // Files that must not outlive the process, by name in the folder of the run: the table has 32 entries of up
-// to 15 characters. A signal that ends the process removes them; the stop routine does so itself.
+// to 511 characters. A signal that ends the process removes them; the stop routine does so itself.
 [[nodiscard]] bool remove_at_end(const std::string &name);
 void forget_at_end(const std::string &name);
 void remove_registered_files() noexcept; // may be called from a signal handler
+
+// True when both names lead to one file on the disk, or are the same.
+bool same_file(const std::string &a, const std::string &b);
 
 // The local date as dd-Mon-yyyy (11 characters) and the time as hh:mm:ss (8 characters).
 struct DateTime {

@@ -1,5 +1,6 @@
 #include "base/text.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -100,10 +101,19 @@ void FreeReader::begin() {
     repeats_ = 0;
     ended_ = false;
     separator_used_ = true; // a comma before the first value stands for an empty one
+    first_line_ = 0;
+}
+
+bool FreeReader::number_follows() const {
+    const std::size_t sign = rest_.find_first_not_of("+-.");
+    return sign != std::string::npos && sign < 3 && rest_[sign] >= '0' && rest_[sign] <= '9';
 }
 
 void FreeReader::finish() {
     const std::size_t end = text_.find('\n', at_);
+    last_line_ = line_;
+    const std::size_t first = std::min(text_.find_first_not_of(" \t\r,", at_), text_.size());
+    rest_ = first < std::min(end, text_.size()) ? trimmed(text_.substr(first, std::min(end, text_.size()) - first)) : "";
     if (end == std::string::npos) {
         at_ = text_.size();
     } else {
@@ -135,6 +145,8 @@ bool FreeReader::token(std::string_view &text) {
         return false;
     }
     const std::size_t first = at_;
+    if (first_line_ == 0)
+        first_line_ = line_;
     while (at_ < text_.size() && !is_blank(text_[at_]) && text_[at_] != '\n' && text_[at_] != ',')
         ++at_;
     separator_used_ = false;

@@ -48,6 +48,13 @@ public:
     const std::string &fault() const { return fault_; }
     // Number of the line that the next read starts on.
     int line_number() const { return line_; }
+    // "file, line n" of the first value of the last read.
+    std::string place() const { return name_ + ", line " + std::to_string(first_line_); }
+    // True when the last read took values of more than one line.
+    bool spread() const { return last_line_ != first_line_; }
+    // What stood behind the last value on its line, without blanks in front; and whether that begins with a number.
+    const std::string &rest() const { return rest_; }
+    bool number_follows() const;
 
 private:
     void begin();
@@ -66,6 +73,8 @@ private:
     int repeats_ = 0;
     std::string_view repeated_;
     std::string fault_;
+    int first_line_ = 0, last_line_ = 0; // of the last read
+    std::string rest_;
 };
 
 // Fixed columns. A value that does not fit fills its columns with asterisks.

@@ -1,5 +1,7 @@
 #include "freesurface/generated_file.hpp"
 
+#include "base/platform.hpp"
+
 #include "base/text.hpp"
 #include "state/messages.hpp"
 
@@ -65,7 +67,7 @@ bool write_all(const RunState &run, int body, int first, std::FILE *file) {
 Status write_generated_geometry(const RunState &run, int body, int first, const std::string &name) {
     for (int i = 1; i <= static_cast<int>(run.files.FILNAM.entry.size()); ++i) {
         // Entry 4 is the name of this file itself.
-        if (i != 4 && run.files.FILNAM(i) == name)
+        if (i != 4 && same_file(run.files.FILNAM(i), name))
             return MSGOUT_with("The generated geometry file would replace another file, body N=", body,
                                name + ": give that file another extension");
     }

@@ -3,8 +3,11 @@
 #include "base/text.hpp"
 #include "state/messages.hpp"
 
+#include <algorithm>
+#include <numeric>
 #include <string_view>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -52,7 +55,7 @@ bool body_number(const std::string &word, FreeReader &text, const std::string &n
     return text.read(body) && body >= 1;
 }
 
-Status read_new_modes(Array<int, 1> &NEWMDS, const std::string &word, FreeReader &value, const std::string &name,
+Status read_new_modes(std::map<int, int> &NEWMDS, const std::string &word, FreeReader &value, const std::string &name,
                       int line) {
     FreeReader index;
     int body = 1;
@@ -62,9 +65,7 @@ Status read_new_modes(Array<int, 1> &NEWMDS, const std::string &word, FreeReader
                                   : index.fault();
         return MSGOUT_with(READ_FAULT, 0, detail);
     }
-    if (body > NEWMDS.dim(1) && !NEWMDS.resize_last(body))
-        return MSGOUT(" Allocation error reading CONFIG.VRD, NEWMDS");
-    if (!value.read(NEWMDS(body)))
+    if (!value.read(NEWMDS[body]))
         return MSGOUT_with(READ_FAULT, 0, value.fault());
     return Status::ok;
 }
@@ -72,7 +73,6 @@ Status read_new_modes(Array<int, 1> &NEWMDS, const std::string &word, FreeReader
 // What settings go to.
 struct Settings {
     Options &opt;
-    Array<int, 1> &NEWMDS;
     TypedInput &typed;
 };
 
@@ -89,15 +89,43 @@ Status read_setting(const Settings &to, const Keyword &key, Setting &setting) {
         to.opt.KFLAG[static_cast<std::size_t>(key.flag)] = false;
     FreeReader &value = setting.value;
     if (key.word == "NEWMDS")
-        return read_new_modes(to.NEWMDS, setting.word, value, setting.place, setting.line);
+        return read_new_modes(to.typed.NEWMDS, setting.word, value, setting.place, setting.line);
     const bool good =
         key.value != nullptr ? value.read(to.opt.*key.value) : value.read_array(to.typed.XBODY.data(), 4);
     return good ? Status::ok : MSGOUT_with(READ_FAULT, 0, value.fault());
 }
 
+// Number of letters to change, add or leave out from one word to the other.
+std::size_t edits(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t above = row[j];
+            row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (a[i - 1] == b[j - 1] ? 0 : 1)});
+            diagonal = above;
+        }
+    }
+    return row.back();
+}
+
+// A line with "=" behind one word that is no keyword. What begins with another sign or has several words is a comment.
+void warn_of_keyword(const std::string &typed, const std::string &name, int line) {
+    const std::string word = trimmed(typed);
+    if (word.empty() || word[0] < 'A' || word[0] > 'Z' || word.find_first_of(" \t") != std::string::npos)
+        return;
+    const Keyword &nearest = *std::min_element(std::begin(KEYWORDS), std::end(KEYWORDS), [&](const Keyword &a, const Keyword &b) {
+        return edits(word, a.word) < edits(word, b.word);
+    });
+    message("WARNING: unknown keyword in the configuration file: " + word);
+    message_detail(name + ", line " + std::to_string(line) + "; the nearest is " + std::string(nearest.word));
+}
+
 } // namespace
 
-Status RDCONF(const std::string &name, Options &opt, Array<int, 1> &NEWMDS, TypedInput &typed) {
+Status RDCONF(const std::string &name, Options &opt, TypedInput &typed) {
     opt.KFLAG.fill(true);
     FreeReader in;
     if (!in.open(name)) {
@@ -109,17 +137,26 @@ Status RDCONF(const std::string &name, Options &opt, Array<int, 1> &NEWMDS, Type
     std::string line;
     while (true) {
         const int number = in.line_number();
-        if (!in.line(line, LINE_LENGTH))
+        if (!in.line(line, std::string::npos))
             return Status::ok;
+        if (line.size() > LINE_LENGTH && line.find_first_not_of(" \t", LINE_LENGTH) != std::string::npos) {
+            message("WARNING: text behind column 80 of the configuration file does not count");
+            message_detail(name + ", line " + std::to_string(number));
+        }
+        line.resize(std::min(line.size(), LINE_LENGTH));
         const std::size_t equals = line.find('=');
         Setting setting{keyword_text(line, equals), {}, "the setting in " + name, number};
+        bool known = setting.word.empty();
         for (const Keyword &key : KEYWORDS) {
             if (setting.word.compare(0, key.word.size(), key.word) != 0)
                 continue;
             setting.value.open_text(setting.place, line.substr(equals + 1), number);
-            if (failed(read_setting({opt, NEWMDS, typed}, key, setting)))
+            if (failed(read_setting({opt, typed}, key, setting)))
                 return Status::failed;
+            known = true;
             break;
         }
+        if (!known)
+            warn_of_keyword(setting.word, name, number);
     }
 }

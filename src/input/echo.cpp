@@ -106,7 +106,7 @@ Status MODCHK(int body, int source, const DateTime &now, RunState &run) {
     SETEXT(FILNAM, source, body + 4, PRE);
     const std::string pre = FILNAM(body + 4);
     SETEXT(FILNAM, body + 4, body + 4, MOD);
-    if (FILNAM(body + 4) == geometry || pre == geometry)
+    if (same_file(FILNAM(body + 4), geometry) || same_file(pre, geometry) || same_file(pre, FILNAM(2)))
         return MSGOUT_with("The PRE or MOD file would replace the GDF file of body N=", body,
                            geometry + ": give the GDF file another extension");
     FreeReader in;

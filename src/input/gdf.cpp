@@ -53,7 +53,8 @@ Status check_single_end(FreeReader &in) {
     int extra = 0;
     if (in.read(extra) ? extra == 0 : in.ended())
         return Status::ok;
-    return MSGOUT_with("Error:  Extra data at end of geometric data file", 0, in.fault());
+    return MSGOUT_with("Error:  Extra data at end of geometric data file", 0,
+                       (in.fault().empty() ? in.place() + ": found " + std::to_string(extra) : in.fault()) + EXTRA_HINT);
 }
 
 Status read_single(FreeReader &in, GdfHead &head, const TypedInput &typed, RunState &run) {
@@ -141,7 +142,11 @@ Status read_gdf_counts(FreeReader &in, int body, int slot, Bodies &bodies) {
         return gdf_fault("Error reading GDF file, NEQN line", body, in.fault());
     if (bodies.NEQNB(slot) < 1)
         return gdf_fault("Error reading GDF file, NEQN line", body,
-                         "the number of panels must be at least 1");
+                         in.place() + ": the number of panels must be at least 1");
+    if (in.number_follows() && in.rest()[0] != '0') {
+        message("WARNING: a second number behind NEQN does not count as NDIPB");
+        message_detail(in.place() + ": \"" + in.rest() + "\"; write two numbers, the first behind a blank");
+    }
     return Status::ok;
 }
 
@@ -161,7 +166,7 @@ Status read_gdf_panels(FreeReader &in, const PanelPlace &place, Array<f32, 3> &X
             const f32 *vertex = xyz + 3 * (v - 1);
             if (vertex[2] > limit)
                 return MSGOUT_with("Error in GDF file: vertex above free surface for panel N=", i,
-                                   "vertex " + std::to_string(v));
+                                   in.place() + ": vertex " + std::to_string(v) + " at z =" + sci(12, 4, vertex[2] - place.surface));
             for (int c = 1; c <= 3; ++c)
                 XVER(v, c, place.first + i - 1) = vertex[c - 1] * place.RULEN;
         }
@@ -224,7 +229,8 @@ Status GDFRD(TypedInput &typed, RunState &run) {
     if (failed(read_gdf_title(run.files.FILNAM(1), 0, in, head)))
         return Status::failed;
     if (!(head.GRAV > 0))
-        return gdf_fault("Error reading GDF file, ULEN,GRAV line", 0, "gravity must be above 0");
+        return gdf_fault("Error reading GDF file, ULEN,GRAV line", 0,
+                         in.place() + ": gravity must be above 0, found" + sci(12, 4, head.GRAV));
     run.files.HEADER(1) = head.title;
     run.bodies.ULEN(1) = head.ULEN;
     run.opt.GRAV = head.GRAV;

@@ -13,6 +13,9 @@
 // solution cannot get by symmetry are mirrored.
 [[nodiscard]] Status GDFRD(TypedInput &typed, RunState &run);
 
+// What may be meant by numbers behind the panels.
+constexpr const char *EXTRA_HINT = "; more panels than NEQN says, or dipole records without NDIPB = 1 behind NEQN";
+
 // Pieces of both forms. A body number 0 stands for the single-body form; its messages name no body.
 
 // Title, length scale, gravity and symmetry indices of a geometry file.

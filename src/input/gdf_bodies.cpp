@@ -21,10 +21,13 @@ constexpr f32 SHORTEST_LENGTH = 1.0e-5f; // ULEN(1) below it is no length
 bool make_body_arrays(const Options &opt, Bodies &bodies, TypedInput &typed) {
     const int N = bodies.NBODY;
     std::int64_t modes = 6 * static_cast<std::int64_t>(N);
-    for (int n = 1; n <= std::min<std::int64_t>(N, bodies.NEWMDS.dim(1)); ++n)
-        modes += bodies.NEWMDS(n);
-    if (!modes_fit(modes) || (bodies.NEWMDS.dim(1) < N && !bodies.NEWMDS.resize_last(N)))
+    for (const auto &[n, count] : typed.NEWMDS)
+        modes += n <= N ? count : 0;
+    if (!modes_fit(modes) || !bodies.NEWMDS.resize_last(N))
         return false;
+    for (const auto &[n, count] : typed.NEWMDS)
+        if (n <= N)
+            bodies.NEWMDS(n) = count;
     bodies.NMODES = static_cast<int>(modes);
     if (opt.IFSLID != 0 && (!bodies.BDTYP.alloc(N) || !bodies.FSDMP.alloc(N) || !bodies.IPANB0.alloc(N) ||
                             !bodies.IPANB1.alloc(N)))
@@ -65,6 +68,9 @@ Status read_body_entry(FreeReader &in, int N, int modes, TypedInput &typed, RunS
     if (!in.line(name, std::string::npos))
         return fault("GDF filename");
     FNNORM(name);
+    if (name.empty())
+        return MSGOUT_with("Error reading GDF filename in global GDF file for body N=", N,
+                           run.files.FILNAM(1) + ", line " + std::to_string(in.line_number() - 1) + ": the line is empty");
     if (!in.read_array(&typed.XBODY(1, N), 4))
         return fault("XBODY coordinates");
     int IRAD = 0;
@@ -72,9 +78,9 @@ Status read_body_entry(FreeReader &in, int N, int modes, TypedInput &typed, RunS
     if (!in.read(IRAD, IDIFF))
         return fault("IRAD,IDIFF");
     if (IRAD < -1 || IRAD > 1)
-        return MSGOUT("Value of IRAD index is illegal for body N=", N);
+        return MSGOUT_with("Value of IRAD index is illegal for body N=", N, in.place() + ": found " + std::to_string(IRAD));
     if (IDIFF < -1 || IDIFF > 1)
-        return MSGOUT("Value of IDIFF index is illegal for body N=", N);
+        return MSGOUT_with("Value of IDIFF index is illegal for body N=", N, in.place() + ": found " + std::to_string(IDIFF));
     int *MODE = bodies.MODE.data() + modes;
     const int count = 6 + bodies.NEWMDS(N);
     if (!in.read_array(MODE, 6))
@@ -98,7 +104,7 @@ Status read_index(FreeReader &in, TypedInput &typed, RunState &run) {
     if (!in.read(bodies.NBODY))
         return MSGOUT_with("Error reading global GDF file:  parameter NBODY ", 0, in.fault());
     if (bodies.NBODY < 1)
-        return MSGOUT(" Value of NBODY in global GDF is illegal:  NBODY=", bodies.NBODY);
+        return MSGOUT_with(" Value of NBODY in global GDF is illegal:  NBODY=", bodies.NBODY, in.place());
     // The name of the free-surface file and that of the first body share a place of FILNAM.
     if (bodies.NBODY == 1 && run.opt.IWADD == 1)
         return MSGOUT("A global GDF file is not possible when IWADD=1");
@@ -174,7 +180,7 @@ Status take_head(FreeReader &in, int N, const GdfHead &head, RunState &run) {
         run.opt.RULEN = 1.0f / head.ULEN;
     }
     if (!(std::fabs(head.GRAV - run.opt.GRAV) <= GRAVITY_TOLERANCE))
-        return MSGOUT("Error in value of GRAV in GDF file for body N=", N);
+        return MSGOUT_with("Error in value of GRAV in GDF file for body N=", N, in.place() + ": found" + sci(12, 4, head.GRAV) + ", the global file has" + sci(12, 4, run.opt.GRAV));
     run.opt.ISX = head.ISX;
     run.opt.ISY = head.ISY;
     if (head.ISX == -1 || head.ISY == -1)
@@ -195,7 +201,8 @@ Status read_body_panels(FreeReader &in, int N, int first, f32 ZB, RunState &run)
         return gdf_fault("Error reading GDF file", N);
     f32 extra = 0;
     if (in.read(extra) || !in.ended())
-        return MSGOUT_with("Error in GDF file: extra data at end of file for body N=", N, in.fault());
+        return MSGOUT_with("Error in GDF file: extra data at end of file for body N=", N,
+                           (in.fault().empty() ? in.place() : in.fault()) + EXTRA_HINT);
     return Status::ok;
 }
 

@@ -22,16 +22,17 @@ bool make_head_arrays(Files &files, Bodies &bodies, TypedInput &typed) {
 }
 
 // Settings that no other file has to be known for.
-Status check_configuration(const Options &opt, const Bodies &bodies) {
+Status check_configuration(const Options &opt, const std::map<int, int> &NEWMDS) {
     if (opt.IWADD != 0 && opt.IWADD != 1)
         return MSGOUT("Illegal value of IWADD=", opt.IWADD);
     if (opt.ISCATT != 0 && opt.ISCATT != 1)
         return MSGOUT("Illegal value of ISCATT=", opt.ISCATT);
-    if (bodies.NEWMDS(1) != 0 && opt.IWADD == 1)
+    const auto of_body_1 = NEWMDS.find(1);
+    if (opt.IWADD == 1 && of_body_1 != NEWMDS.end() && of_body_1->second != 0)
         return MSGOUT("Value of NEWMDS is not possible when IWADD=1");
-    for (int n = 1; n <= bodies.NEWMDS.dim(1); ++n) {
-        if (bodies.NEWMDS(n) < 0)
-            return MSGOUT("Value of NEWMDS is illegal In CONFIG file: NEWMDS=", bodies.NEWMDS(n));
+    for (const auto &[body, modes] : NEWMDS) {
+        if (modes < 0)
+            return MSGOUT("Value of NEWMDS is illegal In CONFIG file: NEWMDS=", modes);
     }
     return Status::ok;
 }
@@ -101,8 +102,12 @@ Status GETIP1(RunState &run) {
     TypedInput typed;
     if (!make_head_arrays(run.files, run.bodies, typed))
         return MSGOUT(NO_MEMORY);
-    if (failed(RDCONF(run.files.config, opt, run.bodies.NEWMDS, typed)) || failed(check_configuration(opt, run.bodies)) || failed(RDNAMS(run.files)))
+    // The names come first: a result of an earlier run must not survive a fault of the configuration.
+    const Status configured = RDCONF(run.files.config, opt, typed);
+    if (failed(RDNAMS(run.files, opt)) || failed(configured) || failed(check_configuration(opt, typed.NEWMDS)))
         return Status::failed;
+    if (typed.NEWMDS.count(1) > 0)
+        run.bodies.NEWMDS(1) = typed.NEWMDS[1];
     if (opt.IWADD == 1 && failed(RDFDFN(run.files)))
         return Status::failed;
     if (failed(POTRD({run.files, opt, run.bodies, periods, typed})))
@@ -114,6 +119,10 @@ Status GETIP1(RunState &run) {
     }
     if (failed(GDFRD(typed, run)))
         return Status::failed;
+    for (const auto &[body, modes] : typed.NEWMDS) {
+        if (body > std::max(run.bodies.NBODY, 1) && modes != 0)
+            message("WARNING: NEWMDS of a body that does not exist, N=", body);
+    }
     opt.HBOT = (typed.HBOT > 0 ? typed.HBOT : -1.0f) * opt.RULEN;
     const Status waves = wave_numbers(opt, typed.PER, run.bodies.ULEN(1), periods);
     const Status solver = check_solver(opt);

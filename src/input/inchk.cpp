@@ -1,3 +1,4 @@
+#include "base/text.hpp"
 #include "input/input.hpp"
 #include "state/messages.hpp"
 #include "state/method.hpp"
@@ -35,8 +36,11 @@ void check_solver(const RunState &run, Faults &faults) {
 void check_problem(const RunState &run, Faults &faults) {
     const Options &opt = run.opt;
     const Bodies &bodies = run.bodies;
-    for (const int index : {opt.ISX, opt.ISY})
+    for (const int index : {opt.ISX, opt.ISY}) {
         faults.test(index < -1 || index > 1, "Value of a symmetry index is illegal");
+        if (index < -1 || index > 1)
+            message_detail(run.files.FILNAM(1) + ": ISX=" + std::to_string(opt.ISX) + ", ISY=" + std::to_string(opt.ISY));
+    }
     for (const int index : {opt.ISX, opt.ISY})
         faults.test(index == -1 && bodies.NBODY >= 2, "Combination of wall plus NBODY is illegal");
     // The modes of a first pass are not final yet.
@@ -72,10 +76,30 @@ void check_depth(const RunState &run, Faults &faults) {
         for (int ip = first; ip < first + run.bodies.NEQNB(b); ++ip) {
             for (int v = 1; v <= 4; ++v) {
                 if (run.mesh.XVER(v, 3, ip) + run.bodies.XBODY(3, b) < lowest)
-                    return faults.test(true, "Error: vertex below the bottom, z below -HBOT, for panel I=", ip);
+                {
+                    faults.test(true, "Error: vertex below the bottom, z below -HBOT, for panel I=", ip);
+                    const f32 L = run.bodies.ULEN(1);
+                    return message_detail("panel " + std::to_string(ip - first + 1) + " of body " + std::to_string(b) +
+                                          ", vertex " + std::to_string(v) + ": z =" +
+                                          sci(12, 4, (run.mesh.XVER(v, 3, ip) + run.bodies.XBODY(3, b)) * L) + ", HBOT" +
+                                          sci(12, 4, run.opt.HBOT * L));
+                }
             }
         }
         first += run.bodies.NEQNB(b);
+    }
+}
+
+// The Green function of finite depth has a range of depths in wave numbers.
+void check_depth_range(const RunState &run, Faults &faults) {
+    constexpr f32 SHALLOW = 1.0e-5f, DEEP = 1.0e5f;
+    for (int t = 1; run.opt.HBOT > 0 && run.opt.IRRX == 0 && t <= run.periods.NPER; ++t) {
+        const f32 H = run.periods.WVN0(t) * run.opt.HBOT;
+        if (limit_of(run.periods.WVN0(t)) != 0 || (H >= SHALLOW && H <= DEEP))
+            continue;
+        faults.test(true, "Error return in HGRN98: depth HBOT is illegal ");
+        message_detail("period " + std::to_string(t) + ", " + trimmed(sci(11, 4, run.periods.PER(t))) + " s: depth times wave number" +
+                       sci(11, 3, H) + ", not between 1.E-5 and 1.E5; give HBOT = 0 for deep water");
     }
 }
 
@@ -98,6 +122,7 @@ Status INCHK(const RunState &run) {
     check_solver(run, faults);
     check_problem(run, faults);
     check_depth(run, faults);
+    check_depth_range(run, faults);
     if (run.opt.IWADD == 1)
         check_drift_damping(run, faults);
     if (run.dipoles.IDIPOL) {

@@ -1,5 +1,6 @@
 #include "input/names.hpp"
 
+#include "base/platform.hpp"
 #include "base/text.hpp"
 #include "state/messages.hpp"
 
@@ -8,6 +9,7 @@
 #include <iostream>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -50,6 +52,24 @@ Status remove_old_result(const std::string &name) {
     return Status::ok;
 }
 
+// The files that the geometry file names, as far as it can be read; it is judged later.
+std::vector<std::string> files_of(const std::string &gdf, const Options &opt) {
+    std::vector<std::string> files{gdf};
+    FreeReader in;
+    std::string line;
+    f32 values[2], XBODY[4];
+    int NBODY = 0, numbers[6];
+    if (!in.open(gdf) || !in.line(line, WHOLE_LINE) || !in.read_array(values, 2) || values[0] > 0 || !in.read(NBODY))
+        return files;
+    for (int b = 1; b <= NBODY && name_line(in, line); ++b) {
+        files.push_back(line);
+        if (!in.read_array(XBODY, 4) || !in.read_array(numbers, 2) || !in.read_array(numbers, 6) ||
+            (opt.IFSLID != 0 && !in.read_array(values, 2)))
+            break;
+    }
+    return files;
+}
+
 } // namespace
 
 void FNNORM(std::string &name) {
@@ -67,7 +87,7 @@ void SETEXT(NameTable &FILNAM, int a, int b, int c) {
     FILNAM(b) = name.substr(0, dot) + EXTS.at(static_cast<std::size_t>(c) - 1);
 }
 
-Status RDNAMS(Files &files) {
+Status RDNAMS(Files &files, const Options &opt) {
     FreeReader in;
     std::string gdf;
     std::string pot;
@@ -95,9 +115,15 @@ Status RDNAMS(Files &files) {
     files.FILNAM(2) = pot;
     SETEXT(files.FILNAM, 2, 3, 3);
     const std::string &p2f = files.FILNAM(3);
-    if (p2f == gdf || p2f == pot)
-        return MSGOUT_with("The P2F file would replace an input file", 0,
-                           p2f + ": give the GDF and the POT file another extension");
+    std::vector<std::string> inputs = files_of(gdf, opt);
+    inputs.insert(inputs.end(), {pot, files.config, files.names});
+    for (const std::string &input : inputs) {
+        if (same_file(p2f, input))
+            return MSGOUT_with("The P2F file would replace an input file", 0,
+                               p2f + " and " + input + ": give the GDF and the POT file another extension");
+        if (same_file(files.list, input))
+            return MSGOUT_with("The list file would replace an input file", 0, input + ": give it another name");
+    }
     return remove_old_result(p2f);
 }
 

@@ -15,6 +15,16 @@ Status read_fault(const FreeReader &in, const char *what) {
     return MSGOUT_with(std::string("Error reading POT file, ") + what, 0, in.fault());
 }
 
+// Two settings of one item show as a read that runs on over lines, or as numbers that are left over.
+void warn_of_line(const FreeReader &in, const char *items) {
+    if (!in.spread() && !in.number_follows())
+        return;
+    message(in.spread() ? "WARNING: a read of the POT file takes values of more than one line"
+                        : "WARNING: a line of the POT file holds more numbers than are read");
+    message_detail(in.place() + ": " + items + (in.spread() ? "" : "; left over: \"" + in.rest() + "\"") +
+                   "; what config.vrd sets must not stand in the POT file");
+}
+
 // Reads a switch, unless the configuration file gave it, and tests it for 0 and 1.
 Status read_switch(FreeReader &in, bool in_pot, const std::string &name, int &value) {
     if (in_pot && !in.read(value))
@@ -54,6 +64,7 @@ Status read_position(FreeReader &in, const ControlFile &pot) {
     f32 values[5] = {};
     if (!in.read_array(values, opt.KFLAG[F_XBODY] ? 5 : 1))
         return read_fault(in, "HBOT,XBODY,,... line");
+    warn_of_line(in, opt.KFLAG[F_XBODY] ? "HBOT, XBODY(1..4)" : "HBOT (XBODY stands in config.vrd)");
     pot.typed.HBOT = values[0];
     if (opt.KFLAG[F_XBODY])
         std::copy(values + 1, values + 5, pot.typed.XBODY.data());
@@ -66,6 +77,8 @@ Status read_position(FreeReader &in, const ControlFile &pot) {
         missing += opt.KFLAG[static_cast<std::size_t>(flag)] ? 1 : 0;
     if (missing > 0 && !in.read_array(options, missing))
         return read_fault(in, "IQUAD,ILOG,IDIAG line");
+    if (missing > 0)
+        warn_of_line(in, missing == 3 ? "IQUAD, ILOG, IDIAG" : "those of IQUAD, ILOG, IDIAG that config.vrd leaves out");
     const int *next = options;
     if (opt.KFLAG[F_IQUAD])
         opt.IQUAD = *next++;
@@ -83,9 +96,9 @@ Status read_problems(FreeReader &in, Options &opt, Array<int, 1> &MODE) {
     if (!in.read(opt.IRAD, opt.IDIFF))
         return read_fault(in, "IRAD,IDIFF line");
     if (opt.IRAD < -1 || opt.IRAD > 1)
-        return MSGOUT("Value of IRAD index is illegal in POT file");
+        return MSGOUT_with("Value of IRAD index is illegal in POT file", 0, in.place() + ": found " + std::to_string(opt.IRAD));
     if (opt.IDIFF < -1 || opt.IDIFF > 1)
-        return MSGOUT("Value of IDIFF index is illegal in POT file");
+        return MSGOUT_with("Value of IDIFF index is illegal in POT file", 0, in.place() + ": found " + std::to_string(opt.IDIFF));
     if (opt.IWADD == 1 && opt.IDIFF == 0)
         return MSGOUT("IDIFF must be -1 or 1 when IWADD=1");
     if (!in.read_array(MODE.data(), 6))

@@ -1,5 +1,6 @@
 #include "results/p2f_writer.hpp"
 
+#include "base/platform.hpp"
 #include "base/text.hpp"
 #include "state/messages.hpp"
 
@@ -234,13 +235,17 @@ Status RESWRT(RunState &run, RecordFile &RESSCR) {
     const std::string &name = run.files.FILNAM(3);
     const std::string unfinished = name + ".part";
     RecordFile file(3);
+    (void)remove_at_end(unfinished); // a longer name is at the mercy of signals
     bool good = file.create(unfinished) && write_sizes(run, file) && write_geometry(run, file) &&
                 write_options(run, file) && write_text(run, file) &&
                 (run.opt.IWADD == 1 ? copy_blocks(run, RESSCR, file) : copy_periods(run, RESSCR, file));
     good = file.close() && good;
-    if (good && std::rename(unfinished.c_str(), name.c_str()) == 0)
+    good = good && std::rename(unfinished.c_str(), name.c_str()) == 0;
+    if (!good)
+        std::remove(unfinished.c_str());
+    forget_at_end(unfinished);
+    if (good)
         return Status::ok;
-    std::remove(unfinished.c_str());
     return MSGOUT_with("Error writing P2F file " + name, 0,
                        file.error().empty() ? RESSCR.error() : file.error());
 }

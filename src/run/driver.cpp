@@ -55,7 +55,7 @@ Status rankine_matrices(RunState &run, ScratchStore &scratch) {
 void run_solver() {
     // On the heap: other threads may still read it while the stop routine ends the process.
     RunState &run = *new RunState;
-    require(LISOPN("vorda.lis"));
+    require(LISOPN(run.files.list));
     require(GETIP1(run));
     limit_threads(run.opt.NTRD);
     MEMRPT(run.memory);

@@ -60,6 +60,15 @@ Status solve_directly(View<const c32, 2> LU, const int *IPIV, int n,
     return Status::ok;
 }
 
+namespace {
+
+void report_no_convergence() {
+    message(" No convergence after MAXITT iterations ");
+    warn_at_end("some solutions did not converge (No convergence after MAXITT iterations): use ISOLVE=1, or other panels");
+}
+
+} // namespace
+
 Status solve_iteratively(int n, f32 EPS, const Sweep &sweep, const std::vector<RightHandSide> &columns,
                          int (&ITER)[2]) {
     std::vector<IterativeColumn> solutions(columns.size());
@@ -72,7 +81,7 @@ Status solve_iteratively(int n, f32 EPS, const Sweep &sweep, const std::vector<R
         int &largest = ITER[columns[c].radiation ? 0 : 1];
         largest = std::max(largest, solutions[c].ITER);
         if (solutions[c].outcome == Outcome::not_converged)
-            message(" No convergence after MAXITT iterations ");
+            report_no_convergence();
         if (solutions[c].outcome == Outcome::singular) {
             (void)MSGOUT(" Error in iterative solver: residual matrix is singular ");
             status = report_columns({columns[c]});

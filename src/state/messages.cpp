@@ -3,12 +3,14 @@
 #include "base/platform.hpp"
 #include "base/text.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -18,7 +20,9 @@ constexpr const char *RELEASE_DATE = "24-Nov-2026";
 struct ListFile {
     std::FILE *file = nullptr;
     std::string name;
-    std::string first_fault;
+    std::string first_fault, first_detail;
+    bool first_is_last = false; // nothing was told since the first fault: a detail belongs to it
+    std::vector<std::string> end_warnings;
     std::string results;
     bool write_failed = false;
     std::mutex lock;
@@ -51,6 +55,11 @@ void write_message(const std::string &text) {
     write_locked(" ");
     write_locked(" " + text);
     write_locked(" ");
+}
+
+std::string trimmed_front(const std::string &text) {
+    const std::size_t first = text.find_first_not_of(' ');
+    return trimmed(first == std::string::npos ? "" : text.substr(first));
 }
 
 void write_head_block() {
@@ -100,6 +109,8 @@ void close_list() {
         std::fclose(list.file);
     list.file = nullptr;
     list.first_fault.clear();
+    list.first_detail.clear();
+    list.end_warnings.clear();
     list.write_failed = false;
 }
 
@@ -111,7 +122,8 @@ void list_line(std::string_view line) {
 Status MSGOUT(std::string_view text, int value) {
     const std::lock_guard hold(list.lock);
     const std::string full = with_value(text, value);
-    if (list.first_fault.empty())
+    list.first_is_last = list.first_fault.empty();
+    if (list.first_is_last)
         list.first_fault = full;
     write_message(full);
     return Status::failed;
@@ -119,18 +131,30 @@ Status MSGOUT(std::string_view text, int value) {
 
 void message(std::string_view text, int value) {
     const std::lock_guard hold(list.lock);
+    list.first_is_last = false;
     write_message(with_value(text, value));
 }
 
 void message_detail(std::string_view text) {
-    if (!text.empty())
-        list_line(" (" + std::string(text) + ")");
+    if (text.empty())
+        return;
+    list_line(" (" + std::string(text) + ")");
+    const std::lock_guard hold(list.lock);
+    if (list.first_is_last)
+        list.first_detail = text;
+    list.first_is_last = false;
 }
 
 Status MSGOUT_with(std::string_view text, int value, std::string_view detail) {
     const Status status = MSGOUT(text, value);
     message_detail(detail);
     return status;
+}
+
+void warn_at_end(std::string_view text) {
+    const std::lock_guard hold(list.lock);
+    if (std::find(list.end_warnings.begin(), list.end_warnings.end(), text) == list.end_warnings.end())
+        list.end_warnings.emplace_back(text);
 }
 
 void ALERT(std::string_view text) {
@@ -150,12 +174,18 @@ void results_complete(const std::string &name) {
 void STOPRN(int code) {
     // Held to the end: no other thread writes any more.
     list.lock.lock();
-    if (list.file != nullptr && isatty(STDERR_FILENO) == 1) {
-        if (!list.first_fault.empty())
-            std::fprintf(stderr, "\r\033[Kvorda: %s (see %s)\n", list.first_fault.c_str(), list.name.c_str());
-        else if (!list.results.empty())
-            std::fprintf(stderr, "\r\033[Kvorda: results in %s, report in %s\n", list.results.c_str(),
-                         list.name.c_str());
+    const bool terminal = isatty(STDERR_FILENO) == 1;
+    const char *const clear = terminal ? "\r\033[K" : "";
+    for (const std::string &warning : list.end_warnings) {
+        write_message("WARNING: " + warning);
+        std::fprintf(stderr, "%svorda: warning: %s\n", clear, warning.c_str());
+    }
+    if (list.file != nullptr && !list.first_fault.empty()) {
+        const std::string detail = list.first_detail.empty() ? "" : " (" + list.first_detail + ")";
+        std::fprintf(stderr, "%svorda: %s%s, see %s\n", clear, trimmed_front(list.first_fault).c_str(), detail.c_str(),
+                     list.name.c_str());
+    } else if (list.file != nullptr && terminal && !list.results.empty()) {
+        std::fprintf(stderr, "%svorda: results in %s, report in %s\n", clear, list.results.c_str(), list.name.c_str());
     }
     if (list.file != nullptr)
         std::fclose(list.file);

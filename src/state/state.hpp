@@ -69,6 +69,7 @@ struct NameTable {
 struct Files {
     std::string config = "config.vrd";
     std::string names = "fnames.vrd";
+    std::string list = "vorda.lis";
     NameTable HEADER; // titles: 1 GDF or global GDF, 2 POT, N+2 GDF of body N, 5 FDF in the single-body form
     NameTable FILNAM; // 1 GDF or global GDF, 2 POT, 3 P2F, 4 generated geometry, 5 FDF; N+4 GDF of body N
 };
