@@ -1,5 +1,7 @@
 #include "base/platform.hpp"
 
+#include "base/address_space.hpp"
+
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -8,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <mutex>
+#include <omp.h>
 #include <pwd.h>
 #include <sstream>
 #include <sys/stat.h>
@@ -95,6 +98,11 @@ bool query_memory(MemorySizes &sizes) {
     }
     if (!has_total || !has_available)
         return false;
+    const std::int64_t limit = address_space_limit();
+    if (limit >= 0) // what is mapped already counts, and buffers are still to come
+        sizes.available = std::clamp<std::int64_t>(
+            limit - address_space_used() - (address_space_needed(omp_get_max_threads()) - address_space_needed(0)), 0,
+            sizes.available);
     std::ifstream groups("/proc/self/cgroup");
     apply_control_groups(std::string(std::istreambuf_iterator<char>(groups), {}), "/sys/fs/cgroup", sizes);
     return true;

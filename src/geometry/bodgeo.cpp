@@ -199,6 +199,16 @@ void fill_hydrostatics(const Options &opt, const BodySums &V, const BodyRange &r
     set(5, 6, -yb * Vm);
 }
 
+// A level panel within rounding of z = 0 lies there: above it the wave has no value.
+void settle_in_surface(const Options &opt, Panel &p) {
+    constexpr f32 ROUNDING = 1.0e-5f; // of the panel's size
+    if (opt.IRRX != 0 || std::fabs(p.TRM[3][3]) < 0.9999f || std::fabs(p.XCT[3]) > ROUNDING * std::sqrt(p.PMOM[1]))
+        return;
+    p.XCT[3] = 0;
+    for (int k = 1; k <= 4; ++k)
+        p.XGP[k][3] = 0;
+}
+
 void fill_velocities(const Panel &p, View<f32, 2> VEL, int mode, int ip) {
     const f32 *n = p.TRM[3];
     const f32 *x = p.XCT;
@@ -221,6 +231,8 @@ Status BODGEO(const Options &opt, const Dipoles &dipoles, const BodyRange &range
         Panel p{};
         if (failed(PANGEO(mesh.XVER.slice(ip), opt.IDIAG, ip - range.ip1 + 1, p)))
             return Status::failed;
+        if (!std::all_of(p.PMOM + 1, p.PMOM + 14, [](f32 moment) { return std::isfinite(moment); }))
+            return MSGOUT("Error: panel out of proportion to ULEN, its moments overflow, panel I=", ip - range.ip1 + 1);
         // A panel of the free surface that looks down is no wetted hull, nor is one made by projection: no
         // mode moves it.
         if (mesh.projected(ip) == 0 && !(p.TRM[3][3] <= DOWN && p.XCT[3] + at.z >= SURFACE))
@@ -241,10 +253,14 @@ Status BODGEO(const Options &opt, const Dipoles &dipoles, const BodyRange &range
             sums.add_vector_area(mesh.XVER.slice(ip), at);
         }
         move_to_global(at, p);
+        settle_in_surface(opt, p);
         put_panel(p, ip, mesh);
     }
     if (wall)
         close_by_walls(opt, at, sums);
     fill_hydrostatics(opt, sums, range, bodies);
+    for (int c = 1; c <= 3; ++c)
+        if (!std::isfinite(bodies.VOL(c, range.body)) || !std::isfinite(bodies.XCB(c, range.body)))
+            return MSGOUT("Error: body out of proportion to ULEN, its volume overflows");
     return Status::ok;
 }

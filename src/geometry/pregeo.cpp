@@ -1,5 +1,6 @@
 #include "geometry/pregeo.hpp"
 
+#include "base/platform.hpp"
 #include "base/text.hpp"
 #include "geometry/rdmod.hpp"
 #include "state/messages.hpp"
@@ -8,6 +9,23 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
+
+namespace {
+
+// The PRE file under its own name.
+Status finish_pre(const Files &files, int body) {
+    const std::string part = unfinished_pre(files, body), name = trimmed(files.FILNAM(body + 4));
+    if (std::rename(part.c_str(), name.c_str()) != 0)
+        return MSGOUT_with("Error writing PRE file of body N=", body, name);
+    forget_at_end(part);
+    return Status::ok;
+}
+
+} // namespace
+
+std::string unfinished_pre(const Files &files, int body) {
+    return trimmed(files.FILNAM(body + 4)) + ".part";
+}
 
 bool allocate_mesh(Bodies &bodies, Mesh &mesh) {
     const int N = mesh.NEQN;
@@ -45,13 +63,16 @@ Status PREGEO(const Options &opt, const Files &files, const Dipoles &dipoles, Bo
         range.mode += 6 + std::max(bodies.NEWMDS(b), 0);
         range.ip1 = range.ip2 + 1;
     }
+    for (int b = 1; b <= bodies.NBODY; ++b)
+        if (bodies.NEWMDS(b) < 0 && failed(finish_pre(files, b)))
+            return Status::failed;
     if (opt.IMDRUN < 0)
         return MSGOUT(" VORDA run 1 completed -- now run SHAPEX");
     return Status::ok;
 }
 
 Status WRTPRE(const Files &files, const Dipoles &dipoles, const BodyRange &range, const Mesh &mesh) {
-    const std::string name = trimmed(files.FILNAM(range.body + 4));
+    const std::string name = unfinished_pre(files, range.body);
     std::string lines;
     {
         std::ifstream in(name);

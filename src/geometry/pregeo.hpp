@@ -8,6 +8,9 @@
 // the marks of the input stage. False when memory is refused.
 [[nodiscard]] bool allocate_mesh(Bodies &bodies, Mesh &mesh);
 
+// The name of the PRE file of a body, FILNAM(body+4), until it is complete.
+std::string unfinished_pre(const Files &files, int body);
+
 // For each body BODGEO; then turns its six mode switches into mode numbers 1..6, or 0 for a mode that is off.
 // In a first pass of an extra-mode analysis (NEWMDS(b) < 0) it writes the PRE file of the body; the MOD file
 // of a body with NEWMDS(b) > 0 is read. Fills the panel arrays, VEL, RXNG, VOL, XCB, CHYD and MODE. Failed: a

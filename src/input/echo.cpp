@@ -1,6 +1,7 @@
 #include "input/echo.hpp"
 
 #include "base/text.hpp"
+#include "geometry/pregeo.hpp"
 #include "input/input.hpp"
 #include "input/names.hpp"
 #include "state/messages.hpp"
@@ -62,7 +63,9 @@ Status echo_bodies(const DateTime &now, RunState &run) {
 }
 
 Status begin_pre_file(const std::string &heading, int body, const RunState &run) {
-    const std::string &name = run.files.FILNAM(body + 4);
+    // Under another name until the whole input is sound and the panels are written.
+    const std::string name = unfinished_pre(run.files, body);
+    (void)remove_at_end(name);
     std::ofstream out(name, std::ios::trunc | std::ios::binary);
     out << heading << '\n'
         << int_in(8, run.opt.ISX) << int_in(8, run.opt.ISY) << int_in(8, run.bodies.NEQNB(body))

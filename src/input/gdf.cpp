@@ -7,11 +7,13 @@
 #include "state/messages.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace {
 
 constexpr f32 SHORTEST_LENGTH = 1.0e-5f; // ULEN below it is no length
+constexpr f32 LARGEST_LENGTH = 1.0e9f; // in ULEN
 constexpr f32 ABOVE_SURFACE = 1.0e-6f; // dimensional height from which on a vertex is above the free surface
 
 // ISX or ISY as the choice of planes sees it: 1 for a plane that may have to be mirrored (1 and -2), else 0.
@@ -167,6 +169,11 @@ Status read_gdf_panels(FreeReader &in, const PanelPlace &place, Array<f32, 3> &X
             if (vertex[2] > limit)
                 return MSGOUT_with("Error in GDF file: vertex above free surface for panel N=", i,
                                    in.place() + ": vertex " + std::to_string(v) + " at z =" + sci(12, 4, vertex[2] - place.surface));
+            for (int c = 0; c < 3; ++c) {
+                if (std::fabs(vertex[c] * place.RULEN) > LARGEST_LENGTH)
+                    return MSGOUT_with("Error in GDF file: vertex out of proportion to ULEN for panel N=", i,
+                                       in.place() + ": vertex " + std::to_string(v) + sci(12, 4, vertex[c]));
+            }
             for (int c = 1; c <= 3; ++c)
                 XVER(v, c, place.first + i - 1) = vertex[c - 1] * place.RULEN;
         }

@@ -3,7 +3,11 @@
 #include "state/messages.hpp"
 #include "state/method.hpp"
 
+#include <cmath>
+
 namespace {
+
+constexpr f32 LARGEST_LENGTH = 1.0e9f; // in ULEN
 
 // Tells faults and remembers that there was one.
 struct Faults {
@@ -125,6 +129,12 @@ Status INCHK(const RunState &run) {
     check_depth_range(run, faults);
     if (run.opt.IWADD == 1)
         check_drift_damping(run, faults);
+    for (int b = 1; b <= run.bodies.XBODY.dim(2); ++b) {
+        for (int c = 1; c <= 3; ++c)
+            faults.test(std::fabs(run.bodies.XBODY(c, b)) > LARGEST_LENGTH, "XBODY is out of proportion to ULEN for body N=", b);
+    }
+    faults.test(run.opt.HBOT > LARGEST_LENGTH || (run.opt.HBOT > 0 && run.opt.HBOT < 1 / LARGEST_LENGTH),
+                "HBOT is out of proportion to ULEN");
     if (run.dipoles.IDIPOL) {
         faults.test(run.opt.I2ND != 0, "I2ND must be 0 when there are dipoles");
         faults.test(run.opt.IWADD == 1, "IWADD must be 0 when there are dipoles");

@@ -17,7 +17,7 @@
 #include "state/symmetry.hpp"
 #include "run/wdd_flows.hpp"
 
-#include <memory>
+#include <new>
 #include <omp.h>
 
 namespace {
@@ -43,6 +43,15 @@ void write_report_head(RunState &run) {
     }
 }
 
+// The free-surface panels of a drift run; the lists of its readers and makers may not find room.
+Status free_surface_stage(RunState &run) {
+    try {
+        return FDFSTG(run, run.surface);
+    } catch (const std::bad_alloc &) {
+        return MSGOUT("Insufficient memory to allocate arrays in RDFDF");
+    }
+}
+
 // In memory, or as records on the scratch units.
 Status rankine_matrices(RunState &run, ScratchStore &scratch) {
     if (run.memory.INCORE)
@@ -50,11 +59,7 @@ Status rankine_matrices(RunState &run, ScratchStore &scratch) {
     return rankin_on_scratch(run.opt, run.mesh, run.dipoles, run.sym, scratch.RANKINE, scratch.RANKRHS);
 }
 
-} // namespace
-
-void run_solver() {
-    // On the heap: other threads may still read it while the stop routine ends the process.
-    RunState &run = *new RunState;
+[[noreturn]] void run_stages(RunState &run) {
     require(LISOPN(run.files.list));
     require(GETIP1(run));
     limit_threads(run.opt.NTRD);
@@ -77,7 +82,7 @@ void run_solver() {
         require(fill_strips(run, run.strips));
     const bool drift = run.opt.IWADD == 1;
     if (drift)
-        require(FDFSTG(run, run.surface));
+        require(free_surface_stage(run));
     if (run.dipoles.IDIPOL)
         require(INIT_DIPOLE(run.mesh, run.dipoles));
     require(SYMSET(run.bodies.NMODES, run.opt.ISX, run.opt.ISY, run.bodies.MODE, drift ? 1 : run.opt.IDIFF,
@@ -104,4 +109,19 @@ void run_solver() {
     results_complete(run.files.FILNAM(3));
     message(" VORDA module run completed");
     STOPRN(0);
+}
+
+} // namespace
+
+void run_solver() {
+    // On the heap: other threads may still read it while the stop routine ends the process.
+    RunState *run = nullptr;
+    try {
+        run = new RunState;
+        run_stages(*run);
+    } catch (const std::bad_alloc &) {
+        // What no stage has caught: the run ends in order all the same.
+        (void)MSGOUT(" RAM too small ");
+        STOPRN(0);
+    }
 }

@@ -14,6 +14,8 @@
 #include "solve/solve.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <new>
 #include <omp.h>
 
 namespace {
@@ -47,6 +49,35 @@ void write_report_row(RunState &run, int period, int thread_number, const Period
                             report_counts(run.opt.ISOR == 1, counts);
     run.HDRSCR.push_back(row);
     list_line(row);
+}
+
+bool is_finite(c32 v) {
+    return std::isfinite(v.real()) && std::isfinite(v.imag());
+}
+
+// Tells the first value of a column of `values` (NEQN, any, column) that is no number: class and panel.
+template <int R> Status check_finite(const RunState &run, int period, const char *what, const Array<c32, R> &values) {
+    const c32 *first = values.data(), *end = first + values.size();
+    const c32 *bad = std::find_if_not(first, end, is_finite);
+    if (bad == end)
+        return Status::ok;
+    return MSGOUT_with("Error: the solution has values that are not finite, period ", period,
+                       std::string(what) + ", panel " + std::to_string((bad - first) % run.mesh.NEQN + 1) + ", column " +
+                           std::to_string((bad - first) / run.mesh.NEQN + 1) + ": panels or lengths out of proportion");
+}
+
+// Of all that a period leaves.
+Status check_period(const RunState &run, int period, const ThreadState &thread) {
+    const bool sources = run.opt.ISOR == 1;
+    const bool bad = (run.opt.IRAD >= 0 && failed(check_finite(run, period, "radiation potentials", thread.PHIR))) ||
+                     (run.opt.IDIFF >= 0 && failed(check_finite(run, period, "diffraction potentials", thread.PHID))) ||
+                     (sources && run.opt.IRAD >= 0 &&
+                      (failed(check_finite(run, period, "radiation sources", thread.SRCR)) ||
+                       failed(check_finite(run, period, "radiation velocities", thread.VELR)))) ||
+                     (sources && run.opt.IDIFF >= 0 &&
+                      (failed(check_finite(run, period, "diffraction sources", thread.SRCD)) ||
+                       failed(check_finite(run, period, "diffraction velocities", thread.VELD))));
+    return bad ? Status::failed : Status::ok;
 }
 
 // The sources of a period and the velocities that they make, from its potentials.
@@ -118,7 +149,12 @@ void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &
 #pragma omp for ordered schedule(dynamic, 1)
         for (int period = 1; period <= NPER; ++period) {
             PeriodCounts counts;
-            run.periods.WVNH(period) = solve_period(run, period, thread, counts);
+            try { // no exception may leave the region
+                run.periods.WVNH(period) = solve_period(run, period, thread, counts);
+            } catch (const std::bad_alloc &) {
+                require(MSGOUT(" RAM too small "));
+            }
+            require(check_period(run, period, thread));
 #pragma omp ordered
             {
 #pragma omp critical

@@ -250,7 +250,7 @@ TEST(Pregeo, FirstPassWritesThePreFileAndEnds) {
     run.files.FILNAM.resize(5);
     run.files.FILNAM(5) = "a.pre";
     const std::string head = "heading one\n       0       0       1       8\n";
-    folder.write("a.pre", head + "an old line to be dropped\n");
+    folder.write("a.pre.part", head + "an old line to be dropped\n");
     EXPECT_EQ(hulls::pre_pass(run), Status::failed);
     EXPECT_TRUE(folder.told(" VORDA run 1 completed -- now run SHAPEX"));
     EXPECT_EQ(folder.read("a.pre"),

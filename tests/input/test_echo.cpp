@@ -97,7 +97,7 @@ TEST(ExtraModes, first_pass_begins_the_pre_file) {
     EXPECT_EQ(in.run.bodies.NEWMDS(1), -2);
     EXPECT_EQ(in.run.bodies.NMODES, 8);
     EXPECT_EQ(in.run.files.FILNAM(5), "box.pre");
-    const std::string pre = in.folder.read("box.pre");
+    const std::string pre = in.folder.read("box.pre.part");
     EXPECT_EQ(pre.substr(0, 50), " SHAPEX Input,  Filename: box.pre                 ");
     const std::size_t end = pre.find('\n');
     EXPECT_EQ(end, 50u + 11 + 2 + 8); // date, two blanks, time
@@ -111,7 +111,7 @@ TEST(ExtraModes, second_pass_names_the_mod_file) {
     EXPECT_EQ(in.run.opt.IMDRUN, 1);
     EXPECT_EQ(in.run.bodies.NEWMDS(1), 2);
     EXPECT_EQ(in.run.files.FILNAM(5), "box.mod");
-    EXPECT_FALSE(in.folder.exists("box.pre"));
+    EXPECT_FALSE(in.folder.exists("box.pre.part"));
     const std::string titles = title("first title"); // without its empty line
     EXPECT_NE(joined(in.run.HDRSCR)
                   .find(" Input from Extra Mode MOD File:         box.mod             \n" +
