@@ -89,10 +89,11 @@ TEST(AddressSpace, TooSmallEndsTheRun) {
 TEST(Convergence, ThatFailsIsToldAtTheEnd) {
     const CaseFolder folder;
     Pot pot;
-    pot.PER = "50"; // waves much shorter than the panels
+    pot.PER = "30"; // a wave much shorter than the panels
+    pot.BETA = "30";
     pot.ISOR = pot.ILOG = 1;
     prepare(folder, pot, "ISOLVE=0\n");
-    make_mesh(folder, "cylinder --radius 1 --draft 0.1 --nu 10 --nv 2 --nw 10");
+    make_mesh(folder, "cylinder --radius 1 --draft 0.05 --nu 10 --nv 2 --nw 10");
     folder.solve();
     ASSERT_TRUE(folder.lists(" No convergence after MAXITT iterations "));
     EXPECT_TRUE(folder.lists("WARNING: some solutions did not converge"));
