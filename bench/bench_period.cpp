@@ -1,13 +1,13 @@
-// A period of a full hemisphere: assembly and solution, each as a ratio to the factorisation of one class by a bare
-// CGETRF on one core in the same run.
+// A period of a full hemisphere: assembly and solution, each as a ratio to the factorisation of one class by
+// a bare CGETRF on one core in the same run.
 #include "assembly/wavegr.hpp"
 #include "base/lapack.hpp"
 #include "boundary/incident_wave.hpp"
 #include "hull_meshes.hpp"
 #include "rankine/rankin.hpp"
+#include "solve/solve.hpp"
 #include "state/memory_plan.hpp"
 #include "state/symmetry.hpp"
-#include "solve/solve.hpp"
 
 #include <benchmark/benchmark.h>
 #include <chrono>

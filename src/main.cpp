@@ -27,12 +27,14 @@ void check_address_space(int, char **, char **environment) {
     const std::int64_t limit = address_space_limit();
     if (limit < 0 || limit >= address_space_needed(threads_to_come(environment)))
         return;
-    constexpr char text[] = "vorda: RAM too small: the address space is limited (ulimit -v), see docs/input.md\n";
+    constexpr char text[] =
+        "vorda: RAM too small: the address space is limited (ulimit -v), see docs/input.md\n";
     if (write(STDERR_FILENO, text, sizeof text - 1) < 0)
         _exit(0);
     _exit(0);
 }
-[[gnu::section(".preinit_array"), gnu::used]] void (*const before_libraries)(int, char **, char **) = check_address_space;
+[[gnu::section(".preinit_array"), gnu::used]] void (*const before_libraries)(int, char **,
+                                                                             char **) = check_address_space;
 
 } // namespace
 

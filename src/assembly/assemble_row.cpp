@@ -6,7 +6,8 @@ bool RowWork::alloc(const RunState &run) {
            code.alloc(n);
 }
 
-Status assemble_row(const AssemblyFrame &f, const TileRow &at, const int *stored, RowWork &work, BlockSums &sums) {
+Status assemble_row(const AssemblyFrame &f, const TileRow &at, const int *stored, RowWork &work,
+                    BlockSums &sums) {
     free_surface_pairs(f, at, stored, work.code.data(), work.row);
     if (failed(wave_coefficients(f, at.I, work.code.data(), work.row)))
         return Status::failed;

@@ -11,7 +11,7 @@ struct RowWork {
     [[nodiscard]] bool alloc(const RunState &run);
 };
 
-// The row with its Rankine part in the tile and the pair codes `stored` gets its finished entries there, and its share of
-// the right-hand sides in `sums`. Failed: an image has no value; the message is out.
-[[nodiscard]] Status assemble_row(const AssemblyFrame &frame, const TileRow &at, const int *stored, RowWork &work,
-                                  BlockSums &sums);
+// The row with its Rankine part in the tile and the pair codes `stored` gets its finished entries there, and
+// its share of the right-hand sides in `sums`. Failed: an image has no value; the message is out.
+[[nodiscard]] Status assemble_row(const AssemblyFrame &frame, const TileRow &at, const int *stored,
+                                  RowWork &work, BlockSums &sums);

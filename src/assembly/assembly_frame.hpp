@@ -12,8 +12,8 @@ struct PanelArrays {
     Array<f32, 3> XG;   // Gauss points (NEQN,3,4), only on the Gauss path
     Array<f32, 2> GW;   // their weights (NEQN,4)
     Array<f32, 1> IFSP; // free-surface mark (NEQN)
-    Array<f32, 1> DIAG; // what the diagonal of a panel in the free surface has of -4 pi: its mark, but 1 for the image of
-                        // an overhang (NEQN)
+    Array<f32, 1> DIAG; // what the diagonal of a panel in the free surface has of -4 pi: its mark, but 1 for
+                        // the image of an overhang (NEQN)
     Array<int, 1> LID;  // 1: panel of a lid body; only with such a body (NEQN)
     Array<f32, 1> DAMP; // its damping FSDMP (NEQN)
     [[nodiscard]] bool make(const RunState &run);

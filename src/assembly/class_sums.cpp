@@ -16,7 +16,8 @@ void clear(int n, const Split &s) {
 }
 
 // sum = the images of `coefficient` with the signs of the class; image position m starts at m I.
-void sum_images(const Symmetry &sym, int I, int n, int s, const Split &coefficient, const int *axis_sign, const Split &sum) {
+void sum_images(const Symmetry &sym, int I, int n, int s, const Split &coefficient, const int *axis_sign,
+                const Split &sum) {
     clear(n, sum);
     for (int m = 0; m < sym.NSYMG; ++m) {
         const int g = sym.ISYMG[m + 1];
@@ -26,9 +27,9 @@ void sum_images(const Symmetry &sym, int I, int n, int s, const Split &coefficie
     }
 }
 
-// Normal velocity and velocity: the images' velocities with the reflection of each image and the parity of the class.
-// Of a pair in the free surface the dipole coefficient has the mark of the source panel, the normal velocity that of the
-// field panel.
+// Normal velocity and velocity: the images' velocities with the reflection of each image and the parity of
+// the class. Of a pair in the free surface the dipole coefficient has the mark of the source panel, the
+// normal velocity that of the field panel.
 void velocity_sums(const AssemblyFrame &f, const TileRow &at, int s, const WaveRow &row, ClassWork &w) {
     const int I = at.I;
     const int *const axis_sign[3] = {SGX, SGY, nullptr};
@@ -53,8 +54,8 @@ void make_lid_coefficient(const Split &source, const Split &coefficient, int j, 
     coefficient.im[j] = value.imag();
 }
 
-// Every coefficient whose source panel belongs to a lid becomes the source influence times the lid factor, with 4 pi on
-// the diagonal.
+// Every coefficient whose source panel belongs to a lid becomes the source influence times the lid factor,
+// with 4 pi on the diagonal.
 void lid_rules(const AssemblyFrame &f, const TileRow &at, int s, const ClassWork &w) {
     const int I = at.I;
     const auto factor = [&](int P) { return lid_factor(f.panels.DAMP(P), f.wave.NUL); };
@@ -69,8 +70,8 @@ void lid_rules(const AssemblyFrame &f, const TileRow &at, int s, const ClassWork
         at.row(s).re[I - 1] += PI4;
 }
 
-// A porous plate at infinite frequency, where its resistance is none: the jump vanishes, and its row of the equations says
-// that. The right-hand sides are 0 there.
+// A porous plate at infinite frequency, where its resistance is none: the jump vanishes, and its row of the
+// equations says that. The right-hand sides are 0 there.
 void open_plates(const AssemblyFrame &f, const TileRow &at, int s) {
     const int I = at.I;
     const auto clear_element = [](const Split &line, int j) { line.re[j] = line.im[j] = 0; };
@@ -107,7 +108,8 @@ bool ClassWork::alloc(int NEQN, bool velocities) {
     return true;
 }
 
-void free_surface_pairs(const AssemblyFrame &f, const TileRow &at, const int *stored, int *code, WaveRow &row) {
+void free_surface_pairs(const AssemblyFrame &f, const TileRow &at, const int *stored, int *code,
+                        WaveRow &row) {
     const int I = at.I;
     // At the limit frequencies the free-surface condition has no wave part.
     const bool wave = f.wave.IPLIM == 0;
@@ -140,7 +142,8 @@ void free_surface_pairs(const AssemblyFrame &f, const TileRow &at, const int *st
     }
 }
 
-void class_sums(const AssemblyFrame &f, const TileRow &at, int s, const WaveRow &row, ClassWork &w, BlockSums &sums) {
+void class_sums(const AssemblyFrame &f, const TileRow &at, int s, const WaveRow &row, ClassWork &w,
+                BlockSums &sums) {
     const int I = at.I;
     sum_images(f.run.sym, I, I, s, row.DPR, nullptr, w.DROW);
     sum_images(f.run.sym, I, I - 1, s, row.DPC, nullptr, w.DCOL);
@@ -155,7 +158,8 @@ void class_sums(const AssemblyFrame &f, const TileRow &at, int s, const WaveRow 
     }
     if (at.tile.planes > 1)
         velocity_sums(f, at, s, row, w);
-    // The Rankine share of the radiation right-hand sides comes ready-made; diffraction needs the whole source row.
+    // The Rankine share of the radiation right-hand sides comes ready-made; diffraction needs the whole
+    // source row.
     if (f.weights.radiation)
         add_radiation(f.run, f.weights, {I, s, w.SROW, w.SCOL}, sums);
     if (at.tile.keep_source) {

@@ -6,17 +6,19 @@
 
 // Sums over the images of the row at work, one class at a time.
 struct ClassWork {
-    Array<f32, 2> values; // (NEQN, real and imaginary of each)
-    Split SROW, SCOL;     // source influence
-    Split DROW, DCOL;     // wave part of the dipole influence
+    Array<f32, 2> values;   // (NEQN, real and imaginary of each)
+    Split SROW, SCOL;       // source influence
+    Split DROW, DCOL;       // wave part of the dipole influence
     Split VROW[3], VCOL[3]; // wave part of the velocities, ISOR=1
     [[nodiscard]] bool alloc(int NEQN, bool velocities);
 };
 
-// Separates the free-surface mark from the pair codes of the row into code(1..I), EB, EFR and EFC. For pairs in the free
-// surface the store holds the source integral; the free-surface condition turns it into the coefficient of the potential
-// (and, with ISOR=1, of the source).
-void free_surface_pairs(const AssemblyFrame &frame, const TileRow &at, const int *stored, int *code, WaveRow &row);
+// Separates the free-surface mark from the pair codes of the row into code(1..I), EB, EFR and EFC. For pairs
+// in the free surface the store holds the source integral; the free-surface condition turns it into the
+// coefficient of the potential (and, with ISOR=1, of the source).
+void free_surface_pairs(const AssemblyFrame &frame, const TileRow &at, const int *stored, int *code,
+                        WaveRow &row);
 
 // Adds the image sums of the row to its entries of class s and to the right-hand sides.
-void class_sums(const AssemblyFrame &frame, const TileRow &at, int s, const WaveRow &row, ClassWork &work, BlockSums &sums);
+void class_sums(const AssemblyFrame &frame, const TileRow &at, int s, const WaveRow &row, ClassWork &work,
+                BlockSums &sums);

@@ -26,8 +26,8 @@ template <class V> c32 along(const f32 (&M)[3], const V &vector) {
     return M[0] * vector[0] + M[1] * vector[1] + M[2] * vector[2];
 }
 
-// Calls action(J, e, field is a dipole panel, source is one) for the pairs with a dipole panel, e their
-// entry.
+// Calls action(J, e, field is a dipole panel, source is one) for the pairs with a dipole panel,
+// e their entry.
 template <class Action>
 void each_dipole_pair(const Dipoles &dipoles, const DirectedPairs &pairs, Action action) {
     const bool own = is_dipole(dipoles, pairs.I);
@@ -51,8 +51,8 @@ void start_dipole_pairs(const Dipoles &dipoles, const DirectedPairs &pairs, Wave
     });
 }
 
-void add_dipole_points(const AssemblyFrame &f, const DirectedPairs &pairs, std::int64_t point, const f32 *weight,
-                       WaveRow &row) {
+void add_dipole_points(const AssemblyFrame &f, const DirectedPairs &pairs, std::int64_t point,
+                       const f32 *weight, WaveRow &row) {
     const PanelArrays &panels = f.panels;
     const f32 NU = f.wave.NU;
     const f32 sx = static_cast<f32>(SGX[pairs.image]), sy = static_cast<f32>(SGY[pairs.image]);

@@ -14,14 +14,14 @@ struct DirectedPairs {
     std::int64_t entry; // of J = 1 among the coefficients of all images, from 0
 };
 
-// Clears S and D of pairs with a dipole panel as field panel, and, with velocities, V of those with one as
-// source.
+// Clears S and D of pairs with a dipole panel as field panel, and, with velocities, V of those with
+// one as source.
 void start_dipole_pairs(const Dipoles &dipoles, const DirectedPairs &pairs, WaveRow &row);
 
 // Adds the points of which J = 1 stands at `point`, from 0, one for each J, to the pairs that were cleared.
 // weight(J) (column: weight(1) for all) is the area of the source panel that the point stands for.
-void add_dipole_points(const AssemblyFrame &frame, const DirectedPairs &pairs, std::int64_t point, const f32 *weight,
-                       WaveRow &row);
+void add_dipole_points(const AssemblyFrame &frame, const DirectedPairs &pairs, std::int64_t point,
+                       const f32 *weight, WaveRow &row);
 
 // What a dipole panel adds to its own diagonal: normal velocity through a porous plate per unit jump of
 // potential, times 4 pi.

@@ -8,10 +8,10 @@
 
 namespace {
 
-// Takes the image of one directed pair off: field panel `field` as image g, source panel `source`, entry e. With V its
-// gradient, too; the mirror turns the vertical component.
-Status remove_image(const RunState &run, int field, int g, int source, std::int64_t e, const Split &S, const Split &D,
-                    const Split *V) {
+// Takes the image of one directed pair off: field panel `field` as image g, source panel `source`, entry e.
+// With V its gradient, too; the mirror turns the vertical component.
+Status remove_image(const RunState &run, int field, int g, int source, std::int64_t e, const Split &S,
+                    const Split &D, const Split *V) {
     const Mesh &mesh = run.mesh;
     const f32 mirrored[4] = {0, static_cast<f32>(SGX[g]) * mesh.XCT(1, field),
                              static_cast<f32>(SGY[g]) * mesh.XCT(2, field), -mesh.XCT(3, field)};
@@ -19,8 +19,9 @@ Status remove_image(const RunState &run, int field, int g, int source, std::int6
                            static_cast<f32>(SGY[g]) * mesh.TRM(3, 2, field), -mesh.TRM(3, 3, field)};
     const Panel panel = panel_of(mesh, source);
     FieldIntegrals integrals;
-    const int status = is_dipole(run.dipoles, field) ? PANDNF(mirrored, normal, run.dipoles.DEPS(field), panel, 0, integrals)
-                                     : PANFLD(mirrored, panel, 0, V != nullptr ? 1 : 0, integrals);
+    const int status = is_dipole(run.dipoles, field)
+                           ? PANDNF(mirrored, normal, run.dipoles.DEPS(field), panel, 0, integrals)
+                           : PANFLD(mirrored, panel, 0, V != nullptr ? 1 : 0, integrals);
     if (status != 0)
         return MSGOUT("Error evaluating Rankine image for infinite-frequency case");
     const f32 *gradient = is_dipole(run.dipoles, source) ? integrals.GD : integrals.GS;
@@ -36,8 +37,8 @@ Status remove_image(const RunState &run, int field, int g, int source, std::int6
 void limit_green(int count, const PeriodWave &wave, const WaveRow &row, const GreenArrays &values) {
     for (int p = 0; p < count; ++p) {
         f32 record[16];
-        VGRN0(row.RR.data()[p], row.ZS.data()[p], row.ZF.data()[p], wave.HNU, row.ISNG.data()[p], row.IBOT.data()[p],
-              wave.IPLIM, record);
+        VGRN0(row.RR.data()[p], row.ZS.data()[p], row.ZF.data()[p], wave.HNU, row.ISNG.data()[p],
+              row.IBOT.data()[p], wave.IPLIM, record);
         for (int v = 0; v < GREEN_VALUES; ++v) {
             if (values.re[v] == nullptr)
                 continue;
@@ -59,7 +60,8 @@ Status infinite_frequency_images(const RunState &run, int I, const int *code, Wa
             const bool velocities = row.velocities && row.EB(J) != 0;
             if (failed(remove_image(run, I, g, J, e, row.SPR, row.DPR, velocities ? row.VPR : nullptr)))
                 status = Status::failed;
-            if (J < I && failed(remove_image(run, J, g, I, e, row.SPC, row.DPC, velocities ? row.VPC : nullptr)))
+            if (J < I &&
+                failed(remove_image(run, J, g, I, e, row.SPC, row.DPC, velocities ? row.VPC : nullptr)))
                 status = Status::failed;
         }
     }

@@ -1,7 +1,7 @@
 #include "assembly/right_hand_sides.hpp"
 
-#include "geometry/lid.hpp"
 #include "assembly/scratch_store.hpp"
+#include "geometry/lid.hpp"
 #include "state/messages.hpp"
 
 namespace {
@@ -15,9 +15,9 @@ int heading_column(const RunState &run, int b, int s) {
     return run.sym.NSYMD + b + run.periods.NBETAM * (s - 1);
 }
 
-// What panel ip has as a source of the scattered wave: minus the normal velocity of the incident wave, and on a lid what
-// it takes away of that wave. The image of an overhang is no hull and has none (a hull of no draught has the same mark,
-// and scatters like any other), a dipole panel has an equation of its own.
+// What panel ip has as a source of the scattered wave: minus the normal velocity of the incident wave, and on
+// a lid what it takes away of that wave. The image of an overhang is no hull and has none (a hull of no
+// draught has the same mark, and scatters like any other), a dipole panel has an equation of its own.
 c32 scattering(const RunState &run, const ThreadState &thread, f32 NUL, int ip, int b, int s) {
     f32 damping = 0;
     if (LIDDMP(run.bodies, ip, damping))
@@ -74,7 +74,8 @@ void add_radiation(const RunState &run, const SourceWeights &weights, const Sour
     }
 }
 
-void add_diffraction(const RunState &run, const SourceWeights &weights, const SourceRow &row, BlockSums &sums) {
+void add_diffraction(const RunState &run, const SourceWeights &weights, const SourceRow &row,
+                     BlockSums &sums) {
     const auto &[I, s, SROW, SCOL] = row;
     for (int b = 1; b <= run.periods.NBETAM; ++b) {
         const int column = heading_column(run, b, s);
@@ -117,7 +118,8 @@ Status start_right_hand_sides(const RunState &run, f32 NUL, ThreadState &thread)
         return Status::failed;
     for (int level = 0; level <= run.opt.ILOG; ++level) {
         if (!unit.read({{RBUF.data(), static_cast<std::size_t>(RBUF.size()) * sizeof(f32)}}))
-            return MSGOUT_with(" Error reading scratch file for Rankine LHS, UNIT=", unit.unit(), unit.error());
+            return MSGOUT_with(" Error reading scratch file for Rankine LHS, UNIT=", unit.unit(),
+                               unit.error());
         add_level(level, RBUF);
     }
     return Status::ok;

@@ -17,9 +17,7 @@ struct Same {
     f32 value;
     VORDA_INLINE f32 operator[](int) const { return value; }
 };
-template <class V> struct Source {
-    V n1, n2, n3, area;
-};
+template <class V> struct Source { V n1, n2, n3, area; };
 VORDA_INLINE Source<Each> each_source(const SourceArea &s) {
     return {{s.n1}, {s.n2}, {s.n3}, {s.area}};
 }
@@ -35,8 +33,8 @@ struct GreenLocals {
 };
 
 template <class V>
-VORDA_INLINE void centroid(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, f32 NU, Split S,
-                           Split D) {
+VORDA_INLINE void centroid(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, f32 NU,
+                           Split S, Split D) {
     const GreenLocals g(green);
     const int *ISNG = green.ISNG;
     const f32 LOGT = green.LOGT;
@@ -55,8 +53,8 @@ VORDA_INLINE void centroid(int n, const GreenRow &green, const SourceArea &at, c
 }
 
 template <class V>
-VORDA_INLINE void accumulate(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, Split S,
-                             Split D) {
+VORDA_INLINE void accumulate(int n, const GreenRow &green, const SourceArea &at, const Source<V> source,
+                             Split S, Split D) {
     const GreenLocals g(green);
     const f32 *cosine = at.cosine, *sine = at.sine;
     f32 *sr = S.re, *si = S.im, *dr = D.re, *di = D.im;
@@ -72,8 +70,8 @@ VORDA_INLINE void accumulate(int n, const GreenRow &green, const SourceArea &at,
 }
 
 template <class V>
-VORDA_INLINE void finish(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, f32 NU, Split S,
-                         Split D) {
+VORDA_INLINE void finish(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, f32 NU,
+                         Split S, Split D) {
     const int *ISNG = green.ISNG;
     const f32 LOGT = green.LOGT;
     const f32 *EB = at.EB, *EFS = at.EFS;
@@ -88,8 +86,7 @@ VORDA_INLINE void finish(int n, const GreenRow &green, const SourceArea &at, con
     }
 }
 
-template <class V>
-VORDA_INLINE void velocity(int n, const VelocityRow &at, const V area, const Split *sum) {
+template <class V> VORDA_INLINE void velocity(int n, const VelocityRow &at, const V area, const Split *sum) {
     const f32 *rr = at.GR.re, *ri = at.GR.im, *vr = at.GV.re, *vi = at.GV.im;
     const f32 *cosine = at.cosine, *sine = at.sine;
     f32 *xr = sum[0].re, *xi = sum[0].im, *yr = sum[1].re, *yi = sum[1].im, *zr = sum[2].re, *zi = sum[2].im;
@@ -145,8 +142,8 @@ VORDA_SIMD void centroid_coefficients(int n, const GreenRow &green, const Source
     centroid(n, green, source, each_source(source), NU, S, D);
 }
 
-VORDA_SIMD void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, const OneSource &one,
-                                      f32 NU, Split S, Split D) {
+VORDA_SIMD void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source,
+                                      const OneSource &one, f32 NU, Split S, Split D) {
     centroid(n, green, source, one_source(one), NU, S, D);
 }
 
@@ -159,12 +156,13 @@ VORDA_SIMD void gauss_accumulate(int n, const GreenRow &green, const SourceArea 
     accumulate(n, green, source, one_source(one), S, D);
 }
 
-VORDA_SIMD void gauss_finish(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S, Split D) {
+VORDA_SIMD void gauss_finish(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S,
+                             Split D) {
     finish(n, green, source, each_source(source), NU, S, D);
 }
 
-VORDA_SIMD void gauss_finish(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, f32 NU,
-                             Split S, Split D) {
+VORDA_SIMD void gauss_finish(int n, const GreenRow &green, const SourceArea &source, const OneSource &one,
+                             f32 NU, Split S, Split D) {
     finish(n, green, source, one_source(one), NU, S, D);
 }
 

@@ -43,8 +43,8 @@ struct SourceArea {
     const f32 *area;
     const f32 *cosine; // unit horizontal vector from field to source
     const f32 *sine;
-    const f32 *EB;     // 1 for an ordinary pair, 0 in the free surface
-    const f32 *EFS;    // 0 for an ordinary pair, IFSP of the source in the free surface
+    const f32 *EB;  // 1 for an ordinary pair, 0 in the free surface
+    const f32 *EFS; // 0 for an ordinary pair, IFSP of the source in the free surface
 };
 struct OneSource {
     f32 n1;
@@ -52,21 +52,22 @@ struct OneSource {
     f32 n3;
     f32 area;
 };
-// One point per panel: S = NU A T, D = NU^2 A (EB (GR h - GV n3) - EFS T), with T = G + LOGT where ISNG is 3 and
-// h the normal along the horizontal vector. Many sources, then one source panel for all points.
+// One point per panel: S = NU A T, D = NU^2 A (EB (GR h - GV n3) - EFS T), with T = G + LOGT where ISNG is 3
+// and h the normal along the horizontal vector. Many sources, then one source panel for all points.
 void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S, Split D);
-void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, f32 NU,
-                           Split S, Split D);
+void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, const OneSource &one,
+                           f32 NU, Split S, Split D);
 // One Gauss point per panel: S += w G, D += w (GR h - GV n3), w the area entry.
 void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, Split S, Split D);
-void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, Split S, Split D);
+void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, Split S,
+                      Split D);
 // After the four Gauss points: S becomes NU (S + A LOGT), D becomes NU^2 (EB D - EFS (S + A LOGT)).
 void gauss_finish(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S, Split D);
-void gauss_finish(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, f32 NU, Split S,
-                  Split D);
+void gauss_finish(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, f32 NU,
+                  Split S, Split D);
 
-// Velocity at the field point of the same points. Each point adds w (GR cosine, GR sine, GV) with w the area entry and
-// GV the derivative with the depth of the field point; at the end all is times -NU^2 EB.
+// Velocity at the field point of the same points. Each point adds w (GR cosine, GR sine, GV) with w the area
+// entry and GV the derivative with the depth of the field point; at the end all is times -NU^2 EB.
 struct VelocityRow {
     ConstSplit GR;
     ConstSplit GV;

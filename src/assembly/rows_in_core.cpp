@@ -11,8 +11,8 @@ namespace {
 constexpr std::int64_t SUMS_LIMIT = 64ll << 20; // bytes that all BlockSums of a call may take
 
 // Rows first..last, at most TILE of them, in memory.
-Status assemble_tile(const AssemblyFrame &f, int first, int last, RowWork &work, TileRows &tile, BlockSums &sums,
-                     ThreadState &thread) {
+Status assemble_tile(const AssemblyFrame &f, int first, int last, RowWork &work, TileRows &tile,
+                     BlockSums &sums, ThreadState &thread) {
     start_rows(f.run, f.wave.NUL, first, last, tile);
     for (int I = first; I <= last; ++I) {
         start_column(f.run, f.wave.NUL, I, I - first, tile);

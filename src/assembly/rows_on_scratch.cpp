@@ -1,8 +1,8 @@
-// The rows of a period when the matrices are not in memory: Rankine records come in order from unit 60, finished rows go
-// in order to AMAT and the scratch files. In between the cores share the tiles of a group.
-#include "assembly/scratch_rows.hpp"
+// The rows of a period when the matrices are not in memory: Rankine records come in order from unit 60,
+// finished rows go in order to AMAT and the scratch files. In between the cores share the tiles of a group.
 #include "assembly/assemble_row.hpp"
 #include "assembly/period_rows.hpp"
+#include "assembly/scratch_rows.hpp"
 #include "state/messages.hpp"
 
 #include <algorithm>
@@ -31,7 +31,8 @@ struct ReadBuffers {
 };
 
 // Row I of the store into row a of the tile.
-Status read_row(const RunState &run, f32 NUL, RecordFile &unit, int I, int a, ReadBuffers &buffers, ScratchTile &tile) {
+Status read_row(const RunState &run, f32 NUL, RecordFile &unit, int I, int a, ReadBuffers &buffers,
+                ScratchTile &tile) {
     TileRows &rows = tile.rows;
     f32 *record = buffers.record.data();
     Status status = Status::ok;
@@ -135,7 +136,8 @@ Status rows_on_scratch(const AssemblyFrame &f, ThreadState &thread) {
     ReadBuffers buffers;
     bool made = buffers.record.alloc(3LL * n) && buffers.imaginary.alloc(n);
     for (int k = 0; k < group; ++k)
-        made = made && tiles[static_cast<std::size_t>(k)].alloc(run) && work[static_cast<std::size_t>(k)].alloc(run);
+        made = made && tiles[static_cast<std::size_t>(k)].alloc(run) &&
+               work[static_cast<std::size_t>(k)].alloc(run);
     if (!made)
         return MSGOUT(no_memory);
     Stores stores{{run, thread.scratch->IUL, thread.AMAT.data(), 1, {}},
@@ -161,7 +163,8 @@ Status rows_on_scratch(const AssemblyFrame &f, ThreadState &thread) {
         for (int k = 0; k < count; ++k) {
             ScratchTile &tile = tiles[static_cast<std::size_t>(k)];
             for (int I = tile.first; good && I <= tile.last; ++I)
-                good = !failed(assemble_row(f, {I, I - tile.first, tile.rows}, &tile.stored(1, I - tile.first + 1),
+                good = !failed(assemble_row(f, {I, I - tile.first, tile.rows},
+                                            &tile.stored(1, I - tile.first + 1),
                                             work[static_cast<std::size_t>(k)], tile.sums));
         }
         if (!good)

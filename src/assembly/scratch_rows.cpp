@@ -16,8 +16,9 @@ int first_record_class(const RowStore &store) {
 
 int units_behind_class_1(const RowStore &store) {
     const int classes = store.run.sym.NSYMR;
-    return store.AMAT != nullptr && method_of(store.run) == Method::blocks ? classes + 2
-                                                                           : classes + 1 - first_record_class(store);
+    return store.AMAT != nullptr && method_of(store.run) == Method::blocks
+               ? classes + 2
+               : classes + 1 - first_record_class(store);
 }
 
 c32 reciprocal(c32 value) {

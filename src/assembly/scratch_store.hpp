@@ -7,8 +7,8 @@
 #include "base/split.hpp"
 #include "state/state.hpp"
 
-// Eight named units, counted from 1. The file of a unit is "SCRATCH" and the one character with the unit's
-// code.
+// Eight named units, counted from 1. The file of a unit is "SCRATCH" and the one character with
+// the unit's code.
 struct UnitList {
     explicit UnitList(int first)
         : file{RecordFile(first),     RecordFile(first + 1), RecordFile(first + 2), RecordFile(first + 3),
@@ -20,7 +20,8 @@ struct UnitList {
 // All files of the store; the driver owns one. Units of the matrix of class s, S classes in all:
 //   direct, iterative_full   s: rows, later the saved matrix or its factors
 //   iterative_packed         s: rows to NCORE; S+s: the rows behind them
-//   blocks                   s: rows, later the saved blocks; S+1, S+2: off-diagonal rows and columns, S+3: diagonal
+//   blocks                   s: rows, later the saved blocks; S+1, S+2: off-diagonal rows and columns,
+//                            S+3: diagonal
 //                            blocks, S+4: their factors
 // Class 1 of the dipole matrix goes to AMAT or the block units straight from the assembly.
 struct ScratchStore {
@@ -31,8 +32,8 @@ struct ScratchStore {
     UnitList IUE{72};        // the same of the source matrix, ISOR=1
 };
 
-// Place of packed row I (2 I - 1 values: the row to its diagonal, then the column) in a vector of rows, from
-// 0.
+// Place of packed row I (2 I - 1 values: the row to its diagonal, then the column) in a vector of
+// rows, from 0.
 inline std::int64_t packed_place(std::int64_t I) {
     return (I - 1) * (I - 1);
 }

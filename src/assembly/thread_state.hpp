@@ -11,13 +11,13 @@ struct SecondOrder {
     Array<c32, 3> PHID2; // heading derivative of the diffraction potential (NEQN,NBETAM,NSYMR)
     Array<c32, 3> SRCD2; // that of its sources (NEQN,NBETAM,NSYMR)
     Array<c32, 4> VELD2; // that of its velocity (NEQN,3,NBETAM,NSYMR)
-    // Right-hand sides, then potentials: derivative by the wave number, terms linear in slow surge, sway and
-    // yaw.
+    // Right-hand sides, then potentials: derivative by the wave number, terms linear in slow surge,
+    // sway and yaw.
     Array<c32, 2> W2R0, W2R1, W2R2, W2R3; // (NEQN,NSYMD)
     Array<c32, 3> W2D0, W2D1, W2D2, W2D3; // (NEQN,NBETAM,NSYMR)
     Array<c32, 3> W2D0B;                  // heading derivative of W2D0 (NEQN,NBETAM,NSYMR)
-    // On the free surface: potential by Green's formula, by the sources, its second vertical derivative
-    // (NFSP,NSYMD).
+    // On the free surface: potential by Green's formula, by the sources, its second
+    // vertical derivative (NFSP,NSYMD).
     Array<c32, 2> FSR1, FSR2, FSR3;
     // The same with the incident wave; 4 and 5 the heading derivatives of 2 and 3 (NFSP,NBETAM,NSYMR).
     Array<c32, 3> FSD1, FSD2, FSD3, FSD4, FSD5;

@@ -48,7 +48,8 @@ bool TileRows::alloc(int NEQN, int NSYMR, const Options &opt, bool columns_of_th
     own_columns = columns_of_their_own;
     keep_source = keeps_source(opt);
     const int lines = TILE + (own_columns ? TILE : 1);
-    return values_.alloc(NEQN, 2, lines, planes * NSYMR) && (!keep_source || source_.alloc(NEQN, lines, NSYMR));
+    return values_.alloc(NEQN, 2, lines, planes * NSYMR) &&
+           (!keep_source || source_.alloc(NEQN, lines, NSYMR));
 }
 
 void start_rows(const RunState &run, f32 NUL, int first, int last, TileRows &tile) {
@@ -100,7 +101,8 @@ void store_rows(int NSYMR, int first, int last, TileRows &tile, ThreadState &thr
             store_tile(last - first + 1, first, rows, matrix_column(thread, plane, first, 1, s), n);
             for (int I = first + 1; I <= last; ++I) {
                 for (int J = first + 1; J <= I; ++J)
-                    *matrix_column(thread, plane, I, J, s) = {rows[I - first].re[J - 1], rows[I - first].im[J - 1]};
+                    *matrix_column(thread, plane, I, J, s) = {rows[I - first].re[J - 1],
+                                                              rows[I - first].im[J - 1]};
             }
         }
     }

@@ -1,14 +1,16 @@
-// The rows of a tile of the wave assembly, with the columns that go with them, between the Rankine store and the
-// matrices of the period.
+// The rows of a tile of the wave assembly, with the columns that go with them, between the Rankine store and
+// the matrices of the period.
 #pragma once
 
 #include "assembly/thread_state.hpp"
 #include "assembly/tiles.hpp"
 
-// The matrices that are assembled: dipole influence, with ISOR=1 normal velocity and the three velocity components.
+// The matrices that are assembled: dipole influence, with ISOR=1 normal velocity and the
+// three velocity components.
 enum MatrixPlane { PLANE_D = 0, PLANE_E = 1, PLANE_V = 2 };
 
-// Complex rows and columns in split form. Row a = 0..TILE-1 of a tile has its elements J = 1..I, its column J = 1..I-1.
+// Complex rows and columns in split form. Row a = 0..TILE-1 of a tile has its elements J = 1..I, its column J
+// = 1..I-1.
 struct TileRows {
     int planes = 1;           // 1, or 5 with ISOR=1
     bool own_columns = false; // each row keeps its column; else all use one, stored before the next row
@@ -21,7 +23,7 @@ struct TileRows {
     f32 *source_row(int a, int s) { return &source_(1, a + 1, s); }
     f32 *source_column(int a, int s) { return &source_(1, TILE + (own_columns ? a : 0) + 1, s); }
 
-private:
+  private:
     Split at(int line, int s, int plane) {
         const int last = plane + planes * (s - 1) + 1;
         return {&values_(1, 1, line + 1, last), &values_(1, 2, line + 1, last)};

@@ -1,5 +1,5 @@
-// Moves between rows that are worked on one at a time and column-major matrices: TILE neighbouring rows together, so
-// that every touch of the matrix is a run of TILE elements.
+// Moves between rows that are worked on one at a time and column-major matrices: TILE neighbouring rows
+// together, so that every touch of the matrix is a run of TILE elements.
 #pragma once
 
 #include "base/split.hpp"
@@ -8,8 +8,8 @@
 
 constexpr int TILE = 16;
 
-// rows[a] (re only), element j from 0, gets plane0(I0 + a, j) + factor plane1(I0 + a, j), j < columns. The planes
-// point at the first row of the tile and have leading dimension lead; plane1 may be null.
+// rows[a] (re only), element j from 0, gets plane0(I0 + a, j) + factor plane1(I0 + a, j), j < columns. The
+// planes point at the first row of the tile and have leading dimension lead; plane1 may be null.
 void load_tile(int height, int columns, const f32 *plane0, const f32 *plane1, f32 factor, std::int64_t lead,
                f32 *const *rows);
 // matrix(I0 + a, j) = rows[a][j] for j < columns.

@@ -58,14 +58,16 @@ void clear_points(int count, WaveRow &row) {
 void evaluate(const AssemblyFrame &f, int count, WaveRow &row) {
     if (row.tank)
         return clear_points(count, row);
-    const GreenPoints points{count, row.RR.data(), row.ZS.data(), row.ZF.data(), row.ISNG.data(), row.IBOT.data()};
+    const GreenPoints points{count,         row.RR.data(),   row.ZS.data(),
+                             row.ZF.data(), row.ISNG.data(), row.IBOT.data()};
     GreenArrays values{};
     for (int v = 0; v < (row.second ? 8 : 4); ++v) {
         values.re[VALUES[v]] = &row.green(1, 2 * v + 1);
         values.im[VALUES[v]] = &row.green(1, 2 * v + 2);
     }
     if (f.wave.IPLIM == 0)
-        VGRN98(points, f.wave.HNU, f.gstate, row.second ? GreenOrder::second : GreenOrder::first, row.work, values);
+        VGRN98(points, f.wave.HNU, f.gstate, row.second ? GreenOrder::second : GreenOrder::first, row.work,
+               values);
     else
         limit_green(count, f.wave, row, values);
 }
@@ -85,9 +87,9 @@ void centroid_path(const AssemblyFrame &f, int I, const int *code, WaveRow &row)
     for (int m = 0; m < sym.NSYMG; ++m) {
         const std::int64_t o = static_cast<std::int64_t>(m) * I;
         decode_pairs(I, 3 * m, code, row.ISNG.data() + o, row.IBOT.data() + o);
-        pair_directions(I, fixed_point(panels, I, sym.ISYMG[m + 1], wave.NU), &panels.X(1, 1), &panels.X(1, 2),
-                        {row.RR.data() + o, row.CR.data() + o, row.SR.data() + o, row.CC.data() + o,
-                         row.SC.data() + o});
+        pair_directions(
+            I, fixed_point(panels, I, sym.ISYMG[m + 1], wave.NU), &panels.X(1, 1), &panels.X(1, 2),
+            {row.RR.data() + o, row.CR.data() + o, row.SR.data() + o, row.CC.data() + o, row.SC.data() + o});
         scale_to(I, -wave.NU, &panels.X(1, 3), row.ZS.data() + o);
         std::fill_n(row.ZF.data() + o, I, -wave.NU * panels.X(I, 3));
     }
@@ -95,22 +97,25 @@ void centroid_path(const AssemblyFrame &f, int I, const int *code, WaveRow &row)
     for (int m = 0; m < sym.NSYMG; ++m) {
         const std::int64_t o = static_cast<std::int64_t>(m) * I;
         const int *ISNG = row.ISNG.data() + o;
-        const SourceArea row_sources{&panels.N(1, 1), &panels.N(1, 2), &panels.N(1, 3),   panels.A.data(),
-                                     row.CR.data() + o, row.SR.data() + o, row.EB.data(), row.EFR.data()};
-        centroid_coefficients(I, green_row(row, GZ, ISNG, o, wave.LOGT), row_sources, wave.NU, shifted(row.SPR, o),
-                              shifted(row.DPR, o));
+        const SourceArea row_sources{&panels.N(1, 1),   &panels.N(1, 2),   &panels.N(1, 3), panels.A.data(),
+                                     row.CR.data() + o, row.SR.data() + o, row.EB.data(),   row.EFR.data()};
+        centroid_coefficients(I, green_row(row, GZ, ISNG, o, wave.LOGT), row_sources, wave.NU,
+                              shifted(row.SPR, o), shifted(row.DPR, o));
         // The depth of I is the other argument of the same evaluation, hence the other derivative.
-        const SourceArea column{nullptr, nullptr, nullptr, nullptr, row.CC.data() + o, row.SC.data() + o,
-                                row.EB.data(), row.EFC.data()};
+        const SourceArea column{nullptr,           nullptr,           nullptr,       nullptr,
+                                row.CC.data() + o, row.SC.data() + o, row.EB.data(), row.EFC.data()};
         centroid_coefficients(I - 1, green_row(row, GF, ISNG, o, wave.LOGT), column,
-                              one_source(panels, I, panels.A(I)), wave.NU, shifted(row.SPC, o), shifted(row.DPC, o));
+                              one_source(panels, I, panels.A(I)), wave.NU, shifted(row.SPC, o),
+                              shifted(row.DPC, o));
         if (row.velocities) {
             const Velocity at_row(row.VPR, o), at_column(row.VPC, o);
             at_row.clear(I);
-            velocity_accumulate(I, velocity_row(row, GF, o, row.CR, row.SR), panels.A.data(), at_row.component);
+            velocity_accumulate(I, velocity_row(row, GF, o, row.CR, row.SR), panels.A.data(),
+                                at_row.component);
             velocity_finish(I, wave.NU, row.EB.data(), at_row.component);
             at_column.clear(I);
-            velocity_accumulate(I - 1, velocity_row(row, GZ, o, row.CC, row.SC), panels.A(I), at_column.component);
+            velocity_accumulate(I - 1, velocity_row(row, GZ, o, row.CC, row.SC), panels.A(I),
+                                at_column.component);
             velocity_finish(I - 1, wave.NU, row.EB.data(), at_column.component);
         }
         if (!f.run.dipoles.IDIPOL)
@@ -123,7 +128,8 @@ void centroid_path(const AssemblyFrame &f, int I, const int *code, WaveRow &row)
     }
 }
 
-// The pairs with dipole panels of one image, all four Gauss points. In both passes z is the depth of the source.
+// The pairs with dipole panels of one image, all four Gauss points. In both passes z is the depth
+// of the source.
 void gauss_dipoles(const AssemblyFrame &f, const DirectedPairs &pairs, WaveRow &row) {
     if (!f.run.dipoles.IDIPOL)
         return;
@@ -141,17 +147,17 @@ void gauss_row_pass(const AssemblyFrame &f, const DirectedPairs &pairs, WaveRow 
     const std::int64_t o = pairs.entry;
     for (int q = 0; q < 4; ++q) {
         const std::int64_t p = static_cast<std::int64_t>(q) * I;
-        pair_directions(I, fixed_point(panels, I, image, wave.NU), &panels.XG(1, 1, q + 1), &panels.XG(1, 2, q + 1),
-                        {row.RR.data() + p, row.CR.data() + p, row.SR.data() + p, row.CC.data() + p,
-                         row.SC.data() + p});
+        pair_directions(
+            I, fixed_point(panels, I, image, wave.NU), &panels.XG(1, 1, q + 1), &panels.XG(1, 2, q + 1),
+            {row.RR.data() + p, row.CR.data() + p, row.SR.data() + p, row.CC.data() + p, row.SC.data() + p});
         scale_to(I, -wave.NU, &panels.XG(1, 3, q + 1), row.ZS.data() + p);
         std::fill_n(row.ZF.data() + p, I, -wave.NU * panels.X(I, 3));
     }
     evaluate(f, 4 * I, row);
     const Split S = shifted(row.SPR, o);
     const Split D = shifted(row.DPR, o);
-    SourceArea sources{&panels.N(1, 1), &panels.N(1, 2), &panels.N(1, 3), nullptr, nullptr, nullptr,
-                       row.EB.data(), row.EFR.data()};
+    SourceArea sources{&panels.N(1, 1), &panels.N(1, 2), &panels.N(1, 3), nullptr,
+                       nullptr,         nullptr,         row.EB.data(),   row.EFR.data()};
     for (int q = 0; q < 4; ++q) {
         const std::int64_t p = static_cast<std::int64_t>(q) * I;
         sources.area = &panels.GW(1, q + 1);
@@ -179,12 +185,13 @@ void gauss_column_pass(const AssemblyFrame &f, const DirectedPairs &pairs, WaveR
     const std::int64_t o = pairs.entry;
     for (int q = 0; q < 4; ++q) {
         const std::int64_t p = static_cast<std::int64_t>(q) * I;
-        // The source is a Gauss point of I, the field the imaged centroid of J: the vector to the fixed point.
+        // The source is a Gauss point of I, the field the imaged centroid of J: the vector to
+        // the fixed point.
         const FixedPoint source{panels.XG(I, 1, q + 1), panels.XG(I, 2, q + 1), static_cast<f32>(SGX[image]),
                                 static_cast<f32>(SGY[image]), wave.NU};
-        pair_directions(I, source, &panels.X(1, 1), &panels.X(1, 2),
-                        {row.RR.data() + p, row.CR.data() + p, row.SR.data() + p, row.CC.data() + p,
-                         row.SC.data() + p});
+        pair_directions(
+            I, source, &panels.X(1, 1), &panels.X(1, 2),
+            {row.RR.data() + p, row.CR.data() + p, row.SR.data() + p, row.CC.data() + p, row.SC.data() + p});
         std::fill_n(row.ZS.data() + p, I, -wave.NU * panels.XG(I, 3, q + 1));
         scale_to(I, -wave.NU, &panels.X(1, 3), row.ZF.data() + p);
     }
@@ -207,8 +214,8 @@ void gauss_column_pass(const AssemblyFrame &f, const DirectedPairs &pairs, WaveR
                                 panels.GW(I, q + 1), V.component);
         velocity_finish(n, wave.NU, row.EB.data(), V.component);
     }
-    gauss_finish(n, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), column, one_source(panels, I, panels.A(I)),
-                 wave.NU, S, D);
+    gauss_finish(n, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), column,
+                 one_source(panels, I, panels.A(I)), wave.NU, S, D);
     gauss_dipoles(f, pairs, row);
 }
 
@@ -237,10 +244,10 @@ bool WaveRow::alloc(int NEQN, int NSYMG, const Options &opt, bool dipoles) {
     second = dipoles;
     tank = opt.IRRX != 0;
     const int entries = NSYMG * NEQN;
-    if (!RR.alloc(points) || !ZS.alloc(points) || !ZF.alloc(points) || !CR.alloc(points) || !SR.alloc(points) ||
-        !CC.alloc(points) || !SC.alloc(points) || !ISNG.alloc(points) || !IBOT.alloc(points) ||
-        !green.alloc(points, second ? 16 : 8) || !EB.alloc(NEQN) || !EFR.alloc(NEQN) || !EFC.alloc(NEQN) ||
-        !coefficient.alloc(entries, velocities ? 20 : 8) || !work.alloc(points))
+    if (!RR.alloc(points) || !ZS.alloc(points) || !ZF.alloc(points) || !CR.alloc(points) ||
+        !SR.alloc(points) || !CC.alloc(points) || !SC.alloc(points) || !ISNG.alloc(points) ||
+        !IBOT.alloc(points) || !green.alloc(points, second ? 16 : 8) || !EB.alloc(NEQN) || !EFR.alloc(NEQN) ||
+        !EFC.alloc(NEQN) || !coefficient.alloc(entries, velocities ? 20 : 8) || !work.alloc(points))
         return false;
     SPR = column_pair(coefficient, 1);
     DPR = column_pair(coefficient, 3);

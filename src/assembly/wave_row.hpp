@@ -1,19 +1,20 @@
-// The wave coefficients of one panel row: for every image and every panel J <= I the influence of the pair in both
-// directions, from one batched call of the Green function (from two on the Gauss path).
+// The wave coefficients of one panel row: for every image and every panel J <= I the influence of the pair in
+// both directions, from one batched call of the Green function (from two on the Gauss path).
 #pragma once
 
 #include "assembly/assembly_frame.hpp"
 #include "green/vgrn98.hpp"
 
-// Work of one assembling thread, and the results of a row: entry e = m I + J - 1, from 0, for image position m from
-// 0 and panel J of row I.
+// Work of one assembling thread, and the results of a row: entry e = m I + J - 1, from 0, for image position
+// m from 0 and panel J of row I.
 struct WaveRow {
     Array<f32, 1> RR, ZS, ZF, CR, SR, CC, SC; // evaluation points
     Array<int, 1> ISNG, IBOT;
-    Array<f32, 2> green;             // values of the Green function, a column for each real array
-    Array<f32, 1> EB;                // 1 for an ordinary pair, 0 in the free surface (NEQN)
-    Array<f32, 1> EFR, EFC;          // mark of the source panel of a pair in the free surface: J for the row, I for the column
-    Array<f32, 2> coefficient;       // SPR, DPR, SPC, DPC, and with ISOR=1 VPR, VPC, real and imaginary
+    Array<f32, 2> green; // values of the Green function, a column for each real array
+    Array<f32, 1> EB;    // 1 for an ordinary pair, 0 in the free surface (NEQN)
+    Array<f32, 1> EFR,
+        EFC; // mark of the source panel of a pair in the free surface: J for the row, I for the column
+    Array<f32, 2> coefficient; // SPR, DPR, SPC, DPC, and with ISOR=1 VPR, VPC, real and imaginary
     GreenWork work;
     Split SPR, DPR, SPC, DPC;
     bool velocities = false; // VPR and VPC are formed
@@ -26,8 +27,8 @@ struct WaveRow {
     void record(std::int64_t p, f32 (&values)[16]) const;
 };
 
-// With a dipole panel as field panel S and D are derivatives along its normal, and the velocity of a source on one is
-// that of a dipole.
-// Forms SPR, DPR, with ISOR=1 VPR (J = 1..I), and SPC, DPC, VPC (J = 1..I-1) for all images. `code` holds the pair codes ICODE(1..I)
-// without the free-surface mark; EB, EFR, EFC are set. Failed: an image has no value at infinite frequency.
+// With a dipole panel as field panel S and D are derivatives along its normal, and the velocity of a source
+// on one is that of a dipole. Forms SPR, DPR, with ISOR=1 VPR (J = 1..I), and SPC, DPC, VPC (J = 1..I-1) for
+// all images. `code` holds the pair codes ICODE(1..I) without the free-surface mark; EB, EFR, EFC are set.
+// Failed: an image has no value at infinite frequency.
 [[nodiscard]] Status wave_coefficients(const AssemblyFrame &frame, int I, const int *code, WaveRow &row);

@@ -6,7 +6,8 @@
 
 namespace {
 
-// Measured with OpenBLAS 0.3.21 on processors with wide vectors: 174 MB for one thread at load, 128 MB and a stack for each.
+// Measured with OpenBLAS 0.3.21 on processors with wide vectors: 174 MB for one thread at load, 128 MB and a
+// stack for each.
 constexpr std::int64_t MEBI = 1 << 20;
 constexpr std::int64_t PROGRAM = 256 * MEBI, PER_THREAD = 192 * MEBI;
 

@@ -31,7 +31,7 @@ struct Range {
 template <class T, int R> class View {
     static_assert(R >= 1 && R <= 4);
 
-public:
+  public:
     View() = default;
     View(T *data, const std::array<Range, R> &ranges) : data_(data), range_(ranges) {
         std::int64_t stride = 1;
@@ -58,9 +58,7 @@ public:
     }
 
     // The part with the last index fixed at k: contiguous.
-    View<T, (R > 1 ? R - 1 : 1)> slice(std::int64_t k) const
-        requires(R > 1)
-    {
+    View<T, (R > 1 ? R - 1 : 1)> slice(std::int64_t k) const requires(R > 1) {
 #ifdef VORDA_CHECK_INDEX
         if (k < range_[R - 1].first || k > range_[R - 1].last)
             index_error(k, range_[R - 1], R);
@@ -71,9 +69,15 @@ public:
         return {data_ + stride_[R - 1] * (k - range_[R - 1].first), ranges};
     }
 
-    T *data() const { return data_; }
-    std::int64_t dim(int d) const { return range_[d - 1].size(); }
-    Range range(int d) const { return range_[d - 1]; }
+    T *data() const {
+        return data_;
+    }
+    std::int64_t dim(int d) const {
+        return range_[d - 1].size();
+    }
+    Range range(int d) const {
+        return range_[d - 1];
+    }
     std::int64_t size() const {
         std::int64_t n = 1;
         for (const Range &r : range_)
@@ -84,13 +88,11 @@ public:
         for (std::int64_t i = 0, n = size(); i < n; ++i)
             data_[i] = value;
     }
-    operator View<const T, R>() const
-        requires(!std::is_const_v<T>)
-    {
+    operator View<const T, R>() const requires(!std::is_const_v<T>) {
         return {data_, range_};
     }
 
-private:
+  private:
     T *data_ = nullptr;
     std::int64_t origin_ = 0; // offset of the (absent) element with all indices 0
     std::array<std::int64_t, R> stride_{};
@@ -101,7 +103,7 @@ private:
 template <class T, int R> class Array {
     static_assert(std::is_trivially_copyable_v<T>);
 
-public:
+  public:
     Array() = default;
     Array(const Array &) = delete;
     Array &operator=(const Array &) = delete;
@@ -135,9 +137,7 @@ public:
     }
 
     // Changes the last extent to n and keeps what fits; new elements are 0.
-    [[nodiscard]] bool resize_last(std::int64_t n)
-        requires(R == 1 || R == 2 || R == 3)
-    {
+    [[nodiscard]] bool resize_last(std::int64_t n) requires(R == 1 || R == 2 || R == 3) {
         Array other;
         bool made;
         if constexpr (R == 1)
@@ -176,7 +176,7 @@ public:
     std::int64_t size() const { return block_ == nullptr ? 0 : view_.size(); }
     void fill(T value) { view_.fill(value); }
 
-private:
+  private:
     void swap(Array &other) noexcept {
         std::swap(block_, other.block_);
         std::swap(view_, other.view_);

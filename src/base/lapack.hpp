@@ -13,26 +13,27 @@ void cgetrf_(const int *m, const int *n, c32 *a, const int *lda, int *ipiv, int 
 void cgetrs_(const char *trans, const int *n, const int *nrhs, const c32 *a, const int *lda, const int *ipiv,
              c32 *b, const int *ldb, int *info, std::size_t trans_length);
 // Interchanges rows k1..k2 of n columns as ipiv tells.
-void claswp_(const int *n, c32 *a, const int *lda, const int *k1, const int *k2, const int *ipiv, const int *incx);
+void claswp_(const int *n, c32 *a, const int *lda, const int *k1, const int *k2, const int *ipiv,
+             const int *incx);
 // B := alpha op(A)^-1 B (side "L") for a triangular A.
-void ctrsm_(const char *side, const char *uplo, const char *trans, const char *diag, const int *m, const int *n,
-            const c32 *alpha, const c32 *a, const int *lda, c32 *b, const int *ldb, std::size_t, std::size_t,
-            std::size_t, std::size_t);
+void ctrsm_(const char *side, const char *uplo, const char *trans, const char *diag, const int *m,
+            const int *n, const c32 *alpha, const c32 *a, const int *lda, c32 *b, const int *ldb, std::size_t,
+            std::size_t, std::size_t, std::size_t);
 // C := alpha A B + beta C.
-void cgemm_(const char *trans_a, const char *trans_b, const int *m, const int *n, const int *k, const c32 *alpha,
-            const c32 *a, const int *lda, const c32 *b, const int *ldb, const c32 *beta, c32 *c, const int *ldc,
-            std::size_t, std::size_t);
+void cgemm_(const char *trans_a, const char *trans_b, const int *m, const int *n, const int *k,
+            const c32 *alpha, const c32 *a, const int *lda, const c32 *b, const int *ldb, const c32 *beta,
+            c32 *c, const int *ldc, std::size_t, std::size_t);
 }
 
-// While it lives, a BLAS call of this thread stays on one core, so that its result does not depend on how many there
-// are. Inside a parallel region that is so anyway.
+// While it lives, a BLAS call of this thread stays on one core, so that its result does not depend on how
+// many there are. Inside a parallel region that is so anyway.
 class SerialBlas {
-public:
+  public:
     SerialBlas() : threads_(omp_get_max_threads()) { omp_set_num_threads(1); }
     ~SerialBlas() { omp_set_num_threads(threads_); }
     SerialBlas(const SerialBlas &) = delete;
     SerialBlas &operator=(const SerialBlas &) = delete;
 
-private:
+  private:
     int threads_;
 };

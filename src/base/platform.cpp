@@ -101,8 +101,9 @@ bool query_memory(MemorySizes &sizes) {
     const std::int64_t limit = address_space_limit();
     if (limit >= 0) // what is mapped already counts, and buffers are still to come
         sizes.available = std::clamp<std::int64_t>(
-            limit - address_space_used() - (address_space_needed(omp_get_max_threads()) - address_space_needed(0)), 0,
-            sizes.available);
+            limit - address_space_used() -
+                (address_space_needed(omp_get_max_threads()) - address_space_needed(0)),
+            0, sizes.available);
     std::ifstream groups("/proc/self/cgroup");
     apply_control_groups(std::string(std::istreambuf_iterator<char>(groups), {}), "/sys/fs/cgroup", sizes);
     return true;

@@ -1,4 +1,5 @@
-// Complex arrays in split form, real and imaginary parts apart, and their vector loops. All arrays are contiguous, n long.
+// Complex arrays in split form, real and imaginary parts apart, and their vector loops. All arrays are
+// contiguous, n long.
 #pragma once
 
 #include "base/types.hpp"

@@ -113,7 +113,9 @@ void FreeReader::finish() {
     const std::size_t end = text_.find('\n', at_);
     last_line_ = line_;
     const std::size_t first = std::min(text_.find_first_not_of(" \t\r,", at_), text_.size());
-    rest_ = first < std::min(end, text_.size()) ? trimmed(text_.substr(first, std::min(end, text_.size()) - first)) : "";
+    rest_ = first < std::min(end, text_.size())
+                ? trimmed(text_.substr(first, std::min(end, text_.size()) - first))
+                : "";
     if (end == std::string::npos) {
         at_ = text_.size();
     } else {

@@ -7,12 +7,13 @@
 #include <string>
 #include <string_view>
 
-// Reads a text file line by line or as free-form numbers. A free-form read starts on a new line, takes values
-// separated by blanks or commas, runs on over as many lines as it needs and drops the rest of its last line.
-// Exponents may be written with D, a value may be repeated as r*v, lines may end with CR LF. What is not a
-// finite number of the wanted type is a fault. All reads return false on a fault and leave its words in fault().
+// Reads a text file line by line or as free-form numbers. A free-form read starts on a new line, takes
+// values separated by blanks or commas, runs on over as many lines as it needs and drops the rest of its
+// last line. Exponents may be written with D, a value may be repeated as r*v, lines may end with CR LF. What
+// is not a finite number of the wanted type is a fault. All reads return false on a fault and leave its
+// words in fault().
 class FreeReader {
-public:
+  public:
     // Loads an existing file; false when it cannot be opened. A byte order mark in front is dropped.
     [[nodiscard]] bool open(const std::string &path);
     // Reads from a text in memory; `name` stands for the file in fault(), `first_line` is the number of its
@@ -37,8 +38,8 @@ public:
         return good;
     }
 
-    // Number of items of the next line as a blank followed by a non-blank in columns 1 to 200 counts them; the
-    // line is read again afterwards. An item in column 1 does not count.
+    // Number of items of the next line as a blank followed by a non-blank in columns 1 to 200 counts them;
+    // the line is read again afterwards. An item in column 1 does not count.
     int NITEMS() const;
     // True when only blank lines are left.
     bool at_end() const;
@@ -52,11 +53,12 @@ public:
     std::string place() const { return name_ + ", line " + std::to_string(first_line_); }
     // True when the last read took values of more than one line.
     bool spread() const { return last_line_ != first_line_; }
-    // What stood behind the last value on its line, without blanks in front; and whether that begins with a number.
+    // What stood behind the last value on its line, without blanks in front; and whether that begins
+    // with a number.
     const std::string &rest() const { return rest_; }
     bool number_follows() const;
 
-private:
+  private:
     void begin();
     void finish();
     bool token(std::string_view &text);

@@ -33,8 +33,8 @@ template <class T> ColumnBlock<T> radiation_columns(const Symmetry &sym, int c, 
 template <class T> ColumnBlock<T> heading_columns(int c, View<T, 3> columns) {
     return {&columns(1, 1, c), static_cast<int>(columns.dim(1)), static_cast<int>(columns.dim(2))};
 }
-// The normal velocity VEL of the mode of each radiation column, as complex columns (NEQN,NSYMD). False: no
-// memory.
+// The normal velocity VEL of the mode of each radiation column, as complex columns (NEQN,NSYMD).
+// False: no memory.
 [[nodiscard]] bool velocity_columns(const Mesh &mesh, const Symmetry &sym, Array<c32, 2> &columns);
 
 // Several kernels over n panels; kernel and class share the last index, (kernel-1) NSYMR + class.

@@ -4,8 +4,9 @@
 #include "base/lapack.hpp"
 #include "state/messages.hpp"
 
-// Calls body(i, work) for i = 1..count on the cores that the caller has, each thread with a Work of its own that `make`
-// allocates (false: no memory). What a body writes belongs to its i alone. Failed: " RAM too small ", or a body failed.
+// Calls body(i, work) for i = 1..count on the cores that the caller has, each thread with a Work of its own
+// that `make` allocates (false: no memory). What a body writes belongs to its i alone. Failed: " RAM too
+// small ", or a body failed.
 template <class Work, class Make, class Body>
 [[nodiscard]] Status for_field_points(int count, Make make, Body body) {
     bool memory = true;

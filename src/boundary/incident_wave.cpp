@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-void PLNWAV(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], bool gradient, WaveComponents &wave) {
+void PLNWAV(f32 HBOT, f32 K, f32 sin_beta, f32 cos_beta, const f32 (&point)[3], bool gradient,
+            WaveComponents &wave) {
     const f32 kx = K * cos_beta;
     const f32 ky = K * sin_beta;
     const f32 sin_a = std::sin(kx * point[0]), cos_a = std::cos(kx * point[0]);

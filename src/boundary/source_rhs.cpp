@@ -74,7 +74,9 @@ void diffraction(const RunState &run, const PeriodWave &wave, ThreadState &threa
             [&](int b, int s) { thread.SRCD(q, b, s) = -K * (thread.PHID(P, b, s) - thread.PHI0(P, b, s)); });
     });
     walk_lids(run, K, [&](int I, c32 y) {
-        each_column([&](int b, int s) { thread.SRCD(I, b, s) = y * thread.PHID(I, b, s) - K * thread.PHI0(I, b, s); });
+        each_column([&](int b, int s) {
+            thread.SRCD(I, b, s) = y * thread.PHID(I, b, s) - K * thread.PHI0(I, b, s);
+        });
     });
     for (int I = 1; run.dipoles.IDIPOL && I <= run.mesh.NEQN; ++I) {
         if (run.dipoles.IDIP(I) == 0)

@@ -3,8 +3,8 @@
 // have a fixed order.
 #pragma once
 
-#include "assembly/thread_state.hpp"
 #include "assembly/period_wave.hpp"
+#include "assembly/thread_state.hpp"
 
 // The first-order solutions on the free surface: FSR1 to FSR3, FSD1 to FSD5 of thread.second. The incident
 // wave is always there, radiation is added for IRAD >= 0, diffraction for IDIFF = 1. Read: PHIR, PHID, SRCR,

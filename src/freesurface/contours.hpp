@@ -41,8 +41,8 @@ struct WaterlineContours {
 // WLTOL. False: a contour neither closes nor ends on a plane.
 [[nodiscard]] bool WLSORT(const std::vector<WaterSide> &sides, SurfacePlanes planes, WaterlineContours &line);
 
-// A closed polygon made of contours: `contours` are their places in the list, `length` and `sides` sum up the waterline
-// sides in it.
+// A closed polygon made of contours: `contours` are their places in the list, `length` and `sides` sum up the
+// waterline sides in it.
 struct Outline {
     Polygon points;
     std::vector<int> contours;
@@ -53,9 +53,8 @@ struct Outline {
 // The closed polygons of the contours, with the body's inside on the right of each edge: those around the
 // body run clockwise, those of a moonpool the other way. Open contours are closed along the planes: of the
 // points where contours meet the planes, put in order along them, the first and the second, the third and the
-// fourth
-// ... have the inside between them; steps along the planes are PSCALE mean sides. False: two such neighbours are not an end
-// and a start.
+// fourth ... have the inside between them; steps along the planes are PSCALE mean sides. False: two such
+// neighbours are not an end and a start.
 [[nodiscard]] bool WLPTS(const std::vector<WaterSide> &sides, SurfacePlanes planes,
                          const WaterlineContours &line, double PSCALE, std::vector<Outline> &outlines);
 

@@ -11,8 +11,8 @@ std::int64_t key(std::int32_t i, std::int32_t j) {
     return (static_cast<std::int64_t>(i) << 32) | static_cast<std::uint32_t>(j);
 }
 
-// True when the point, which lies on the line of the edge, is more than the tolerance away from both its
-// ends.
+// True when the point, which lies on the line of the edge, is more than the tolerance away from
+// both its ends.
 bool is_within(SurfacePoint p, const FrontEdge &edge, double tolerance) {
     const auto between = [&](double v, double a, double b) {
         return v > std::min(a, b) + tolerance && v < std::max(a, b) - tolerance;

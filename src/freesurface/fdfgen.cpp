@@ -19,8 +19,8 @@ SurfacePoint operator-(SurfacePoint a, SurfacePoint b) {
     return {a.x - b.x, a.y - b.y};
 }
 
-// The outer curve: a circle, from an angle counter-clockwise, clipped at symmetry planes that it must not
-// cross.
+// The outer curve: a circle, from an angle counter-clockwise, clipped at symmetry planes that it
+// must not cross.
 struct OuterCurve {
     SurfacePoint centre;
     double from = 0;  // angle of its first point

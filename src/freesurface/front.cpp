@@ -9,13 +9,13 @@
 
 namespace {
 
-constexpr double NEAR = 1.5;  // candidates farther from an end of the edge come last, in H
-constexpr double REACH = 4;   // candidates are looked for that near to the ideal point, in H
+constexpr double NEAR = 1.5;   // candidates farther from an end of the edge come last, in H
+constexpr double REACH = 4;    // candidates are looked for that near to the ideal point, in H
 constexpr double FARTHEST = 2; // distance of the ideal point from its edge, in H
-constexpr double POOR = 0.99; // largest cosine of a good triangle
-constexpr double E1 = 0.001;  // tolerance on old edges, in H
-constexpr double E2 = 1.0e-6; // tolerance on new edges, in H
-constexpr double CELL = 2;    // cell of the edge grid, in H
+constexpr double POOR = 0.99;  // largest cosine of a good triangle
+constexpr double E1 = 0.001;   // tolerance on old edges, in H
+constexpr double E2 = 1.0e-6;  // tolerance on new edges, in H
+constexpr double CELL = 2;     // cell of the edge grid, in H
 
 struct Edge {
     int a, b;
@@ -81,9 +81,9 @@ class Front {
         return !FALL.crosses({{c, a}, {point(c), point(a)}}) && !FALL.crosses({{c, b}, {point(c), point(b)}});
     }
 
-    // True when a node of the front lies in the triangle or on its rim. New edges may pass that close to a
-    // node without crossing an edge, and out of the area; and a small hole may lie in the triangle as a
-    // whole.
+    // True when a node of the front lies in the triangle or on its rim. New edges may pass that close
+    // to a node without crossing an edge, and out of the area; and a small hole may lie in the triangle
+    // as a whole.
     bool holds_node(int a, int b, int c) const {
         const SurfacePoint A = point(a), B = point(b), Z = point(c);
         const double rim = E1 * H;

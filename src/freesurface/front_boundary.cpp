@@ -66,8 +66,8 @@ void remove_spikes(std::vector<FrontNode> &nodes, SurfacePanels &tips) {
     }
 }
 
-// Skipped points where the area is dented, as along a finely panelled moonpool, become nodes: an edge across the dent would
-// lie over water.
+// Skipped points where the area is dented, as along a finely panelled moonpool, become nodes: an edge across
+// the dent would lie over water.
 std::vector<FrontNode> with_dents(std::vector<FrontNode> nodes, double H) {
     for (std::size_t k = 0; k < nodes.size();) {
         const SurfacePoint from = nodes[k].at, to = nodes[(k + 1) % nodes.size()].at;

@@ -12,7 +12,8 @@ struct FrontNode {
 };
 
 // The nodes of a closed polygon: sides of 0.5 to 1.5 H are kept, longer ones are divided, points nearer than
-// 0.5 H are skipped, but for those that dent the area. Nodes where the boundary folds back on itself are left out with the
-// points skipped beside them; the corners of the area that this cuts off are added to `tips`. In a polygon of fewer than three such nodes shorter sides are kept. Fewer than three are
-// returned only for a polygon without area.
+// 0.5 H are skipped, but for those that dent the area. Nodes where the boundary folds back on itself are left
+// out with the points skipped beside them; the corners of the area that this cuts off are added to `tips`. In
+// a polygon of fewer than three such nodes shorter sides are kept. Fewer than three are returned only for a
+// polygon without area.
 std::vector<FrontNode> boundary_nodes(const Polygon &polygon, double H, SurfacePanels &tips);

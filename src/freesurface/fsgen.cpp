@@ -16,10 +16,10 @@
 
 namespace {
 
-constexpr double SLIVER = 0.1;   // area of a panel that is left out, in mean areas
+constexpr double SLIVER = 0.1;     // area of a panel that is left out, in mean areas
 constexpr double COMPLETE = 0.998; // covered part of the waterplane that needs no word
 constexpr double ENOUGH = 0.95;    // covered part without which a run makes no sense
-constexpr double NO_AREA = 1e-6; // area of a polygon that has none, in squared mean sides
+constexpr double NO_AREA = 1e-6;   // area of a polygon that has none, in squared mean sides
 
 // Dipole panels are left out: a thin plate bounds no inside.
 std::vector<WaterSide> water_sides(const RunState &run, int first, int w1, int count) {
@@ -150,7 +150,8 @@ Status judge(const Covered &area) {
     if (area.done >= COMPLETE * area.wanted)
         return Status::ok;
     const double open = area.wanted - area.done, part = 100 * open / area.wanted;
-    warn_incomplete("not covered: area" + sci(11, 3, open) + " ULEN^2," + fixed(6, 2, part) + " per cent of the waterplane");
+    warn_incomplete("not covered: area" + sci(11, 3, open) + " ULEN^2," + fixed(6, 2, part) +
+                    " per cent of the waterplane");
     return area.done < ENOUGH * area.wanted
                ? MSGOUT("Free-surface panels cover less than 95 per cent of the waterplane")
                : Status::ok;
@@ -188,7 +189,8 @@ Status make_panels(const RunState &run, int body, const std::vector<WaterSide> &
         message("WARNING: Rings do not cover the inside of the waterline once, an advancing front does it");
         message_detail("body " + std::to_string(body));
     }
-    return make_front({sides, line, PSCALE, 2 * static_cast<std::int64_t>(run.bodies.NEQNB(body))}, planes, panels);
+    return make_front({sides, line, PSCALE, 2 * static_cast<std::int64_t>(run.bodies.NEQNB(body))}, planes,
+                      panels);
 }
 
 // Puts the panels behind the last panel of the body and moves those of the bodies after it.
@@ -227,8 +229,8 @@ Status insert_panels(int body, int last, const SurfacePanels &panels, RunState &
     return Status::ok;
 }
 
-// Covers the body, of which the first panel is `first` and the first waterline panel `w1`, and writes its
-// file.
+// Covers the body, of which the first panel is `first` and the first waterline panel `w1`, and
+// writes its file.
 Status cover_body(int body, int first, int w1, double PSCALE, const std::string &idf_name, RunState &run) {
     try {
         const std::vector<WaterSide> sides = water_sides(run, first, w1, run.bodies.NWLB(body));

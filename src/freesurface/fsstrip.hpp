@@ -14,7 +14,7 @@
 // in one strip only. `used` counts the entries of IRRP, before and after.
 void FSSTRP(const RunState &run, int body, int first, int w1, int w2, View<int, 1> IRRP, int &used);
 
-// Gives each interior panel to the waterline panel with the nearest centroid in the horizontal plane, the
-// first of equals, and lists for each waterline panel its own in ascending order. `head` holds the waterline
-// panels.
+// Gives each interior panel to the waterline panel with the nearest centroid in the horizontal plane,
+// the first of equals, and lists for each waterline panel its own in ascending order. `head` holds
+// the waterline panels.
 void FSNEAR(const Mesh &mesh, View<const int, 1> head, View<int, 1> IRRP, int &used);

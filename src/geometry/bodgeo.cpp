@@ -80,7 +80,7 @@ SecondMoments second_moments(const Panel &p, bool gauss, f32 ZB) {
 // panels. n is the normal, x the centroid, both in body axes; A the area; the heights are those above the
 // free surface.
 struct BodySums {
-    double n3A = 0, n3Ax = 0, n3Ay = 0, n3Az = 0; // n3 A times 1, x, y, height
+    double n3A = 0, n3Ax = 0, n3Ay = 0, n3Az = 0;  // n3 A times 1, x, y, height
     double n3xx = 0, n3yy = 0, n3zz = 0, n3xy = 0; // normal times second moment
     // With a wall in global axes, the first two moments in axes that are only turned to them:
     double n1Ax = 0, n2Ay = 0;
@@ -202,7 +202,8 @@ void fill_hydrostatics(const Options &opt, const BodySums &V, const BodyRange &r
 // A level panel within rounding of z = 0 lies there: above it the wave has no value.
 void settle_in_surface(const Options &opt, Panel &p) {
     constexpr f32 ROUNDING = 1.0e-5f; // of the panel's size
-    if (opt.IRRX != 0 || std::fabs(p.TRM[3][3]) < 0.9999f || std::fabs(p.XCT[3]) > ROUNDING * std::sqrt(p.PMOM[1]))
+    if (opt.IRRX != 0 || std::fabs(p.TRM[3][3]) < 0.9999f ||
+        std::fabs(p.XCT[3]) > ROUNDING * std::sqrt(p.PMOM[1]))
         return;
     p.XCT[3] = 0;
     for (int k = 1; k <= 4; ++k)
@@ -232,7 +233,8 @@ Status BODGEO(const Options &opt, const Dipoles &dipoles, const BodyRange &range
         if (failed(PANGEO(mesh.XVER.slice(ip), opt.IDIAG, ip - range.ip1 + 1, p)))
             return Status::failed;
         if (!std::all_of(p.PMOM + 1, p.PMOM + 14, [](f32 moment) { return std::isfinite(moment); }))
-            return MSGOUT("Error: panel out of proportion to ULEN, its moments overflow, panel I=", ip - range.ip1 + 1);
+            return MSGOUT("Error: panel out of proportion to ULEN, its moments overflow, panel I=",
+                          ip - range.ip1 + 1);
         // A panel of the free surface that looks down is no wetted hull, nor is one made by projection: no
         // mode moves it.
         if (mesh.projected(ip) == 0 && !(p.TRM[3][3] <= DOWN && p.XCT[3] + at.z >= SURFACE))

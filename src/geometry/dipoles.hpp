@@ -16,6 +16,6 @@
 // dipole records of their originals: the image of a thin plate is a thin plate.
 [[nodiscard]] Status mirror_dipoles(int first, int n, int total, Dipoles &dipoles);
 
-// Fills DEPS: 0.125 times the root of the area on a dipole panel, 0 elsewhere. Failed: no memory, or a dipole panel lies
-// in the free surface (IFSP).
+// Fills DEPS: 0.125 times the root of the area on a dipole panel, 0 elsewhere. Failed: no memory, or a dipole
+// panel lies in the free surface (IFSP).
 [[nodiscard]] Status INIT_DIPOLE(const Mesh &mesh, Dipoles &dipoles);

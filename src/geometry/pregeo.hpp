@@ -1,5 +1,5 @@
-// The body pre-pass: panels of all bodies in global axes, normal velocities of the modes, volumes and
-// hydrostatics.
+// The body pre-pass: panels of all bodies in global axes, normal velocities of the modes,
+// volumes and hydrostatics.
 #pragma once
 
 #include "state/state.hpp"

@@ -1,5 +1,5 @@
-// Fitted Bessel functions, x = argument (the form of Abramowitz & Stegun 9.4, economised for single
-// precision).
+// Fitted Bessel functions, x = argument (the form of Abramowitz & Stegun 9.4, economised
+// for single precision).
 #pragma once
 
 #include "base/types.hpp"

@@ -21,8 +21,8 @@ void PCOEF(f32 H, f32 M, f32 (&C57)[57]);
 // with t = (2 R/H)^2 and w = (Z/(2 H))^2 in 0..1; order as for SCOEF.
 void S3COEF(f32 H, f32 M, f32 DM, f32 (&C33)[33], f32 (&DC33)[33]);
 
-// Interval of H, counted from 0, and its local variable v. H = 1 belongs to 1-2 (S, S3) or to the last one
-// (P).
+// Interval of H, counted from 0, and its local variable v. H = 1 belongs to 1-2 (S, S3) or to the
+// last one (P).
 struct DepthVariable {
     int interval;
     double v;

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
-// Root m of m tanh(m) = H to some 1e-15: what k = m/H lacks is multiplied with the distance in the phase of a
-// wave.
+// Root m of m tanh(m) = H to some 1e-15: what k = m/H lacks is multiplied with the distance in the phase
+// of a wave.
 inline double propagating_root(double H) {
     const double E0 = std::exp(-std::min(2 * H, 30.0));
     double m = H <= 2 ? std::sqrt(H) * (1 + 0.169 * H + 0.031 * H * H) : H + H * E0 * (2 - 12 * E0);

@@ -1,5 +1,5 @@
-// The unit of work of the Green function: a few points of one method side by side, and the kernels that fill
-// it.
+// The unit of work of the Green function: a few points of one method side by side, and the kernels
+// that fill it.
 #pragma once
 
 #include "base/simd.hpp"

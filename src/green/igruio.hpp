@@ -38,8 +38,8 @@ struct InfiniteWork {
     [[nodiscard]] bool alloc(int n);
 };
 
-// Evaluates by the table of deep water; the free-surface relation F_Y = -(F + 2/r1) gives what the table does
-// not.
+// Evaluates by the table of deep water; the free-surface relation F_Y = -(F + 2/r1) gives what the
+// table does not.
 void IGRUIO(const InfinitePoints &points, InfiniteWork &work, const InfiniteArrays &result);
 
 // F2 + 1/r1 alike, for Y above DISTANT: by its expansion in (-d/dY)^n (1/r1), n points. What it leaves out is

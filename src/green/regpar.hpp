@@ -45,8 +45,8 @@ struct RegularWork {
 [[nodiscard]] Status REGPAR(const KernelPoints &points, f32 H, const GSTATE &gstate, RegularWork &work,
                             RegularTerms *result);
 
-// A pair of points whose panel is near, and the integrals over this panel as the mirrored field point sees
-// it.
+// A pair of points whose panel is near, and the integrals over this panel as the mirrored field
+// point sees it.
 struct NearPair {
     f32 X1, Y1, Z1; // field point as in KernelPoints
     f32 X2, Y2, Z2; // source point

@@ -37,8 +37,8 @@ struct GreenPoints {
         nullptr; // finite depth: 0 the bottom image 1/rb stays, 1 it is left out. Not read in deep water.
 };
 
-// Results, one array of n for each value; those that the order does not ask for are not touched and may be
-// null.
+// Results, one array of n for each value; those that the order does not ask for are not touched and
+// may be null.
 struct GreenArrays {
     f32 *re[GREEN_VALUES] = {};
     f32 *im[GREEN_VALUES] = {};
@@ -57,12 +57,12 @@ struct GreenWork {
     [[nodiscard]] bool alloc(int n);
 };
 
-// G and its derivatives for all points. H is the depth times nu, <= 0: deep water; `state` belongs to this H
-// when H > 0. The result of a point depends neither on its place nor on the other points. n < 1 returns at
-// once.
+// G and its derivatives for all points. H is the depth times nu, <= 0: deep water; `state` belongs to
+// this H when H > 0. The result of a point depends neither on its place nor on the other points. n < 1
+// returns at once.
 void VGRN98(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrder order, GreenWork &work,
             const GreenArrays &result);
 
-// One pair, all eight values as 16 numbers, each value as real and imaginary part. Equal bit for bit to
-// VGRN98.
+// One pair, all eight values as 16 numbers, each value as real and imaginary part. Equal bit for
+// bit to VGRN98.
 void VGRN1P(f32 R, f32 Z, f32 ZETA, f32 H, const GSTATE &state, int ISNG, int IBOT, f32 (&record)[16]);

@@ -55,8 +55,8 @@ bool body_number(const std::string &word, FreeReader &text, const std::string &n
     return text.read(body) && body >= 1;
 }
 
-Status read_new_modes(std::map<int, int> &NEWMDS, const std::string &word, FreeReader &value, const std::string &name,
-                      int line) {
+Status read_new_modes(std::map<int, int> &NEWMDS, const std::string &word, FreeReader &value,
+                      const std::string &name, int line) {
     FreeReader index;
     int body = 1;
     if (!body_number(word, index, name, line, body)) {
@@ -111,14 +111,16 @@ std::size_t edits(std::string_view a, std::string_view b) {
     return row.back();
 }
 
-// A line with "=" behind one word that is no keyword. What begins with another sign or has several words is a comment.
+// A line with "=" behind one word that is no keyword. What begins with another sign or has several words
+// is a comment.
 void warn_of_keyword(const std::string &typed, const std::string &name, int line) {
     const std::string word = trimmed(typed);
     if (word.empty() || word[0] < 'A' || word[0] > 'Z' || word.find_first_of(" \t") != std::string::npos)
         return;
-    const Keyword &nearest = *std::min_element(std::begin(KEYWORDS), std::end(KEYWORDS), [&](const Keyword &a, const Keyword &b) {
-        return edits(word, a.word) < edits(word, b.word);
-    });
+    const Keyword &nearest =
+        *std::min_element(std::begin(KEYWORDS), std::end(KEYWORDS), [&](const Keyword &a, const Keyword &b) {
+            return edits(word, a.word) < edits(word, b.word);
+        });
     message("WARNING: unknown keyword in the configuration file: " + word);
     message_detail(name + ", line " + std::to_string(line) + "; the nearest is " + std::string(nearest.word));
 }

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr f32 SHORTEST_LENGTH = 1.0e-5f; // ULEN below it is no length
-constexpr f32 LARGEST_LENGTH = 1.0e9f; // in ULEN
+constexpr f32 LARGEST_LENGTH = 1.0e9f;   // in ULEN
 constexpr f32 ABOVE_SURFACE = 1.0e-6f; // dimensional height from which on a vertex is above the free surface
 
 // ISX or ISY as the choice of planes sees it: 1 for a plane that may have to be mirrored (1 and -2), else 0.
@@ -56,7 +56,8 @@ Status check_single_end(FreeReader &in) {
     if (in.read(extra) ? extra == 0 : in.ended())
         return Status::ok;
     return MSGOUT_with("Error:  Extra data at end of geometric data file", 0,
-                       (in.fault().empty() ? in.place() + ": found " + std::to_string(extra) : in.fault()) + EXTRA_HINT);
+                       (in.fault().empty() ? in.place() + ": found " + std::to_string(extra) : in.fault()) +
+                           EXTRA_HINT);
 }
 
 Status read_single(FreeReader &in, GdfHead &head, const TypedInput &typed, RunState &run) {
@@ -168,7 +169,8 @@ Status read_gdf_panels(FreeReader &in, const PanelPlace &place, Array<f32, 3> &X
             const f32 *vertex = xyz + 3 * (v - 1);
             if (vertex[2] > limit)
                 return MSGOUT_with("Error in GDF file: vertex above free surface for panel N=", i,
-                                   in.place() + ": vertex " + std::to_string(v) + " at z =" + sci(12, 4, vertex[2] - place.surface));
+                                   in.place() + ": vertex " + std::to_string(v) +
+                                       " at z =" + sci(12, 4, vertex[2] - place.surface));
             for (int c = 0; c < 3; ++c) {
                 if (std::fabs(vertex[c] * place.RULEN) > LARGEST_LENGTH)
                     return MSGOUT_with("Error in GDF file: vertex out of proportion to ULEN for panel N=", i,

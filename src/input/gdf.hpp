@@ -14,7 +14,8 @@
 [[nodiscard]] Status GDFRD(TypedInput &typed, RunState &run);
 
 // What may be meant by numbers behind the panels.
-constexpr const char *EXTRA_HINT = "; more panels than NEQN says, or dipole records without NDIPB = 1 behind NEQN";
+constexpr const char *EXTRA_HINT =
+    "; more panels than NEQN says, or dipole records without NDIPB = 1 behind NEQN";
 
 // Pieces of both forms. A body number 0 stands for the single-body form; its messages name no body.
 
@@ -46,8 +47,8 @@ struct PanelPlace {
 // Marks in mesh.projected which panels of a body are projections: the last of each block of `block` panels
 // from the `hull`-th on. Images of a block follow it in its order.
 [[nodiscard]] Status mark_projected(int slot, int first, int hull, int block, RunState &run);
-// Mirrors the panels of body `slot`, which start at `first`, and their dipole records; NEQNB(slot) counts
-// them.
+// Mirrors the panels of body `slot`, which start at `first`, and their dipole records;
+// NEQNB(slot) counts them.
 [[nodiscard]] Status mirror_body(int slot, int first, RunState &run);
 // Appends the waterline panels of body `slot` to the lists and counts them in NWLB(slot) and NWL.
 [[nodiscard]] Status find_waterline(int body, int slot, int first, RunState &run);

@@ -70,7 +70,8 @@ Status read_body_entry(FreeReader &in, int N, int modes, TypedInput &typed, RunS
     FNNORM(name);
     if (name.empty())
         return MSGOUT_with("Error reading GDF filename in global GDF file for body N=", N,
-                           run.files.FILNAM(1) + ", line " + std::to_string(in.line_number() - 1) + ": the line is empty");
+                           run.files.FILNAM(1) + ", line " + std::to_string(in.line_number() - 1) +
+                               ": the line is empty");
     if (!in.read_array(&typed.XBODY(1, N), 4))
         return fault("XBODY coordinates");
     int IRAD = 0;
@@ -78,9 +79,11 @@ Status read_body_entry(FreeReader &in, int N, int modes, TypedInput &typed, RunS
     if (!in.read(IRAD, IDIFF))
         return fault("IRAD,IDIFF");
     if (IRAD < -1 || IRAD > 1)
-        return MSGOUT_with("Value of IRAD index is illegal for body N=", N, in.place() + ": found " + std::to_string(IRAD));
+        return MSGOUT_with("Value of IRAD index is illegal for body N=", N,
+                           in.place() + ": found " + std::to_string(IRAD));
     if (IDIFF < -1 || IDIFF > 1)
-        return MSGOUT_with("Value of IDIFF index is illegal for body N=", N, in.place() + ": found " + std::to_string(IDIFF));
+        return MSGOUT_with("Value of IDIFF index is illegal for body N=", N,
+                           in.place() + ": found " + std::to_string(IDIFF));
     int *MODE = bodies.MODE.data() + modes;
     const int count = 6 + bodies.NEWMDS(N);
     if (!in.read_array(MODE, 6))
@@ -142,8 +145,7 @@ Status keeps_symmetry(const Files &files, const Array<f32, 2> &XBODY, bool &keep
             return Status::failed;
         if (N == 1)
             first = head;
-        keep = std::fabs(XBODY(4, N)) <= PLACE_TOLERANCE && head.ISX == first.ISX &&
-               head.ISY == first.ISY;
+        keep = std::fabs(XBODY(4, N)) <= PLACE_TOLERANCE && head.ISX == first.ISX && head.ISY == first.ISY;
     }
     if (first.ISX == 0 && first.ISY == 0)
         keep = false;
@@ -180,7 +182,9 @@ Status take_head(FreeReader &in, int N, const GdfHead &head, RunState &run) {
         run.opt.RULEN = 1.0f / head.ULEN;
     }
     if (!(std::fabs(head.GRAV - run.opt.GRAV) <= GRAVITY_TOLERANCE))
-        return MSGOUT_with("Error in value of GRAV in GDF file for body N=", N, in.place() + ": found" + sci(12, 4, head.GRAV) + ", the global file has" + sci(12, 4, run.opt.GRAV));
+        return MSGOUT_with("Error in value of GRAV in GDF file for body N=", N,
+                           in.place() + ": found" + sci(12, 4, head.GRAV) + ", the global file has" +
+                               sci(12, 4, run.opt.GRAV));
     run.opt.ISX = head.ISX;
     run.opt.ISY = head.ISY;
     if (head.ISX == -1 || head.ISY == -1)

@@ -52,7 +52,8 @@ Status wave_numbers(const Options &opt, const Array<f32, 1> &PER, f32 ULEN1, Per
         periods.PER(i) = p;
         if (p <= LIMIT_PERIOD) {
             k = p;
-            // Of periods, 0 is the limit of high frequencies; of frequencies and wave numbers it looks like that of low ones.
+            // Of periods, 0 is the limit of high frequencies; of frequencies and wave numbers it looks like
+            // that of low ones.
             if (limit_of(p) == 2 && (p < 0 || opt.IPERIO > 1))
                 warn_of_limit(i, "the value" + sci(11, 3, p) + " of PER");
             if (opt.IWADD == 1)
@@ -104,7 +105,8 @@ Status GETIP1(RunState &run) {
         return MSGOUT(NO_MEMORY);
     // The names come first: a result of an earlier run must not survive a fault of the configuration.
     const Status configured = RDCONF(run.files.config, opt, typed);
-    if (failed(RDNAMS(run.files, opt)) || failed(configured) || failed(check_configuration(opt, typed.NEWMDS)))
+    if (failed(RDNAMS(run.files, opt)) || failed(configured) ||
+        failed(check_configuration(opt, typed.NEWMDS)))
         return Status::failed;
     if (typed.NEWMDS.count(1) > 0)
         run.bodies.NEWMDS(1) = typed.NEWMDS[1];

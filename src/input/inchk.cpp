@@ -43,7 +43,8 @@ void check_problem(const RunState &run, Faults &faults) {
     for (const int index : {opt.ISX, opt.ISY}) {
         faults.test(index < -1 || index > 1, "Value of a symmetry index is illegal");
         if (index < -1 || index > 1)
-            message_detail(run.files.FILNAM(1) + ": ISX=" + std::to_string(opt.ISX) + ", ISY=" + std::to_string(opt.ISY));
+            message_detail(run.files.FILNAM(1) + ": ISX=" + std::to_string(opt.ISX) +
+                           ", ISY=" + std::to_string(opt.ISY));
     }
     for (const int index : {opt.ISX, opt.ISY})
         faults.test(index == -1 && bodies.NBODY >= 2, "Combination of wall plus NBODY is illegal");
@@ -79,14 +80,13 @@ void check_depth(const RunState &run, Faults &faults) {
     for (int b = 1; b <= run.bodies.NEQNB.dim(1); ++b) {
         for (int ip = first; ip < first + run.bodies.NEQNB(b); ++ip) {
             for (int v = 1; v <= 4; ++v) {
-                if (run.mesh.XVER(v, 3, ip) + run.bodies.XBODY(3, b) < lowest)
-                {
+                if (run.mesh.XVER(v, 3, ip) + run.bodies.XBODY(3, b) < lowest) {
                     faults.test(true, "Error: vertex below the bottom, z below -HBOT, for panel I=", ip);
                     const f32 L = run.bodies.ULEN(1);
-                    return message_detail("panel " + std::to_string(ip - first + 1) + " of body " + std::to_string(b) +
-                                          ", vertex " + std::to_string(v) + ": z =" +
-                                          sci(12, 4, (run.mesh.XVER(v, 3, ip) + run.bodies.XBODY(3, b)) * L) + ", HBOT" +
-                                          sci(12, 4, run.opt.HBOT * L));
+                    return message_detail("panel " + std::to_string(ip - first + 1) + " of body " +
+                                          std::to_string(b) + ", vertex " + std::to_string(v) + ": z =" +
+                                          sci(12, 4, (run.mesh.XVER(v, 3, ip) + run.bodies.XBODY(3, b)) * L) +
+                                          ", HBOT" + sci(12, 4, run.opt.HBOT * L));
                 }
             }
         }
@@ -102,8 +102,9 @@ void check_depth_range(const RunState &run, Faults &faults) {
         if (limit_of(run.periods.WVN0(t)) != 0 || (H >= SHALLOW && H <= DEEP))
             continue;
         faults.test(true, "Error return in HGRN98: depth HBOT is illegal ");
-        message_detail("period " + std::to_string(t) + ", " + trimmed(sci(11, 4, run.periods.PER(t))) + " s: depth times wave number" +
-                       sci(11, 3, H) + ", not between 1.E-5 and 1.E5; give HBOT = 0 for deep water");
+        message_detail("period " + std::to_string(t) + ", " + trimmed(sci(11, 4, run.periods.PER(t))) +
+                       " s: depth times wave number" + sci(11, 3, H) +
+                       ", not between 1.E-5 and 1.E5; give HBOT = 0 for deep water");
     }
 }
 
@@ -131,7 +132,8 @@ Status INCHK(const RunState &run) {
         check_drift_damping(run, faults);
     for (int b = 1; b <= run.bodies.XBODY.dim(2); ++b) {
         for (int c = 1; c <= 3; ++c)
-            faults.test(std::fabs(run.bodies.XBODY(c, b)) > LARGEST_LENGTH, "XBODY is out of proportion to ULEN for body N=", b);
+            faults.test(std::fabs(run.bodies.XBODY(c, b)) > LARGEST_LENGTH,
+                        "XBODY is out of proportion to ULEN for body N=", b);
     }
     faults.test(run.opt.HBOT > LARGEST_LENGTH || (run.opt.HBOT > 0 && run.opt.HBOT < 1 / LARGEST_LENGTH),
                 "HBOT is out of proportion to ULEN");

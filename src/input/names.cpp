@@ -59,7 +59,8 @@ std::vector<std::string> files_of(const std::string &gdf, const Options &opt) {
     std::string line;
     f32 values[2], XBODY[4];
     int NBODY = 0, numbers[6];
-    if (!in.open(gdf) || !in.line(line, WHOLE_LINE) || !in.read_array(values, 2) || values[0] > 0 || !in.read(NBODY))
+    if (!in.open(gdf) || !in.line(line, WHOLE_LINE) || !in.read_array(values, 2) || values[0] > 0 ||
+        !in.read(NBODY))
         return files;
     for (int b = 1; b <= NBODY && name_line(in, line); ++b) {
         files.push_back(line);
@@ -122,7 +123,8 @@ Status RDNAMS(Files &files, const Options &opt) {
             return MSGOUT_with("The P2F file would replace an input file", 0,
                                p2f + " and " + input + ": give the GDF and the POT file another extension");
         if (same_file(files.list, input))
-            return MSGOUT_with("The list file would replace an input file", 0, input + ": give it another name");
+            return MSGOUT_with("The list file would replace an input file", 0,
+                               input + ": give it another name");
     }
     return remove_old_result(p2f);
 }

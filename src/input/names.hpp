@@ -14,8 +14,9 @@ void FNNORM(std::string &name);
 void SETEXT(NameTable &FILNAM, int a, int b, int c);
 
 // Names of the geometry and the control file, FILNAM(1) and (2), from lines 1 and 2 of files.names or from
-// the console; the name of the result file, FILNAM(3). An old result file is removed. Failed: no name, the result or the
-// list file would replace an input file (links and the files of a global geometry file count), or the old result cannot be removed.
+// the console; the name of the result file, FILNAM(3). An old result file is removed. Failed: no name, the
+// result or the list file would replace an input file (links and the files of a global geometry file count),
+// or the old result cannot be removed.
 [[nodiscard]] Status RDNAMS(Files &files, const Options &opt);
 
 // Name of the free-surface panel file, FILNAM(5), from line 5 of files.names or from the console.

@@ -78,7 +78,8 @@ Status read_position(FreeReader &in, const ControlFile &pot) {
     if (missing > 0 && !in.read_array(options, missing))
         return read_fault(in, "IQUAD,ILOG,IDIAG line");
     if (missing > 0)
-        warn_of_line(in, missing == 3 ? "IQUAD, ILOG, IDIAG" : "those of IQUAD, ILOG, IDIAG that config.vrd leaves out");
+        warn_of_line(in, missing == 3 ? "IQUAD, ILOG, IDIAG"
+                                      : "those of IQUAD, ILOG, IDIAG that config.vrd leaves out");
     const int *next = options;
     if (opt.KFLAG[F_IQUAD])
         opt.IQUAD = *next++;
@@ -96,9 +97,11 @@ Status read_problems(FreeReader &in, Options &opt, Array<int, 1> &MODE) {
     if (!in.read(opt.IRAD, opt.IDIFF))
         return read_fault(in, "IRAD,IDIFF line");
     if (opt.IRAD < -1 || opt.IRAD > 1)
-        return MSGOUT_with("Value of IRAD index is illegal in POT file", 0, in.place() + ": found " + std::to_string(opt.IRAD));
+        return MSGOUT_with("Value of IRAD index is illegal in POT file", 0,
+                           in.place() + ": found " + std::to_string(opt.IRAD));
     if (opt.IDIFF < -1 || opt.IDIFF > 1)
-        return MSGOUT_with("Value of IDIFF index is illegal in POT file", 0, in.place() + ": found " + std::to_string(opt.IDIFF));
+        return MSGOUT_with("Value of IDIFF index is illegal in POT file", 0,
+                           in.place() + ": found " + std::to_string(opt.IDIFF));
     if (opt.IWADD == 1 && opt.IDIFF == 0)
         return MSGOUT("IDIFF must be -1 or 1 when IWADD=1");
     if (!in.read_array(MODE.data(), 6))

@@ -5,8 +5,8 @@
 #include "state/state.hpp"
 
 // Reads FILNAM(2): the problems, periods and headings. What the configuration file has set (KFLAG false) is
-// not expected in it. Makes MODE for the modes of one body, PER, WVN0, WVNH, BETA, SINBET and COSBET; depth, place and
-// PER as typed go to `typed`.
+// not expected in it. Makes MODE for the modes of one body, PER, WVN0, WVNH, BETA, SINBET and COSBET; depth,
+// place and PER as typed go to `typed`.
 struct ControlFile {
     Files &files; // name and title
     Options &opt;

@@ -7,8 +7,8 @@
 #include <map>
 
 struct TypedInput {
-    f32 HBOT = 0;        // depth, 0 or less: infinite [length]
-    Array<f32, 2> XBODY; // origin of each body [length] and heading [degrees] (4,NBODY)
+    f32 HBOT = 0;              // depth, 0 or less: infinite [length]
+    Array<f32, 2> XBODY;       // origin of each body [length] and heading [degrees] (4,NBODY)
     std::map<int, int> NEWMDS; // extra modes of the bodies that the configuration file names
-    Array<f32, 1> PER;   // periods, frequencies or wave numbers, by IPERIO (NPER)
+    Array<f32, 1> PER;         // periods, frequencies or wave numbers, by IPERIO (NPER)
 };

@@ -3,17 +3,17 @@
 
 #include "post/p2f_reader.hpp"
 
-// Non-dimensional: A over rho L^k, B over rho omega L^k, X over rho g L^(k-1) per unit wave amplitude, with L =
-// ULEN(1) and k = 3 plus the number of rotations among the modes concerned (X: k = 3 or 4).
+// Non-dimensional: A over rho L^k, B over rho omega L^k, X over rho g L^(k-1) per unit wave amplitude, with L
+// = ULEN(1) and k = 3 plus the number of rotations among the modes concerned (X: k = 3 or 4).
 struct Coefficients {
     Array<f32, 3> A; // added mass (NMODES,NMODES,NPER)
     Array<f32, 3> B; // damping (NMODES,NMODES,NPER)
     Array<c32, 3> X; // exciting force (NMODES,NBETA,NPER)
 };
 
-// A - i B/omega = rho sum of area VEL(i) phi_j, X = rho g sum of area VEL(i) phi_D, over the panels of all body images, but for plates
-// that are held in place (IDIP=3).
-// Coefficients of modes of different classes, or of modes that were not solved, are 0. False when memory is refused.
+// A - i B/omega = rho sum of area VEL(i) phi_j, X = rho g sum of area VEL(i) phi_D, over the panels of all
+// body images, but for plates that are held in place (IDIP=3). Coefficients of modes of different classes, or
+// of modes that were not solved, are 0. False when memory is refused.
 [[nodiscard]] bool form_coefficients(const P2fFile &p2f, Coefficients &coefficients);
 
 // True for a rotation among the six rigid modes of a body; extra modes count as translations.

@@ -43,24 +43,26 @@ class Reader {
         p.NBETAM = std::max(p.NBETA, 1);
         Array<f32, 2> volumes;
         const bool made =
-            p.ULEN.alloc(p.NBODY) && p.NEQNB.alloc(p.NBODY) && p.NPANS.alloc(p.NBODY) && p.NEWMDS.alloc(p.NBODY) &&
-            p.XBODY.alloc(4, p.NBODY) && p.PER.alloc(p.NPER) && p.WVNH.alloc(p.NPER) && p.BETA.alloc(p.NBETA) &&
-            p.SINBET.alloc(p.NBETA) && p.COSBET.alloc(p.NBETA) && p.MODLST.alloc(p.NMODES) &&
-            p.MODPOS.alloc(p.NMODES) && p.MODCLS.alloc(p.NMODES, 4) && p.XVER.alloc(4, 3, p.NEQN) && p.XCT.alloc(3, p.NEQN) &&
+            p.ULEN.alloc(p.NBODY) && p.NEQNB.alloc(p.NBODY) && p.NPANS.alloc(p.NBODY) &&
+            p.NEWMDS.alloc(p.NBODY) && p.XBODY.alloc(4, p.NBODY) && p.PER.alloc(p.NPER) &&
+            p.WVNH.alloc(p.NPER) && p.BETA.alloc(p.NBETA) && p.SINBET.alloc(p.NBETA) &&
+            p.COSBET.alloc(p.NBETA) && p.MODLST.alloc(p.NMODES) && p.MODPOS.alloc(p.NMODES) &&
+            p.MODCLS.alloc(p.NMODES, 4) && p.XVER.alloc(4, 3, p.NEQN) && p.XCT.alloc(3, p.NEQN) &&
             p.PMOM.alloc(13, p.NEQN) && p.VEL.alloc(p.NMODES, p.NEQN) && p.VOL.alloc(3, p.NBODY) &&
             p.XCB.alloc(3, p.NBODY) && p.CHYD.alloc(p.NMODES, p.NMODES) && volumes.alloc(6, p.NBODY);
         if (!made)
             return refuse("there is not enough memory for its arrays");
         const std::size_t n = static_cast<std::size_t>(p.NEQN) * sizeof(f32);
-        const bool good =
-            next("ULEN", {into(p.ULEN)}) && next("NEQNB", {into(p.NEQNB), into(p.NPANS)}) &&
-            next("NEWMDS", {into(p.NEWMDS)}) && next("XBODY", {into(p.XBODY)}) &&
-            next("PER", {into(p.PER), into(p.WVNH)}) && next("BETA", {into(p.BETA), into(p.SINBET), into(p.COSBET)}) &&
-            next("MODLST", {into(p.MODLST)}) && next("MODCLS", {into(p.MODCLS)}) && next("MODPOS", {into(p.MODPOS)}) &&
-            skip("XIV", 4 * n) && skip("ETV", 4 * n) && next("XCT", {into(p.XCT)}) && next("XVER", {into(p.XVER)}) &&
-            skip("TRM", 9 * n) && next("PMOM", {into(p.PMOM)}) && skip("SIDE", 4 * n) && skip("XGP", 12 * n) &&
-            skip("GJAC", 4 * n) && skip("RXNG", 12 * n) && next("VEL", {into(p.VEL)}) &&
-            next("volumes", {into(volumes), into(p.CHYD)}) && skip("PSIZ", 2 * n);
+        const bool good = next("ULEN", {into(p.ULEN)}) && next("NEQNB", {into(p.NEQNB), into(p.NPANS)}) &&
+                          next("NEWMDS", {into(p.NEWMDS)}) && next("XBODY", {into(p.XBODY)}) &&
+                          next("PER", {into(p.PER), into(p.WVNH)}) &&
+                          next("BETA", {into(p.BETA), into(p.SINBET), into(p.COSBET)}) &&
+                          next("MODLST", {into(p.MODLST)}) && next("MODCLS", {into(p.MODCLS)}) &&
+                          next("MODPOS", {into(p.MODPOS)}) && skip("XIV", 4 * n) && skip("ETV", 4 * n) &&
+                          next("XCT", {into(p.XCT)}) && next("XVER", {into(p.XVER)}) && skip("TRM", 9 * n) &&
+                          next("PMOM", {into(p.PMOM)}) && skip("SIDE", 4 * n) && skip("XGP", 12 * n) &&
+                          skip("GJAC", 4 * n) && skip("RXNG", 12 * n) && next("VEL", {into(p.VEL)}) &&
+                          next("volumes", {into(volumes), into(p.CHYD)}) && skip("PSIZ", 2 * n);
         if (!good)
             return false;
         for (int b = 1; b <= p.NBODY; ++b) {
@@ -89,7 +91,8 @@ class Reader {
             good = good && drift();
         if (good && p.IDIPOL == 1)
             good = p.IDIP.alloc(p.NEQN) && p.DPORA.alloc(p.NEQN) && p.DPORB.alloc(p.NEQN) &&
-                   next("IDIP", {into(p.IDIP)}) && next("DPORA", {into(p.DPORA)}) && next("DPORB", {into(p.DPORB)});
+                   next("IDIP", {into(p.IDIP)}) && next("DPORA", {into(p.DPORA)}) &&
+                   next("DPORB", {into(p.DPORB)});
         return good;
     }
 

@@ -50,8 +50,8 @@ struct P2fFile {
     Array<f32, 3> TRMF;
     Array<f32, 2> STB1, STB2, STF1, STF3;
     Array<f32, 3> STB3, STF2;
-    // The second-order arrays, empty as above: IRAD=-1 without those of (..,NSYMD,NPER), IDIFF=-1 without the
-    // others.
+    // The second-order arrays, empty as above: IRAD=-1 without those of (..,NSYMD,NPER), IDIFF=-1
+    // without the others.
     Array<c32, 3> W2R0, W2R1, W2R2, W2R3;        // (NEQN,NSYMD,NPER)
     Array<c32, 3> FSR1, FSR2, FSR3;              // (NFSP,NSYMD,NPER)
     Array<c32, 4> PHID2, SRCD2;                  // (NEQN,NBETAM,NSYMR,NPER)

@@ -21,8 +21,8 @@ struct PairImages {
 // Of PSIZ(2): largest squared sum of the heights of two panels in z = 0.
 constexpr f32 SURFACE2 = 1.0e-8f;
 
-// Bits of a mask: bit p-1 tells that the pair is near with image p, PAIR_SURFACE that both panels lie in z =
-// 0.
+// Bits of a mask: bit p-1 tells that the pair is near with image p, PAIR_SURFACE that both panels lie in
+// z = 0.
 constexpr std::uint8_t PAIR_SURFACE = 16;
 
 // Fills mask[i] for field panel a and source panels i (from 0) of the padded list.

@@ -1,11 +1,11 @@
-// Integrals over one flat panel of 1/rho, of its normal derivative and of ln(rho + height), and their
-// gradients.
+// Integrals over one flat panel of 1/rho, of its normal derivative and of ln(rho + height),
+// and their gradients.
 //
-// rho is the distance from the field point x to the point p of the panel, the height is k . (x - p) with k
-// the vertical unit vector. Exact forms near the panel: Hess and Smith, J. Ship Research 8(2), 1964; solid
-// angle of a triangle: van Oosterom and Strackee, IEEE Trans. Biomed. Eng. 30, 1983; multipoles and the
-// reduction to side integrals: Newman, J. Eng. Math. 20, 1986. The forms used here are derived in
-// docs/numerics.md.
+// rho is the distance from the field point x to the point p of the panel, the height is k . (x - p)
+// with k the vertical unit vector. Exact forms near the panel: Hess and Smith, J. Ship Research 8(2),
+// 1964; solid angle of a triangle: van Oosterom and Strackee, IEEE Trans. Biomed. Eng. 30, 1983;
+// multipoles and the reduction to side integrals: Newman, J. Eng. Math. 20, 1986. The forms used here
+// are derived in docs/numerics.md.
 #pragma once
 
 #include "geometry/panel.hpp"

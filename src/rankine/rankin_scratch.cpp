@@ -19,7 +19,8 @@ struct OuterPanel {
     [[nodiscard]] bool alloc(const RankineInput &in, int planes) {
         const int n = in.mesh.NEQN;
         return row.alloc(n, planes) && column.alloc(n, planes) && code.alloc(n) &&
-               mask.alloc(std::max(in.points.padded, 1)) && rhs.alloc(std::max(in.sym.NSYMD, 1), Range{0, 1}, n);
+               mask.alloc(std::max(in.points.padded, 1)) &&
+               rhs.alloc(std::max(in.sym.NSYMD, 1), Range{0, 1}, n);
     }
 };
 
@@ -57,8 +58,8 @@ bool visit(const RankineInput &in, const Planes &planes, int A, OuterPanel &oute
     return true;
 }
 
-// The records of A: per class and level column and row of each matrix, of the gradient its three components together;
-// then the codes.
+// The records of A: per class and level column and row of each matrix, of the gradient its three components
+// together; then the codes.
 bool write_records(const Planes &planes, int A, OuterPanel &outer, RecordFile &unit) {
     bool good = true;
     const auto write = [&](int first, int count) {
@@ -66,7 +67,8 @@ bool write_records(const Planes &planes, int A, OuterPanel &outer, RecordFile &u
             return c < count ? bytes_of(&array(1, first + c), length) : Bytes{};
         };
         good = good &&
-               unit.write({part(outer.column, 0, A - 1), part(outer.column, 1, A - 1), part(outer.column, 2, A - 1)}) &&
+               unit.write({part(outer.column, 0, A - 1), part(outer.column, 1, A - 1),
+                           part(outer.column, 2, A - 1)}) &&
                unit.write({part(outer.row, 0, A), part(outer.row, 1, A), part(outer.row, 2, A)});
     };
     for (int s = 1; s <= planes.classes; ++s) {
@@ -122,7 +124,8 @@ Status sweep(const RankineInput &in, RecordFile &rows, RecordFile &right_hand_si
 Status rankin_on_scratch(const Options &opt, const Mesh &mesh, const Dipoles &dipoles, const Symmetry &sym,
                          RecordFile &rows, RecordFile &right_hand_sides) {
     if (!rows.open_scratch() || !right_hand_sides.open_scratch())
-        return MSGOUT_with(" Error opening scratch file in RANKIN ", 0, rows.error() + right_hand_sides.error());
+        return MSGOUT_with(" Error opening scratch file in RANKIN ", 0,
+                           rows.error() + right_hand_sides.error());
     try {
         const RankineInput in(opt, mesh, dipoles, sym);
         if (failed(surface_panels_allowed(in)))

@@ -14,7 +14,8 @@ f32 dot(const f32 *a, const f32 *b) {
     return a[1] * b[1] + a[2] * b[2] + a[3] * b[3];
 }
 
-// Where a term of a pair has its field point: the panel itself, or its image in the free surface or in the bottom.
+// Where a term of a pair has its field point: the panel itself, or its image in the free surface or
+// in the bottom.
 enum class At { panel, free_surface, bottom };
 
 // The sum of the terms of one pair, field panel F and source panel G.
@@ -23,8 +24,8 @@ class PairSum {
     PairSum(const RankineInput &in, int F, int G, int gradient, RankineTerms &t)
         : in_(in), F_(F), G_(G), gradient_(gradient), t_(t) {}
 
-    // Adds the term of field point P with field normal N; in the free surface with that of the logarithm. False: an
-    // integral has no value.
+    // Adds the term of field point P with field normal N; in the free surface with that of the logarithm.
+    // False: an integral has no value.
     bool add(At at, const f32 *P, const f32 *N) {
         const int logarithm = at == At::free_surface ? in_.opt.ILOG : 0;
         FieldIntegrals f;

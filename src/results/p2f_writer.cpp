@@ -68,8 +68,8 @@ bool write_geometry(const RunState &run, RecordFile &file) {
            file.write({first_elements(bodies.NWLB, bodies.NBODY)});
 }
 
-// The waterline lists. With IRR=4 the panels count over the mesh in the run, in the file within the body as
-// ever.
+// The waterline lists. With IRR=4 the panels count over the mesh in the run, in the file within the
+// body as ever.
 bool write_waterline(const RunState &run, RecordFile &file) {
     const Waterline &line = run.waterline;
     Array<int, 1> panel;
@@ -144,7 +144,8 @@ struct PeriodRecord {
     Bytes (*bytes)(const ThreadState &);
     std::int64_t per_column; // values of one panel and column
 };
-// In the order of the hand-over file. In the scratch file the potentials of both problems come before all sources.
+// In the order of the hand-over file. In the scratch file the potentials of both problems come
+// before all sources.
 const PeriodRecord PERIOD_RECORDS[] = {
     {true, PeriodPart::potentials, [](const ThreadState &t) { return whole(t.PHIR); }, 1},
     {true, PeriodPart::sources, [](const ThreadState &t) { return whole(t.SRCR); }, 1},
@@ -156,7 +157,8 @@ const PeriodRecord PERIOD_RECORDS[] = {
 constexpr std::size_t PERIOD_RECORD_COUNT = std::size(PERIOD_RECORDS);
 
 bool is_written(const Options &opt, const PeriodRecord &record) {
-    return (record.radiation ? opt.IRAD : opt.IDIFF) >= 0 && (record.part == PeriodPart::potentials || opt.ISOR == 1);
+    return (record.radiation ? opt.IRAD : opt.IDIFF) >= 0 &&
+           (record.part == PeriodPart::potentials || opt.ISOR == 1);
 }
 
 // From the order of the scratch file to that of the hand-over file.
@@ -182,8 +184,8 @@ bool copy_periods(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
     return good;
 }
 
-// Calls action(array) for each array of the block of a period with IWADD=1, in order, until one returns
-// false.
+// Calls action(array) for each array of the block of a period with IWADD=1, in order, until
+// one returns false.
 template <class Action> bool each_of_block(const Options &opt, ThreadState &thread, Action action) {
     SecondOrder &w = thread.second;
     const auto all = [&](auto &...array) { return (action(array) && ...); };

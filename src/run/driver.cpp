@@ -10,12 +10,12 @@
 #include "rankine/rankin.hpp"
 #include "rankine/rankin_scratch.hpp"
 #include "results/p2f_writer.hpp"
-#include "state/memory_plan.hpp"
-#include "state/messages.hpp"
 #include "run/mesh_report.hpp"
 #include "run/period_loop.hpp"
-#include "state/symmetry.hpp"
 #include "run/wdd_flows.hpp"
+#include "state/memory_plan.hpp"
+#include "state/messages.hpp"
+#include "state/symmetry.hpp"
 
 #include <new>
 #include <omp.h>

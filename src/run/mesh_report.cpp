@@ -13,8 +13,8 @@ namespace {
 
 constexpr double PI = 3.14159265358979;
 
-// Panels first .. last in the axes of the run: those of the body, turned by its heading and moved to its
-// place.
+// Panels first .. last in the axes of the run: those of the body, turned by its heading and moved
+// to its place.
 BodyMesh mesh_of(const RunState &run, int b, int first, int last) {
     const Options &opt = run.opt;
     BodyMesh mesh;

@@ -8,10 +8,10 @@
 #include "boundary/incident_wave.hpp"
 #include "boundary/source_rhs.hpp"
 #include "results/p2f_writer.hpp"
-#include "state/messages.hpp"
 #include "run/progress.hpp"
 #include "run/wdd_chain.hpp"
 #include "solve/solve.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -25,8 +25,8 @@ void require(Status status) {
         STOPRN(0);
 }
 
-// The counts of potentials that are not 0, in their columns; those of the sources stand behind them in
-// parentheses.
+// The counts of potentials that are not 0, in their columns; those of the sources stand behind
+// them in parentheses.
 std::string report_counts(bool sources, const PeriodCounts &counts) {
     const int radiation = counts.potentials[0], diffraction = counts.potentials[1];
     const auto pair = [&](int k) {
@@ -56,27 +56,30 @@ bool is_finite(c32 v) {
 }
 
 // Tells the first value of a column of `values` (NEQN, any, column) that is no number: class and panel.
-template <int R> Status check_finite(const RunState &run, int period, const char *what, const Array<c32, R> &values) {
+template <int R>
+Status check_finite(const RunState &run, int period, const char *what, const Array<c32, R> &values) {
     const c32 *first = values.data(), *end = first + values.size();
     const c32 *bad = std::find_if_not(first, end, is_finite);
     if (bad == end)
         return Status::ok;
     return MSGOUT_with("Error: the solution has values that are not finite, period ", period,
-                       std::string(what) + ", panel " + std::to_string((bad - first) % run.mesh.NEQN + 1) + ", column " +
-                           std::to_string((bad - first) / run.mesh.NEQN + 1) + ": panels or lengths out of proportion");
+                       std::string(what) + ", panel " + std::to_string((bad - first) % run.mesh.NEQN + 1) +
+                           ", column " + std::to_string((bad - first) / run.mesh.NEQN + 1) +
+                           ": panels or lengths out of proportion");
 }
 
 // Of all that a period leaves.
 Status check_period(const RunState &run, int period, const ThreadState &thread) {
     const bool sources = run.opt.ISOR == 1;
-    const bool bad = (run.opt.IRAD >= 0 && failed(check_finite(run, period, "radiation potentials", thread.PHIR))) ||
-                     (run.opt.IDIFF >= 0 && failed(check_finite(run, period, "diffraction potentials", thread.PHID))) ||
-                     (sources && run.opt.IRAD >= 0 &&
-                      (failed(check_finite(run, period, "radiation sources", thread.SRCR)) ||
-                       failed(check_finite(run, period, "radiation velocities", thread.VELR)))) ||
-                     (sources && run.opt.IDIFF >= 0 &&
-                      (failed(check_finite(run, period, "diffraction sources", thread.SRCD)) ||
-                       failed(check_finite(run, period, "diffraction velocities", thread.VELD))));
+    const bool bad =
+        (run.opt.IRAD >= 0 && failed(check_finite(run, period, "radiation potentials", thread.PHIR))) ||
+        (run.opt.IDIFF >= 0 && failed(check_finite(run, period, "diffraction potentials", thread.PHID))) ||
+        (sources && run.opt.IRAD >= 0 &&
+         (failed(check_finite(run, period, "radiation sources", thread.SRCR)) ||
+          failed(check_finite(run, period, "radiation velocities", thread.VELR)))) ||
+        (sources && run.opt.IDIFF >= 0 &&
+         (failed(check_finite(run, period, "diffraction sources", thread.SRCD)) ||
+          failed(check_finite(run, period, "diffraction velocities", thread.VELD))));
     return bad ? Status::failed : Status::ok;
 }
 
@@ -111,7 +114,8 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCou
     }
     SolveRequest request{opt.IRAD, opt.IDIFF};
     request.IRRX = opt.IRRX;
-    require((opt.IRRX != 0 ? SOLVE_R : SOLVE)(run, request, thread.PHIR, thread.PHID, thread, counts.potentials));
+    require(
+        (opt.IRRX != 0 ? SOLVE_R : SOLVE)(run, request, thread.PHIR, thread.PHID, thread, counts.potentials));
     if (opt.IDIFF >= 0 && opt.ISCATT == 1)
         ADDINC(thread);
     if (opt.IRR >= 1)
@@ -137,7 +141,8 @@ void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &
     const int NPER = run.periods.NPER;
     Progress progress("period", NPER);
     const int side_by_side = std::min(threads, NPER);
-    // Each period gets its share of the cores, for rows, field points and strips; with one core it works serially.
+    // Each period gets its share of the cores, for rows, field points and strips; with one core
+    // it works serially.
     const int share = std::max(1, omp_get_max_threads() / std::max(1, side_by_side));
     omp_set_max_active_levels(share > 1 ? 2 : 1);
 #pragma omp parallel num_threads(side_by_side) if (side_by_side > 1)

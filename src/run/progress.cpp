@@ -5,7 +5,8 @@
 #include <utility>
 
 Progress::Progress(std::string phase, int count)
-    : phase_(std::move(phase)), count_(count), visible_(isatty(STDERR_FILENO) == 1), start_(std::chrono::steady_clock::now()) {
+    : phase_(std::move(phase)), count_(count), visible_(isatty(STDERR_FILENO) == 1),
+      start_(std::chrono::steady_clock::now()) {
     show();
 }
 

@@ -4,9 +4,10 @@
 #include <chrono>
 #include <string>
 
-// One line on standard error: phase, step k of n, time left. Nothing is written when standard error is no terminal.
+// One line on standard error: phase, step k of n, time left. Nothing is written when standard error
+// is no terminal.
 class Progress {
-public:
+  public:
     Progress(std::string phase, int count);
     ~Progress();
     Progress(const Progress &) = delete;
@@ -14,7 +15,7 @@ public:
     // One more step is done. Calls of several threads must be serialised by the caller.
     void step();
 
-private:
+  private:
     void show() const;
     std::string phase_;
     int count_;

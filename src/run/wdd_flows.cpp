@@ -3,9 +3,9 @@
 #include "assembly/wavegr.hpp"
 #include "boundary/bvel.hpp"
 #include "boundary/steady_flow.hpp"
-#include "state/messages.hpp"
 #include "run/period_loop.hpp"
 #include "solve/solve.hpp"
+#include "state/messages.hpp"
 
 namespace {
 

@@ -32,8 +32,8 @@ Status report_columns(const std::vector<RightHandSide> &columns) {
     return Status::failed;
 }
 
-// Each group is one back substitution; the groups are the same on any number of cores, and so are the
-// results.
+// Each group is one back substitution; the groups are the same on any number of cores, and so
+// are the results.
 Status solve_directly(View<const c32, 2> LU, const int *IPIV, int n,
                       const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
     constexpr int GROUP = 4;
@@ -64,7 +64,8 @@ namespace {
 
 void report_no_convergence() {
     message(" No convergence after MAXITT iterations ");
-    warn_at_end("some solutions did not converge (No convergence after MAXITT iterations): use ISOLVE=1, or other panels");
+    warn_at_end("some solutions did not converge (No convergence after MAXITT iterations): use ISOLVE=1, or "
+                "other panels");
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "solve/itrcc.hpp"
 
 #include "base/lapack.hpp"
-#include "state/messages.hpp"
 #include "solve/sweep_kernels.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,12 +1,12 @@
 #include "solve/scratch_solve.hpp"
 
 #include "assembly/scratch_store.hpp"
-#include "state/messages.hpp"
-#include "state/method.hpp"
 #include "solve/class_columns.hpp"
 #include "solve/lu.hpp"
 #include "solve/sweeps.hpp"
 #include "solve/tank.hpp"
+#include "state/messages.hpp"
+#include "state/method.hpp"
 
 #include <algorithm>
 
@@ -64,8 +64,8 @@ Status solve_full_direct(ScratchSolve &c, int s, const Columns &columns, int (&I
     return with_unit(c, s, true, [&](RecordFile &unit) { return WRLU(unit, c.AMAT, IPIV, c.n); });
 }
 
-// The iteration leaves the matrix as it is: only class 1 has to be saved, the others are on their units
-// anyway.
+// The iteration leaves the matrix as it is: only class 1 has to be saved, the others are on
+// their units anyway.
 Status solve_full(ScratchSolve &c, int s, const Columns &columns, int (&ITER)[2]) {
     const auto fetch = [&](RecordFile &unit) {
         return c.own_place(s) ? RDLU(unit, c.AMAT, c.IPIV.data(), c.n) : RDROWS(unit, c.AMAT, c.n);

@@ -1,12 +1,12 @@
 #include "solve/solve.hpp"
 
-#include "state/messages.hpp"
-#include "state/method.hpp"
 #include "solve/class_columns.hpp"
 #include "solve/lu.hpp"
 #include "solve/scratch_solve.hpp"
 #include "solve/sweeps.hpp"
 #include "solve/tank.hpp"
+#include "state/messages.hpp"
+#include "state/method.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -84,9 +84,10 @@ Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32,
             sweep_full(matrix, work);
             return Status::ok;
         };
-        const Status status = direct                     ? solve_full_direct(c, request, s, columns, ITER)
-                              : method == Method::blocks ? solve_blocks(c, request, s, columns, ITER)
-                                                         : solve_iteratively(c.n, request.EPS, sweep, columns, ITER);
+        const Status status = direct ? solve_full_direct(c, request, s, columns, ITER)
+                              : method == Method::blocks
+                                  ? solve_blocks(c, request, s, columns, ITER)
+                                  : solve_iteratively(c.n, request.EPS, sweep, columns, ITER);
         if (failed(status))
             return status;
     }

@@ -4,8 +4,8 @@
 #include "assembly/thread_state.hpp"
 #include "state/symmetry.hpp"
 
-// Which right-hand sides a call solves for (the results overwrite them), with which matrix, and what is left
-// behind.
+// Which right-hand sides a call solves for (the results overwrite them), with which matrix, and what
+// is left behind.
 struct SolveRequest {
     int IRAD = 0;  // -1 leaves the radiation columns out
     int IDIFF = 0; // below 0 leaves the diffraction columns out
@@ -14,8 +14,9 @@ struct SolveRequest {
     int KEEP = 0;    // 1: the scratch files and the prepared matrix stay for a later call
     int ISRC = 0;    // 1: the source matrix, on the second list of units
     f32 EPS = EPSIT; // tolerance of the iterative solvers
-    // Reference panel of a fully filled tank, 0: none. The potentials are made to vanish there in the class that is
-    // even in both planes, where they are defined up to a constant. The source equations have one solution.
+    // Reference panel of a fully filled tank, 0: none. The potentials are made to vanish there in the
+    // class that is even in both planes, where they are defined up to a constant. The source equations
+    // have one solution.
     int IRRX = 0;
     const ModeLists *modes = nullptr; // of the radiation columns; null: the modes of the run
 };

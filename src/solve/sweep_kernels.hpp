@@ -1,6 +1,6 @@
-// Inner loops of the iterative solver. Matrix elements are complex numbers as they are stored, vectors are
-// split into real and imaginary arrays. The work on a vector does not depend on what other vectors are worked
-// on.
+// Inner loops of the iterative solver. Matrix elements are complex numbers as they are stored, vectors
+// are split into real and imaginary arrays. The work on a vector does not depend on what other vectors
+// are worked on.
 #pragma once
 
 #include "base/split.hpp"

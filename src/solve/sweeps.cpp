@@ -1,7 +1,7 @@
 #include "solve/sweeps.hpp"
 
-#include "state/messages.hpp"
 #include "solve/sweep_kernels.hpp"
+#include "state/messages.hpp"
 
 #include <algorithm>
 #include <array>
@@ -110,8 +110,8 @@ void solve_block(const c32 *LU, int S, const int *IPIV, int L, const std::vector
     }
 }
 
-// A run of matrix rows or columns of which the first n elements are worked; those that are missing stand for
-// nothing.
+// A run of matrix rows or columns of which the first n elements are worked; those that are missing
+// stand for nothing.
 struct Run {
     const c32 *row[RUN_ROWS];
     int n;

@@ -1,7 +1,7 @@
 #include "solve/tank.hpp"
 
-#include "state/messages.hpp"
 #include "solve/lu.hpp"
+#include "state/messages.hpp"
 
 namespace {
 

@@ -1,5 +1,5 @@
-// The equations of a fully filled tank. Without a free surface the potential is defined up to a constant
-// only.
+// The equations of a fully filled tank. Without a free surface the potential is defined up to
+// a constant only.
 #pragma once
 
 #include "solve/class_columns.hpp"

@@ -28,8 +28,8 @@ void MEMRPT(Memory &memory) {
     const std::string stars = "    " + std::string(60, '*');
     list_line(" ");
     list_line(stars);
-    list_line("     Total physical memory     =" + int_in(14, sizes.total) + " Bytes" + gigabytes(sizes.total) +
-              " GB");
+    list_line("     Total physical memory     =" + int_in(14, sizes.total) + " Bytes" +
+              gigabytes(sizes.total) + " GB");
     list_line("     Physical memory available =" + int_in(14, sizes.available) + "   \"  " +
               gigabytes(sizes.available) + " GB");
     list_line("     Pagefile size             =" + int_in(14, sizes.pagefile) + "   \"  " +
@@ -77,7 +77,8 @@ Status allocate_store(const Options &opt, const Symmetry &sym, int NEQN, Rankine
     if (keeps_source(opt))
         made = made && store.RKSM.alloc(n, n, sym.NSYMR, planes);
     if (opt.ISOR == 1)
-        made = made && store.RKNM.alloc(n, n, sym.NSYMR, planes) && store.RKVM.alloc(n, n, 3 * sym.NSYMR, planes);
+        made = made && store.RKNM.alloc(n, n, sym.NSYMR, planes) &&
+               store.RKVM.alloc(n, n, 3 * sym.NSYMR, planes);
     if (!made)
         return MSGOUT(" RAM too small ");
     list_line("  Memory allocation is done for influence coeff. matrices");

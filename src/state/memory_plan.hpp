@@ -3,7 +3,8 @@
 
 #include "state/state.hpp"
 
-// Reports the memory of the machine on the list file and fills AVAILM [bytes]: 0 when the system does not tell.
+// Reports the memory of the machine on the list file and fills AVAILM [bytes]: 0 when the system
+// does not tell.
 void MEMRPT(Memory &memory);
 
 // Order of the matrix AMAT of one thread.

@@ -64,10 +64,8 @@ std::string trimmed_front(const std::string &text) {
 
 void write_head_block() {
     static const char *const banner[] = {
-        "   V     V   OOO   RRRR   DDDD     A   ",
-        "   V     V  O   O  R   R  D   D   A A  ",
-        "    V   V   O   O  RRRR   D   D  A   A ",
-        "     V V    O   O  R  R   D   D  AAAAA ",
+        "   V     V   OOO   RRRR   DDDD     A   ", "   V     V  O   O  R   R  D   D   A A  ",
+        "    V   V   O   O  RRRR   D   D  A   A ", "     V V    O   O  R  R   D   D  AAAAA ",
         "      V      OOO   R   R  DDDD   A   A ",
     };
     const DateTime now = DATTIM();
@@ -182,10 +180,11 @@ void STOPRN(int code) {
     }
     if (list.file != nullptr && !list.first_fault.empty()) {
         const std::string detail = list.first_detail.empty() ? "" : " (" + list.first_detail + ")";
-        std::fprintf(stderr, "%svorda: %s%s, see %s\n", clear, trimmed_front(list.first_fault).c_str(), detail.c_str(),
-                     list.name.c_str());
+        std::fprintf(stderr, "%svorda: %s%s, see %s\n", clear, trimmed_front(list.first_fault).c_str(),
+                     detail.c_str(), list.name.c_str());
     } else if (list.file != nullptr && terminal && !list.results.empty()) {
-        std::fprintf(stderr, "%svorda: results in %s, report in %s\n", clear, list.results.c_str(), list.name.c_str());
+        std::fprintf(stderr, "%svorda: results in %s, report in %s\n", clear, list.results.c_str(),
+                     list.name.c_str());
     }
     if (list.file != nullptr)
         std::fclose(list.file);

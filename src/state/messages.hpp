@@ -25,7 +25,8 @@ void message_detail(std::string_view text);
 // A fault message followed by its detail.
 Status MSGOUT_with(std::string_view text, int value, std::string_view detail);
 
-// A warning that stands once more at the end of the list file and on standard error, however often it is given.
+// A warning that stands once more at the end of the list file and on standard error, however often
+// it is given.
 void warn_at_end(std::string_view text);
 
 // Shows a text to the user outside the list file: on standard error.
@@ -37,6 +38,6 @@ std::string first_fault();
 // Tells the stop routine that the results are complete in this file.
 void results_complete(const std::string &name);
 
-// Closes all, removes the named scratch files and ends the process. It does not return. Standard error shows the first fault
-// with its detail; on a terminal also where the results are.
+// Closes all, removes the named scratch files and ends the process. It does not return. Standard error shows
+// the first fault with its detail; on a terminal also where the results are.
 [[noreturn]] void STOPRN(int code);

@@ -6,7 +6,8 @@
 enum class Method {
     direct,           // ISOLVE=1
     iterative_full,   // ISOLVE=0, the whole matrix in one place
-    iterative_packed, // ISOLVE=0, packed rows with the diagonal in reciprocal form, those behind NCORE on file
+    iterative_packed, // ISOLVE=0, packed rows with the diagonal in reciprocal form, those behind
+                      // NCORE on file
     blocks            // ISOLVE above 1, that many blocks
 };
 

@@ -53,8 +53,8 @@ struct Options {
     f32 RULEN = 0;  // 1 / ULEN(1)
 };
 
-// The source influence itself is kept: for the scattered potential, and for lids, whose coefficients it
-// makes.
+// The source influence itself is kept: for the scattered potential, and for lids, whose
+// coefficients it makes.
 inline bool keeps_source(const Options &opt) {
     return opt.ISCATT == 1 || opt.IBDT3 == 1;
 }
@@ -112,9 +112,9 @@ struct Mesh {
     Array<f32, 2> VEL;  // normal velocity of each mode (NMODES,NEQN)
     Array<f32, 3> RXNG; // r x N at the Gauss points, body axes (4,3,NEQN)
     Array<int, 1> IFSP; // 0 ordinary, 1 interior free-surface panel, -1 in z = 0 with normal up (NEQN)
-    // 1: made from a hull panel by projection on the free surface (NEQN). With IFSP=-1 such a panel is the
-    // image of an overhang that takes away part of the panels of IFSP=1; without it IFSP=-1 is hull of no
-    // draught.
+    // 1: made from a hull panel by projection on the free surface (NEQN). With IFSP=-1 such a panel is
+    // the image of an overhang that takes away part of the panels of IFSP=1; without it IFSP=-1 is hull
+    // of no draught.
     Array<int, 1> projected;
 };
 
@@ -125,8 +125,8 @@ struct Waterline {
     Array<int, 1> IWLE; // first vertex of its wet side (NWL)
 };
 
-// Interior panels behind each waterline panel: a count and that many panel numbers, one strip after the
-// other.
+// Interior panels behind each waterline panel: a count and that many panel numbers, one strip
+// after the other.
 struct Strips {
     Array<int, 1> IRRP; // (at least NEQN)
     Array<int, 1> head; // waterline panel of each strip, counted over the mesh (NWL)
@@ -169,15 +169,15 @@ struct Symmetry {
     int WCLS1[5] = {}, WCLS2[5] = {}, WCLS3[5] = {};
     int NMCLS1[5] = {}, NMCLS2[5] = {}, NMCLS3[5] = {};
     Array<int, 2> MODCLS1, MODCLS2, MODCLS3; // (NMODES,4)
-    // Modes of the steady flows (surge, sway, yaw) by class: counts, from 1, modes, and columns 1 to 3 of a
-    // mode.
+    // Modes of the steady flows (surge, sway, yaw) by class: counts, from 1, modes, and columns 1 to 3
+    // of a mode.
     int WMODC[5] = {};
     Array<int, 2> WMODM; // (NMODES,4)
     Array<int, 1> WMODP; // (NMODES)
 };
 
-// The limit frequency that a deep-water wave number WVN0 stands for: 0 none, 1 zero frequency, 2 infinite frequency. Waves
-// longer than 2 pi 1e6 lengths count as infinite frequency.
+// The limit frequency that a deep-water wave number WVN0 stands for: 0 none, 1 zero frequency, 2 infinite
+// frequency. Waves longer than 2 pi 1e6 lengths count as infinite frequency.
 inline int limit_of(f32 W) {
     constexpr f32 LIMIT = 1.0e-6f;
     return W > LIMIT ? 0 : W < -LIMIT ? 1 : 2;
@@ -206,8 +206,8 @@ struct RankineStore {
     Array<f32, 4> RKVM;
 };
 
-// Panels on the free surface around the body, IWADD=1. NFSP counts them, 1 in other runs, which have no
-// arrays.
+// Panels on the free surface around the body, IWADD=1. NFSP counts them, 1 in other runs, which
+// have no arrays.
 struct SurfaceMesh {
     int NFSP = 1;
     Array<f32, 2> XIVF;  // as XIV of the body panels (4,NFSP)
@@ -221,8 +221,8 @@ struct SurfaceMesh {
     Array<f32, 2> PSIZF; // as PSIZ (2,NFSP)
 };
 
-// The flows of slow steady surge, sway and yaw (d = 1, 2, 3) past the body under a rigid lid, IWADD=1; unit
-// velocities.
+// The flows of slow steady surge, sway and yaw (d = 1, 2, 3) past the body under a rigid lid,
+// IWADD=1; unit velocities.
 struct SteadyFlow {
     Array<f32, 2> STB1; // potential at waterline panels, by their place in IWLP, with the stream; d = 1, 2;
                         // else 0 (NEQN,3)

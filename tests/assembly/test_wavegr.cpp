@@ -1,5 +1,5 @@
-// Truth: the definition, pair by pair in double precision: influence of the source panel = weights times the Green
-// function and its derivative along the source normal, summed over images with the signs of the class.
+// Truth: the definition, pair by pair in double precision: influence of the source panel = weights times the
+// Green function and its derivative along the source normal, summed over images with the signs of the class.
 #include "assembly/tiles.hpp"
 #include "assembly/wavegr.hpp"
 
@@ -63,11 +63,13 @@ void make_case(const Setting &setting, Case &c) {
 
 // Value of a Rankine matrix at the frequency: its two planes together.
 double rankine(const Case &c, const Array<f32, 4> &matrix, int I, int J, int third) {
-    const double logarithm = c.run.opt.ILOG == 1 ? static_cast<double>(c.wave.NUL) * matrix(I, J, third, 1) : 0;
+    const double logarithm =
+        c.run.opt.ILOG == 1 ? static_cast<double>(c.wave.NUL) * matrix(I, J, third, 1) : 0;
     return matrix(I, J, third, 0) + logarithm;
 }
 
-// Influence of one panel on one field point: source, dipole, velocity of the source there, its normal component.
+// Influence of one panel on one field point: source, dipole, velocity of the source there,
+// its normal component.
 struct Influence {
     c64 S;
     c64 D;
@@ -83,16 +85,18 @@ Influence wave_influence(const Case &c, int source, const Vector &field, int ISN
     for (int q = 1; q <= points; ++q) {
         Vector p;
         for (int k = 1; k <= 3; ++k)
-            p[static_cast<std::size_t>(k - 1)] = points == 4 ? run.mesh.XGP(q, k, source) : run.mesh.XCT(k, source);
+            p[static_cast<std::size_t>(k - 1)] =
+                points == 4 ? run.mesh.XGP(q, k, source) : run.mesh.XCT(k, source);
         const double weight = points == 4 ? run.mesh.GJAC(q, source) : run.mesh.PMOM(1, source);
         const double dx = p[0] - field[0], dy = p[1] - field[1];
         const double d = std::hypot(dx, dy);
         f32 record[16];
-        VGRN1P(static_cast<f32>(nu * d), static_cast<f32>(-nu * p[2]), static_cast<f32>(-nu * field[2]), -1, GSTATE(),
-               ISNG, 0, record);
+        VGRN1P(static_cast<f32>(nu * d), static_cast<f32>(-nu * p[2]), static_cast<f32>(-nu * field[2]), -1,
+               GSTATE(), ISNG, 0, record);
         const c64 G = c64(record[0] + offset, record[1]);
         const c64 GR(record[2], record[3]), GZ(record[4], record[5]), GF(record[12], record[13]);
-        const double h = d > 1e-6 ? (run.mesh.TRM(3, 1, source) * dx + run.mesh.TRM(3, 2, source) * dy) / d : 0;
+        const double h =
+            d > 1e-6 ? (run.mesh.TRM(3, 1, source) * dx + run.mesh.TRM(3, 2, source) * dy) / d : 0;
         sum.S += nu * weight * G;
         // In the free surface dG/dz = nu G stands for the normal derivative.
         if (surface)
@@ -116,7 +120,8 @@ Influence coefficient(const Case &c, int I, int J, int s) {
     const int code = store.ICODM(std::min(I, J), std::max(I, J));
     const bool surface = code >= 4096;
     Influence sum{};
-    const double NUL = static_cast<double>(c.wave.NUL), own = surface && I == J ? 4 * M_PI * run.mesh.IFSP(I) : 0;
+    const double NUL = static_cast<double>(c.wave.NUL),
+                 own = surface && I == J ? 4 * M_PI * run.mesh.IFSP(I) : 0;
     sum.D = rankine(c, store.RKDM, I, J, s) * (surface ? -NUL : 1) - own;
     if (run.opt.ISCATT == 1)
         sum.S = rankine(c, store.RKSM, I, J, s);
@@ -149,7 +154,8 @@ Influence coefficient(const Case &c, int I, int J, int s) {
 class WaveRows : public testing::TestWithParam<Setting> {};
 
 TEST_P(WaveRows, EqualTheDefinition) {
-    // Single precision of the Green function times areas of 0.1, summed over at most four images and N panels.
+    // Single precision of the Green function times areas of 0.1, summed over at most four images
+    // and N panels.
     constexpr double TOLERANCE = 5e-6;
     Case c;
     make_case(GetParam(), c);
@@ -173,16 +179,19 @@ TEST_P(WaveRows, EqualTheDefinition) {
                 if (run.opt.ISOR == 1) {
                     worst = std::max(worst, std::abs(full.E - c64(c.thread.ECORE(I, J, s))));
                     for (int k = 0; k < 3; ++k)
-                        worst = std::max(worst, std::abs(full.V[k] - c64(c.thread.VCORE(I, J, 3 * (s - 1) + k + 1))));
+                        worst = std::max(
+                            worst, std::abs(full.V[k] - c64(c.thread.VCORE(I, J, 3 * (s - 1) + k + 1))));
                 }
                 const double in_store = run.opt.ISCATT == 1 ? rankine(c, run.store.RKSM, I, J, s) : 0;
                 for (int k = 1; k <= run.sym.NMCLS[s]; ++k)
-                    rad[k] += (full.S - in_store) * static_cast<double>(run.mesh.VEL(run.sym.MODCLS(k, s), J));
+                    rad[k] +=
+                        (full.S - in_store) * static_cast<double>(run.mesh.VEL(run.sym.MODCLS(k, s), J));
                 for (int b = 1; b <= 2; ++b)
                     dif[b] += full.S * c64(c.thread.SRCD(J, b, s));
             }
             for (int k = 1; k <= run.sym.NMCLS[s]; ++k)
-                EXPECT_LT(std::abs(rad[k] - c64(c.thread.PHIR(I, run.sym.MODPOS(run.sym.MODCLS(k, s))))), TOLERANCE * 4);
+                EXPECT_LT(std::abs(rad[k] - c64(c.thread.PHIR(I, run.sym.MODPOS(run.sym.MODCLS(k, s))))),
+                          TOLERANCE * 4);
             for (int b = 1; run.opt.ISCATT == 1 && b <= 2; ++b)
                 EXPECT_LT(std::abs(dif[b] - c64(c.thread.PHID(I, b, s))), TOLERANCE * 4);
         }

@@ -28,17 +28,18 @@ TEST_P(TwoNumbers, AreReadOrRefused) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(FreeForm, TwoNumbers,
-                         testing::Values(NumberCase{"1 2", true, 1, 2}, NumberCase{"1,2\n", true, 1, 2},
-                                         NumberCase{" 1 , 2 rest", true, 1, 2}, NumberCase{"1\r\n\r\n2\r\n", true, 1, 2},
-                                         NumberCase{"1,\n2", true, 1, 2}, NumberCase{"2*-1.5D+01", true, -15, -15},
-                                         NumberCase{"1d2 +3.E-1", true, 100, 0.3f}, NumberCase{".5 5.", true, 0.5f, 5},
-                                         NumberCase{"1e-60 1", true, 0, 1}, NumberCase{"\t1\t2", true, 1, 2},
-                                         NumberCase{"1", false, 0, 0}, NumberCase{"1 ,, 2", false, 0, 0},
-                                         NumberCase{"1 two", false, 0, 0}, NumberCase{"nan 1", false, 0, 0},
-                                         NumberCase{"1 infinity", false, 0, 0}, NumberCase{"1 1e40", false, 0, 0},
-                                         NumberCase{"1 2x", false, 0, 0}, NumberCase{"0*1 2", false, 0, 0},
-                                         NumberCase{"", false, 0, 0}, NumberCase{"1 --2", false, 0, 0}));
+INSTANTIATE_TEST_SUITE_P(
+    FreeForm, TwoNumbers,
+    testing::Values(NumberCase{"1 2", true, 1, 2}, NumberCase{"1,2\n", true, 1, 2},
+                    NumberCase{" 1 , 2 rest", true, 1, 2}, NumberCase{"1\r\n\r\n2\r\n", true, 1, 2},
+                    NumberCase{"1,\n2", true, 1, 2}, NumberCase{"2*-1.5D+01", true, -15, -15},
+                    NumberCase{"1d2 +3.E-1", true, 100, 0.3f}, NumberCase{".5 5.", true, 0.5f, 5},
+                    NumberCase{"1e-60 1", true, 0, 1}, NumberCase{"\t1\t2", true, 1, 2},
+                    NumberCase{"1", false, 0, 0}, NumberCase{"1 ,, 2", false, 0, 0},
+                    NumberCase{"1 two", false, 0, 0}, NumberCase{"nan 1", false, 0, 0},
+                    NumberCase{"1 infinity", false, 0, 0}, NumberCase{"1 1e40", false, 0, 0},
+                    NumberCase{"1 2x", false, 0, 0}, NumberCase{"0*1 2", false, 0, 0},
+                    NumberCase{"", false, 0, 0}, NumberCase{"1 --2", false, 0, 0}));
 
 TEST(FreeReader, TheRestOfTheLastLineIsDropped) {
     FreeReader in;

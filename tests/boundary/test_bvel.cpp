@@ -51,8 +51,8 @@ double error(const ThreadState &thread, int s, const c32 *source, const c32 *vel
         }
     return worst;
 }
-// Sums of N products of random signs: rounding grows with sqrt(N), blocked summation keeps it far below that
-// bound.
+// Sums of N products of random signs: rounding grows with sqrt(N), blocked summation keeps it far
+// below that bound.
 constexpr double TOLERANCE = 6e-8 * N;
 
 TEST(Bvel, IsTheProductOfEachClass) {

@@ -1,7 +1,7 @@
 // The passes between the solutions of a period on a small state with a panel of every kind. Truth: the
 // boundary condition of each kind, written out.
-#include "geometry/lid.hpp"
 #include "boundary/source_rhs.hpp"
+#include "geometry/lid.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -147,7 +147,8 @@ TEST(SourceRhs, RadiationHasTheVelocityOfEachKind) {
             for (int s = 1; s <= CLASSES; ++s)
                 for (int b = 1; b <= HEADINGS; ++b) {
                     const c32 rigid = old.SRCD(p, b, s), f = old.PHID(p, b, s);
-                    c32 wanted = by_potential(p, rigid, f, before.scattered(HEAD1, b, s), before.scattered(HEAD2, b, s));
+                    c32 wanted = by_potential(p, rigid, f, before.scattered(HEAD1, b, s),
+                                              before.scattered(HEAD2, b, s));
                     if (p == LID)
                         wanted -= row.K * old.PHI0(p, b, s);
                     expect_near(t.SRCD(p, b, s), row.IDIFF == 1 ? wanted : rigid, p);

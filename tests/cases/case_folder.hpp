@@ -14,7 +14,7 @@
 #include <vector>
 
 class CaseFolder {
-public:
+  public:
     CaseFolder() {
         std::string pattern = testing::TempDir() + "/vorda_case_XXXXXX";
         path_ = mkdtemp(pattern.data());
@@ -42,18 +42,21 @@ public:
 
     // Runs a command in the folder; programs of the build are found by their names. Returns the exit code.
     int shell(const std::string &command) const {
-        const std::string line = "cd '" + path_.string() + "' && PATH='" VORDA_BINARY_DIR "':$PATH && ( " + command +
-                                 " ) </dev/null >stdout.txt 2>stderr.txt";
+        const std::string line = "cd '" + path_.string() + "' && PATH='" VORDA_BINARY_DIR "':$PATH && ( " +
+                                 command + " ) </dev/null >stdout.txt 2>stderr.txt";
         const int status = std::system(line.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
     // Runs the solver, which exits with 0 whatever happens.
-    void solve(const std::string &environment = "") const { EXPECT_EQ(shell(environment + " vorda"), 0) << list(); }
+    void solve(const std::string &environment = "") const {
+        EXPECT_EQ(shell(environment + " vorda"), 0) << list();
+    }
     std::string list() const { return read("vorda.lis"); }
     // Whether the report has the text; else the failure shows it.
     testing::AssertionResult lists(const std::string &text) const {
         return list().find(text) != std::string::npos ? testing::AssertionSuccess()
-                                                      : testing::AssertionFailure() << text << " is not in\n" << list();
+                                                      : testing::AssertionFailure() << text << " is not in\n"
+                                                                                    << list();
     }
 
     // The results of run.p2f.
@@ -63,13 +66,13 @@ public:
         ASSERT_TRUE(form_coefficients(p2f, coefficients));
     }
 
-private:
+  private:
     std::filesystem::path path_;
 };
 
 // With a file system of a few pages in small/, where files cannot grow. Mounting takes root.
 class SmallDisk : public CaseFolder {
-public:
+  public:
     explicit SmallDisk(const std::string &size) {
         mounted = shell("mkdir small && mount -t tmpfs -o size=" + size + " none small") == 0;
     }
@@ -93,7 +96,10 @@ struct Pot {
     int NBETA = 1;
     std::string text() const {
         std::ostringstream out;
-        out << "test run\n0 I2ND\n" << ISOR << " ISOR\n" << IRR << " IRR\n" << HBOT << " " << XBODY << "\n"
+        out << "test run\n0 I2ND\n"
+            << ISOR << " ISOR\n"
+            << IRR << " IRR\n"
+            << HBOT << " " << XBODY << "\n"
             << IQUAD << " " << ILOG << " " << IDIAG << "\n"
             << IRAD << " " << IDIFF << "\n1 1 1 1 1 1\n"
             << NPER << "\n"
@@ -110,7 +116,8 @@ inline void prepare(const CaseFolder &folder, const Pot &pot, const std::string 
     folder.write("fnames.vrd", "run.gdf\nrun.pot\n");
     folder.write("run.pot", pot.text());
 }
-inline void make_mesh(const CaseFolder &folder, const std::string &arguments, const std::string &name = "run.gdf") {
+inline void make_mesh(const CaseFolder &folder, const std::string &arguments,
+                      const std::string &name = "run.gdf") {
     ASSERT_EQ(folder.shell("vorda-mesh " + arguments + " -o " + name), 0) << folder.read("stderr.txt");
 }
 

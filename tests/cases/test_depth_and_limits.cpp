@@ -1,6 +1,6 @@
-// Truth: R. MacCamy and R. Fuchs (1954) for a cylinder on the bottom, the energy of the radiated waves at finite depth,
-// deep water as the limit of great depth, and the limit frequencies of a hemisphere (A. Hulme 1982; the double body and
-// its antisymmetric counterpart).
+// Truth: R. MacCamy and R. Fuchs (1954) for a cylinder on the bottom, the energy of the radiated waves at
+// finite depth, deep water as the limit of great depth, and the limit frequencies of a hemisphere (A. Hulme
+// 1982; the double body and its antisymmetric counterpart).
 #include "case_folder.hpp"
 
 #include <cmath>
@@ -19,9 +19,10 @@ Pot at_depth(double depth, const std::string &PER, int NPER) {
 
 // Largest relative error of the surge force on a cylinder of radius 1 in depth 3.
 double maccamy_fuchs_error(int around, int down) {
-    
-    const SolvedRun run = solve_mesh("cylinder --standing --draft 3 --nu " + std::to_string(around) + " --nv " + std::to_string(down),
-             at_depth(3, "0.3 0.8 1.3 2.0", 4));
+
+    const SolvedRun run = solve_mesh("cylinder --standing --draft 3 --nu " + std::to_string(around) +
+                                         " --nv " + std::to_string(down),
+                                     at_depth(3, "0.3 0.8 1.3 2.0", 4));
     double worst = 0;
     for (int t = 1; t <= 4; ++t) {
         const double k = static_cast<double>(run.p2f.WVNH(t));
@@ -47,16 +48,18 @@ TEST(Depth, GreatDepthIsDeepWater) {
     const SolvedRun finite = solve_mesh(mesh, at_depth(30, "0.2 0.6 1.4", 3));
     for (int t = 1; t <= 3; ++t) {
         for (int i : {1, 2, 3}) {
-            EXPECT_NEAR(finite.c.A(i, i, t), deep.c.A(i, i, t), 2e-3 * static_cast<double>(deep.c.A(i, i, t)));
-            EXPECT_NEAR(finite.c.B(i, i, t), deep.c.B(i, i, t), 2e-3 * static_cast<double>(deep.c.A(i, i, t)));
+            EXPECT_NEAR(finite.c.A(i, i, t), deep.c.A(i, i, t),
+                        2e-3 * static_cast<double>(deep.c.A(i, i, t)));
+            EXPECT_NEAR(finite.c.B(i, i, t), deep.c.B(i, i, t),
+                        2e-3 * static_cast<double>(deep.c.A(i, i, t)));
         }
     }
 }
 
 TEST(Depth, DampingIsTheEnergyOfTheRadiatedWaves) {
     for (const double h : {1.5, 4.0}) {
-        
-    const SolvedRun run = solve_mesh("hemisphere --nu 12 --nv 12", at_depth(h, "0.1 0.4 1.0 1.6", 4));
+
+        const SolvedRun run = solve_mesh("hemisphere --nu 12 --nv 12", at_depth(h, "0.1 0.4 1.0 1.6", 4));
         for (int t = 1; t <= 4; ++t) {
             const double k = static_cast<double>(run.p2f.WVNH(t));
             const double D = std::tanh(k * h) + k * h / std::pow(std::cosh(k * h), 2);
@@ -67,8 +70,10 @@ TEST(Depth, DampingIsTheEnergyOfTheRadiatedWaves) {
 }
 
 TEST(Depth, RadiationIsReciprocal) {
-    
-    const SolvedRun run = solve_mesh("box --length 2 --beam 1.2 --draft 0.5 --nu 5 --nv 3 --nw 3 --offset 0 0 0", at_depth(1.2, "0.5 1.5", 2));
+
+    const SolvedRun run =
+        solve_mesh("box --length 2 --beam 1.2 --draft 0.5 --nu 5 --nv 3 --nw 3 --offset 0 0 0",
+                   at_depth(1.2, "0.5 1.5", 2));
     for (int t = 1; t <= 2; ++t) {
         EXPECT_NEAR(run.c.A(1, 5, t), run.c.A(5, 1, t), 0.01 * static_cast<double>(run.c.A(1, 1, t)));
         EXPECT_NEAR(run.c.B(2, 4, t), run.c.B(4, 2, t), 0.01 * static_cast<double>(run.c.A(2, 2, t)));
@@ -76,7 +81,7 @@ TEST(Depth, RadiationIsReciprocal) {
 }
 
 TEST(Limits, OfAHemisphereInDeepWater) {
-    
+
     const SolvedRun run = solve_mesh("hemisphere --nu 12 --nv 12", at_depth(0, "-1 0", 2));
     constexpr double TOLERANCE = 0.02;
     EXPECT_NEAR(static_cast<double>(run.c.A(3, 3, 1)) / MASS, 0.8310, TOLERANCE * 0.8310);
@@ -94,11 +99,12 @@ TEST(Limits, AreApproachedByTheWaves) {
         for (const char *quadrature : {"0 0", "1 1"}) {
             SCOPED_TRACE(h);
             SCOPED_TRACE(quadrature);
-                        Pot pot = at_depth(h, "-1 0.0005 0 60", 4);
+            Pot pot = at_depth(h, "-1 0.0005 0 60", 4);
             pot.IQUAD = quadrature[0] == '1' ? 1 : 0;
             pot.ILOG = quadrature[2] == '1' ? 1 : 0;
-            // High waves need panels that are short against them only where there are waves: at the waterline.
-    const SolvedRun run = solve_mesh("box --length 2 --beam 2 --draft 1 --nu 6 --nv 6 --nw 6", pot);
+            // High waves need panels that are short against them only where there are waves:
+            // at the waterline.
+            const SolvedRun run = solve_mesh("box --length 2 --beam 2 --draft 1 --nu 6 --nv 6 --nw 6", pot);
             EXPECT_NEAR(run.c.A(1, 1, 1), run.c.A(1, 1, 2), 0.01 * static_cast<double>(run.c.A(1, 1, 1)));
             EXPECT_NEAR(run.c.A(6, 6, 1), run.c.A(6, 6, 2), 0.01 * static_cast<double>(run.c.A(6, 6, 1)));
         }

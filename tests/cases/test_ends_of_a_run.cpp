@@ -1,5 +1,5 @@
-// Truth: what a user must find after a run that fails, or that ends early by intent: the message, an orderly end, no
-// result file and nothing else left behind.
+// Truth: what a user must find after a run that fails, or that ends early by intent: the message, an orderly
+// end, no result file and nothing else left behind.
 #include "case_folder.hpp"
 
 #include <unistd.h>
@@ -50,19 +50,22 @@ TEST_P(Faults, AreToldAndLeaveNoResult) {
 
 INSTANTIATE_TEST_SUITE_P(
     Runs, Faults,
-    testing::Values(
-        Fault{"no control file", "run.pot", nullptr, "", "Error opening POT file "},
-        Fault{"letters", "run.pot", "1 1 1 1 1 1", "1 1 one 1 1 1", "Error reading POT file, MODE indices line|line 8|one"},
-        Fault{"panels without end", "run.gdf", "\n 9\n", "\n 2147483647\n", "RAM is not sufficient to read .gdf inputs"},
-        Fault{"depth out of range", "run.pot", "0.0 0 0 0 0", "2e5 0 0 0 0",
-              "Error return in HGRN98: depth HBOT is illegal "},
-        Fault{"no name of the FDF file", "config.vrd", "MAXSCR", "IWADD=1\nMAXSCR", "Error reading the name of the FDF file from the console"}));
+    testing::Values(Fault{"no control file", "run.pot", nullptr, "", "Error opening POT file "},
+                    Fault{"letters", "run.pot", "1 1 1 1 1 1", "1 1 one 1 1 1",
+                          "Error reading POT file, MODE indices line|line 8|one"},
+                    Fault{"panels without end", "run.gdf", "\n 9\n", "\n 2147483647\n",
+                          "RAM is not sufficient to read .gdf inputs"},
+                    Fault{"depth out of range", "run.pot", "0.0 0 0 0 0", "2e5 0 0 0 0",
+                          "Error return in HGRN98: depth HBOT is illegal "},
+                    Fault{"no name of the FDF file", "config.vrd", "MAXSCR", "IWADD=1\nMAXSCR",
+                          "Error reading the name of the FDF file from the console"}));
 
 TEST(Ends, SurfacePanelsNeedTheirLogarithm) {
     // A flat plate in the free surface, wetted from below: normal up, no draft.
     CaseFolder folder;
     prepare(folder, Pot());
-    folder.write("run.gdf", "plate\n 1 9.80665\n 0 0\n 2\n 1 1 0 1 0 0 0 0 0 0 1 0\n 2 1 0 2 0 0 1 0 0 1 1 0\n");
+    folder.write("run.gdf",
+                 "plate\n 1 9.80665\n 0 0\n 2\n 1 1 0 1 0 0 0 0 0 0 1 0\n 2 1 0 2 0 0 1 0 0 1 1 0\n");
     folder.solve();
     EXPECT_TRUE(folder.lists(" ILOG=0 and panel NP in free surface, NP="));
     EXPECT_TRUE(folder.lists(" Error in evaluating Rankine matrix"));
@@ -100,7 +103,8 @@ TEST(Ends, OneProblemAloneIsSolvedAsInTheWholeRun) {
             EXPECT_EQ(both.c.X(3, 1, 1), one.c.X(3, 1, 1));
         EXPECT_EQ(one.p2f.PHID.empty(), radiation);
         EXPECT_EQ(one.p2f.PHIR.empty(), !radiation);
-        EXPECT_NE(part.list().find(radiation ? "      -1\n" : "               -1\n"), std::string::npos) << part.list();
+        EXPECT_NE(part.list().find(radiation ? "      -1\n" : "               -1\n"), std::string::npos)
+            << part.list();
     }
 }
 

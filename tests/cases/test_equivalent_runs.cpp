@@ -33,7 +33,8 @@ void expect_same(const SolvedRun &a, const SolvedRun &b, int heading_a, int head
                 EXPECT_NEAR(a.c.A(i, j, t), b.c.A(i, j, t), TOLERANCE * size) << i << j;
                 EXPECT_NEAR(a.c.B(i, j, t), b.c.B(i, j, t), TOLERANCE * size) << i << j;
             }
-            EXPECT_NEAR(std::abs(a.c.X(i, heading_a, t)), std::abs(b.c.X(i, heading_b, t)), TOLERANCE * size) << i;
+            EXPECT_NEAR(std::abs(a.c.X(i, heading_a, t)), std::abs(b.c.X(i, heading_b, t)), TOLERANCE * size)
+                << i;
         }
     }
 }
@@ -81,8 +82,9 @@ TEST(Barge, IsTheSameMovedAndTurned) {
     // The wave reaches the moved body later by its phase.
     const double K = static_cast<double>(here.p2f.WVNH(1)), beta = 55 * 0.017453292;
     const auto shift = std::polar(1.0, -K * (3.5 * std::cos(beta) - 2.0 * std::sin(beta)));
-    EXPECT_LT(std::abs(std::complex<double>(here.c.X(3, 1, 1)) * shift - std::complex<double>(moved.c.X(3, 1, 1))),
-              TOLERANCE * largest(here.c));
+    EXPECT_LT(
+        std::abs(std::complex<double>(here.c.X(3, 1, 1)) * shift - std::complex<double>(moved.c.X(3, 1, 1))),
+        TOLERANCE * largest(here.c));
 }
 
 // Two barges along x at +-distance/2, the second turned about.
@@ -93,7 +95,8 @@ SolvedRun solve_pair(double distance, const Pot &pot) {
     std::ostringstream global;
     global << "pair\n0 9.80665\n2\n";
     for (int side : {1, -1})
-        global << "barge.gdf\n" << side * distance / 2 << " 0 0 " << (side > 0 ? 0 : 180) << "\n1 1\n1 1 1 1 1 1\n";
+        global << "barge.gdf\n"
+               << side * distance / 2 << " 0 0 " << (side > 0 ? 0 : 180) << "\n1 1\n1 1 1 1 1 1\n";
     folder.write("run.gdf", global.str());
     return solved(folder);
 }
@@ -126,7 +129,8 @@ TEST(TwoBodies, FarApartAreAloneAndCloseAreReciprocal) {
 }
 
 // The mesh with its symmetry indices exchanged for such of a wall.
-SolvedRun solve_beside_wall(const std::string &mesh, const std::string &indices, const std::string &walls, const Pot &pot) {
+SolvedRun solve_beside_wall(const std::string &mesh, const std::string &indices, const std::string &walls,
+                            const Pot &pot) {
     const CaseFolder folder;
     prepare(folder, pot);
     make_mesh(folder, mesh);
@@ -141,12 +145,15 @@ TEST(Wall, EqualsTheBodyAndItsMirrorImage) {
     pot.BETA = "35 145";
     const SolvedRun pair = solve_pair(4, pot);
     const std::string barge = BARGE;
-    const SolvedRun wall = solve_beside_wall(barge + " --part full --offset 2 0 0", "\n 0 0\n", "\n -1 0\n", pot);
+    const SolvedRun wall =
+        solve_beside_wall(barge + " --part full --offset 2 0 0", "\n 0 0\n", "\n -1 0\n", pot);
     // Half of it beside the same wall, and turned by 90 degrees beside a wall in y.
-    const SolvedRun half = solve_beside_wall(barge + " --part half-y --offset 2 0 0", "\n 0 1\n", "\n -1 1\n", pot);
+    const SolvedRun half =
+        solve_beside_wall(barge + " --part half-y --offset 2 0 0", "\n 0 1\n", "\n -1 1\n", pot);
     pot.BETA = "125 235";
     const SolvedRun turned = solve_beside_wall(
-        "box --length 1.2 --beam 2 --draft 0.5 --nu 3 --nv 4 --nw 3 --part half-x --offset 0 2 0", "\n 1 0\n", "\n 1 -1\n", pot);
+        "box --length 1.2 --beam 2 --draft 0.5 --nu 3 --nv 4 --nw 3 --part half-x --offset 0 2 0", "\n 1 0\n",
+        "\n 1 -1\n", pot);
     const double size = largest(wall.c);
     for (int t = 1; t <= 2; ++t) {
         for (const SolvedRun *same : {&half, &turned}) {
@@ -155,13 +162,14 @@ TEST(Wall, EqualsTheBodyAndItsMirrorImage) {
             for (const int heading : {1, 2})
                 EXPECT_LT(std::abs(wall.c.X(3, heading, t) - same->c.X(3, heading, t)), TOLERANCE * size);
         }
-        // Modes even in x: body 1 moves as its image does. Sway and roll of the turned body have the other sign, and
-        // only heave has no lever about the origin that the wall's modes are taken about.
+        // Modes even in x: body 1 moves as its image does. Sway and roll of the turned body have the other
+        // sign, and only heave has no lever about the origin that the wall's modes are taken about.
         EXPECT_NEAR(wall.c.A(3, 3, t), pair.c.A(3, 3, t) + pair.c.A(3, 9, t), TOLERANCE * size);
         EXPECT_NEAR(wall.c.B(3, 3, t), pair.c.B(3, 3, t) + pair.c.B(3, 9, t), TOLERANCE * size);
         EXPECT_NEAR(wall.c.A(2, 2, t), pair.c.A(2, 2, t) - pair.c.A(2, 8, t), TOLERANCE * size);
         for (int i : {1, 2, 3}) {
-            const auto mean = (std::complex<double>(pair.c.X(i, 1, t)) + std::complex<double>(pair.c.X(i, 2, t))) / 2.0;
+            const auto mean =
+                (std::complex<double>(pair.c.X(i, 1, t)) + std::complex<double>(pair.c.X(i, 2, t))) / 2.0;
             EXPECT_LT(std::abs(std::complex<double>(wall.c.X(i, 1, t)) - mean), TOLERANCE * size) << i;
         }
     }
@@ -182,22 +190,26 @@ Forces forces(int n, const Option &option) {
     pot.ILOG = option.ILOG;
     pot.IDIAG = option.IDIAG;
     const std::string count = std::to_string(n);
-    const SolvedRun run = solve_mesh("hemisphere --nu " + count + " --nv " + count, pot, "ISCATT=" + std::to_string(option.ISCATT) + "\n");
+    const SolvedRun run = solve_mesh("hemisphere --nu " + count + " --nv " + count, pot,
+                                     "ISCATT=" + std::to_string(option.ISCATT) + "\n");
     return {{run.c.X(1, 1, 1), run.c.X(3, 1, 1)}};
 }
 double distance(const Forces &a, const Forces &b) {
-    return std::max(std::abs(a.X[0] - b.X[0]) / std::abs(b.X[0]), std::abs(a.X[1] - b.X[1]) / std::abs(b.X[1]));
+    return std::max(std::abs(a.X[0] - b.X[0]) / std::abs(b.X[0]),
+                    std::abs(a.X[1] - b.X[1]) / std::abs(b.X[1]));
 }
 
 TEST(Options, AgreeWithinTheDiscretisationErrorWhichFallsWithTheMesh) {
     const Option plain{"plain", 0, 0, 0, 0};
     // The limit of the mesh, from two fine ones: the error goes with the square of the panel size.
     const Forces fine = forces(20, plain), finest = forces(40, plain);
-    const Forces limit{{finest.X[0] + (finest.X[0] - fine.X[0]) / 3.0, finest.X[1] + (finest.X[1] - fine.X[1]) / 3.0}};
+    const Forces limit{
+        {finest.X[0] + (finest.X[0] - fine.X[0]) / 3.0, finest.X[1] + (finest.X[1] - fine.X[1]) / 3.0}};
     const double error = distance(forces(6, plain), limit);
     EXPECT_LT(error, 0.02);
-    for (const Option &option : {Option{"ISCATT", 0, 0, 0, 1}, Option{"IQUAD", 1, 0, 0, 0}, Option{"ILOG", 0, 1, 0, 0},
-                                 Option{"IDIAG", 0, 0, 1, 0}, Option{"all", 1, 1, 1, 1}}) {
+    for (const Option &option :
+         {Option{"ISCATT", 0, 0, 0, 1}, Option{"IQUAD", 1, 0, 0, 0}, Option{"ILOG", 0, 1, 0, 0},
+          Option{"IDIAG", 0, 0, 1, 0}, Option{"all", 1, 1, 1, 1}}) {
         SCOPED_TRACE(option.name);
         const double coarse = distance(forces(6, option), limit), finer = distance(forces(12, option), limit);
         EXPECT_LT(coarse, 3 * error);
@@ -214,8 +226,8 @@ struct Scaled {
     std::vector<double> ULEN;
 };
 TEST(UnitOfLength, MakesNoDifference) {
-    // Of rounding, which grows a little where powers of small coordinates vanish: measured 1.3e-6, at 5000
-    // 4e-6.
+    // Of rounding, which grows a little where powers of small coordinates vanish: measured 1.3e-6,
+    // at 5000 4e-6.
     constexpr double DRIFT = 1e-5;
     const Scaled rows[] = {
         {"hemisphere of 256 panels", "hemisphere --nu 8 --nv 8", 1, 0, {300, 5000}},
@@ -273,7 +285,8 @@ TEST(Threads, OneAndMoreGiveTheSameBytes) {
             folder.solve("OMP_NUM_THREADS=" + std::to_string(k == 2 ? 6 : k + 1));
             bytes[k] = folder.read("run.p2f");
             // The text block holds dates, times and thread numbers.
-            const std::size_t start = bytes[k].find(" VORDA run date"), end = bytes[k].find("*" + std::string(71, ' '));
+            const std::size_t start = bytes[k].find(" VORDA run date"),
+                              end = bytes[k].find("*" + std::string(71, ' '));
             ASSERT_NE(start, std::string::npos);
             ASSERT_NE(end, std::string::npos);
             bytes[k].erase(start, end - start);

@@ -147,12 +147,15 @@ TEST_P(Interior, PanelsChangeTheVelocitiesByTheMeshOnly) {
     Pot pot = plain;
     pot.IRR = is.IRR;
     for (const int m : {1, 2})
-        error[m] = whole_fields::difference(solve_gdf(gdf(is.hull(m)), plain), solve_gdf(gdf(with_panels(m)), pot), wet)
+        error[m] = whole_fields::difference(solve_gdf(gdf(is.hull(m)), plain),
+                                            solve_gdf(gdf(with_panels(m)), pot), wet)
                        .rms[whole_fields::VELOCITY];
     EXPECT_LT(error[2], is.fine);
     EXPECT_GT(error[1] / error[2], is.ratio);
-    // A hull of no draught beside it has sources in the free surface, as the interior panels have, with the other mark.
-    const SolvedRun with = solve_beside_disc(with_panels(1), pot), without = solve_beside_disc(is.hull(1), plain);
+    // A hull of no draught beside it has sources in the free surface, as the interior panels have, with the
+    // other mark.
+    const SolvedRun with = solve_beside_disc(with_panels(1), pot),
+                    without = solve_beside_disc(is.hull(1), plain);
     EXPECT_LT(whole_fields::difference(without, with, wet).rms[whole_fields::VELOCITY], 1.05 * error[1]);
     if (is.hull == hemisphere) { // the images of an overhang have the mark of the disc
         EXPECT_LT(whole_fields::difference(with, without, of_the_disc).largest[whole_fields::SOURCE], 0.05);
@@ -173,7 +176,8 @@ TEST(Overhang, WithItsImagesIsTheHullWithout) {
 }
 
 // A hemisphere within a ring of lid on the water.
-SolvedRun solve_with_lid(double damping, int ISCATT, int IRR = 0, int m = 2, const std::string &PER = "0.5 0.7 1.0 1.8") {
+SolvedRun solve_with_lid(double damping, int ISCATT, int IRR = 0, int m = 2,
+                         const std::string &PER = "0.5 0.7 1.0 1.8") {
     CaseFolder folder;
     Pot pot = waves(PER, static_cast<int>(std::count(PER.begin(), PER.end(), ' ')) + 1, 1);
     pot.IRR = IRR;
@@ -188,8 +192,8 @@ SolvedRun solve_with_lid(double damping, int ISCATT, int IRR = 0, int m = 2, con
     return solved(folder);
 }
 
-// Under a rigid surface a disc is a piston: 8/3. It is refused at infinite frequency. The lid of another body takes nothing
-// at the limits, whatever its damping.
+// Under a rigid surface a disc is a piston: 8/3. It is refused at infinite frequency. The lid of another body
+// takes nothing at the limits, whatever its damping.
 TEST(Limits, HaveNoWavePartInTheFreeSurface) {
     double before = 0;
     for (const int n : {6, 12}) {
@@ -240,8 +244,8 @@ Budget heave_budget(const P2fFile &p2f, double e, int t) {
     return {K * std::norm(H) / 2, lid};
 }
 
-// A lid without damping is free surface. Its sources make up what the potentials of the two equations differ by, an error
-// of the mesh.
+// A lid without damping is free surface. Its sources make up what the potentials of the two equations differ
+// by, an error of the mesh.
 TEST(DampingLid, WithoutDampingIsFreeSurface) {
     for (const int ISCATT : {0, 1}) {
         whole_fields::Difference error[3];
@@ -257,19 +261,23 @@ TEST(DampingLid, WithoutDampingIsFreeSurface) {
 
 TEST(DampingLid, TakesEnergyOutOfTheTotalWave) {
     constexpr double DAMPING = 0.2;
-    constexpr double BUDGET = 0.015; // what the same hull misses without a lid in the shortest wave, by its panels
-    constexpr double MESH = 0.025;   // between the two ways to diffraction, by the panels of the hull
+    constexpr double BUDGET =
+        0.015; // what the same hull misses without a lid in the shortest wave, by its panels
+    constexpr double MESH = 0.025; // between the two ways to diffraction, by the panels of the hull
     for (const int IRR : {0, 1}) {
         const SolvedRun total = solve_with_lid(DAMPING, 0, IRR), scattered = solve_with_lid(DAMPING, 1, IRR);
         for (const double error : whole_fields::difference(total, scattered, wet).rms)
             EXPECT_LT(error, MESH);
         for (int t = 1; t <= 4; ++t) {
             const Budget budget = heave_budget(total.p2f, DAMPING, t);
-            const double B = static_cast<double>(total.c.B(3, 3, t)), K = static_cast<double>(total.p2f.WVNH(t));
+            const double B = static_cast<double>(total.c.B(3, 3, t)),
+                         K = static_cast<double>(total.p2f.WVNH(t));
             EXPECT_GT(budget.lid, 0.02 * B);
             EXPECT_NEAR((budget.waves + budget.lid) / B, 1, BUDGET);
             // The waves that heave sends out are those that lift it.
-            const auto share = [&](const SolvedRun &run) { return K * std::norm(fields::c64(run.c.X(3, 1, t))) / 2 / (B - budget.lid); };
+            const auto share = [&](const SolvedRun &run) {
+                return K * std::norm(fields::c64(run.c.X(3, 1, t))) / 2 / (B - budget.lid);
+            };
             EXPECT_NEAR(share(total), 1, 0.005);
             EXPECT_NEAR(share(scattered), 1, 2 * MESH);
         }

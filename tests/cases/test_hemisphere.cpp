@@ -1,5 +1,5 @@
-// Truth: the heave coefficients of a floating hemisphere in deep water (A. Hulme, J. Fluid Mech. 121, 1982), and the
-// energy that the radiated waves carry away.
+// Truth: the heave coefficients of a floating hemisphere in deep water (A. Hulme, J. Fluid Mech. 121, 1982),
+// and the energy that the radiated waves carry away.
 #include "case_folder.hpp"
 
 namespace {
@@ -8,8 +8,9 @@ constexpr double MASS = 2.0943951023931953; // (2/3) pi
 struct Published {
     double Ka, A33, B33;
 };
-constexpr Published HULME[] = {{0.1, 0.8627, 0.1816}, {0.2, 0.7938, 0.2793}, {0.5, 0.5861, 0.3391}, {1.0, 0.4284, 0.2484},
-                               {1.5, 0.3890, 0.1606}, {2.0, 0.3884, 0.1031}, {3.0, 0.4111, 0.0452}, {4.0, 0.4322, 0.0219}};
+constexpr Published HULME[] = {{0.1, 0.8627, 0.1816}, {0.2, 0.7938, 0.2793}, {0.5, 0.5861, 0.3391},
+                               {1.0, 0.4284, 0.2484}, {1.5, 0.3890, 0.1606}, {2.0, 0.3884, 0.1031},
+                               {3.0, 0.4111, 0.0452}, {4.0, 0.4322, 0.0219}};
 
 SolvedRun solve_hemisphere(int panels) {
     Pot pot;
@@ -22,10 +23,12 @@ TEST(Hemisphere, AgreesWithPublishedValuesAndConverges) {
     const Coefficients coarse = solve_hemisphere(8).c, fine = solve_hemisphere(16).c;
     for (int t = 1; t <= 8; ++t) {
         const Published &known = HULME[t - 1];
-        const double a = static_cast<double>(fine.A(3, 3, t)) / MASS, b = static_cast<double>(fine.B(3, 3, t)) / MASS;
+        const double a = static_cast<double>(fine.A(3, 3, t)) / MASS,
+                     b = static_cast<double>(fine.B(3, 3, t)) / MASS;
         EXPECT_NEAR(a, known.A33, 0.01) << "Ka " << known.Ka;
         EXPECT_NEAR(b, known.B33, 0.01) << "Ka " << known.Ka;
-        // The published values have four digits: the ratio of errors means something where they are far above that.
+        // The published values have four digits: the ratio of errors means something where they are
+        // far above that.
         const double error = std::abs(a - known.A33);
         const double before = std::abs(static_cast<double>(coarse.A(3, 3, t)) / MASS - known.A33);
         if (error > 0.001) {
@@ -35,15 +38,17 @@ TEST(Hemisphere, AgreesWithPublishedValuesAndConverges) {
     }
 }
 
-// Damping over the energy flux of the radiated waves, less 1. Axisymmetric: heave K |X|^2 / 2, surge K |X|^2 / 4.
+// Damping over the energy flux of the radiated waves, less 1. Axisymmetric: heave K |X|^2 / 2, surge K |X|^2
+// / 4.
 double energy_defect(const SolvedRun &run, int mode, int t) {
-    const double flux =
-        static_cast<double>(run.p2f.WVNH(t)) * std::norm(std::complex<double>(run.c.X(mode, 1, t))) / (mode == 3 ? 2 : 4);
+    const double flux = static_cast<double>(run.p2f.WVNH(t)) *
+                        std::norm(std::complex<double>(run.c.X(mode, 1, t))) / (mode == 3 ? 2 : 4);
     return static_cast<double>(run.c.B(mode, mode, t)) / flux - 1;
 }
 
 TEST(Hemisphere, DampingIsTheEnergyOfTheRadiatedWaves) {
-    // Surge at Ka = 4 stands beside the first irregular frequency of its class (about 3.9), where only the mesh helps.
+    // Surge at Ka = 4 stands beside the first irregular frequency of its class (about 3.9), where only the
+    // mesh helps.
     const SolvedRun run = solve_hemisphere(16), finer = solve_hemisphere(32);
     for (int t = 1; t <= 8; ++t) {
         EXPECT_LT(std::abs(energy_defect(run, 3, t)), 0.01) << "heave, Ka " << HULME[t - 1].Ka;

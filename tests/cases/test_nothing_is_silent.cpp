@@ -43,7 +43,8 @@ TEST(Names, OfInputFilesAreNeverWritten) {
         const char *prepare, *names, *told;
     } rows[] = {
         {"ln run.gdf run.p2f", "run.gdf\nrun.pot\n", "The P2F file would replace an input file"},
-        {"mv run.gdf run.p2f; printf 'two\\n0 9.80665\\n1\\nrun.p2f\\n0 0 0 0\\n1 1\\n1 1 1 1 1 1\\n' > all.gdf",
+        {"mv run.gdf run.p2f; printf 'two\\n0 9.80665\\n1\\nrun.p2f\\n0 0 0 0\\n1 1\\n1 1 1 1 1 1\\n' > "
+         "all.gdf",
          "all.gdf\nrun.pot\n", "The P2F file would replace an input file"},
     };
     for (const auto &row : rows) {
@@ -119,7 +120,8 @@ TEST(MeshCheck, IsThatOfTheReport) {
     for (const std::string &line : lines)
         gdf += line + "\n";
     folder.write("run.gdf", gdf);
-    const std::string words = "panels are turned against their neighbours: panel 1; reverse the order of their vertices";
+    const std::string words =
+        "panels are turned against their neighbours: panel 1; reverse the order of their vertices";
     EXPECT_EQ(folder.shell("vorda-mesh check run.gdf"), 2);
     EXPECT_NE(folder.read("stdout.txt").find(words), std::string::npos);
     folder.solve();

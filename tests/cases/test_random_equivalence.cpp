@@ -1,6 +1,6 @@
-// Truth: a body with planes of symmetry is the same body given as a whole, a half or a quarter, whatever else
-// is set. All fields (potentials, sources, velocities) on all panels, in mixes of settings drawn by a fixed
-// seed.
+// Truth: a body with planes of symmetry is the same body given as a whole, a half or a quarter, whatever
+// else is set. All fields (potentials, sources, velocities) on all panels, in mixes of settings drawn by
+// a fixed seed.
 #include "panel_lists.hpp"
 #include "whole_fields.hpp"
 

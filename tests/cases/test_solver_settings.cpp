@@ -1,9 +1,11 @@
-// Truth: the direct solution in memory. Every other solver and store must give its potentials, and leave nothing behind.
+// Truth: the direct solution in memory. Every other solver and store must give its potentials, and leave
+// nothing behind.
 #include "case_folder.hpp"
 
 namespace {
 
-constexpr const char *BARGE = "box --length 2 --beam 1.2 --draft 0.5 --nu 5 --nv 4 --nw 4"; // 56 panels a quarter
+constexpr const char *BARGE =
+    "box --length 2 --beam 1.2 --draft 0.5 --nu 5 --nv 4 --nw 4"; // 56 panels a quarter
 
 // A quarter mesh has four classes and the logarithm's plane besides, so that all kinds of records are met.
 Pot three_waves(const std::string &part) {
@@ -30,8 +32,8 @@ P2fFile solve_with(const std::string &config, const std::string &part, std::stri
     P2fFile p2f = solved(folder).p2f;
     if (list != nullptr)
         *list = folder.list();
-    EXPECT_EQ(folder.files(), (std::vector<std::string>{"config.vrd", "fnames.vrd", "run.gdf", "run.p2f", "run.pot",
-                                                        "stderr.txt", "stdout.txt", "vorda.lis"}));
+    EXPECT_EQ(folder.files(), (std::vector<std::string>{"config.vrd", "fnames.vrd", "run.gdf", "run.p2f",
+                                                        "run.pot", "stderr.txt", "stdout.txt", "vorda.lis"}));
     return p2f;
 }
 
@@ -111,9 +113,11 @@ int largest_count(const std::string &mesh) {
 }
 
 TEST(Iterations, DoNotGrowWithTheMesh) {
-    for (const char *hull : {"hemisphere --nu %d --nv %d", "box --length 2 --beam 2 --draft 1 --nu %d --nv %d"}) {
+    for (const char *hull :
+         {"hemisphere --nu %d --nv %d", "box --length 2 --beam 2 --draft 1 --nu %d --nv %d"}) {
         int counts[3];
-        for (int level = 0; level < 3; ++level) { // 256, 1024, 4096 panels of the whole hemisphere; a box with as many
+        for (int level = 0; level < 3;
+             ++level) { // 256, 1024, 4096 panels of the whole hemisphere; a box with as many
             const bool box = std::string(hull).find("box") == 0;
             const int n = (box ? 5 : 8) << level;
             char mesh[100];
@@ -180,8 +184,10 @@ TEST(Scratch, AnInterruptedRunLeavesNothing) {
         folder.write("config.vrd", "IPERIO=3\n");
         make_mesh(folder, "box --length 2 --beam 1.2 --draft 0.5 --nu 10 --nv 8 --nw 8");
         // A shell starts its background jobs with SIGINT ignored.
-        folder.shell("env --default-signal=INT vorda & p=$!; for i in $(seq 100); do ls SCRATCH* >/dev/null 2>&1 && break; sleep 0.02; done; "
-                     "ls SCRATCH* > seen.txt; kill -" + std::string(signal) + " $p; wait $p");
+        folder.shell("env --default-signal=INT vorda & p=$!; for i in $(seq 100); do ls SCRATCH* >/dev/null "
+                     "2>&1 && break; sleep 0.02; done; "
+                     "ls SCRATCH* > seen.txt; kill -" +
+                     std::string(signal) + " $p; wait $p");
         EXPECT_NE(folder.read("seen.txt").find("SCRATCH"), std::string::npos);
         for (const std::string &name : folder.files())
             EXPECT_EQ(name.find("SCRATCH"), std::string::npos) << name;

@@ -51,7 +51,8 @@ struct Setting {
     int IQUAD, ILOG;
 };
 void PrintTo(const Setting &setting, std::ostream *out) {
-    *out << setting.hull->name << " depth " << setting.depth << " IQUAD " << setting.IQUAD << " ILOG " << setting.ILOG;
+    *out << setting.hull->name << " depth " << setting.depth << " IQUAD " << setting.IQUAD << " ILOG "
+         << setting.ILOG;
 }
 class Sources : public testing::TestWithParam<Setting> {};
 

@@ -56,8 +56,8 @@ TEST(Tank, MovesAsARigidBodyAndRollsByTheSeries) {
     expect_the_fluid_of_the_box(fine, 0.007, 0.01);
 }
 
-// Potentials up to their constant, sources and velocities. A depth that the tank reaches below, or that has no waves, means
-// nothing to it.
+// Potentials up to their constant, sources and velocities. A depth that the tank reaches below, or that has
+// no waves, means nothing to it.
 TEST(Tank, DependsNeitherOnReferencePanelNorPartDepthPeriodOrStore) {
     Pot pot = tank_pot(1);
     pot.ISOR = 1;

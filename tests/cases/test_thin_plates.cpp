@@ -107,8 +107,8 @@ TEST(Disc, TendsToTheKnownAddedMass) {
     EXPECT_LT(defect, 0.03);
 }
 
-// A solid of thickness 0.05, its radius 1 and centre at depth 1: the parts of a quarter, top, bottom and
-// side.
+// A solid of thickness 0.05, its radius 1 and centre at depth 1: the parts of a quarter, top,
+// bottom and side.
 std::string solid_disc() {
     constexpr int around = 6, radial = 12, down = 2;
     constexpr double half_pi = 1.5707963267948966, t = 0.05;
@@ -295,7 +295,8 @@ TEST(HullOverADisc, APorousOneIsOpenAtInfiniteFrequency) {
             if (with.p2f.IDIP(ip) != 0) {
                 EXPECT_EQ(with.p2f.PHIR(ip, 1, 1), c32(0));
             }
-        EXPECT_GT(whole_fields::difference(alone, with, on_hull).largest[whole_fields::POTENTIAL], 0.01); // in the wave
+        EXPECT_GT(whole_fields::difference(alone, with, on_hull).largest[whole_fields::POTENTIAL],
+                  0.01); // in the wave
     }
 }
 

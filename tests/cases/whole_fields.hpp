@@ -98,8 +98,7 @@ struct Difference {
         {}; // root mean square over that of the field, largest of all fields that are not small
 };
 inline Difference difference(const SolvedRun &a, const SolvedRun &b,
-                             bool (*counts)(const Place &) = every_place,
-                             int periods = 0) {
+                             bool (*counts)(const Place &) = every_place, int periods = 0) {
     const int modes = std::min(a.p2f.NMODES, b.p2f.NMODES);
     const std::vector<Place> places = whole(a.p2f, modes), others = whole(b.p2f, modes);
     std::size_t fields = places.front().field.size();

@@ -14,8 +14,8 @@ namespace {
 using namespace lines;
 
 TEST(Boundary, long_sides_are_divided_and_short_ones_skipped) {
-    // Clockwise, H = 1: a side of 3, one of 1, and one of 3 in ten pieces, of which every second point is
-    // skipped.
+    // Clockwise, H = 1: a side of 3, one of 1, and one of 3 in ten pieces, of which every second
+    // point is skipped.
     Polygon polygon = {{0, 0}, {0, 1}, {3, 1}, {3, 0}};
     for (int i = 9; i >= 1; --i)
         polygon.push_back({0.3 * i, i == 7 ? -0.05 : 0});
@@ -80,8 +80,8 @@ TEST(FSFRNT, stops_at_its_limit) {
     EXPECT_EQ(panels.size(), 50u);
 }
 
-// Edges of every direction, and such as share nodes or lie on one line: the grid finds what a search of all
-// finds.
+// Edges of every direction, and such as share nodes or lie on one line: the grid finds what a search
+// of all finds.
 TEST(EdgeGrid, near_edges_are_enough) {
     std::mt19937 random(7);
     std::uniform_real_distribution<double> place(-10, 10), step(-3, 3);
@@ -218,9 +218,11 @@ double longest_edge(const Body &body) {
     return longest;
 }
 
-// Sharp ends, unequal sides, columns of very different size, a pool of fine panels. Whatever the order of the panels.
+// Sharp ends, unequal sides, columns of very different size, a pool of fine panels. Whatever the order
+// of the panels.
 TEST(FSFRNT, fills_what_ships_are_made_of) {
-    const Polygon large = circle(6, 60), small = circle(0.3, 12, 8), barge = divided({{-2, -1}, {-2, 1}, {2, 1}, {2, -1}}, 0.25),
+    const Polygon large = circle(6, 60), small = circle(0.3, 12, 8),
+                  barge = divided({{-2, -1}, {-2, 1}, {2, 1}, {2, -1}}, 0.25),
                   pool = reversed(circle(0.5, 120));
     struct Row {
         std::string label;

@@ -1,5 +1,5 @@
-// Projection of hull panels on the free surface. Truth: areas of waterplanes in closed form, signed by the
-// normal.
+// Projection of hull panels on the free surface. Truth: areas of waterplanes in closed form, signed
+// by the normal.
 #include "freesurface/fsmark.hpp"
 #include "freesurface/fsproj.hpp"
 #include "hull_meshes.hpp"

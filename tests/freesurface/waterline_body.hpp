@@ -1,5 +1,5 @@
-// A body of vertical walls under given waterlines, and a count of how often the generated panels cover its
-// inside.
+// A body of vertical walls under given waterlines, and a count of how often the generated panels
+// cover its inside.
 #pragma once
 
 #include "freesurface/contours.hpp"

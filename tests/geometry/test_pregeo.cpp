@@ -66,8 +66,8 @@ TEST(Pregeo, BoxWithGaussPointsIsExact) {
 }
 
 TEST(Pregeo, BoxWithCentroidsLacksTheOwnMoments) {
-    // With the area of a panel in its centroid 1/12 of its squared side is lost: an error of 1/n^2 of the
-    // moment.
+    // With the area of a panel in its centroid 1/12 of its squared side is lost: an error of 1/n^2
+    // of the moment.
     for (const int n : {4, 8}) {
         RunState run;
         ASSERT_EQ(body(hulls::box(4, 2, -1, 0, n, false), run), Status::ok);
@@ -153,8 +153,8 @@ TEST(Pregeo, WallFarAway) {
             run.dipoles.DTHK(1) = 0.25f;
         }
         ASSERT_EQ(hulls::pre_pass(run), Status::ok);
-        // What is 300 away moves the volume of f32 normals by 300 times their rounding, and the centre with
-        // it.
+        // What is 300 away moves the volume of f32 normals by 300 times their rounding, and the
+        // centre with it.
         EXPECT_NEAR(run.bodies.XCB(1, 1), 1, 1e-4) << plate;
         EXPECT_NEAR(run.bodies.XCB(2, 1), 0.5, 1e-4) << plate;
     }

@@ -32,9 +32,9 @@ DepthValues from_tables(Function which, f32 H, f32 t, f32 vertical) {
     return {s.f, s.t, s.v, s.tv, 2.0 * s.half_vv};
 }
 
-// Errors of an interval that the fit has at random points, in S or P times min(H, 1), above 16 times H:
-// value, first derivatives, mixed and second. The largest measured ones (head of the tables) and a third
-// more.
+// Errors of an interval that the fit has at random points, in S or P times min(H, 1), above 16 times
+// H: value, first derivatives, mixed and second. The largest measured ones (head of the tables) and
+// a third more.
 struct Bounds {
     const char *name;
     double lower, upper;

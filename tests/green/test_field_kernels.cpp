@@ -156,8 +156,8 @@ Panel small_square(std::array<double, 3> centre, double inclination, double azim
     return panel;
 }
 
-// Near and far ones, near the surface, near a bottom at 0.9, of all inclinations; the first in the free
-// surface.
+// Near and far ones, near the surface, near a bottom at 0.9, of all inclinations; the first in
+// the free surface.
 std::vector<Panel> some_panels() {
     return {small_square({0.9, 0.2, 0}, 0, 0.3),       small_square({0.3, -0.1, -0.4}, 0.5, 0.9),
             small_square({0.5, 0.4, -0.12}, 1.57, 2),  small_square({0.5, 0.1, -0.84}, 0.2, -1),

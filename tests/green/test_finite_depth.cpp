@@ -95,8 +95,8 @@ TEST(FiniteDepth, SampleValues) {
     }
 }
 
-// Points of all regions, both Bessel ranges, near and in the surface, near and on the bottom, with all
-// selectors.
+// Points of all regions, both Bessel ranges, near and in the surface, near and on the bottom,
+// with all selectors.
 TEST(FiniteDepth, DerivativesAreDifferencesOfTheDefinition) {
     constexpr double TOLERANCE = 2e-6;
     for (const f32 H : {0.02f, 0.2f, 1.5f, 5.0f, 30.0f}) {

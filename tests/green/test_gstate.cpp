@@ -63,8 +63,8 @@ TEST(Hgrn98, RootsAndModeFactorAtAllDepths) {
         const double h = H, m = exact_root(h), ke = m / h;
         EXPECT_NEAR(k / ke, 1, ROUNDING) << H;
         EXPECT_NEAR(state.quarter_turns / (ke * 2 / PI_D), 1, DOUBLE_ROUNDING) << H;
-        // 2 pi C E equals 2 pi (k^2 - 1) cosh^2(k H) / (H (k^2 - 1) + 1) at z = zeta = 0, E = (1 + exp(-2 k
-        // H))^2.
+        // 2 pi C E equals 2 pi (k^2 - 1) cosh^2(k H) / (H (k^2 - 1) + 1) at z = zeta = 0, E = (1 +
+        // exp(-2 k H))^2.
         if (h < 5) {
             const double e = std::exp(-2 * m),
                          usual = (ke * ke - 1) * std::pow(std::cosh(m), 2) / (h * (ke * ke - 1) + 1);

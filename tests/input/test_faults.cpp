@@ -260,11 +260,22 @@ TEST(Warnings, name_the_place_and_what_was_taken) {
         InputFiles files;
         std::vector<const char *> told;
     } rows[] = {
-        {"ISOR in both files", {{"config.vrd", "ISOR = 0\n"}}, {"WARNING: a read of the POT file", "box.pot, line 4: HBOT, XBODY"}},
-        {"one number too many", {{"box.pot", with_line(GOOD_POT, 5, " 3. 0 0 0 0 7")}}, {"WARNING: a line of the POT file holds more numbers", "left over: \"7\""}},
-        {"a mistyped keyword", {{"config.vrd", "IPRIO=3\n"}}, {"WARNING: unknown keyword in the configuration file: IPRIO", "config.vrd, line 1; the nearest is IPERIO"}},
-        {"behind column 80", {{"config.vrd", "MAXSCR=5" + std::string(75, ' ') + "17\n"}}, {"WARNING: text behind column 80", "config.vrd, line 1"}},
-        {"a marker in the wrong column", {{"box.gdf", with_line(GOOD_GDF, 4, "2 1")}}, {"WARNING: a second number behind NEQN does not count as NDIPB", "box.gdf, line 4: \"1\""}},
+        {"ISOR in both files",
+         {{"config.vrd", "ISOR = 0\n"}},
+         {"WARNING: a read of the POT file", "box.pot, line 4: HBOT, XBODY"}},
+        {"one number too many",
+         {{"box.pot", with_line(GOOD_POT, 5, " 3. 0 0 0 0 7")}},
+         {"WARNING: a line of the POT file holds more numbers", "left over: \"7\""}},
+        {"a mistyped keyword",
+         {{"config.vrd", "IPRIO=3\n"}},
+         {"WARNING: unknown keyword in the configuration file: IPRIO",
+          "config.vrd, line 1; the nearest is IPERIO"}},
+        {"behind column 80",
+         {{"config.vrd", "MAXSCR=5" + std::string(75, ' ') + "17\n"}},
+         {"WARNING: text behind column 80", "config.vrd, line 1"}},
+        {"a marker in the wrong column",
+         {{"box.gdf", with_line(GOOD_GDF, 4, "2 1")}},
+         {"WARNING: a second number behind NEQN does not count as NDIPB", "box.gdf, line 4: \"1\""}},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.name);
@@ -284,12 +295,14 @@ TEST(FaultDetails, name_file_line_and_value) {
     } rows[] = {
         {good_files({{"box.pot", with_line(GOOD_POT, 7, " 3 0")}}), "box.pot, line 7: found 3"},
         {good_files({{"box.gdf", with_line(GOOD_GDF, 3, " 3 0")}}), "ISX=3, ISY=0"},
-        {good_files({{"box.gdf", with_line(GOOD_GDF, 2, " 1. -9.8")}}), "box.gdf, line 2: gravity must be above 0, found -9.8000E+00"},
+        {good_files({{"box.gdf", with_line(GOOD_GDF, 2, " 1. -9.8")}}),
+         "box.gdf, line 2: gravity must be above 0, found -9.8000E+00"},
         {good_files({{"box.gdf", with_line(GOOD_GDF, 4, " 0")}}), "box.gdf, line 4: the number of panels"},
         {good_files({{"box.gdf", std::string(GOOD_GDF) + "1 0 0 0\n"}}), "dipole records without NDIPB"},
         {good_bodies({{"box.gdf", with_line(GOOD_GLOBAL, 3, " 0")}}), "box.gdf, line 3"},
         {good_bodies({{"box.gdf", with_line(GOOD_GLOBAL, 4, " ")}}), "box.gdf, line 4: the line is empty"},
-        {good_bodies({{"b.gdf", with_line(GOOD_GDF, 2, " 2. 1.6")}}), "found  1.6000E+00, the global file has"},
+        {good_bodies({{"b.gdf", with_line(GOOD_GDF, 2, " 2. 1.6")}}),
+         "found  1.6000E+00, the global file has"},
         {good_files({{"box.pot", with_line(GOOD_POT, 5, " 3e6 0 0 0 0")}}), "give HBOT = 0 for deep water"},
         {good_files({{"box.pot", with_line(GOOD_POT, 5, " 0.5 0 0 0 0")}}), "of body 1, vertex"},
     };

@@ -10,8 +10,8 @@ namespace {
 
 using Vector = std::array<double, 3>;
 
-// Centre of panel p and its normal: the vertices 1, 2, 3, 4 run clockwise seen from the side that it points
-// to.
+// Centre of panel p and its normal: the vertices 1, 2, 3, 4 run clockwise seen from the side that
+// it points to.
 Vector centre(const Mesh &mesh, int p) {
     Vector c{};
     for (int d = 1; d <= 3; ++d)

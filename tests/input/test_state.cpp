@@ -137,7 +137,8 @@ TEST(WaveNumber, is_that_of_infinite_depth) {
         EXPECT_NEAR(in.run.periods.WVN0(1), row.WVN0, EPS * std::fabs(row.WVN0));
         EXPECT_NEAR(in.run.periods.PER(1), row.PER, EPS * std::fabs(row.PER));
         EXPECT_EQ(in.folder.list_has("WARNING: a period counts as infinite frequency, period 1"), row.warned);
-        EXPECT_EQ(in.folder.list_has(" Limit frequency: period     1 is " + std::string(row.limit)), row.limit[0] != 0);
+        EXPECT_EQ(in.folder.list_has(" Limit frequency: period     1 is " + std::string(row.limit)),
+                  row.limit[0] != 0);
     }
 }
 

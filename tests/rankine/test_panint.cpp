@@ -1,5 +1,5 @@
-// Panel integrals against adaptive quadrature of their definitions in double precision, closed forms and
-// differences.
+// Panel integrals against adaptive quadrature of their definitions in double precision, closed
+// forms and differences.
 #include "panel_quadrature.hpp"
 #include "rankine/panint.hpp"
 
@@ -221,9 +221,9 @@ INSTANTIATE_TEST_SUITE_P(Panint, Border,
                                          Region{150.1, {2.6e-4, 2.6e-4, 3e-5, 1.6e-4}},
                                          Region{1500, {1e-5, 1e-5, 1e-6, 6e-6}}));
 
-// Rectangles of any aspect ratio, at all distances at which the area alone would let the multipoles begin,
-// and at the borders of the regions. Measured at worst: 1.0e-4, 3.9e-4, 3.6e-4, 1.2e-3, for 1:8 and 1:300
-// alike.
+// Rectangles of any aspect ratio, at all distances at which the area alone would let the multipoles
+// begin, and at the borders of the regions. Measured at worst: 1.0e-4, 3.9e-4, 3.6e-4, 1.2e-3, for 1:8
+// and 1:300 alike.
 TEST(Panint, MultipolesBeginOutsideASlenderPanel) {
     for (const double aspect : {8., 32., 300.}) {
         const double a = aspect / 2;

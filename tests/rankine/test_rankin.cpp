@@ -1,6 +1,6 @@
-// The Rankine store: solid angles of closed bodies, codes by distance, panels in the free surface, messages.
-// Signs of images and gradients are seen in whole runs: sources against potentials, full against quarter
-// meshes.
+// The Rankine store: solid angles of closed bodies, codes by distance, panels in the free surface,
+// messages. Signs of images and gradients are seen in whole runs: sources against potentials, full
+// against quarter meshes.
 #include "hull_meshes.hpp"
 #include "list_capture.hpp"
 #include "rankine/rankin.hpp"
@@ -29,8 +29,8 @@ void all_kinds(RunState &run) {
     run.opt.HBOT = 1.5f;
 }
 
-// Largest squared distance of a mesh in units of region2 must be below RKNEAR for all pairs to be near: few
-// panels.
+// Largest squared distance of a mesh in units of region2 must be below RKNEAR for all pairs to be
+// near: few panels.
 constexpr int FEW = 2;
 
 TEST(Rankin, RowsOfAClosedBodySumToFourPi) {

@@ -1,5 +1,5 @@
-// The hand-over file of runs with sources and velocities, written and read back. Truth: what was put into the
-// state.
+// The hand-over file of runs with sources and velocities, written and read back. Truth: what was put
+// into the state.
 #include "hull_meshes.hpp"
 #include "post/p2f_reader.hpp"
 #include "results/p2f_writer.hpp"

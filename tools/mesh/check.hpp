@@ -10,6 +10,6 @@ struct CheckRequest {
     bool tank = false;      // a filled tank
     bool lids = false;      // a global file with body types (IFSLID)
 };
-// Prints the report of each body. 0: nothing wrong, 2: there are findings that make numbers wrong, 1: the file cannot be read;
-// the message is out.
+// Prints the report of each body. 0: nothing wrong, 2: there are findings that make numbers wrong, 1: the
+// file cannot be read; the message is out.
 int check_gdf(const CheckRequest &request);

@@ -60,7 +60,8 @@ bool write_gdf(const Request &request, const std::string &title, Panels panels, 
     return std::fclose(file) == 0 && good;
 }
 
-// What a shape takes beside the common options: sizes, counts, flags and the options of plates, by their names.
+// What a shape takes beside the common options: sizes, counts, flags and the options of plates,
+// by their names.
 struct Option {
     const char *name, *text;
 };
@@ -71,9 +72,10 @@ struct Shape {
     Panels (*quarter)(const Request &);
 };
 
-constexpr Option RADIUS{"--radius", "radius"}, DRAFT{"--draft", "draft"}, LENGTH{"--length", "length, along x"},
-    BEAM{"--beam", "beam, along y"}, AROUND{"--nu", "panels around"}, ALONG{"--nu", "panels along half the length"},
-    ACROSS{"--nv", "panels along half the beam"}, OUTWARD{"--nw", "panels from the axis to the edge"},
+constexpr Option RADIUS{"--radius", "radius"}, DRAFT{"--draft", "draft"},
+    LENGTH{"--length", "length, along x"}, BEAM{"--beam", "beam, along y"}, AROUND{"--nu", "panels around"},
+    ALONG{"--nu", "panels along half the length"}, ACROSS{"--nv", "panels along half the beam"},
+    OUTWARD{"--nw", "panels from the axis to the edge"},
     LID{"--lid", "adds the inner free surface, normal down"};
 
 // clang-format off
@@ -119,7 +121,7 @@ CLI::App *add_shape(CLI::App &app, const Shape &shape, Request &r) {
         command->add_option("--dporb", r.porosity[1], "porosity coefficient DPORB");
     }
     const std::map<std::string, double *> sizes = {
-        {"--length", &r.length}, {"--beam", &r.beam},         {"--draft", &r.draft}, {"--radius", &r.radius},
+        {"--length", &r.length}, {"--beam", &r.beam},         {"--draft", &r.draft},  {"--radius", &r.radius},
         {"--depth", &r.depth},   {"--distance", &r.distance}, {"--height", &r.height}};
     const std::map<std::string, int *> counts = {{"--nu", &r.nu}, {"--nv", &r.nv}, {"--nw", &r.nw}};
     const std::map<std::string, bool *> flags = {{"--lid", &r.lid}, {"--standing", &r.standing}};
@@ -137,15 +139,17 @@ CLI::App *add_shape(CLI::App &app, const Shape &shape, Request &r) {
 } // namespace
 
 int main(int argc, char **argv) {
-    CLI::App app("Writes the panels of a simple hull, free surface at z = 0, as a GDF file, or checks such a file.\n"
-                 "Panel counts are those of one quarter.");
+    CLI::App app(
+        "Writes the panels of a simple hull, free surface at z = 0, as a GDF file, or checks such a file.\n"
+        "Panel counts are those of one quarter.");
     app.require_subcommand(1);
     Request r;
     std::vector<CLI::App *> commands;
     for (const Shape &shape : SHAPES)
         commands.push_back(add_shape(app, shape, r));
     CheckRequest check;
-    CLI::App *check_command = app.add_subcommand("check", "says what is wrong with the mesh of a geometry file");
+    CLI::App *check_command =
+        app.add_subcommand("check", "says what is wrong with the mesh of a geometry file");
     check_command->add_option("FILE", check.file, "geometry file, or global geometry file")->required();
     check_command->add_option("--depth", check.depth, "water depth, default infinite");
     check_command->add_option("--wave-length", check.wave_length, "shortest wave, to judge the panels by");
@@ -165,7 +169,8 @@ int main(int argc, char **argv) {
     int ISY = 0;
     const Panels panels = part_of(shape->quarter(r), r.part, ISX, ISY);
     if (!write_gdf(r, std::string(shape->title) + ", " + r.part, panels, ISX, ISY)) {
-        std::fprintf(stderr, "vorda-mesh: %s cannot be written: %s\n", r.output.c_str(), std::strerror(errno));
+        std::fprintf(stderr, "vorda-mesh: %s cannot be written: %s\n", r.output.c_str(),
+                     std::strerror(errno));
         return 1;
     }
     return 0;

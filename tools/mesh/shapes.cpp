@@ -29,7 +29,8 @@ Point down(const Point &) {
     return {0, 0, -1};
 }
 
-Panels disc(double radius, double z, int around, int radial, const std::function<Point(const Point &)> &inward) {
+Panels disc(double radius, double z, int around, int radial,
+            const std::function<Point(const Point &)> &inward) {
     return patch(
         around, radial,
         [=](double u, double v) {
@@ -78,7 +79,9 @@ Panels hemisphere(double radius, int around, int down_count) {
             const double r = v == 1 ? 0 : radius * std::cos(b);
             return Point{r * std::cos(a), r * std::sin(a), v == 0 ? 0 : -radius * std::sin(b)};
         },
-        [](const Point &c) { return Point{-c[0], -c[1], -c[2]}; });
+        [](const Point &c) {
+            return Point{-c[0], -c[1], -c[2]};
+        });
 }
 
 Panels cylinder(double radius, double draft, int around, int down_count, int radial, bool bottom, bool lid) {
@@ -87,7 +90,9 @@ Panels cylinder(double radius, double draft, int around, int down_count, int rad
         [=](double u, double v) {
             return Point{radius * std::cos(HALF_PI * u), radius * std::sin(HALF_PI * u), -draft * v};
         },
-        [](const Point &c) { return Point{-c[0], -c[1], 0}; });
+        [](const Point &c) {
+            return Point{-c[0], -c[1], 0};
+        });
     if (bottom)
         append(panels, disc(radius, -draft, around, radial, up));
     if (lid)
@@ -98,16 +103,34 @@ Panels cylinder(double radius, double draft, int around, int down_count, int rad
 Panels box(double length, double beam, double draft, int nx, int ny, int nz, bool lid) {
     const double l = length / 2, b = beam / 2;
     Panels panels = patch(
-        ny, nz, [=](double u, double v) { return Point{l, b * u, -draft * v}; },
-        [](const Point &) { return Point{-1, 0, 0}; });
+        ny, nz,
+        [=](double u, double v) {
+            return Point{l, b * u, -draft * v};
+        },
+        [](const Point &) {
+            return Point{-1, 0, 0};
+        });
     append(panels, patch(
-                       nx, nz, [=](double u, double v) { return Point{l * u, b, -draft * v}; },
-                       [](const Point &) { return Point{0, -1, 0}; }));
+                       nx, nz,
+                       [=](double u, double v) {
+                           return Point{l * u, b, -draft * v};
+                       },
+                       [](const Point &) {
+                           return Point{0, -1, 0};
+                       }));
     append(panels, patch(
-                       nx, ny, [=](double u, double v) { return Point{l * u, b * v, -draft}; }, up));
+                       nx, ny,
+                       [=](double u, double v) {
+                           return Point{l * u, b * v, -draft};
+                       },
+                       up));
     if (lid)
         append(panels, patch(
-                           nx, ny, [=](double u, double v) { return Point{l * u, b * v, 0}; }, down));
+                           nx, ny,
+                           [=](double u, double v) {
+                               return Point{l * u, b * v, 0};
+                           },
+                           down));
     return panels;
 }
 
@@ -117,7 +140,9 @@ Panels wigley(double length, double beam, double draft, int nx, int nz) {
         [=](double u, double v) {
             return Point{length / 2 * u, beam / 2 * (1 - u * u) * (1 - v * v), -draft * v};
         },
-        [](const Point &) { return Point{0, -1, 0}; });
+        [](const Point &) {
+            return Point{0, -1, 0};
+        });
 }
 
 Panels heave_plate(double radius, double z, int around, int radial) {
@@ -129,8 +154,13 @@ Panels heave_plate(double radius, double z, int around, int radial) {
 
 Panels twin_plates(double distance, double beam, double draft, int ny, int nz) {
     Panels panels = patch(
-        ny, nz, [=](double u, double v) { return Point{distance / 2, beam / 2 * u, -draft * v}; },
-        [](const Point &) { return Point{-1, 0, 0}; });
+        ny, nz,
+        [=](double u, double v) {
+            return Point{distance / 2, beam / 2 * u, -draft * v};
+        },
+        [](const Point &) {
+            return Point{-1, 0, 0};
+        });
     for (MeshPanel &panel : panels)
         panel.plate = true;
     return panels;

@@ -13,7 +13,8 @@ struct MeshPanel {
 };
 using Panels = std::vector<MeshPanel>;
 
-// Turns the order of vertices so that the normal (of the panel's own frame) has a positive component along `inward`.
+// Turns the order of vertices so that the normal (of the panel's own frame) has a positive
+// component along `inward`.
 MeshPanel oriented(const MeshPanel &panel, const Point &inward);
 
 // nu by nv panels of a surface over the unit square; inward(centroid) points into the body.
@@ -28,7 +29,8 @@ Panels box(double length, double beam, double draft, int nx, int ny, int nz, boo
 // y = B/2 (1 - (2 x / L)^2) (1 - (z / T)^2).
 Panels wigley(double length, double beam, double draft, int nx, int nz);
 
-// Thin plates. A horizontal disc, normal up. Two vertical plates in x = distance/2 and its image, from the free surface down, normal towards x = 0.
+// Thin plates. A horizontal disc, normal up. Two vertical plates in x = distance/2 and its image, from the
+// free surface down, normal towards x = 0.
 Panels heave_plate(double radius, double z, int around, int radial);
 Panels twin_plates(double distance, double beam, double draft, int ny, int nz);
 // The closed walls of a tank from z = top down, normal out of the fluid.

@@ -21,16 +21,16 @@ void print_info(const P2fFile &p) {
     std::printf("Hand-over file, format %.1f\n", static_cast<double>(p.version));
     std::printf("Bodies %d, panels %d, modes %d, solved modes %d\n", p.NBODY, p.NEQN, p.NMODES, p.NSYMD);
     std::printf("Symmetry ISX %d, ISY %d: %d image(s), %d class(es)\n", p.ISX, p.ISY, p.NSYMG, p.NSYMR);
-    std::printf("IRAD %d, IDIFF %d, ISOR %d, IQUAD %d, ILOG %d, IDIAG %d, ISCATT %d, IRR %d, ISOLVE %d\n", p.IRAD,
-                p.IDIFF, p.ISOR, p.IQUAD, p.ILOG, p.IDIAG, p.ISCATT, p.IRR, p.ISOLVE);
+    std::printf("IRAD %d, IDIFF %d, ISOR %d, IQUAD %d, ILOG %d, IDIAG %d, ISCATT %d, IRR %d, ISOLVE %d\n",
+                p.IRAD, p.IDIFF, p.ISOR, p.IQUAD, p.ILOG, p.IDIAG, p.ISCATT, p.IRR, p.ISOLVE);
     std::printf("Gravity %g, length scale %g, ", static_cast<double>(p.GRAV), static_cast<double>(p.ULEN(1)));
     if (p.HBOT > 0)
         std::printf("water depth %g\n", static_cast<double>(p.HBOT * p.ULEN(1)));
     else
         std::printf("infinite water depth\n");
     for (int b = 1; b <= p.NBODY; ++b) {
-        std::printf("Body %d: panels %d, volumes %.6g %.6g %.6g, centre of buoyancy %.6g %.6g %.6g\n", b, p.NEQNB(b),
-                    static_cast<double>(p.VOL(1, b)), static_cast<double>(p.VOL(2, b)),
+        std::printf("Body %d: panels %d, volumes %.6g %.6g %.6g, centre of buoyancy %.6g %.6g %.6g\n", b,
+                    p.NEQNB(b), static_cast<double>(p.VOL(1, b)), static_cast<double>(p.VOL(2, b)),
                     static_cast<double>(p.VOL(3, b)), static_cast<double>(p.XCB(1, b)),
                     static_cast<double>(p.XCB(2, b)), static_cast<double>(p.XCB(3, b)));
     }
@@ -86,7 +86,8 @@ void print_exciting(const P2fFile &p, const CoefRequest &request, const Coeffici
             std::printf(request.csv ? "exciting,%.6g,%.6g,%.6g,%d,%.7g,%.7g,%.7g,%.7g\n"
                                     : "  %10.4f  %10.5f  %8.2f %3d  %14.6E  %8.2f  %14.6E  %14.6E\n",
                         static_cast<double>(p.PER(t)), static_cast<double>(p.WVNH(t)),
-                        static_cast<double>(p.BETA(b)), i, std::abs(x), std::arg(x) * 360 / TWO_PI, x.real(), x.imag());
+                        static_cast<double>(p.BETA(b)), i, std::abs(x), std::arg(x) * 360 / TWO_PI, x.real(),
+                        x.imag());
         }
     }
 }
@@ -94,18 +95,21 @@ void print_exciting(const P2fFile &p, const CoefRequest &request, const Coeffici
 void print_coefficients(const P2fFile &p, const CoefRequest &request, const Coefficients &c) {
     const bool dimensional = request.density > 0;
     if (!request.csv)
-        std::printf("%s\n", dimensional ? "Dimensional, by the given density"
-                                        : "Non-dimensional: A/(rho L^k), B/(rho omega L^k), X/(rho g L^(k-1))");
+        std::printf("%s\n", dimensional
+                                ? "Dimensional, by the given density"
+                                : "Non-dimensional: A/(rho L^k), B/(rho omega L^k), X/(rho g L^(k-1))");
     if (p.IRAD >= 0) {
         std::printf(request.csv ? "kind,period,wavenumber,i,j,A,B\n"
-                                : "\nAdded mass and damping\n      Period  Wavenumber    I   J               A               B\n");
+                                : "\nAdded mass and damping\n      Period  Wavenumber    I   J               "
+                                  "A               B\n");
         for (int t = 1; t <= p.NPER; ++t)
             print_radiation(p, request, c, t);
     }
     if (p.IDIFF >= 0) {
-        std::printf(request.csv ? "kind,period,wavenumber,heading,i,modulus,phase,real,imaginary\n"
-                                : "\nExciting force\n      Period  Wavenumber   Heading   I         Modulus     Phase"
-                                  "            Real       Imaginary\n");
+        std::printf(request.csv
+                        ? "kind,period,wavenumber,heading,i,modulus,phase,real,imaginary\n"
+                        : "\nExciting force\n      Period  Wavenumber   Heading   I         Modulus     Phase"
+                          "            Real       Imaginary\n");
         for (int t = 1; t <= p.NPER; ++t)
             print_exciting(p, request, c, t);
     }
@@ -122,8 +126,10 @@ int main(int argc, char **argv) {
     CLI::App *coef = app.add_subcommand("coef", "added mass, damping and exciting force of every period");
     coef->add_option("file", request.file, "hand-over file (.p2f)")->required();
     coef->add_flag("--csv", request.csv, "comma-separated values instead of a table");
-    coef->add_option("--density", request.density, "density; makes the values dimensional")->check(CLI::PositiveNumber);
-    coef->add_option("--gravity", request.gravity, "gravity, when not that of the file")->check(CLI::PositiveNumber);
+    coef->add_option("--density", request.density, "density; makes the values dimensional")
+        ->check(CLI::PositiveNumber);
+    coef->add_option("--gravity", request.gravity, "gravity, when not that of the file")
+        ->check(CLI::PositiveNumber);
     CLI11_PARSE(app, argc, argv);
 
     P2fFile p2f;

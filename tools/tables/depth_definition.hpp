@@ -8,8 +8,8 @@
 // With x = s H, H S and H P are integrals over x that have no length in them. They are taken along a ray from
 // 0 that passes above the poles x = m (m tanh m = H) and x = H on the real axis: the arc at infinity gives
 // nothing, half the residues are imaginary, and so the real part is the principal value. On the ray the
-// integrand neither has poles nor cancels. In P the difference of I and F2 + 1/r1 is formed under the
-// integral,
+// integrand neither has poles nor cancels. In P the difference of I and F2 + 1/r1 is formed
+// under the integral,
 //   H P = PV integral of (x + H) J0 [(x - H) exp(-x (4 - y)) + (x + H) exp(-x (2 + y))] / ((x - H) Q) dx,
 //   Q = (x - H) - (x + H) exp(-2 x),
 // and in S3 likewise

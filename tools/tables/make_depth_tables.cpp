@@ -25,9 +25,9 @@ using Function = DepthDefinition::Function;
 
 constexpr int T_NODES = 34, VERTICAL_NODES = 26, V_NODES = 24;
 constexpr int V_TERMS = 12; // a coefficient is of degree 11 in v at most
-// Terms below it are dropped, in the function times min(H, 1). A term of the degrees i and j counts more, for
-// its first and mixed or second derivatives: the slope of a Chebyshev polynomial grows with the square of the
-// degree.
+// Terms below it are dropped, in the function times min(H, 1). A term of the degrees i and j counts more,
+// for its first and mixed or second derivatives: the slope of a Chebyshev polynomial grows with the square
+// of the degree.
 constexpr double SMALLEST_TERM = 2e-9;
 constexpr double SLOPE_WEIGHT = 0.1, SECOND_WEIGHT = 0.02;
 constexpr double SHARE_OF_S3 = 0.2; // its slope in H counts, too
