@@ -17,6 +17,12 @@ foreach(folder base mesh state input results geometry freesurface rankine green 
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
 add_dependencies(test_cases vorda vorda-mesh vorda-p2f)
+# Allocations are refused by a library in front of the C library; the sanitizers have their own there.
+if(NOT VORDA_SANITIZE)
+  add_library(refuse_allocation SHARED tests/hooks/refuse_allocation.cpp)
+  add_dependencies(test_cases refuse_allocation)
+  target_compile_definitions(test_cases PRIVATE VORDA_REFUSING="$<TARGET_FILE:refuse_allocation>")
+endif()
 
 add_test(NAME layout.includes_follow_the_links
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_includes ${VORDA_EDGES})
