@@ -26,6 +26,7 @@ endif()
 
 add_test(NAME layout.includes_follow_the_links
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_includes ${VORDA_EDGES})
+add_test(NAME layout.messages_are_explained COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_messages)
 add_test(NAME layout.glossary_is_current COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/scripts/glossary --check)
 
 # Each example runs and compares itself with what its README promises.
