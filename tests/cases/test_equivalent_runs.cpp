@@ -269,6 +269,36 @@ TEST(UnitOfLength, MakesNoDifference) {
         }
 }
 
+// What vorda-p2f prints with a density does not show it: forces, moments and what couples them.
+TEST(UnitOfLength, IsGoneFromDimensionalCoefficients) {
+    constexpr double PRINTED =
+        3e-5; // of the largest value of a column: five digits, and rounding of the runs
+    std::vector<std::array<double, 4>> values[2];
+    for (const int k : {0, 1}) {
+        const CaseFolder folder;
+        Pot pot;
+        pot.PER = "3.0";
+        pot.BETA = "30";
+        prepare(folder, pot, "IPERIO=1\n");
+        make_mesh(folder, std::string(BARGE) + " --part full --ulen " + (k == 0 ? "1" : "2.5"));
+        folder.solve();
+        ASSERT_EQ(folder.shell("vorda-p2f coef --csv --density 1000 run.p2f"), 0);
+        std::istringstream out(folder.read("stdout.txt"));
+        for (std::string line; std::getline(out, line);) {
+            std::array<double, 4> v{}; // i, j, A, B or heading, i, modulus, phase
+            if (std::sscanf(line.c_str(), "%*[a-z],%*f,%*f,%lf,%lf,%lf,%lf", &v[0], &v[1], &v[2], &v[3]) == 4)
+                values[k].push_back(v);
+        }
+    }
+    ASSERT_EQ(values[0].size(), 42u);
+    ASSERT_EQ(values[1].size(), 42u);
+    for (std::size_t i = 0; i < 42; ++i) {
+        const auto &a = values[0][i], &b = values[1][i];
+        const double size = i < 36 ? 1e4 : 1e5; // of the largest coefficients
+        EXPECT_NEAR(a[2], b[2], PRINTED * size) << a[0] << " " << a[1];
+    }
+}
+
 TEST(Threads, OneAndMoreGiveTheSameBytes) {
     for (const char *PER : {"0.5 1.0 1.5", "0.8"}) {
         std::string bytes[3];

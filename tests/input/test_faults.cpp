@@ -305,6 +305,9 @@ TEST(FaultDetails, name_file_line_and_value) {
          "found  1.6000E+00, the global file has"},
         {good_files({{"box.pot", with_line(GOOD_POT, 5, " 3e6 0 0 0 0")}}), "give HBOT = 0 for deep water"},
         {good_files({{"box.pot", with_line(GOOD_POT, 5, " 0.5 0 0 0 0")}}), "of body 1, vertex"},
+        {good_bodies({{"box.gdf", with_line(GOOD_GLOBAL, 9, " 0 -10 -49 0")}}), "panel I=3"},
+        {good_bodies({{"box.gdf", with_line(GOOD_GLOBAL, 9, " 0 -10 -49 0")}}),
+         "panel 1 of body 2, vertex 3"},
     };
     for (const auto &row : rows) {
         const InputRun in(row.files);
