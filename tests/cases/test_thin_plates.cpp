@@ -287,7 +287,7 @@ TEST(HullOverADisc, APorousOneIsOpenAtInfiniteFrequency) {
     const SolvedRun alone = panel_lists::solve_gdf(gdf(hull), pot);
     for (const char *config : {"", "IUSESCR=1\n", "ISOLVE=0\n"}) {
         const SolvedRun with = panel_lists::solve_gdf(
-            gdf(hull + made("disc --depth 1.3 --nu 3 --nw 4", "1 0.1 0.2 0")), pot, config);
+            gdf(made("disc --depth 1.3 --nu 3 --nw 4", "1 0.1 0.2 0") + hull), pot, config);
         const auto on_hull = [](const whole_fields::Place &place) { return place.at[4] == 0; };
         for (const double error : whole_fields::difference(alone, with, on_hull, 1).largest)
             EXPECT_LT(error, 1e-5) << config;

@@ -3,7 +3,7 @@
 #include "freesurface/fsstrip.hpp"
 #include "freesurface/waterline.hpp"
 #include "hull_meshes.hpp"
-#include "list_capture.hpp"
+#include "run_folder.hpp"
 
 #include <algorithm>
 #include <cmath>

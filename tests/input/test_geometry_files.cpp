@@ -115,6 +115,8 @@ TEST(SingleBodyFile, height_of_the_free_surface) {
         files["box.pot"] = with_line(GOOD_POT, 5, " 50. 0 0 1 0");
         EXPECT_EQ(InputRun(files).status, Status::failed) << z;
     }
+    const SoundRun second(good_bodies({{"b.gdf", with_line(GOOD_GDF, 5, " 4 2 0.5  4 0 0.5")},
+                                       {"box.gdf", with_line(GOOD_GLOBAL, 9, " 0 -10 -1 0")}}));
 }
 
 TEST(SingleBodyFile, a_trailing_zero_is_no_data) {
