@@ -4,6 +4,8 @@
 #include "post/coefficients.hpp"
 #include "temporary_folder.hpp"
 
+#include <cmath>
+#include <complex>
 #include <sstream>
 
 class CaseFolder : public TemporaryFolder {
@@ -91,6 +93,14 @@ struct SolvedRun {
     P2fFile p2f;
     Coefficients c;
 };
+// Damping of an axisymmetric body over the energy that its waves carry away (K |X|^2 / 2 in heave, half of it
+// in surge, over the factor of the group velocity), less 1; `taken`: what plates or lids take.
+inline double energy_defect(const SolvedRun &run, int mode, int t, double taken = 0) {
+    const double k = static_cast<double>(run.p2f.WVNH(t)), H = static_cast<double>(run.p2f.HBOT);
+    const double D = H > 0 ? std::tanh(k * H) + k * H / std::pow(std::cosh(k * H), 2) : 1;
+    const double flux = k * std::norm(std::complex<double>(run.c.X(mode, 1, t))) / ((mode == 3 ? 2 : 4) * D);
+    return (static_cast<double>(run.c.B(mode, mode, t)) - taken) / flux - 1;
+}
 // Runs what is prepared in the folder.
 inline SolvedRun solved(const CaseFolder &folder) {
     SolvedRun run;

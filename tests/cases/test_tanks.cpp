@@ -108,34 +108,28 @@ TEST(Tank, LeaningWallsMakeNoDifferenceToThat) {
 }
 
 // A spherical tank from the hemisphere of a hull: normals turned out, and its mirror image on top.
-void write_spherical_tank(const CaseFolder &folder, int n) {
-    make_mesh(folder, "hemisphere --nu " + std::to_string(n) + " --nv " + std::to_string(n), "half.gdf");
-    std::istringstream in(folder.read("half.gdf"));
-    std::string line;
-    for (int i = 0; i < 4; ++i)
-        std::getline(in, line);
-    std::ostringstream panels;
-    for (int i = 0; i < n * n; ++i) {
-        double p[4][3];
-        for (auto &vertex : p)
-            in >> vertex[0] >> vertex[1] >> vertex[2];
-        for (const int v : {3, 2, 1, 0})
-            panels << p[v][0] << " " << p[v][1] << " " << p[v][2] - 2 << "\n";
-        for (const int v : {0, 1, 2, 3})
-            panels << p[v][0] << " " << p[v][1] << " " << -p[v][2] - 2 << "\n";
+panel_lists::List spherical_tank(int n) {
+    panel_lists::List tank;
+    for (const panel_lists::GdfPanel &panel :
+         panel_lists::made("hemisphere --nu " + std::to_string(n) + " --nv " + std::to_string(n))) {
+        for (const double side : {1, -1}) {
+            panel_lists::GdfPanel half = panel;
+            for (panel_lists::Point &p : half.vertex)
+                p[2] = side * p[2] - 2;
+            if (side > 0)
+                std::reverse(half.vertex.begin(), half.vertex.end());
+            tank.push_back(half);
+        }
     }
-    folder.write("run.gdf", "sphere\n1 9.80665\n1 1\n" + std::to_string(2 * n * n) + "\n" + panels.str());
+    return tank;
 }
 
 TEST(Tank, ItsSourcesMoveTheFluidAsARigidBody) {
     double before = 0;
     for (const int n : {5, 10}) {
-        CaseFolder folder;
         Pot pot = tank_pot(3);
         pot.ISOR = 1;
-        prepare(folder, pot);
-        write_spherical_tank(folder, n);
-        const SolvedRun run = solved(folder);
+        const SolvedRun run = panel_lists::solve_gdf(panel_lists::gdf(spherical_tank(n)), pot);
         double error = 0;
         for (int mode = 1; mode <= 3; ++mode) {
             for (int ip = 1; ip <= run.p2f.NEQN; ++ip) {
