@@ -6,7 +6,7 @@ add_library(vorda_support INTERFACE)
 target_link_libraries(vorda_support INTERFACE vorda_run vorda_post GTest::gtest)
 target_include_directories(vorda_support INTERFACE tests/support)
 
-foreach(folder base mesh state input results geometry freesurface rankine green assembly solve boundary cases)
+foreach(folder base mesh state input results post geometry freesurface rankine green assembly solve boundary cases)
   file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
   add_executable(test_${folder} ${sources})
   target_link_libraries(test_${folder} PRIVATE vorda_support GTest::gtest_main)
