@@ -1,6 +1,7 @@
 // Added mass, damping and exciting forces from the potentials of a hand-over file.
 #pragma once
 
+#include "post/names.hpp"
 #include "post/p2f_reader.hpp"
 
 // Non-dimensional: A over rho L^k, B over rho omega L^k, X over rho g L^(k-1) per unit wave amplitude, with L
@@ -15,6 +16,3 @@ struct Coefficients {
 // body images, but for plates that are held in place (IDIP=3). Coefficients of modes of different classes, or
 // of modes that were not solved, are 0. False when memory is refused.
 [[nodiscard]] bool form_coefficients(const P2fFile &p2f, Coefficients &coefficients);
-
-// True for a rotation among the six rigid modes of a body; extra modes count as translations.
-bool is_rotation(const P2fFile &p2f, int mode);
