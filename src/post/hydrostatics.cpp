@@ -1,5 +1,7 @@
 #include "post/hydrostatics.hpp"
 
+#include "post/images.hpp"
+
 #include <algorithm>
 #include <cmath>
 
@@ -58,27 +60,12 @@ struct Sums {
     }
 };
 
-// First panel and first mode of a body, from 1.
-struct BodyStart {
-    int panel = 1, mode = 1;
-};
-BodyStart start_of(const P2fFile &p2f, int body) {
-    BodyStart start;
-    for (int b = 1; b < body; ++b) {
-        start.panel += p2f.NEQNB(b);
-        start.mode += 6 + p2f.NEWMDS(b);
-    }
-    return start;
-}
-
-// Panels that stand for free surface or for a plate are no hull; no rigid mode moves a projected one.
-bool is_hull(const P2fFile &p2f, int ip, int mode) {
-    if ((!p2f.IFSP.empty() && p2f.IFSP(ip) == 1) || (!p2f.IDIP.empty() && p2f.IDIP(ip) != 0))
-        return false;
-    for (int m = mode; m < mode + 6; ++m)
-        if (p2f.VEL(m, ip) != 0)
-            return true;
-    return false;
+// First panel of a body, from 1.
+int first_panel(const P2fFile &p2f, int body) {
+    int panel = 1;
+    for (int b = 1; b < body; ++b)
+        panel += p2f.NEQNB(b);
+    return panel;
 }
 
 void add_panel(const P2fFile &p2f, int ip, const Place &place, Sums &sums, BodyHydrostatics &body) {
@@ -90,16 +77,15 @@ void add_panel(const P2fFile &p2f, int ip, const Place &place, Sums &sums, BodyH
             x[static_cast<std::size_t>(c - 1)] = length * static_cast<double>(p2f.XVER(v, c, ip));
         corner[v - 1] = place.global(x);
     }
-    for (int image = 0; image < 4; ++image) {
-        const bool x_image = (image & 1) != 0, y_image = (image & 2) != 0;
-        if ((x_image && p2f.ISX != 1) || (y_image && p2f.ISY != 1))
+    for (const Image &image : images_of(p2f)) {
+        if (!image.body)
             continue;
         Vec3 p[4];
         for (std::size_t v = 0; v < 4; ++v) {
             // An odd number of reflections turns the sense of the corners.
-            p[v] = corner[x_image != y_image ? 3 - v : v];
-            p[v][0] *= x_image ? -1 : 1;
-            p[v][1] *= y_image ? -1 : 1;
+            p[v] = corner[image.sx * image.sy < 0 ? 3 - v : v];
+            p[v][0] *= image.sx;
+            p[v][1] *= image.sy;
             const Vec3 own = place.body(p[v]);
             for (std::size_t c = 0; c < 3; ++c) {
                 body.lowest[c] = std::min(body.lowest[c], own[c]);
@@ -143,8 +129,8 @@ void fill(const Sums &sums, const Place &place, BodyHydrostatics &body) {
 bool form_hydrostatics(const P2fFile &p2f, std::vector<BodyHydrostatics> &bodies, std::string &error) {
     bodies.clear();
     const double length = static_cast<double>(p2f.ULEN(1));
+    const PanelKinds kinds(p2f);
     for (int b = 1; b <= p2f.NBODY; ++b) {
-        const BodyStart start = start_of(p2f, b);
         BodyHydrostatics body;
         body.heading = DEGREE * static_cast<double>(p2f.XBODY(4, b));
         for (int c = 1; c <= 3; ++c)
@@ -153,8 +139,9 @@ bool form_hydrostatics(const P2fFile &p2f, std::vector<BodyHydrostatics> &bodies
         body.lowest.fill(1e300);
         body.highest.fill(-1e300);
         Sums sums;
-        for (int ip = start.panel; ip < start.panel + p2f.NEQNB(b); ++ip)
-            if (is_hull(p2f, ip, start.mode))
+        const int first = first_panel(p2f, b);
+        for (int ip = first; ip < first + p2f.NEQNB(b); ++ip)
+            if (kinds.hull(ip) && !kinds.plate(ip))
                 add_panel(p2f, ip, place, sums, body);
         if (sums.area == 0) {
             body.lowest.fill(0);
@@ -244,7 +231,7 @@ bool form_stiffness(const P2fFile &p2f, const std::vector<BodyHydrostatics> &bod
         return false;
     for (int b = 1; b <= p2f.NBODY; ++b) {
         const std::size_t at = static_cast<std::size_t>(b - 1);
-        const int first = start_of(p2f, b).mode, last = first + 5 + p2f.NEWMDS(b);
+        const int first = modes_before(p2f, b) + 1, last = first + 5 + p2f.NEWMDS(b);
         const Matrix6 rigid = stiffness_of(bodies[at], masses[at], scales.density, scales.gravity).total();
         const double unit = scales.density * scales.gravity * scales.length * scales.length;
         for (int i = first; i <= last; ++i) {
@@ -265,7 +252,7 @@ bool form_mass(const P2fFile &p2f, const std::vector<BodyMass> &masses, Array<do
         return false;
     for (int b = 1; b <= p2f.NBODY; ++b) {
         const BodyMass &body = masses[static_cast<std::size_t>(b - 1)];
-        const int first = start_of(p2f, b).mode;
+        const int first = modes_before(p2f, b) + 1;
         const double m = body.mass;
         const Vec3 &g = body.centre;
         // Velocity of the centre by a rotation: a row for each direction.
