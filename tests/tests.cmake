@@ -6,7 +6,7 @@ add_library(vorda_support INTERFACE)
 target_link_libraries(vorda_support INTERFACE vorda_run vorda_post GTest::gtest)
 target_include_directories(vorda_support INTERFACE tests/support)
 
-foreach(folder base mesh state input results geometry freesurface rankine green assembly solve boundary cases)
+foreach(folder base mesh state input results geometry freesurface rankine green assembly solve boundary post cases)
   file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
   add_executable(test_${folder} ${sources})
   target_link_libraries(test_${folder} PRIVATE vorda_support GTest::gtest_main)
@@ -17,6 +17,7 @@ foreach(folder base mesh state input results geometry freesurface rankine green 
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
 add_dependencies(test_cases vorda vorda-mesh vorda-p2f)
+add_dependencies(test_post vorda vorda-mesh)
 
 add_test(NAME layout.includes_follow_the_links
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_includes ${VORDA_EDGES})
