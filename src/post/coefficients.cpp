@@ -1,5 +1,8 @@
 #include "post/coefficients.hpp"
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
 
 using c64 = std::complex<double>;
