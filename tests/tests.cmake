@@ -16,7 +16,9 @@ foreach(folder base mesh state input results post geometry freesurface rankine g
   gtest_discover_tests(test_${folder} DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
-add_dependencies(test_cases vorda vorda-mesh vorda-p2f)
+foreach(folder post cases)
+  add_dependencies(test_${folder} vorda vorda-mesh vorda-p2f)
+endforeach()
 # Allocations are refused by a library in front of the C library; the sanitizers have their own there.
 if(NOT VORDA_SANITIZE)
   add_library(refuse_allocation SHARED tests/hooks/refuse_allocation.cpp)

@@ -44,27 +44,31 @@ class Reader {
     bool arrays() {
         p.NBETAM = std::max(p.NBETA, 1);
         Array<f32, 2> volumes;
-        const bool made =
-            p.ULEN.alloc(p.NBODY) && p.NEQNB.alloc(p.NBODY) && p.NPANS.alloc(p.NBODY) &&
-            p.NEWMDS.alloc(p.NBODY) && p.XBODY.alloc(4, p.NBODY) && p.PER.alloc(p.NPER) &&
-            p.WVNH.alloc(p.NPER) && p.BETA.alloc(p.NBETA) && p.SINBET.alloc(p.NBETA) &&
-            p.COSBET.alloc(p.NBETA) && p.MODLST.alloc(p.NMODES) && p.MODPOS.alloc(p.NMODES) &&
-            p.MODCLS.alloc(p.NMODES, 4) && p.XVER.alloc(4, 3, p.NEQN) && p.XCT.alloc(3, p.NEQN) &&
-            p.PMOM.alloc(13, p.NEQN) && p.VEL.alloc(p.NMODES, p.NEQN) && p.VOL.alloc(3, p.NBODY) &&
-            p.XCB.alloc(3, p.NBODY) && p.CHYD.alloc(p.NMODES, p.NMODES) && volumes.alloc(6, p.NBODY);
+        const bool made = p.ULEN.alloc(p.NBODY) && p.NEQNB.alloc(p.NBODY) && p.NPANS.alloc(p.NBODY) &&
+                          p.NEWMDS.alloc(p.NBODY) && p.XBODY.alloc(4, p.NBODY) && p.PER.alloc(p.NPER) &&
+                          p.WVNH.alloc(p.NPER) && p.BETA.alloc(p.NBETA) && p.SINBET.alloc(p.NBETA) &&
+                          p.COSBET.alloc(p.NBETA) && p.MODLST.alloc(p.NMODES) && p.MODPOS.alloc(p.NMODES) &&
+                          p.MODCLS.alloc(p.NMODES, 4) && p.XVER.alloc(4, 3, p.NEQN) &&
+                          p.XCT.alloc(3, p.NEQN) && p.XIV.alloc(4, p.NEQN) && p.ETV.alloc(4, p.NEQN) &&
+                          p.TRM.alloc(3, 3, p.NEQN) && p.SIDE.alloc(4, p.NEQN) && p.XGP.alloc(4, 3, p.NEQN) &&
+                          p.GJAC.alloc(4, p.NEQN) && p.PSIZ.alloc(2, p.NEQN) && p.PMOM.alloc(13, p.NEQN) &&
+                          p.VEL.alloc(p.NMODES, p.NEQN) && p.VOL.alloc(3, p.NBODY) &&
+                          p.XCB.alloc(3, p.NBODY) && p.CHYD.alloc(p.NMODES, p.NMODES) &&
+                          volumes.alloc(6, p.NBODY);
         if (!made)
             return refuse("there is not enough memory for its arrays");
         const std::size_t n = static_cast<std::size_t>(p.NEQN) * sizeof(f32);
-        const bool good = next("ULEN", {into(p.ULEN)}) && next("NEQNB", {into(p.NEQNB), into(p.NPANS)}) &&
-                          next("NEWMDS", {into(p.NEWMDS)}) && next("XBODY", {into(p.XBODY)}) &&
-                          next("PER", {into(p.PER), into(p.WVNH)}) &&
-                          next("BETA", {into(p.BETA), into(p.SINBET), into(p.COSBET)}) &&
-                          next("MODLST", {into(p.MODLST)}) && next("MODCLS", {into(p.MODCLS)}) &&
-                          next("MODPOS", {into(p.MODPOS)}) && skip("XIV", 4 * n) && skip("ETV", 4 * n) &&
-                          next("XCT", {into(p.XCT)}) && next("XVER", {into(p.XVER)}) && skip("TRM", 9 * n) &&
-                          next("PMOM", {into(p.PMOM)}) && skip("SIDE", 4 * n) && skip("XGP", 12 * n) &&
-                          skip("GJAC", 4 * n) && skip("RXNG", 12 * n) && next("VEL", {into(p.VEL)}) &&
-                          next("volumes", {into(volumes), into(p.CHYD)}) && skip("PSIZ", 2 * n);
+        const bool good =
+            next("ULEN", {into(p.ULEN)}) && next("NEQNB", {into(p.NEQNB), into(p.NPANS)}) &&
+            next("NEWMDS", {into(p.NEWMDS)}) && next("XBODY", {into(p.XBODY)}) &&
+            next("PER", {into(p.PER), into(p.WVNH)}) &&
+            next("BETA", {into(p.BETA), into(p.SINBET), into(p.COSBET)}) &&
+            next("MODLST", {into(p.MODLST)}) && next("MODCLS", {into(p.MODCLS)}) &&
+            next("MODPOS", {into(p.MODPOS)}) && next("XIV", {into(p.XIV)}) && next("ETV", {into(p.ETV)}) &&
+            next("XCT", {into(p.XCT)}) && next("XVER", {into(p.XVER)}) && next("TRM", {into(p.TRM)}) &&
+            next("PMOM", {into(p.PMOM)}) && next("SIDE", {into(p.SIDE)}) && next("XGP", {into(p.XGP)}) &&
+            next("GJAC", {into(p.GJAC)}) && skip("RXNG", 12 * n) && next("VEL", {into(p.VEL)}) &&
+            next("volumes", {into(volumes), into(p.CHYD)}) && next("PSIZ", {into(p.PSIZ)});
         if (!good || !sound(wrong_bodies(p)))
             return false;
         for (int b = 1; b <= p.NBODY; ++b) {
