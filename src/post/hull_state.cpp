@@ -59,10 +59,12 @@ class Adder {
         }
     }
     void add_normal_velocity(int s, int mode, c64 factor) {
+        constexpr int HELD = 3; // a plate that is no part of the moving body
         for (std::size_t g = 0; g < images_.size(); ++g) {
             const c64 f = factor * parity(p.ICLS[s], images_[g]);
             for (int J = 1; J <= p.NEQN; ++J)
-                s_.vn(J, static_cast<int>(g) + 1) += f * static_cast<double>(p.VEL(mode, J));
+                if (p.IDIP.empty() || p.IDIP(J) != HELD)
+                    s_.vn(J, static_cast<int>(g) + 1) += f * static_cast<double>(p.VEL(mode, J));
         }
     }
     void add_incident_velocity(int t, int b) {
