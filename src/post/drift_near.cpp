@@ -1,5 +1,6 @@
 #include "post/drift_near.hpp"
 
+#include "post/surface_gradient.hpp"
 #include "post/vector3.hpp"
 
 #include <cmath>
@@ -62,8 +63,10 @@ struct MeanRotation {
 // One body in one heading.
 class Body {
   public:
-    Body(const P2fFile &p2f, int t, int body, const RigidMotion &motion, const HullState &state)
-        : p(p2f), body_(body), nu(deep_wave_number(p2f, t)), m(motion), H(motion.alpha), s(state) {}
+    Body(const P2fFile &p2f, int t, int body, const RigidMotion &motion, const HullState &state,
+         const SurfaceGradient &gradient)
+        : p(p2f), body_(body), nu(deep_wave_number(p2f, t)), m(motion), H(motion.alpha), s(state),
+          gradient_(gradient) {}
 
     NearDrift drift(const PanelKinds &kinds, int first_panel, int first_waterline) {
         const std::vector<Image> images = images_of(p);
@@ -91,7 +94,10 @@ class Body {
     Vector3 normal(int J) const {
         return {image_.sx * d(p.TRM(3, 1, J)), image_.sy * d(p.TRM(3, 2, J)), d(p.TRM(3, 3, J))};
     }
+    // Along the surface from the potentials where they have a gradient, else of the sources.
     Complex3 velocity(int J) const {
+        if (gradient_.has(J))
+            return plus(gradient_.along(J, at_, s.phi.view(), nu), times(s.vn(J, at_), normal(J)));
         return {s.velocity(1, J, at_), s.velocity(2, J, at_), s.velocity(3, J, at_)};
     }
     void add(int term, double value, const Vector3 &r, const Vector3 &N) {
@@ -166,6 +172,7 @@ class Body {
     RigidMotion m;
     MeanRotation H;
     const HullState &s;
+    const SurfaceGradient &gradient_;
     Image image_{1, 1, true};
     int at_ = 1;
     Complex3 F1_{}, M1_{}; // first-order pressure force on the hull at rest
@@ -201,6 +208,7 @@ bool form_near_drift(const P2fFile &p2f, int t, Motions xi, std::vector<std::vec
     if (!error.empty())
         return false;
     const PanelKinds kinds(p2f);
+    const SurfaceGradient gradient(p2f, kinds);
     drift.assign(static_cast<std::size_t>(p2f.NBETA), {});
     for (int b = 1; b <= p2f.NBETA; ++b) {
         HullState state;
@@ -208,7 +216,7 @@ bool form_near_drift(const P2fFile &p2f, int t, Motions xi, std::vector<std::vec
             return false;
         int panels = 0, sides = 0;
         for (int body = 1; body <= p2f.NBODY; ++body) {
-            Body one(p2f, t, body, rigid_motion(p2f, body, b, xi), state);
+            Body one(p2f, t, body, rigid_motion(p2f, body, b, xi), state, gradient);
             drift[static_cast<std::size_t>(b - 1)].push_back(one.drift(kinds, panels, sides));
             panels += p2f.NEQNB(body);
             sides += p2f.NWLB(body);
