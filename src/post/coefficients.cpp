@@ -1,5 +1,8 @@
 #include "post/coefficients.hpp"
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
 
 using c64 = std::complex<double>;
@@ -30,17 +33,6 @@ c64 pressure_integral(const P2fFile &p2f, int mode, const c32 *potential) {
 }
 
 } // namespace
-
-bool is_rotation(const P2fFile &p2f, int mode) {
-    int first = 0;
-    for (int b = 1; b <= p2f.NBODY; ++b) {
-        const int modes = 6 + p2f.NEWMDS(b);
-        if (mode <= first + modes)
-            return mode - first >= 4 && mode - first <= 6;
-        first += modes;
-    }
-    return false;
-}
 
 bool form_coefficients(const P2fFile &p2f, Coefficients &coefficients) {
     const int modes = p2f.NMODES;

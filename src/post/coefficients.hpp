@@ -1,7 +1,9 @@
 // Added mass, damping and exciting forces from the potentials of a hand-over file.
 #pragma once
 
+#include "post/names.hpp"
 #include "post/p2f_reader.hpp"
+#include "post/table.hpp"
 
 // Non-dimensional: A over rho L^k, B over rho omega L^k, X over rho g L^(k-1) per unit wave amplitude, with L
 // = ULEN(1) and k = 3 plus the number of rotations among the modes concerned (X: k = 3 or 4).
@@ -16,5 +18,8 @@ struct Coefficients {
 // of modes that were not solved, are 0. False when memory is refused.
 [[nodiscard]] bool form_coefficients(const P2fFile &p2f, Coefficients &coefficients);
 
-// True for a rotation among the six rigid modes of a body; extra modes count as translations.
-bool is_rotation(const P2fFile &p2f, int mode);
+// Table "radiation": A and B of all pairs of solved modes, all periods. What is below 1e-6 of the largest
+// value of its unit at its period is round-off and stands as 0. Dimensional where the scales are.
+Table radiation_table(const P2fFile &p2f, const Scales &scales, const Coefficients &coefficients);
+// Table "exciting": X of all solved modes, headings and periods, likewise.
+Table exciting_table(const P2fFile &p2f, const Scales &scales, const Coefficients &coefficients);

@@ -25,7 +25,9 @@ struct P2fFile {
     Array<int, 1> MODLST, MODPOS;
     Array<int, 2> MODCLS;
     Array<f32, 2> XCT, PMOM, VEL;
-    Array<f32, 3> XVER;         // (4,3,NEQN)
+    Array<f32, 3> XVER; // (4,3,NEQN)
+    Array<f32, 2> XIV, ETV, SIDE, GJAC, PSIZ;
+    Array<f32, 3> TRM, XGP;     // (3,3,NEQN), (4,3,NEQN)
     Array<int, 1> IDIP;         // (NEQN), empty without dipole panels
     Array<f32, 1> DPORA, DPORB; // likewise
     Array<f32, 2> VOL, XCB, CHYD;

@@ -49,6 +49,9 @@ void write_report_row(RunState &run, int period, int thread_number, const Period
                             report_counts(run.opt.ISOR == 1, counts);
     run.HDRSCR.push_back(row);
     list_line(row);
+    const auto last_step = [](const int(&n)[2]) { return std::max(n[0], n[1]) >= MAXIT - 1; };
+    if (last_step(counts.potentials) || last_step(counts.sources))
+        run.HDRSCR.push_back("        No convergence: a solution stopped at the last iteration allowed");
 }
 
 bool is_finite(c32 v) {

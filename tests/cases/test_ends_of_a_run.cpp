@@ -166,11 +166,16 @@ TEST(Tools, RefuseWhatIsNoHandOverFile) {
     folder.solve();
     EXPECT_EQ(folder.shell("vorda-p2f info run.p2f"), 0);
     EXPECT_NE(folder.read("stdout.txt").find("Bodies 1, panels 9"), std::string::npos);
-    EXPECT_EQ(folder.shell("vorda-p2f coef --csv --density 1025 run.p2f"), 0);
-    EXPECT_NE(folder.read("stdout.txt").find("radiation,"), std::string::npos);
+    EXPECT_EQ(folder.shell("vorda-p2f coef --csv radiation --density 1025 run.p2f >table.csv"), 0);
+    folder.write("look.py", "import csv, sys\n"
+                            "rows = list(csv.reader(open(sys.argv[1])))\n"
+                            "assert rows[0][9] == 'damping [kg m^k/s]' and len(rows) == 37\n"
+                            "assert all(len(row) == len(rows[0]) for row in rows)\n"
+                            "assert all(float(row[8]) >= 0 for row in rows[1:] if row[4] == row[6])\n");
+    EXPECT_EQ(folder.shell("python3 look.py table.csv"), 0) << folder.read("stderr.txt");
     folder.write("short.p2f", folder.read("run.p2f").substr(0, 3000));
     EXPECT_EQ(folder.shell("vorda-p2f info short.p2f"), 1);
-    EXPECT_NE(folder.read("stderr.txt").find("short.p2f: record"), std::string::npos);
+    EXPECT_NE(folder.read("stderr.txt").find("short.p2f: it is too short"), std::string::npos);
     EXPECT_EQ(folder.shell("vorda-p2f info run.gdf"), 1);
     EXPECT_NE(folder.read("stderr.txt").find("no hand-over file"), std::string::npos);
     EXPECT_EQ(folder.shell("vorda-p2f info none.p2f"), 1);

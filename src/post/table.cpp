@@ -1,0 +1,122 @@
+#include "post/table.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+std::string printed(const char *format, int digits, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, digits, value);
+    return text;
+}
+
+std::string not_finite(double value) {
+    return std::isnan(value) ? "-" : value > 0 ? "inf" : "-inf";
+}
+
+std::string shown(const Cell &cell, const Column &column) {
+    if (const auto *word = std::get_if<std::string>(&cell))
+        return *word;
+    const double value = std::get<double>(cell) + 0.0; // no -0
+    if (!std::isfinite(value))
+        return not_finite(value);
+    switch (column.look) {
+    case Look::count:
+        return printed("%.*f", 0, value);
+    case Look::fixed:
+        return printed("%.*f", column.decimals, value);
+    case Look::scientific:
+        break;
+    }
+    return printed("%.*E", 6, value);
+}
+
+bool all_zero(const std::vector<Cell> &row, const std::vector<Column> &columns) {
+    for (std::size_t k = 0; k < columns.size(); ++k)
+        if (columns[k].look == Look::scientific && row[k] != Cell(0.0))
+            return false;
+    return true;
+}
+
+std::string quoted(const std::string &word) {
+    if (word.find_first_of(",\"\n") == std::string::npos)
+        return word;
+    std::string text = "\"";
+    for (char c : word)
+        text += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return text + '"';
+}
+
+std::string exact(const Cell &cell) {
+    if (const auto *word = std::get_if<std::string>(&cell))
+        return quoted(*word);
+    const double value = std::get<double>(cell) + 0.0;
+    if (std::isnan(value))
+        return "";
+    return std::isinf(value) ? not_finite(value) : printed("%.*g", 9, value);
+}
+
+} // namespace
+
+void print_table(std::FILE *out, const Table &table) {
+    const std::size_t n = table.columns.size();
+    std::vector<std::vector<std::string>> lines(2);
+    bool units = false;
+    for (const Column &column : table.columns) {
+        lines[0].push_back(column.name);
+        lines[1].push_back(column.unit.empty() ? "" : "[" + column.unit + "]");
+        units = units || !column.unit.empty();
+    }
+    if (!units)
+        lines.pop_back();
+    const std::size_t head = lines.size();
+    bool left_out = false;
+    for (const auto &row : table.rows) {
+        if (table.leave_out_zeros && all_zero(row, table.columns)) {
+            left_out = true;
+            continue;
+        }
+        lines.emplace_back();
+        for (std::size_t k = 0; k < n; ++k)
+            lines.back().push_back(shown(row[k], table.columns[k]));
+    }
+    std::vector<std::size_t> width(n, 0);
+    std::vector<bool> words(n, false);
+    for (const auto &line : lines)
+        for (std::size_t k = 0; k < n; ++k)
+            width[k] = std::max(width[k], line[k].size());
+    for (std::size_t k = 0; k < n && !table.rows.empty(); ++k)
+        words[k] = std::holds_alternative<std::string>(table.rows.front()[k]);
+    std::fprintf(out, "%s\n", table.title.c_str());
+    for (std::size_t l = 0; l < lines.size(); ++l) {
+        std::string text;
+        for (std::size_t k = 0; k < n; ++k) {
+            const std::string &cell = lines[l][k];
+            const std::string blanks(width[k] - cell.size(), ' ');
+            text += "  " + (words[k] ? cell + blanks : blanks + cell);
+        }
+        text.erase(text.find_last_not_of(' ') + 1);
+        std::fprintf(out, "%s\n", text.c_str());
+        if (l + 1 == head && lines.size() == head)
+            std::fprintf(out, "  (none)\n");
+    }
+    if (left_out)
+        std::fprintf(out, "Rows of zeros are left out.\n");
+    for (const std::string &note : table.notes)
+        std::fprintf(out, "%s\n", note.c_str());
+}
+
+void print_csv(std::FILE *out, const Table &table) {
+    for (std::size_t k = 0; k < table.columns.size(); ++k) {
+        const Column &column = table.columns[k];
+        const std::string name = column.unit.empty() ? column.name : column.name + " [" + column.unit + "]";
+        std::fprintf(out, "%s%s", k == 0 ? "" : ",", quoted(name).c_str());
+    }
+    std::fprintf(out, "\n");
+    for (const auto &row : table.rows) {
+        for (std::size_t k = 0; k < row.size(); ++k)
+            std::fprintf(out, "%s%s", k == 0 ? "" : ",", exact(row[k]).c_str());
+        std::fprintf(out, "\n");
+    }
+}

@@ -1,0 +1,52 @@
+#include "command.hpp"
+
+#include "../support/arguments.hpp"
+
+#include <algorithm>
+#include <cstdio>
+
+std::shared_ptr<TableRequest> add_table_options(CLI::App &app, const std::vector<std::string> &names) {
+    auto request = std::make_shared<TableRequest>();
+    if (names.size() > 1)
+        app.add_option("--csv", request->wanted,
+                       "this table as comma-separated values: " + CLI::detail::join(names, ", "))
+            ->check(CLI::IsMember(names))
+            ->each([request](const std::string &) { request->csv = true; });
+    else
+        app.add_flag_callback(
+            "--csv", [request] { request->csv = true; }, "comma-separated values instead of a table");
+    return request;
+}
+
+int show_tables(const TableRequest &request, const std::vector<Table> &tables) {
+    if (!request.csv) {
+        for (std::size_t k = 0; k < tables.size(); ++k) {
+            std::printf("%s", k == 0 ? "" : "\n");
+            print_table(stdout, tables[k]);
+        }
+    } else {
+        const auto wanted = std::find_if(tables.begin(), tables.end(), [&](const Table &table) {
+            return request.wanted.empty() || table.name == request.wanted;
+        });
+        if (wanted == tables.end())
+            return refuse("the file has no data for the table " + request.wanted);
+        print_csv(stdout, *wanted);
+    }
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? 0 : refuse("the output cannot be written");
+}
+
+std::shared_ptr<double> add_density(CLI::App &app, bool needed) {
+    auto density = std::make_shared<double>(needed ? 1025 : 0);
+    CLI::Option *option = app.add_option("--density", *density,
+                                         needed ? "density of the water, kg/m^3"
+                                                : "density of the water, kg/m^3; makes values dimensional");
+    option->check(positive_number());
+    if (!needed)
+        option->default_str("");
+    return density;
+}
+
+int refuse(const std::string &reason) {
+    std::fprintf(stderr, "vorda-p2f: %s\n", reason.c_str());
+    return 1;
+}

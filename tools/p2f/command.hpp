@@ -1,0 +1,40 @@
+// The subcommands of vorda-p2f: each adds its options and returns what it does with a file.
+#pragma once
+
+#include "post/p2f_reader.hpp"
+#include "post/table.hpp"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+// Shows the file as the options ask; the exit code, 0 when all went well (else standard error tells).
+using Show = std::function<int(const P2fFile &)>;
+
+struct Command {
+    const char *name, *what;
+    Show (*set_up)(CLI::App &);
+};
+
+Show set_up_info(CLI::App &app);
+Show set_up_coef(CLI::App &app);
+
+// What a command with tables is asked for.
+struct TableRequest {
+    bool csv = false;
+    std::string wanted; // name of the table for --csv; empty: the only one
+};
+
+// Adds --csv, with a name where the command has more tables than one.
+std::shared_ptr<TableRequest> add_table_options(CLI::App &app, const std::vector<std::string> &names);
+
+// Prints all tables for people, or the wanted one as comma-separated values.
+int show_tables(const TableRequest &request, const std::vector<Table> &tables);
+
+// Adds --density. With `needed` it defaults to 1025, else to 0, which leaves values non-dimensional.
+std::shared_ptr<double> add_density(CLI::App &app, bool needed);
+
+// "vorda-p2f: reason" on standard error; 1.
+int refuse(const std::string &reason);
