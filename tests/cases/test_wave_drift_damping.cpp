@@ -133,30 +133,4 @@ TEST(DriftDamping, VelocitiesMeetTheHull) {
     }
 }
 
-// What the free-surface panels cannot be made from or read from, and input that cannot be, ends the run.
-TEST(DriftDamping, BadInputIsTold) {
-    const struct {
-        const char *HBOT, *mesh, *fdf, *message;
-    } rows[] = {
-        {"0.09", "", "", "Error return in HGRN98: depth HBOT is illegal "},
-        {"0.0", "", "t\n6\n2 0\n0\n1 2 2 1 1 1 0 0\n", "Unable to read free-surface panel I=2"},
-        {"0.0", " --offset 0 0 -1", "", "Unable to open or create FDF file"},
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.message);
-        CaseFolder folder;
-        Pot pot = drift_pot();
-        pot.HBOT = row.HBOT;
-        prepare_drift(
-            folder, pot,
-            std::string("box --length 2 --beam 1 --draft 0.05 --nu 3 --nv 1 --nw 2 --part quarter") +
-                row.mesh);
-        if (*row.fdf != 0)
-            folder.write("run.fdf", row.fdf);
-        folder.solve();
-        EXPECT_NE(folder.list().find(row.message), std::string::npos) << folder.list();
-        EXPECT_FALSE(folder.exists("run.p2f"));
-    }
-}
-
 } // namespace

@@ -113,13 +113,6 @@ TEST(Generated, rings_are_as_many_as_the_area_asks_for) {
     }
 }
 
-TEST(Generated, a_small_contour_gets_one_ring) {
-    const RunFolder folder;
-    Body body({{{{-0.5, -0.5}, {0, 0.5}, {0.5, -0.5}}}}, 1);
-    ASSERT_EQ(body.generate(1), Status::ok);
-    EXPECT_EQ(body.run.mesh.NEQN, 6);
-}
-
 TEST(Generated, two_bodies_keep_their_panels_marks_and_files) {
     const RunFolder folder;
     Body body({{{circle(1, 24)}}, {{circle(0.5, 20, 3)}}}, 4, {0, 0.2f});
@@ -150,14 +143,10 @@ TEST(Generated, two_bodies_keep_their_panels_marks_and_files) {
     for (int i = 97; i < 97 + moved; ++i)
         EXPECT_EQ(run.dipoles.IDIP(i), 0);
     EXPECT_GE(run.dipoles.IDIP.dim(1), run.mesh.NEQN);
-    EXPECT_EQ(run.bodies.IPANB1(1), run.bodies.NEQNB(1));
     EXPECT_EQ(run.bodies.IPANB0(2), run.bodies.NEQNB(1) + 1);
-    EXPECT_EQ(run.bodies.IPANB1(2), run.mesh.NEQN);
     EXPECT_EQ(run.bodies.NEQNB(1) + run.bodies.NEQNB(2), run.mesh.NEQN);
-    const Cover one = cover_of(body, {circle(1, 24)}, 100, 1),
-                two = cover_of(body, {circle(0.5, 20, 3)}, 100, 2);
-    EXPECT_NEAR(one.area, one.wanted, AREA);
-    EXPECT_NEAR(two.area, two.wanted, AREA);
+    cover_of(body, {circle(1, 24)}, 100, 1).expect_once(AREA);
+    cover_of(body, {circle(0.5, 20, 3)}, 100, 2).expect_once(AREA);
     EXPECT_EQ(folder.read("run.idf").substr(0, 56),
               " Free surface discretizaton; GDF=body5.gdf           \n 1");
     EXPECT_NE(folder.read("second.idf").find("\n " + std::to_string(run.bodies.NEQNB(2)) + " 1\n"),

@@ -166,15 +166,10 @@ TEST(Fgruio, Messages) {
         f32 X, Z, ZETA, H;
         const char *message;
     } ROWS[] = {
-        {2e8f, 0, 0, 1, "X to big in FGRUIO"},
-        {-1, 0, 0, 1, "X negative in FGRUIO"},
-        {1, -0.1f, 0, 1, "X3 negative in FGRUIO"},
-        {1, 0, -0.1f, 1, "X6 negative in FGRUIO"},
-        {1, 0, 0, 2e8f, "H too big in FGRUIO"},
-        {1, 0, 0, 1e-9f, "H too small in FGRUIO"},
-        {1, 1.1f, 0, 1, "X3 > H in FGRUIO"},
-        {1, 0, 1.1f, 1, "X6 > H in FGRUIO"},
-        {4e-9f, 3e-9f, 0, 1, "X+X3X6 too small in FGRUIO"},
+        {2e8f, 0, 0, 1, "X to big in FGRUIO"},     {-1, 0, 0, 1, "X negative in FGRUIO"},
+        {1, -0.1f, 0, 1, "X3 negative in FGRUIO"}, {1, 0, 0, 2e8f, "H too big in FGRUIO"},
+        {1, 0, 0, 1e-9f, "H too small in FGRUIO"}, {1, 1.1f, 0, 1, "X3 > H in FGRUIO"},
+        {1, 0, 1.1f, 1, "X6 > H in FGRUIO"},       {4e-9f, 3e-9f, 0, 1, "X+X3X6 too small in FGRUIO"},
     };
     DepthResults results(1);
     DepthWork work;

@@ -220,13 +220,9 @@ TEST(CommonSymmetry, is_kept_where_all_bodies_have_it) {
         EXPECT_EQ(in.run.mesh.NEQN, row.panels);
         EXPECT_EQ(in.run.opt.ISX, row.ISX);
         EXPECT_EQ(in.run.opt.ISY, row.ISY);
-        const Bodies &b = in.run.bodies;
-        EXPECT_EQ(b.IPANB0(1), 1);
-        EXPECT_EQ(b.IPANB1(1), b.NEQNB(1));
-        EXPECT_EQ(b.IPANB0(2), b.NEQNB(1) + 1);
-        EXPECT_EQ(b.IPANB1(2), row.panels);
-        EXPECT_EQ(in.run.opt.IBDT3, 1);
-        EXPECT_EQ(b.FSDMP(2), 0.2f);
+        EXPECT_EQ(in.run.bodies.IPANB0(2), in.run.bodies.NEQNB(1) + 1);
+        EXPECT_EQ(in.run.bodies.IPANB1(2), row.panels);
+        EXPECT_EQ(in.run.bodies.FSDMP(2), 0.2f);
         EXPECT_EQ(in.run.waterline.NWL, row.panels / 2);
     }
 }
@@ -291,25 +287,6 @@ TEST(ProjectedPanels, are_made_before_the_images) {
                 EXPECT_NEAR(centre(in.run.mesh, p)[2] + in.run.bodies.XBODY(3, 1), 0, 1e-7);
             }
         }
-    }
-}
-
-TEST(ProjectedPanels, of_several_bodies_follow_each_other) {
-    InputFiles files = good_bodies();
-    files["box.pot"] = with_line(GOOD_POT, 4, " 2");
-    for (const char *symmetry : {" 0 0", " 1 0"}) {
-        files["a.gdf"] = files["b.gdf"] = with_line(GOOD_GDF, 3, symmetry);
-        files["box.gdf"] = with_line(GOOD_GLOBAL, 9, " 9 -10 -1 0");
-        const SoundRun in(files);
-        const int each = std::string(symmetry) == " 1 0" ? 6 : 3;
-        ASSERT_EQ(in.run.mesh.NEQN, 2 * each);
-        for (int p = 1; p <= 2 * each; ++p) {
-            EXPECT_EQ(in.run.mesh.projected(p), p % 3 == 0 ? 1 : 0) << p;
-            if (p % 3 == 0) {
-                EXPECT_EQ(in.run.mesh.XVER(1, 3, p), p > each ? 0.5f : 0.0f) << p;
-            }
-        }
-        EXPECT_EQ(in.run.waterline.NWL, each / 3) << "body 2 lies below the surface";
     }
 }
 

@@ -66,6 +66,17 @@ void make(const Problem &row, RunState &run) {
                 periods.SINBET.alloc(HEADINGS) && periods.COSBET.alloc(HEADINGS) && sym.MODLST.alloc(12) &&
                 sym.MODCLS.alloc(12, 4) && sym.MODPOS.alloc(12) && run.waterline.IWLP.alloc(3) &&
                 run.waterline.IWLE.alloc(3) && run.strips.IRRP.alloc(5));
+    // What the reader holds to its range: two classes of two modes and one.
+    run.opt.GRAV = 9.80665f;
+    bodies.ULEN.fill(1);
+    sym.NSYMG = 1;
+    sym.NCLS = CLASSES;
+    const int mode[MODES] = {1, 3, 2}, of_class[MODES] = {1, 1, 2};
+    for (int k = 0; k < MODES; ++k) {
+        sym.ICLS[of_class[k]] = of_class[k];
+        sym.MODCLS(++sym.NMCLS[of_class[k]], of_class[k]) = sym.MODLST(k + 1) = mode[k];
+        sym.MODPOS(mode[k]) = k + 1;
+    }
     bodies.NEQNB.fill(2);
     bodies.ULEN.fill(1);
     run.opt.GRAV = 9.81f;

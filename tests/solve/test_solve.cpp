@@ -152,25 +152,6 @@ struct SmallSystem : PeriodSystem {
     }
 };
 
-TEST(Solve, SmallSystemsOfClosedForm) {
-    const RunFolder folder;
-    for (const Method &method : METHODS) {
-        if (method.ISOLVE > 1)
-            continue;
-        SCOPED_TRACE(method.name);
-        for (const f32 right : {4.0f, 0.0f}) { // nothing on the right: nothing comes out, after one sweep
-            SmallSystem one(1);
-            one.thread.ACORE(1, 1, 1) = {0, 2};
-            one.thread.PHIR(1, 1) = right;
-            Attempt attempt;
-            ASSERT_EQ(attempt.run(one, method, {1, -1, 1}), Status::ok);
-            EXPECT_LT(std::abs(attempt.thread.PHIR(1, 1) - c32(0, -right / 2)), 1e-6);
-            EXPECT_EQ(attempt.ITER[0], method.ISOLVE == 1 ? -1 : 1);
-            EXPECT_EQ(attempt.ITER[1], 0);
-        }
-    }
-}
-
 // One above the diagonal: each sweep moves the residual by one row, so that all residuals are orthonormal and
 // the best combination of the first 36 is their mean, of norm 1/6.
 TEST(Solve, WhatDoesNotConvergeSaysSoAndGoesOn) {

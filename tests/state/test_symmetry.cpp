@@ -11,11 +11,6 @@ namespace {
 constexpr int MODE_X[7] = {0, -1, 1, 1, 1, -1, -1};
 constexpr int MODE_Y[7] = {0, 1, -1, 1, -1, 1, -1};
 
-struct Plane {
-    int ISX;
-    int ISY;
-};
-
 void expect_classes(int ISX, int ISY) {
     SCOPED_TRACE(testing::Message() << ISX << " " << ISY);
     Array<int, 1> MODE;
@@ -68,49 +63,6 @@ TEST(Symmetry, ClassesHoldWhatTheirParityTells) {
     for (const int ISX : {-1, 0, 1})
         for (const int ISY : {-1, 0, 1})
             expect_classes(ISX, ISY);
-}
-
-// A derivative by x turns the parity in x over, one by y that in y, and the angular one both.
-TEST(Symmetry, SlowMotionsMoveClassesAsDerivativesDo) {
-    Array<int, 1> MODE;
-    ASSERT_TRUE(MODE.alloc(6));
-    for (const int m : {1, 2, 3, 4, 6}) // pitch is off
-        MODE(m) = m;
-    for (const auto &[ISX, ISY] : {Plane{0, 0}, Plane{0, 1}, Plane{1, 0}, Plane{1, 1}}) {
-        Symmetry sym;
-        ASSERT_EQ(SYMSET(6, ISX, ISY, MODE, 1, sym), Status::ok);
-        ASSERT_EQ(WDDCLS(6, ISX, ISY, sym), Status::ok);
-        ASSERT_EQ(WDDLFM(6, ISX, ISY, sym), Status::ok);
-        const struct {
-            const int *W, *N;
-            const Array<int, 2> &M;
-            bool turns_x, turns_y;
-        } maps[] = {{sym.WCLS1, sym.NMCLS1, sym.MODCLS1, true, false},
-                    {sym.WCLS2, sym.NMCLS2, sym.MODCLS2, false, true},
-                    {sym.WCLS3, sym.NMCLS3, sym.MODCLS3, true, true}};
-        for (const auto &map : maps) {
-            for (int k = 1; k <= sym.NSYMR; ++k) {
-                const int *from = SGN[sym.ICLS[k]], *to = SGN[sym.ICLS[map.W[k]]];
-                EXPECT_TRUE(ISX == 0 || to[2] == (map.turns_x ? -1 : 1) * from[2]);
-                EXPECT_TRUE(ISY == 0 || to[4] == (map.turns_y ? -1 : 1) * from[4]);
-                ASSERT_EQ(map.N[map.W[k]], sym.NMCLS[k]);
-                for (int i = 1; i <= sym.NMCLS[k]; ++i)
-                    EXPECT_EQ(map.M(i, map.W[k]), sym.MODCLS(i, k));
-            }
-        }
-        std::vector<int> flows;
-        for (int k = 1; k <= sym.NSYMR; ++k) {
-            const int *sign = SGN[sym.ICLS[k]];
-            for (int i = 1; i <= sym.WMODC[k]; ++i) {
-                const int mode = sym.WMODM(i, k);
-                flows.push_back(sym.WMODP(mode));
-                EXPECT_TRUE(ISX == 0 || sign[2] == MODE_X[mode]) << mode;
-                EXPECT_TRUE(ISY == 0 || sign[4] == MODE_Y[mode]) << mode;
-            }
-        }
-        std::sort(flows.begin(), flows.end());
-        EXPECT_EQ(flows, (std::vector<int>{1, 2, 3}));
-    }
 }
 
 TEST(Symmetry, ClassesWithoutAWantedModeGo) {
