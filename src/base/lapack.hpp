@@ -19,6 +19,11 @@ void claswp_(const int *n, c32 *a, const int *lda, const int *k1, const int *k2,
 void ctrsm_(const char *side, const char *uplo, const char *trans, const char *diag, const int *m,
             const int *n, const c32 *alpha, const c32 *a, const int *lda, c32 *b, const int *ldb, std::size_t,
             std::size_t, std::size_t, std::size_t);
+// Least squares of an m x n system with weighted rows by orthogonal factors, of least norm where the columns
+// are dependent to within rcond; the solution of nrhs right-hand sides takes their place (ldb >= m, n).
+void dgelsy_(const int *m, const int *n, const int *nrhs, double *a, const int *lda, double *b,
+             const int *ldb, int *jpvt, const double *rcond, int *rank, double *work, const int *lwork,
+             int *info);
 // C := alpha A B + beta C.
 void cgemm_(const char *trans_a, const char *trans_b, const int *m, const int *n, const int *k,
             const c32 *alpha, const c32 *a, const int *lda, const c32 *b, const int *ldb, const c32 *beta,

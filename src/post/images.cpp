@@ -1,6 +1,6 @@
 #include "post/images.hpp"
 
-#include "post/coefficients.hpp"
+#include "post/names.hpp"
 
 #include <cmath>
 

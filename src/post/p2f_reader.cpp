@@ -2,8 +2,10 @@
 
 #include "base/record_file.hpp"
 #include "base/text.hpp"
+#include "post/p2f_checks.hpp"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace {
 
@@ -19,7 +21,7 @@ template <class T, int R> Target into(Array<T, R> &array) {
 // Reads the parts of the file in order; the first fault ends it.
 class Reader {
   public:
-    Reader(P2fFile &p2f, RecordFile &file) : p(p2f), file_(file) {}
+    Reader(P2fFile &p2f, RecordFile &file, std::int64_t length) : p(p2f), file_(file), length_(length) {}
     std::string fault;
 
     bool head() {
@@ -36,7 +38,7 @@ class Reader {
                     {into(p.NSYMG), {images, 8 * sizeof(int)}, into(p.NCLS), into(p.NSYMR), list(p.ICLS)}) &&
                next("class lists", {into(p.NDCLS), list(p.IDCLS), list(p.NMCLS)}) &&
                next("options", {into(p.ISOR), into(p.IQUAD), into(p.ILOG), into(p.IDIAG), into(p.IDIPOL)}) &&
-               next("gravity and depth", {into(p.GRAV), into(p.HBOT)}) && check_sizes();
+               next("gravity and depth", {into(p.GRAV), into(p.HBOT)}) && sound(wrong_head(p, length_));
     }
 
     bool arrays() {
@@ -67,7 +69,7 @@ class Reader {
             next("PMOM", {into(p.PMOM)}) && next("SIDE", {into(p.SIDE)}) && next("XGP", {into(p.XGP)}) &&
             next("GJAC", {into(p.GJAC)}) && skip("RXNG", 12 * n) && next("VEL", {into(p.VEL)}) &&
             next("volumes", {into(volumes), into(p.CHYD)}) && next("PSIZ", {into(p.PSIZ)});
-        if (!good)
+        if (!good || !sound(wrong_bodies(p)))
             return false;
         for (int b = 1; b <= p.NBODY; ++b) {
             for (int c = 1; c <= 3; ++c) {
@@ -97,7 +99,7 @@ class Reader {
             good = p.IDIP.alloc(p.NEQN) && p.DPORA.alloc(p.NEQN) && p.DPORB.alloc(p.NEQN) &&
                    next("IDIP", {into(p.IDIP)}) && next("DPORA", {into(p.DPORA)}) &&
                    next("DPORB", {into(p.DPORB)});
-        return good;
+        return good && sound(wrong_lists(p));
     }
 
     bool text_block() {
@@ -195,7 +197,7 @@ class Reader {
         if (!next("NWL", {into(NWL)}))
             return false;
         if (NWL < 0 || NWL > p.NEQN)
-            return refuse("its sizes make no sense");
+            return refuse("record NWL holds " + std::to_string(NWL) + ", not 0 to NEQN");
         return p.IWLP.alloc(NWL) && p.IWLE.alloc(NWL) && next("IWLP", {into(p.IWLP)}) &&
                next("IWLE", {into(p.IWLE)});
     }
@@ -220,11 +222,8 @@ class Reader {
         return next(what, {{part.data(), static_cast<std::size_t>(part.size()) * sizeof(c32)}});
     }
 
-    bool check_sizes() {
-        const bool good = p.NEQN > 0 && p.NBODY > 0 && p.NSYMD >= 0 && p.NMODES >= 6 && p.NPER >= 0 &&
-                          p.NBETA >= 0 && p.NSYMR >= 0 && p.NSYMR <= 4 && p.NFSP >= 0 && p.NSYMD <= p.NMODES;
-        return good || refuse("its sizes make no sense");
-    }
+    // Passes on what a check found.
+    bool sound(const std::string &wrong) { return wrong.empty() || refuse(wrong); }
 
     bool next(const char *what, std::initializer_list<Target> parts) {
         return file_.read(parts) ||
@@ -243,6 +242,7 @@ class Reader {
 
     P2fFile &p;
     RecordFile &file_;
+    std::int64_t length_; // of the file [bytes]
 };
 
 } // namespace
@@ -257,7 +257,9 @@ bool read_p2f(const std::string &name, P2fFile &p2f, std::string &error) {
         error = name + " is no hand-over file: its first record is not the format version";
         return false;
     }
-    Reader reader(p2f, file);
+    std::error_code none;
+    const std::uintmax_t length = std::filesystem::file_size(name, none);
+    Reader reader(p2f, file, none ? 0 : static_cast<std::int64_t>(length));
     if (reader.head() && reader.arrays() && reader.options() && reader.text_block() && reader.periods())
         return true;
     error = name + ": " + reader.fault;

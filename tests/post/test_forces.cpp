@@ -81,7 +81,7 @@ double integral(double k, double a) {
     return k == 0 ? 2 * a : 2 * std::sin(k * a) / k;
 }
 
-TEST(FroudeKrylov, ForceOnABoxIsThatOfItsClosedForm) {
+TEST(FroudeKrylov, ABoxHasItsClosedForm) {
     Pot pot;
     pot.IQUAD = 1;
     pot.PER = "1.3";
