@@ -80,6 +80,16 @@ TEST(CaseFileReader, KeysStandInTheDocument) {
                                                              << case_key_rows();
 }
 
+TEST(CaseFileReader, ReadsTheExampleOfTheDocument) {
+    std::ifstream in(VORDA_SOURCE_DIR "/docs/case.md");
+    const std::string text{std::istreambuf_iterator<char>(in), {}};
+    const std::size_t begin = text.find("```toml\n") + 8;
+    std::string error;
+    const CaseFile file = hemisphere().read(text.substr(begin, text.find("```", begin) - begin), error);
+    EXPECT_EQ(error, "");
+    EXPECT_EQ(file.springs.size() + file.points.size() + file.spectra.size(), 3u);
+}
+
 TEST(Systems, WithoutASolutionNameTheMode) {
     const PostRun &run = hemisphere();
     std::string error;
