@@ -212,7 +212,7 @@ bool form_near_drift(const P2fFile &p2f, int t, Motions xi, std::vector<std::vec
     drift.assign(static_cast<std::size_t>(p2f.NBETA), {});
     for (int b = 1; b <= p2f.NBETA; ++b) {
         HullState state;
-        if (!form_hull_state(p2f, t, b, xi, Part::total, true, state, error))
+        if (!form_hull_state(p2f, t, b, xi, Part::total, {.velocity = true}, state, error))
             return false;
         int panels = 0, sides = 0;
         for (int body = 1; body <= p2f.NBODY; ++body) {
