@@ -6,7 +6,7 @@ add_library(vorda_support INTERFACE)
 target_link_libraries(vorda_support INTERFACE vorda_run vorda_post GTest::gtest)
 target_include_directories(vorda_support INTERFACE tests/support)
 
-foreach(folder base mesh state input results geometry freesurface rankine green assembly solve boundary post cases)
+foreach(folder base mesh state input results post geometry freesurface rankine green assembly solve boundary cases)
   file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
   add_executable(test_${folder} ${sources})
   target_link_libraries(test_${folder} PRIVATE vorda_support GTest::gtest_main)
@@ -16,11 +16,19 @@ foreach(folder base mesh state input results geometry freesurface rankine green 
   gtest_discover_tests(test_${folder} DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
-add_dependencies(test_cases vorda vorda-mesh vorda-p2f)
-add_dependencies(test_post vorda vorda-mesh)
+foreach(folder post cases)
+  add_dependencies(test_${folder} vorda vorda-mesh vorda-p2f)
+endforeach()
+# Allocations are refused by a library in front of the C library; the sanitizers have their own there.
+if(NOT VORDA_SANITIZE)
+  add_library(refuse_allocation SHARED tests/hooks/refuse_allocation.cpp)
+  add_dependencies(test_cases refuse_allocation)
+  target_compile_definitions(test_cases PRIVATE VORDA_REFUSING="$<TARGET_FILE:refuse_allocation>")
+endif()
 
 add_test(NAME layout.includes_follow_the_links
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_includes ${VORDA_EDGES})
+add_test(NAME layout.messages_are_explained COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_messages)
 add_test(NAME layout.glossary_is_current COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/scripts/glossary --check)
 
 # Each example runs and compares itself with what its README promises.

@@ -178,10 +178,11 @@ void STOPRN(int code) {
         write_message("WARNING: " + warning);
         std::fprintf(stderr, "%svorda: warning: %s\n", clear, warning.c_str());
     }
-    if (list.file != nullptr && !list.first_fault.empty()) {
+    if (!list.first_fault.empty()) {
         const std::string detail = list.first_detail.empty() ? "" : " (" + list.first_detail + ")";
-        std::fprintf(stderr, "%svorda: %s%s, see %s\n", clear, trimmed_front(list.first_fault).c_str(),
-                     detail.c_str(), list.name.c_str());
+        const std::string where = list.file == nullptr ? "" : ", see " + list.name;
+        std::fprintf(stderr, "%svorda: %s%s%s\n", clear, trimmed_front(list.first_fault).c_str(),
+                     detail.c_str(), where.c_str());
     } else if (list.file != nullptr && terminal && !list.results.empty()) {
         std::fprintf(stderr, "%svorda: results in %s, report in %s\n", clear, list.results.c_str(),
                      list.name.c_str());

@@ -43,11 +43,11 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(FreeReader, TheRestOfTheLastLineIsDropped) {
     FreeReader in;
-    in.open_text("f", "title, 1 2 3\n1 2 3\n4\n5 6\n2*7\n8");
+    in.open_text("f", "title, 1 2 3\n1 2 3\n4\n5 6\n2*7\n2*1 3\n8");
     std::string title;
     ASSERT_TRUE(in.line(title, 5));
     EXPECT_EQ(title, "title");
-    int a = 0, b = 0;
+    int a = 0, b = 0, c = 0;
     ASSERT_TRUE(in.read(a));
     EXPECT_EQ(a, 1);
     EXPECT_EQ(in.line_number(), 3);
@@ -55,6 +55,8 @@ TEST(FreeReader, TheRestOfTheLastLineIsDropped) {
     EXPECT_EQ(a * 10 + b, 45);
     ASSERT_TRUE(in.read(a)); // the unused repeat ends with its read
     EXPECT_EQ(a, 7);
+    ASSERT_TRUE(in.read(a, b, c)); // as often as it says
+    EXPECT_EQ(100 * a + 10 * b + c, 113);
     EXPECT_FALSE(in.at_end());
     ASSERT_TRUE(in.read(a));
     EXPECT_EQ(a, 8);

@@ -2,47 +2,17 @@
 #pragma once
 
 #include "post/coefficients.hpp"
+#include "temporary_folder.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <cmath>
+#include <complex>
 #include <sstream>
-#include <string>
-#include <vector>
 
-class CaseFolder {
+class CaseFolder : public TemporaryFolder {
   public:
-    CaseFolder() {
-        std::string pattern = testing::TempDir() + "/vorda_case_XXXXXX";
-        path_ = mkdtemp(pattern.data());
-    }
-    ~CaseFolder() { std::filesystem::remove_all(path_); }
-    CaseFolder(const CaseFolder &) = delete;
-    CaseFolder &operator=(const CaseFolder &) = delete;
-
-    void write(const std::string &name, const std::string &text) const {
-        std::ofstream(path_ / name, std::ios::binary) << text;
-    }
-    std::string read(const std::string &name) const {
-        std::ifstream in(path_ / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    bool exists(const std::string &name) const { return std::filesystem::exists(path_ / name); }
-    std::vector<std::string> files() const {
-        std::vector<std::string> names;
-        for (const auto &entry : std::filesystem::directory_iterator(path_))
-            names.push_back(entry.path().filename().string());
-        std::sort(names.begin(), names.end());
-        return names;
-    }
-    const std::filesystem::path &path() const { return path_; }
-
     // Runs a command in the folder; programs of the build are found by their names. Returns the exit code.
     int shell(const std::string &command) const {
-        const std::string line = "cd '" + path_.string() + "' && PATH='" VORDA_BINARY_DIR "':$PATH && ( " +
+        const std::string line = "cd '" + path().string() + "' && PATH='" VORDA_BINARY_DIR "':$PATH && ( " +
                                  command + " ) </dev/null >stdout.txt 2>stderr.txt";
         const int status = std::system(line.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -62,12 +32,9 @@ class CaseFolder {
     // The results of run.p2f.
     void results(P2fFile &p2f, Coefficients &coefficients, const std::string &name = "run.p2f") const {
         std::string error;
-        ASSERT_TRUE(read_p2f((path_ / name).string(), p2f, error)) << error << list();
+        ASSERT_TRUE(read_p2f((path() / name).string(), p2f, error)) << error << list();
         ASSERT_TRUE(form_coefficients(p2f, coefficients));
     }
-
-  private:
-    std::filesystem::path path_;
 };
 
 // With a file system of a few pages in small/, where files cannot grow. Mounting takes root.
@@ -126,6 +93,14 @@ struct SolvedRun {
     P2fFile p2f;
     Coefficients c;
 };
+// Damping of an axisymmetric body over the energy that its waves carry away (K |X|^2 / 2 in heave, half of it
+// in surge, over the factor of the group velocity), less 1; `taken`: what plates or lids take.
+inline double energy_defect(const SolvedRun &run, int mode, int t, double taken = 0) {
+    const double k = static_cast<double>(run.p2f.WVNH(t)), H = static_cast<double>(run.p2f.HBOT);
+    const double D = H > 0 ? std::tanh(k * H) + k * H / std::pow(std::cosh(k * H), 2) : 1;
+    const double flux = k * std::norm(std::complex<double>(run.c.X(mode, 1, t))) / ((mode == 3 ? 2 : 4) * D);
+    return (static_cast<double>(run.c.B(mode, mode, t)) - taken) / flux - 1;
+}
 // Runs what is prepared in the folder.
 inline SolvedRun solved(const CaseFolder &folder) {
     SolvedRun run;

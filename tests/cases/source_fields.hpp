@@ -177,49 +177,4 @@ inline double tangential_velocity_error(const P2fFile &p2f, double reach,
     return worst;
 }
 
-// Largest difference of the fields of two runs of one body on parts of different size, on the panels of the
-// smaller one; as a fraction of the largest value of the potential, the source or the velocity. Where both
-// coordinates of a point are positive a field is the sum of its classes.
-inline double difference_of_parts(const P2fFile &part, const P2fFile &whole) {
-    const auto values = [](const P2fFile &p2f, int ip, const Field &f) {
-        std::array<c64, 5> sum{};
-        for (int s = 1; s <= (f.radiation ? 1 : p2f.NSYMR); ++s) {
-            const Field g{f.radiation, f.column, s, f.mode, f.t};
-            sum[0] += potential(p2f, ip, g);
-            sum[1] += c64(f.radiation ? p2f.SRCR(ip, f.column, f.t) : p2f.SRCD(ip, f.column, s, f.t));
-            const Vector v = velocity_of_sources(p2f, ip, g);
-            for (std::size_t c = 0; c < 3; ++c)
-                sum[c + 2] += v[c];
-        }
-        return sum;
-    };
-    double worst = 0;
-    for (const Field &f : all_fields(part)) {
-        Field g = f;
-        g.column = f.radiation ? whole.MODPOS(f.mode) : f.column;
-        std::array<double, 3> size{}, error{}; // of potential, source, velocity
-        for (int ip = 1; ip <= part.NEQN && f.s <= 1; ++ip) {
-            const auto away = [&](int jp) {
-                double sum = 0;
-                for (int c = 1; c <= 3; ++c)
-                    sum += std::abs(static_cast<double>(part.XCT(c, ip) - whole.XCT(c, jp))) +
-                           std::abs(static_cast<double>(part.VEL(c, ip) - whole.VEL(c, jp)));
-                return sum;
-            };
-            int same = 1;
-            for (int jp = 2; jp <= whole.NEQN; ++jp)
-                same = away(jp) < away(same) ? jp : same;
-            const auto a = values(part, ip, f), b = values(whole, same, g);
-            for (std::size_t k = 0; k < 5; ++k) {
-                const std::size_t kind = std::min<std::size_t>(k, 2);
-                size[kind] = std::max(size[kind], std::abs(a[k]));
-                error[kind] = std::max(error[kind], std::abs(a[k] - b[k]));
-            }
-        }
-        for (std::size_t kind = 0; kind < 3; ++kind)
-            worst = std::max(worst, size[kind] > 0 ? error[kind] / size[kind] : 0);
-    }
-    return worst;
-}
-
 } // namespace fields

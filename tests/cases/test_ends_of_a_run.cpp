@@ -204,7 +204,7 @@ TEST(Tools, RefuseWhatIsNoHandOverFile) {
     EXPECT_EQ(folder.shell("python3 look.py table.csv"), 0) << folder.read("stderr.txt");
     folder.write("short.p2f", folder.read("run.p2f").substr(0, 3000));
     EXPECT_EQ(folder.shell("vorda-p2f info short.p2f"), 1);
-    EXPECT_NE(folder.read("stderr.txt").find("short.p2f: record"), std::string::npos);
+    EXPECT_NE(folder.read("stderr.txt").find("short.p2f: it is too short"), std::string::npos);
     EXPECT_EQ(folder.shell("vorda-p2f info run.gdf"), 1);
     EXPECT_NE(folder.read("stderr.txt").find("no hand-over file"), std::string::npos);
     EXPECT_EQ(folder.shell("vorda-p2f info none.p2f"), 1);

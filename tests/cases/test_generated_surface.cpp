@@ -1,7 +1,7 @@
 // Runs with a generated free surface. Truth: smoothness through an irregular frequency, where the untreated
 // run fails; the run with the generated file as its geometry; the same body as full and quarter mesh, moved,
 // beside another one.
-#include "case_folder.hpp"
+#include "whole_fields.hpp"
 
 namespace {
 
@@ -21,20 +21,10 @@ void start(const CaseFolder &folder, const std::string &mesh) {
     make_mesh(folder, mesh);
 }
 
-// Largest difference of all coefficients, relative to the largest added mass.
+// Largest difference of potentials, sources and velocities, each over its largest value.
 double difference(const SolvedRun &a, const SolvedRun &b) {
-    double size = 0, worst = 0;
-    for (std::int64_t i = 0; i < a.c.A.size(); ++i)
-        size = std::max(size, std::abs(static_cast<double>(a.c.A.data()[i])));
-    const auto compare = [&](const auto &x, const auto &y) {
-        ASSERT_EQ(x.size(), y.size());
-        for (std::int64_t i = 0; i < x.size(); ++i)
-            worst = std::max(worst, static_cast<double>(std::abs(x.data()[i] - y.data()[i])) / size);
-    };
-    compare(a.c.A, b.c.A);
-    compare(a.c.B, b.c.B);
-    compare(a.c.X, b.c.X);
-    return worst;
+    const auto [largest, rms] = whole_fields::difference(a, b);
+    return *std::max_element(std::begin(largest), std::end(largest));
 }
 
 // The first irregular frequency of the heaving cylinder, radius a = 1 and draft 0.5: K = k / tanh(0.5 k) with

@@ -38,14 +38,6 @@ TEST(Hemisphere, AgreesWithPublishedValuesAndConverges) {
     }
 }
 
-// Damping over the energy flux of the radiated waves, less 1. Axisymmetric: heave K |X|^2 / 2, surge K |X|^2
-// / 4.
-double energy_defect(const SolvedRun &run, int mode, int t) {
-    const double flux = static_cast<double>(run.p2f.WVNH(t)) *
-                        std::norm(std::complex<double>(run.c.X(mode, 1, t))) / (mode == 3 ? 2 : 4);
-    return static_cast<double>(run.c.B(mode, mode, t)) / flux - 1;
-}
-
 TEST(Hemisphere, DampingIsTheEnergyOfTheRadiatedWaves) {
     // Surge at Ka = 4 stands beside the first irregular frequency of its class (about 3.9), where only the
     // mesh helps.

@@ -11,6 +11,7 @@
 namespace {
 
 using c64 = std::complex<double>;
+using panel_lists::made, panel_lists::gdf, panel_lists::solve_gdf;
 
 Pot waves(const std::string &PER, const std::string &depth = "0") {
     Pot pot;
@@ -144,17 +145,14 @@ TEST(Disc, IsCloseToAThinSolid) {
         EXPECT_NEAR(A33(disc, t) / A33(solid, t), 1, 0.05);
 }
 
-// Damping of an axisymmetric mode over the energy of the waves, less what porous plates take, less 1.
-double energy_defect(const SolvedRun &run, int mode, int t, double DPORB = 0) {
-    const double k = static_cast<double>(run.p2f.WVNH(t)), H = static_cast<double>(run.p2f.HBOT);
-    const double D = H > 0 ? std::tanh(k * H) + k * H / std::pow(std::cosh(k * H), 2) : 1;
-    double taken = 0;
-    const int images = run.p2f.NSYMG;
+// What porous plates take out of the motion in a mode.
+double taken(const SolvedRun &run, int mode, int t, double DPORB) {
+    double sum = 0;
     for (int ip = 1; ip <= run.p2f.NEQN; ++ip)
-        taken += images * k * DPORB * static_cast<double>(run.p2f.PMOM(1, ip)) *
-                 std::norm(c64(run.p2f.PHIR(ip, run.p2f.MODPOS(mode), t)));
-    const double flux = k * std::norm(c64(run.c.X(mode, 1, t))) / (2 * D);
-    return (static_cast<double>(run.c.B(mode, mode, t)) - taken) / flux - 1;
+        sum += run.p2f.NSYMG * static_cast<double>(run.p2f.WVNH(t)) * DPORB *
+               static_cast<double>(run.p2f.PMOM(1, ip)) *
+               std::norm(c64(run.p2f.PHIR(ip, run.p2f.MODPOS(mode), t)));
+    return sum;
 }
 
 TEST(Disc, DampingIsTheEnergyOfTheRadiatedWaves) {
@@ -184,7 +182,7 @@ TEST(Disc, PorosityTakesOutItsShareOfTheEnergy) {
         const SolvedRun porous = solve_mesh("disc --depth 0.5 --nu 4 --nw 6 --dporb 0.4", pot);
         for (int t = 1; t <= 2; ++t) {
             EXPECT_LT(std::abs(energy_defect(reactive, 3, t)), 0.001);
-            EXPECT_LT(std::abs(energy_defect(porous, 3, t, 0.4)), 0.003);
+            EXPECT_LT(std::abs(energy_defect(porous, 3, t, taken(porous, 3, t, 0.4))), 0.003);
             EXPECT_GT(energy_defect(porous, 3, t), 0.2);
             EXPECT_GT(std::abs(A33(reactive, t) / A33(closed, t) - 1), 0.1);
             // The flow through the plate is its own velocity and what the pores let through.
@@ -200,40 +198,14 @@ TEST(Disc, PorosityTakesOutItsShareOfTheEnergy) {
     }
 }
 
-// The hull of one file and the plate of another in one, with the mark IDIP of the plate.
-void hull_and_plate(const CaseFolder &folder, const std::string &hull, const std::string &plate, int IDIP) {
-    make_mesh(folder, hull, "hull.gdf");
-    make_mesh(folder, plate, "plate.gdf");
-    std::string panels, marks;
-    int count = 0;
-    for (const char *name : {"hull.gdf", "plate.gdf"}) {
-        std::istringstream in(folder.read(name));
-        std::string line, word;
-        for (int i = 0; i < 3; ++i)
-            std::getline(in, line);
-        int n = 0;
-        in >> n;
-        std::getline(in, line);
-        for (int i = 0; i < 4 * n && std::getline(in, line); ++i)
-            panels += line + "\n";
-        for (int i = 0; i < n; ++i)
-            marks += name[0] == 'h' ? "0 0 0 0\n" : std::to_string(IDIP) + " 0 0 0\n";
-        count += n;
-    }
-    folder.write("run.gdf",
-                 "hull and plate\n1 9.80665\n1 1\n " + std::to_string(count) + " 1\n" + panels + marks);
-}
-
 TEST(HullOverADisc, KeepsTheEnergyAndTheVelocities) {
     for (const int IQUAD : {0, 1}) {
-        CaseFolder folder;
         Pot pot = waves("0.5 1.0", IQUAD == 0 ? "0" : "3");
         pot.IQUAD = IQUAD;
         pot.ILOG = 1;
         pot.ISOR = 1;
-        prepare(folder, pot);
-        hull_and_plate(folder, "hemisphere --nu 8 --nv 8", "disc --depth 1.5 --nu 6 --nw 6", 1);
-        const SolvedRun run = solved(folder);
+        const SolvedRun run = solve_gdf(
+            gdf(made("hemisphere --nu 8 --nv 8") + made("disc --depth 1.5 --nu 6 --nw 6", "1 0 0 0")), pot);
         for (int t = 1; t <= 2; ++t)
             EXPECT_LT(std::abs(energy_defect(run, 3, t)), 0.02) << IQUAD;
         EXPECT_LT(fields::normal_velocity_error(run.p2f), 1e-3);
@@ -253,12 +225,10 @@ TEST(HullOverADisc, KeepsTheEnergyAndTheVelocities) {
 }
 
 TEST(HullOverADisc, AFixedDiscStandsInTheFlow) {
-    CaseFolder folder;
     Pot pot = waves("0.5");
     pot.ISOR = 1;
-    prepare(folder, pot);
-    hull_and_plate(folder, "hemisphere --nu 6 --nv 6", "disc --depth 1.5 --nu 4 --nw 6", 3);
-    const SolvedRun run = solved(folder);
+    const SolvedRun run = solve_gdf(
+        gdf(made("hemisphere --nu 6 --nv 6") + made("disc --depth 1.5 --nu 4 --nw 6", "3 0 0 0")), pot);
     const fields::Field heave{true, run.p2f.MODPOS(3), 0, 3, 1};
     double jump = 0;
     for (int ip = 1; ip <= run.p2f.NEQN; ++ip) {
@@ -280,14 +250,13 @@ TEST(HullOverADisc, AFixedDiscStandsInTheFlow) {
 
 // The resistance of a porous plate is none at infinite frequency: the hull is alone.
 TEST(HullOverADisc, APorousOneIsOpenAtInfiniteFrequency) {
-    using panel_lists::made, panel_lists::gdf;
     const panel_lists::List hull = made("hemisphere --nu 5 --nv 5");
     Pot pot = waves("0 1");
     pot.ISOR = 1;
-    const SolvedRun alone = panel_lists::solve_gdf(gdf(hull), pot);
+    const SolvedRun alone = solve_gdf(gdf(hull), pot);
     for (const char *config : {"", "IUSESCR=1\n", "ISOLVE=0\n"}) {
-        const SolvedRun with = panel_lists::solve_gdf(
-            gdf(hull + made("disc --depth 1.3 --nu 3 --nw 4", "1 0.1 0.2 0")), pot, config);
+        const SolvedRun with =
+            solve_gdf(gdf(made("disc --depth 1.3 --nu 3 --nw 4", "1 0.1 0.2 0") + hull), pot, config);
         const auto on_hull = [](const whole_fields::Place &place) { return place.at[4] == 0; };
         for (const double error : whole_fields::difference(alone, with, on_hull, 1).largest)
             EXPECT_LT(error, 1e-5) << config;
@@ -297,34 +266,6 @@ TEST(HullOverADisc, APorousOneIsOpenAtInfiniteFrequency) {
             }
         EXPECT_GT(whole_fields::difference(alone, with, on_hull).largest[whole_fields::POTENTIAL],
                   0.01); // in the wave
-    }
-}
-
-// Two vertical plates through the free surface.
-TEST(Plates, AreTheSameAsFullHalfAndQuarterMesh) {
-    constexpr double TOLERANCE = 1e-5;
-    const std::string plates = "plates --distance 1.2 --draft 0.6 --nu 4 --nv 4";
-    Pot pot = waves("0.8 1.5");
-    pot.BETA = "30";
-    const SolvedRun quarter = solve_mesh(plates, pot);
-    const struct {
-        const char *part, *config;
-    } runs[] = {{"quarter", "ISCATT=1\n"},
-                {"half-x", "ISOLVE=0\n"},
-                {"half-y", "IUSESCR=1\n"},
-                {"full", ""},
-                {"full", "ISCATT=1\nISOLVE=3\nIUSESCR=1\n"}};
-    for (const auto &[part, config] : runs) {
-        const SolvedRun other = solve_mesh(plates + " --part " + part, pot, config);
-        for (int t = 1; t <= 2; ++t) {
-            for (int i = 1; i <= 6; ++i) {
-                EXPECT_NEAR(quarter.c.A(i, i, t), other.c.A(i, i, t), TOLERANCE) << part << config << i;
-                EXPECT_NEAR(quarter.c.B(i, i, t), other.c.B(i, i, t), TOLERANCE) << part << config << i;
-                EXPECT_NEAR(std::abs(quarter.c.X(i, 1, t)), std::abs(other.c.X(i, 1, t)), TOLERANCE)
-                    << part << config << i;
-            }
-        }
-        EXPECT_GT(std::abs(quarter.c.X(1, 1, 1)), 0.1);
     }
 }
 

@@ -50,18 +50,14 @@ struct Place {
 // About the middle of the half circle of a fine mesh, its points are 0.363 to 1.185 away.
 constexpr double HALF_CIRCLE = 10 * (1 - 2 / PI) + 1.1855;
 const Place PLACES[] = {
-    {"_whole", 0, 0, 0, 0, 0, 4, 6},
     {"_whole_off_centre", 0, 0, -7, 3, 0, 4, 6},
-    {"_half_y_above_0", 0, 1, 0, 0, 0, 2, HALF_CIRCLE},
     {"_half_y_below_0_off_centre", 0, 1, 5, 0, 2, 2, HALF_CIRCLE},
     {"_half_x_above_0_off_centre", 1, 0, 0, -4, -1, 2, HALF_CIRCLE},
     {"_half_x_below_0", 1, 0, 0, 0, 1, 2, HALF_CIRCLE},
-    {"_first_quarter", 1, 1, 0, 0, 0, 1, 6},
     {"_second_quarter", 1, 1, 0, 0, 1, 1, 6},
     {"_third_quarter", 1, 1, 0, 0, 2, 1, 6},
     {"_fourth_quarter", 1, 1, 0, 0, -1, 1, 6},
     {"_beside_y_0", 0, 1, 3, -2, 0, 4, 6},
-    {"_beside_x_0", 1, 0, 2.5, 1, 0, 4, 6},
     {"_in_a_quarter", 1, 1, -2.6, 1.4, 0, 4, 6},
 };
 
@@ -131,6 +127,15 @@ TEST_P(Fdf, PanelsCoverTheRingOnce) {
             ASSERT_EQ(count, 1) << p.x << " " << p.y;
         }
     }
+    // The outer points stand in equal steps of the angle, where no plane clips their curve; but for the long
+    // box, whose rays would leave it twice.
+    const auto outer = [&](int ray) {
+        const Polygon end = panel_of(surface, (ray + 1) * J);
+        return distance(end[2], end[3]);
+    };
+    const bool by_angle = std::string(shape.name) != "box";
+    for (int ray = 1; ray < N && by_angle && (ring_on_planes || (place.ISX == 0 && place.ISY == 0)); ++ray)
+        EXPECT_NEAR(outer(ray), outer(0), 1e-3 * outer(0)) << ray;
     // Radial steps grow to twice the first.
     const double first = distance(panel_of(surface, 1)[0], panel_of(surface, 1)[3]);
     const double last = distance(panel_of(surface, J)[0], panel_of(surface, J)[3]);

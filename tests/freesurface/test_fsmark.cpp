@@ -1,7 +1,7 @@
 // Marks of free-surface panels on a box with a lid.
 #include "freesurface/fsmark.hpp"
 #include "hull_meshes.hpp"
-#include "list_capture.hpp"
+#include "run_folder.hpp"
 
 namespace {
 
@@ -20,7 +20,7 @@ TEST(Fsmark, LidInTheSurfaceIsInteriorAndNeedsIrr) {
         RunState run;
         run.opt.IRR = row.IRR;
         hulls::set_body(hulls::box(2, 2, row.top - 0.5, row.top, 2, true), run);
-        const ListCapture list;
+        const RunFolder list;
         ASSERT_EQ(hulls::pre_pass(run), Status::ok);
         EXPECT_EQ(FSMARK(run.opt, run.bodies, run.mesh), row.fault == nullptr ? Status::ok : Status::failed);
         if (row.fault != nullptr) {

@@ -3,7 +3,7 @@
 #include "freesurface/fsmark.hpp"
 #include "freesurface/fsproj.hpp"
 #include "hull_meshes.hpp"
-#include "list_capture.hpp"
+#include "run_folder.hpp"
 
 #include <cmath>
 
@@ -63,7 +63,7 @@ TEST(Fsproj, HullWithoutDraughtMoves) {
     hulls::Quads raft;
     hulls::add_patch(raft, {-1, -1, 0}, {2, 0, 0}, {0, 2, 0}, 2, 2);
     RunState run;
-    const ListCapture list;
+    const RunFolder list;
     project(raft, 0, run);
     ASSERT_EQ(run.mesh.NEQN, 4);
     run.opt.IRR = 2;

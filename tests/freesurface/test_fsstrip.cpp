@@ -3,7 +3,7 @@
 #include "freesurface/fsstrip.hpp"
 #include "freesurface/waterline.hpp"
 #include "hull_meshes.hpp"
-#include "list_capture.hpp"
+#include "run_folder.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -79,7 +79,10 @@ TEST(Fsstrp, StripsGrowInTurnOnEveryPartOfTheMesh) {
     const int n = 4;
     for (const double l : {4.0, 2.0}) {
         SCOPED_TRACE(l);
-        const hulls::Quads quarter = hulls::quarter_box(l, 2, -1, 0, n, true);
+        // The panels of the lid begin with any of their vertices.
+        hulls::Quads quarter = hulls::quarter_box(l, 2, -1, 0, n, true);
+        for (std::size_t k = 3 * n * n; k < quarter.size(); ++k)
+            std::rotate(quarter[k].begin(), quarter[k].begin() + k / 2 % 4, quarter[k].end());
         RunState part;
         part.opt.IRR = 1;
         part.opt.ISX = part.opt.ISY = 1;

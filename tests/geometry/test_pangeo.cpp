@@ -1,6 +1,6 @@
 // Panel quantities against closed forms and against moments by subdivision in double precision.
 #include "geometry/panel.hpp"
-#include "list_capture.hpp"
+#include "run_folder.hpp"
 
 #include <cmath>
 #include <vector>
@@ -69,7 +69,7 @@ constexpr double MOMENT_ERROR = 3e-6;
 
 TEST(Pangeo, MomentsAndCentroidOfAnyShape) {
     for (const Corners &corners : {UNIT_SQUARE, LOOKS_DOWN, SKEWED, TRIANGLE, DART}) {
-        const ListCapture list;
+        const RunFolder list;
         const Panel p = make(corners).p;
         const double scale = polygon_moment(p, 0, 0);
         EXPECT_NEAR(polygon_moment(p, 1, 0), 0, MOMENT_ERROR * scale) << "the centroid is the centre of area";
@@ -86,7 +86,7 @@ TEST(Pangeo, MomentsAndCentroidOfAnyShape) {
                         1e-6);
         for (std::size_t k = 0; k < 4; ++k)
             EXPECT_EQ(p.SIDE[k + 1] == 0, corners[k] == corners[(k + 1) % 4]);
-        EXPECT_EQ(list.text().find("Warning") != std::string::npos, corners == DART);
+        EXPECT_EQ(list.list_text().find("Warning") != std::string::npos, corners == DART);
         for (int n = 1; n <= 13; ++n) {
             const double exact = MOMENT_FACTOR[n] * polygon_moment(p, POWER_A[n], POWER_B[n]);
             EXPECT_NEAR(p.PMOM[n], exact, 2 * MOMENT_ERROR * scale) << "moment " << n;
@@ -136,9 +136,9 @@ TEST(Pangeo, BadShapes) {
         {line, Status::failed, small},
     };
     for (const Case &c : cases) {
-        const ListCapture list;
+        const RunFolder list;
         EXPECT_EQ(make(c.corners).status, c.status) << c.line;
-        EXPECT_EQ(list.count(c.line), 1) << c.line << list.text();
+        EXPECT_EQ(list.count(c.line), 1) << c.line << list.list_text();
     }
 }
 

@@ -1,7 +1,6 @@
 // The body pre-pass against closed forms of box and hemisphere.
 #include "geometry/pregeo.hpp"
 #include "hull_meshes.hpp"
-#include "list_capture.hpp"
 #include "run_folder.hpp"
 
 namespace {
@@ -221,7 +220,7 @@ TEST(Pregeo, RefusesABadPanelWithItsNumberInTheBody) {
     hulls::Quads mesh = hulls::box(4, 2, -1, 0, 2, false);
     mesh[4] = {{{0, 0, -1}, {0, 0, -1}, {0, 0, -1}, {0, 0, -1}}};
     hulls::set_body(mesh, run);
-    const ListCapture list;
+    const RunFolder list;
     EXPECT_EQ(hulls::pre_pass(run), Status::failed);
     EXPECT_EQ(list.count("  Error: panel area is less than 1.E-10 for panel I=5"), 1);
     EXPECT_EQ(list.count(" Error computing geometric quantities for body N=1"), 1);
@@ -233,7 +232,7 @@ TEST(Pregeo, FlatBodyHasNoVolume) {
     hulls::add_patch(plate, {-1, -1, 0}, {2, 0, 0}, {0, 2, 0}, 2, 2);
     hulls::set_body(plate, run, {0, 0, -0.5f, 0});
     run.bodies.XBODY(3, 1) = 0;
-    const ListCapture list;
+    const RunFolder list;
     EXPECT_EQ(hulls::pre_pass(run), Status::ok);
     EXPECT_EQ(list.count("  Warning: body volume less than tolerance "), 1);
     EXPECT_EQ(run.bodies.XCB(3, 1), 0);

@@ -97,6 +97,15 @@ TEST(Rdmod, LaterBodyHasItsOwnBlock) {
                 EXPECT_EQ(run.bodies.CHYD(i, j), 0) << i << " " << j;
             }
         }
+    // The rigid blocks are those of the hulls, not of the file.
+    RunState rigid;
+    set_bodies({0, 0, 0}, rigid);
+    ASSERT_EQ(hulls::pre_pass(rigid), Status::ok);
+    for (int i = 1; i <= 6; ++i)
+        for (int j = 1; j <= 6; ++j) {
+            EXPECT_EQ(run.bodies.CHYD(6 + i, 6 + j), rigid.bodies.CHYD(6 + i, 6 + j)) << i << " " << j;
+            EXPECT_EQ(run.bodies.CHYD(14 + i, 14 + j), rigid.bodies.CHYD(12 + i, 12 + j)) << i << " " << j;
+        }
     EXPECT_EQ(run.bodies.MODE(9), 3) << "heave of body 2";
     EXPECT_EQ(run.bodies.MODE(17), 3) << "heave of body 3";
     EXPECT_EQ(run.mesh.VEL(17, 5), 1);

@@ -1,6 +1,6 @@
 // The depth tables. Truth: the definition as an integral on a ray of the complex plane in double precision
 // (that it is the function, and that the kernels put the sums together rightly, is seen against modes in
-// test_finite_depth.cpp); sample values known for these functions.
+// test_finite_depth.cpp).
 #include "../../tools/tables/depth_definition.hpp"
 #include "green/depth_coefficients.hpp"
 #include "green/depth_polynomial.hpp"

@@ -1,6 +1,6 @@
 // The Green function of finite depth. Truth: the expansion in wave modes with as many modes as it takes, and
 // near the axis, where it converges slowly, the defining integral by a ray off the real axis, both in double
-// precision; differences of them; printed sample values.
+// precision; differences of them.
 #include "finite_reference.hpp"
 #include "green_points.hpp"
 
@@ -77,23 +77,6 @@ double slope_error(const FiniteValues &got, const FiniteValues &exact) {
 }
 
 } // namespace
-
-TEST(FiniteDepth, SampleValues) {
-    struct Sample {
-        f32 R, z, zeta;
-        int ISNG, IBOT;
-        f32 re, im; // printed to five decimals
-    };
-    for (const Sample &s : {Sample{0.5f, 0.3f, 0.4f, 0, 0, 1.67415f, -2.77431f},
-                            {2.5f, 0.3f, 0.4f, 0, 0, -1.42380f, 0.26165f},
-                            {6, 0.3f, 0.4f, 0, 0, 0.73997f, -0.59621f},
-                            {1, 0.1f, 0.1f, 3, 0, -1.70805f, -3.63774f},
-                            {1, 0.1f, 0.1f, 3, 1, -1.96254f, -3.63774f}}) {
-        const Complex G = evaluated(s.R, s.z, s.zeta, 2, state_of(2), s.ISNG, s.IBOT).G;
-        EXPECT_NEAR(G.real(), s.re, 6e-6) << s.R;
-        EXPECT_NEAR(G.imag(), s.im, 6e-6) << s.R;
-    }
-}
 
 // Points of all regions, both Bessel ranges, near and in the surface, near and on the bottom,
 // with all selectors.

@@ -1,5 +1,5 @@
 // The Green function at the limit frequencies. Truth: the image series in double precision, the boundary
-// conditions, printed sample values.
+// conditions.
 #include "green/vgrn0.hpp"
 #include "green_points.hpp"
 

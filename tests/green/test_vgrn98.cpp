@@ -1,5 +1,5 @@
 // The deep-water Green function. Truth: its definition in double precision (tested against the principal
-// value integral in test_ftab.cpp), differences of it, and printed sample values.
+// value integral in test_ftab.cpp), and differences of it.
 #include "../../tools/tables/f2_definition.hpp"
 #include "finite_reference.hpp"
 #include "green_points.hpp"

@@ -16,19 +16,6 @@ std::string title(const std::string &text) {
     return " " + text + std::string(72 - text.size(), ' ') + "\n \n";
 }
 
-TEST(Echo, of_one_body) {
-    const SoundRun in(good_files());
-    const std::string wanted = " Input from Geometric Data File:         box.gdf             \n" +
-                               title("Side and bottom") +
-                               " Input from Potential Control File:      box.pot             \n" +
-                               title("Control of a test") + " \n";
-    EXPECT_EQ(joined(in.run.HDRSCR), wanted);
-    EXPECT_TRUE(in.folder.list_has(wanted));
-    EXPECT_EQ(in.run.bodies.NBODY, 1);
-    EXPECT_EQ(in.run.bodies.NMODES, 6);
-    EXPECT_EQ(in.run.opt.IMDRUN, 0);
-}
-
 TEST(Echo, of_two_bodies_and_long_names) {
     const std::string name = "a_body_file_with_a_long_name.gdf";
     InputFiles files = good_bodies();
@@ -66,9 +53,7 @@ TEST(BlockSizes, cover_the_matrix) {
         const RunFolder folder;
         int NBLKSZ = 0, NBLKLS = 0, ISOLVE = row.ISOLVE;
         BLKSIZ(row.NEQN, NBLKSZ, NBLKLS, ISOLVE);
-        EXPECT_EQ(NBLKSZ, row.NBLKSZ);
-        EXPECT_EQ(NBLKLS, row.NBLKLS);
-        EXPECT_EQ(ISOLVE, row.blocks);
+        EXPECT_EQ((std::vector{NBLKSZ, NBLKLS, ISOLVE}), (std::vector{row.NBLKSZ, row.NBLKLS, row.blocks}));
         EXPECT_EQ(folder.list_has("WARNING"), row.warning != nullptr) << folder.list_text();
         EXPECT_TRUE(row.warning == nullptr || folder.told(row.warning)) << folder.list_text();
     }
@@ -89,21 +74,6 @@ TEST(Solver, falls_back_to_blocks_when_the_matrix_is_too_large) {
     }
     EXPECT_TRUE(in.folder.told("Switched from direct solver to block-iterative solver"));
     EXPECT_TRUE(in.folder.told("Because matrix is too large"));
-}
-
-TEST(ExtraModes, first_pass_begins_the_pre_file) {
-    const SoundRun in(good_files({{"config.vrd", "NEWMDS=2\n"}}));
-    EXPECT_EQ(in.run.opt.IMDRUN, -1);
-    EXPECT_EQ(in.run.bodies.NEWMDS(1), -2);
-    EXPECT_EQ(in.run.bodies.NMODES, 8);
-    EXPECT_EQ(in.run.files.FILNAM(5), "box.pre");
-    const std::string pre = in.folder.read("box.pre.part");
-    EXPECT_EQ(pre.substr(0, 50), " SHAPEX Input,  Filename: box.pre                 ");
-    const std::size_t end = pre.find('\n');
-    EXPECT_EQ(end, 50u + 11 + 2 + 8); // date, two blanks, time
-    EXPECT_EQ(pre.substr(end + 1), "       0       0       2       8\n");
-    EXPECT_TRUE(in.folder.list_has(pre.substr(0, end + 1) + " \n"));
-    EXPECT_EQ(joined(in.run.HDRSCR).find("SHAPEX"), std::string::npos);
 }
 
 TEST(ExtraModes, second_pass_names_the_mod_file) {

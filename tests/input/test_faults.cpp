@@ -24,17 +24,13 @@ Spoil gone() {
 }
 
 struct Fault {
-    const char *label;
     const char *file;
     Spoil spoil;
     std::vector<std::string> messages; // the first fault first
     std::string config = {};           // contents of config.vrd
 };
-void PrintTo(const Fault &row, std::ostream *out) {
-    *out << row.label;
-}
-
 void expect_fault(const Fault &row, InputFiles files) {
+    SCOPED_TRACE(row.messages.front());
     const Spoil &spoil = row.spoil;
     const std::string good = files[row.file];
     files[row.file] = spoil.way == Spoil::cut   ? first_lines(good, spoil.line)
@@ -52,145 +48,160 @@ void expect_fault(const Fault &row, InputFiles files) {
     EXPECT_FALSE(in.folder.exists("box.p2f"));
 }
 
-std::string label_of(const testing::TestParamInfo<Fault> &info) {
-    return info.param.label;
-}
-
-class SingleFault : public testing::TestWithParam<Fault> {};
-TEST_P(SingleFault, is_told) {
-    expect_fault(GetParam(), good_files());
-}
-
 const char *const CONFIG_FAULT = " Error in reading input file CONFIG.VRD";
 constexpr auto POT = "box.pot";
 constexpr auto GDF = "box.gdf";
 constexpr auto CONFIG = "config.vrd";
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(config, SingleFault, testing::ValuesIn(std::vector<Fault>{
-    {"letters", CONFIG, whole("MAXSCR = many\n"), {CONFIG_FAULT}},
-    {"short_xbody", CONFIG, whole("XBODY = 1 2 3\n"), {CONFIG_FAULT}},
-    {"body_zero", CONFIG, whole("NEWMDS(0) = 1\n"), {CONFIG_FAULT}},
-    {"body_letters", CONFIG, whole("NEWMDS(x) = 1\n"), {CONFIG_FAULT}},
-    {"newmds_negative", CONFIG, whole("NEWMDS(2) = -1\n"), {"Value of NEWMDS is illegal In CONFIG file: NEWMDS=    -1"}},
-    {"newmds_huge", CONFIG, whole("NEWMDS = 2000000000\n"), {"Insufficient memory to allocate .pot file arrays"}},
-    {"iwadd", CONFIG, whole("IWADD = 2\n"), {"Illegal value of IWADD=2"}},
-    {"iscatt", CONFIG, whole("ISCATT = 2\n"), {"Illegal value of ISCATT=2"}},
-    {"iwadd_newmds", CONFIG, whole("IWADD=1\nNEWMDS=1\n"), {"Value of NEWMDS is not possible when IWADD=1"}},
-    {"isolve", CONFIG, whole("ISOLVE=-2\nMAXSCR=1\n"),
-     {"Value of ISOLVE is illegal In CONFIG file: ISOLVE=    -2", "Value of MAXSCR is illegal In CONFIG file: MAXSCR=1"}},
-    {"i2nd", CONFIG, whole("I2ND=3\n"), {"Value of I2ND is illegal in CONFIG file: I2ND=3"}},
-    {"isor", CONFIG, whole("ISOR=-3\n"), {"Value of ISOR is illegal in CONFIG file: ISOR=    -3"}},
-    {"irr", CONFIG, whole("IRR=10\n"), {"Value of IRR is illegal:", "                               IRR =:10"}},
-}), label_of);
+TEST(SingleFaults, of_config) {
+    for (const Fault &row : std::vector<Fault>{
+        {CONFIG, whole("MAXSCR = many\n"), {CONFIG_FAULT}},
+        {CONFIG, whole("XBODY = 1 2 3\n"), {CONFIG_FAULT}},
+        {CONFIG, whole("NEWMDS(0) = 1\n"), {CONFIG_FAULT}},
+        {CONFIG, whole("NEWMDS(x) = 1\n"), {CONFIG_FAULT}},
+        {CONFIG, whole("NEWMDS(2) = -1\n"), {"Value of NEWMDS is illegal In CONFIG file: NEWMDS=    -1"}},
+        {CONFIG, whole("NEWMDS = 2000000000\n"), {"Insufficient memory to allocate .pot file arrays"}},
+        {CONFIG, whole("IWADD = 2\n"), {"Illegal value of IWADD=2"}},
+        {CONFIG, whole("ISCATT = 2\n"), {"Illegal value of ISCATT=2"}},
+        {CONFIG, whole("IWADD=1\nNEWMDS=1\n"), {"Value of NEWMDS is not possible when IWADD=1"}},
+        {CONFIG, whole("ISOLVE=-2\nMAXSCR=1\n"),
+         {"Value of ISOLVE is illegal In CONFIG file: ISOLVE=    -2", "Value of MAXSCR is illegal In CONFIG file: MAXSCR=1"}},
+        {CONFIG, whole("I2ND=3\n"), {"Value of I2ND is illegal in CONFIG file: I2ND=3"}},
+        {CONFIG, whole("ISOR=-3\n"), {"Value of ISOR is illegal in CONFIG file: ISOR=    -3"}},
+        {CONFIG, whole("IRR=10\n"), {"Value of IRR is illegal:", "                               IRR =:10"}},
+    })
+        expect_fault(row, good_files());
+}
 
-INSTANTIATE_TEST_SUITE_P(pot, SingleFault, testing::ValuesIn(std::vector<Fault>{
-    {"missing", POT, gone(), {"Error opening POT file "}},
-    {"title", POT, whole(""), {"Error reading POT file, header line"}},
-    {"i2nd_end", POT, cut(1), {"Error reading POT file, parameter I2ND"}},
-    {"i2nd_value", POT, put(2, " 2"), {"Value of I2ND is illegal in POT file: I2ND=2"}},
-    {"isor_end", POT, cut(2), {"Error reading POT file, parameter ISOR"}},
-    {"isor_value", POT, put(3, " -1"), {"Value of ISOR is illegal in POT file: ISOR=    -1"}},
-    {"i2nd_needs_isor", POT, put(2, " 1\n 0"), {"Error: I2ND = 1 requires ISOR = 1"}},
-    {"irr_end", POT, cut(3), {"Error reading POT file, parameter IRR:"}},
-    {"irr_value", POT, put(4, " 5"), {"Value of IRR is illegal:", "                               IRR =:5"}},
-    {"hbot_end", POT, cut(4), {"Error reading POT file, HBOT,XBODY,,... line"}},
-    {"hbot_inf", POT, put(5, " inf 0 0 0 0"), {"Error reading POT file, HBOT,XBODY,,... line"}},
-    {"options_end", POT, cut(5), {"Error reading POT file, IQUAD,ILOG,IDIAG line"}},
-    {"ilog", POT, put(4, " 1\n 50. 0 0 0 0\n 0 0 0"), {"Set ILOG = 1, when IRR > 0"}},
-    {"problems_end", POT, cut(6), {"Error reading POT file, IRAD,IDIFF line"}},
-    {"irad", POT, put(7, " 2 0"), {"Value of IRAD index is illegal in POT file"}},
-    {"idiff", POT, put(7, " 0 -2"), {"Value of IDIFF index is illegal in POT file"}},
-    {"idiff_iwadd", POT, put(7, " 0 0"), {"IDIFF must be -1 or 1 when IWADD=1"}, "IWADD=1\n"},
-    {"mode_end", POT, cut(7), {"Error reading POT file, MODE indices line"}},
-    {"mode_letters", POT, put(8, " 1 0 1 O 0 0"), {"Error reading POT file, MODE indices line"}},
-    {"nper_end", POT, cut(8), {"Error reading POT file, parameter NPER"}},
-    {"per_short", POT, put(9, " 9"), {"Error reading POT file, array of periods PER"}},
-    {"per_nan", POT, put(10, " 8. NaN"), {"Error reading POT file, array of periods PER"}},
-    {"per_range", POT, put(10, " 8. 1e25"), {"Error reading POT file, array of periods PER"}},
-    {"nbeta_end", POT, cut(10), {"Error reading POT file, parameter NBETA"}},
-    {"beta_end", POT, cut(11), {"Error reading POT file, array of heading angles BETA"}},
-    {"beta_huge_count", POT, put(11, " 100000000"), {"Error reading POT file, array of heading angles BETA"}},
-    {"limit_period_iwadd", POT, put(7, " 0 1\n 1 1 1 1 1 1\n 1\n 0.\n 1\n 0."),
-     {"Do not use IWADD=1 option for zero or infinite periods"}, "IWADD=1\n"},
-}), label_of);
+TEST(SingleFaults, of_pot) {
+    for (const Fault &row : std::vector<Fault>{
+        {POT, gone(), {"Error opening POT file "}},
+        {POT, put(2, " 2"), {"Value of I2ND is illegal in POT file: I2ND=2"}},
+        {POT, put(3, " -1"), {"Value of ISOR is illegal in POT file: ISOR=    -1"}},
+        {POT, put(2, " 1\n 0"), {"Error: I2ND = 1 requires ISOR = 1"}},
+        {POT, put(4, " 5"), {"Value of IRR is illegal:", "                               IRR =:5"}},
+        {POT, put(5, " inf 0 0 0 0"), {"Error reading POT file, HBOT,XBODY,,... line"}},
+        {POT, put(4, " 1\n 50. 0 0 0 0\n 0 0 0"), {"Set ILOG = 1, when IRR > 0"}},
+        {POT, put(7, " 2 0"), {"Value of IRAD index is illegal in POT file"}},
+        {POT, put(7, " 0 -2"), {"Value of IDIFF index is illegal in POT file"}},
+        {POT, put(7, " 0 0"), {"IDIFF must be -1 or 1 when IWADD=1"}, "IWADD=1\n"},
+        {POT, put(8, " 1 0 1 O 0 0"), {"Error reading POT file, MODE indices line"}},
+        {POT, put(9, " 9"), {"Error reading POT file, array of periods PER"}},
+        {POT, put(10, " 8. NaN"), {"Error reading POT file, array of periods PER"}},
+        {POT, put(10, " 8. 1e25"), {"Error reading POT file, array of periods PER"}},
+        {POT, put(11, " 100000000"), {"Error reading POT file, array of heading angles BETA"}},
+        {POT, put(7, " 0 1\n 1 1 1 1 1 1\n 1\n 0.\n 1\n 0."),
+         {"Do not use IWADD=1 option for zero or infinite periods"}, "IWADD=1\n"},
+    })
+        expect_fault(row, good_files());
+}
 
-INSTANTIATE_TEST_SUITE_P(gdf, SingleFault, testing::ValuesIn(std::vector<Fault>{
-    {"missing", GDF, gone(), {"Error opening GDF file "}},
-    {"title", GDF, whole(""), {"Error reading GDF file, header line"}},
-    {"ulen_end", GDF, cut(1), {"Error reading GDF file, ULEN,GRAV line"}},
-    {"gravity", GDF, put(2, " 1. 0."), {"Error reading GDF file, ULEN,GRAV line"}},
-    {"ulen_small", GDF, put(2, " 1.E-6 9.8"), {"Error in GDF file: Body length ULEN less than 1.E-5"}},
-    {"symmetry_end", GDF, cut(2), {"Error reading GDF file, symmetry indices ISX,ISY"}},
-    {"count_end", GDF, cut(3), {"Error reading GDF file, NEQN line"}},
-    {"count_zero", GDF, put(4, " 0"), {"Error reading GDF file, NEQN line"}},
-    {"count_million", GDF, put(4, " 1000000"), {"Error reading GDF file, vertices XVER of panel N=3"}},
-    {"vertices_end", GDF, cut(5), {"Error reading GDF file, vertices XVER of panel N=1"}},
-    {"vertices_letters", GDF, put(7, " 4 2 -2  4 0 -2  0 0 -2  0 2 -z"), {"Error reading GDF file, vertices XVER of panel N=2"}},
-    {"vertex_above", GDF, put(7, " 4 2 -2  4 0 -2  0 0 -2  0 2 0.1"), {"Error in GDF file: vertex above free surface for panel N=2"}},
-    {"dipoles_end", GDF, put(4, " 2 1"), {"Error reading GDF file, incorrect dipole input"}},
-    {"extra", GDF, put(7, " 4 2 -2  4 0 -2  0 0 -2  0 2 -2\n 7"), {"Error:  Extra data at end of geometric data file"}},
-    {"three_in_surface", GDF, put(7, " 4 2 0  4 0 0  0 0 0  0 2 -2"), {"Error: Three vertices on the free surface of panel I= 2"}},
-    {"forgotten_length", GDF, put(2, " 0. 9.8\n -4"), {" Value of NBODY in global GDF is illegal:  NBODY=    -4"}},
-}), label_of);
+TEST(SingleFaults, of_gdf) {
+    for (const Fault &row : std::vector<Fault>{
+        {GDF, gone(), {"Error opening GDF file "}},
+        {GDF, put(2, " 1. 0."), {"Error reading GDF file, ULEN,GRAV line"}},
+        {GDF, put(2, " 1.E-6 9.8"), {"Error in GDF file: Body length ULEN less than 1.E-5"}},
+        {GDF, put(4, " 0"), {"Error reading GDF file, NEQN line"}},
+        {GDF, put(4, " 1000000"), {"Error reading GDF file, vertices XVER of panel N=3"}},
+        {GDF, put(7, " 4 2 -2  4 0 -2  0 0 -2  0 2 -z"), {"Error reading GDF file, vertices XVER of panel N=2"}},
+        {GDF, put(7, " 4 2 -2  4 0 -2  0 0 -2  0 2 0.1"), {"Error in GDF file: vertex above free surface for panel N=2"}},
+        {GDF, put(4, " 2 1"), {"Error reading GDF file, incorrect dipole input"}},
+        {GDF, put(7, " 4 2 -2  4 0 -2  0 0 -2  0 2 -2\n 7"), {"Error:  Extra data at end of geometric data file"}},
+        {GDF, put(7, " 4 2 0  4 0 0  0 0 0  0 2 -2"), {"Error: Three vertices on the free surface of panel I= 2"}},
+        {GDF, put(2, " 0. 9.8\n -4"), {" Value of NBODY in global GDF is illegal:  NBODY=    -4"}},
+    })
+        expect_fault(row, good_files());
+}
 
 // What only the cross-checks see, first fault first.
-INSTANTIATE_TEST_SUITE_P(cross_checks, SingleFault, testing::ValuesIn(std::vector<Fault>{
-    {"symmetry_index", GDF, put(3, " 2 0"), {"Value of a symmetry index is illegal"}},
-    {"unmirrored_wall", GDF, put(3, " -2 0"), {"Value of a symmetry index is illegal"}},
-    {"mode_index", POT, put(8, " 1 0 1 0 7 0"), {"Value of a mode index is illegal, I=5"}},
-    {"two_options", POT, put(6, " 2 2 2"),
-     {" Value of IQUAD index is illegal ", " Value of ILOG index is illegal ", " Value of IDIAG index is illegal "}},
-    {"nothing_wanted", POT, put(7, " -1 -1"), {"Error return: both IRAD=-1 and IDIFF=-1"}},
-    {"no_modes", POT, put(8, " 0 0 0 0 0 0"),
-     {"IRAD=0 and all mode indices IMODE(I)=0", "Error return: IDIFF=0 and all mode indices IMODE(I)=0"}},
-    {"negative_counts", POT, put(9, " -3\n -2"),
-     {"Number of wave periods is negative: NPER=    -3", "Number of wave headings is negative: NBETA=    -2"}},
-    {"no_headings", POT, put(11, " 0"), {"No wave headings specified for diffraction problem"}},
-    {"tank_panel", POT, put(4, " 13"), {"Reference panel of the tank is above NEQN: IRR-10=3"}},
-}), label_of);
-
-class BodiesFault : public testing::TestWithParam<Fault> {};
-TEST_P(BodiesFault, is_told) {
-    expect_fault(GetParam(), good_bodies());
+TEST(SingleFaults, of_cross_checks) {
+    for (const Fault &row : std::vector<Fault>{
+        {GDF, put(3, " 2 0"), {"Value of a symmetry index is illegal"}},
+        {GDF, put(3, " -2 0"), {"Value of a symmetry index is illegal"}},
+        {POT, put(8, " 1 0 1 0 7 0"), {"Value of a mode index is illegal, I=5"}},
+        {POT, put(6, " 2 2 2"),
+         {" Value of IQUAD index is illegal ", " Value of ILOG index is illegal ", " Value of IDIAG index is illegal "}},
+        {POT, put(7, " -1 -1"), {"Error return: both IRAD=-1 and IDIFF=-1"}},
+        {POT, put(8, " 0 0 0 0 0 0"),
+         {"IRAD=0 and all mode indices IMODE(I)=0", "Error return: IDIFF=0 and all mode indices IMODE(I)=0"}},
+        {POT, put(9, " -3\n -2"),
+         {"Number of wave periods is negative: NPER=    -3", "Number of wave headings is negative: NBETA=    -2"}},
+        {POT, put(11, " 0"), {"No wave headings specified for diffraction problem"}},
+        {POT, put(4, " 13"), {"Reference panel of the tank is above NEQN: IRR-10=3"}},
+    })
+        expect_fault(row, good_files());
 }
 
 const char *const BODY_FAULT = "Error reading GDF file for body N=2";
-INSTANTIATE_TEST_SUITE_P(index, BodiesFault, testing::ValuesIn(std::vector<Fault>{
-    {"nbody_end", GDF, cut(2), {"Error reading global GDF file:  parameter NBODY "}},
-    {"nbody_zero", GDF, put(3, " 0"), {" Value of NBODY in global GDF is illegal:  NBODY="}},
-    {"nbody_huge", GDF, put(3, " 2000000000"), {"Insufficient memory to allocate NBODY arrays"}},
-    {"nbody_above_file", GDF, put(3, " 1000"), {"Error reading GDF filename in global GDF file for body N=3"}},
-    {"name_end", GDF, cut(7), {"Error reading GDF filename in global GDF file for body N=2"}},
-    {"place_end", GDF, cut(4), {"Error reading XBODY coordinates in global GDF file for body N=1"}},
-    {"problem_end", GDF, cut(5), {"Error reading IRAD,IDIFF in global GDF file for body N=1"}},
-    {"irad", GDF, put(6, " 2 0"), {"Value of IRAD index is illegal for body N=1"}},
-    {"idiff", GDF, put(10, " 0 3"), {"Value of IDIFF index is illegal for body N=2"}},
-    {"mode_end", GDF, cut(10), {"Error reading array MODE in global GDF file for body N=2"}},
-    {"type_end", GDF, put(0, ""), {"Error reading array BDTYP/FSDMP in global GDF file "}, "IFSLID=1\n"},
-}), label_of);
-INSTANTIATE_TEST_SUITE_P(files, BodiesFault, testing::ValuesIn(std::vector<Fault>{
-    {"missing", "b.gdf", gone(), {"Error opening GDF file for body N=2"}},
-    {"title", "b.gdf", whole(""), {"Error reading GDF file header for body N=2"}},
-    {"ulen_end", "b.gdf", cut(1), {"Error reading GDF file, ULEN,GRAV line for body N=2"}},
-    {"ulen_small", "a.gdf", put(2, " 0. 9.8"), {" Body length ULEN less than 1.E-05 for body N=1"}},
-    {"gravity", "b.gdf", put(2, " 2. 32.2"), {"Error in value of GRAV in GDF file for body N=2"}},
-    {"symmetry_end", "b.gdf", cut(2), {"Error reading GDF file, symmetry indices ISX,ISY for body N=2"}},
-    {"wall", "b.gdf", put(3, " 0 -1"), {"ISX=-1 or ISY=-1 for body N=2"}},
-    {"symmetry_index", "a.gdf", put(3, " 3 0"), {"Value of a symmetry index is illegal"}},
-    {"count_end", "b.gdf", cut(3), {"Error reading GDF file, NEQN line for body N=2"}},
-    {"count_zero", "b.gdf", put(4, " 0"), {"Error reading GDF file, NEQN line for body N=2"}},
-    {"sum_above_int", "b.gdf", put(4, " 2147483647"), {"RAM is not sufficient to read .gdf inputs for body N=2"}},
-    {"vertices_end", "b.gdf", cut(6), {"Error reading GDF file, vertices XVER of panel N=2", BODY_FAULT}},
-    {"vertex_above", "b.gdf", put(6, " 4 0 -2  4 2 2"), {"Error in GDF file: vertex above free surface for panel N=1", BODY_FAULT}},
-    {"dipoles", "b.gdf", put(4, " 2 1"), {"Error reading GDF file, incorrect dipole input", BODY_FAULT}},
-    {"extra_zero", "b.gdf", put(7, " 4 2 -2  4 0 -2  0 0 -2  0 2 -2\n 0"),
-     {"Error in GDF file: extra data at end of file for body N=2"}},
-    {"three_in_surface", "b.gdf", put(7, " 4 2 0  4 0 0  0 0 0  0 2 -2"),
-     {"Error: Three vertices on the free surface of panel I= 2", BODY_FAULT}},
-}), label_of);
+TEST(BodiesFaults, of_index) {
+    for (const Fault &row : std::vector<Fault>{
+        {GDF, put(3, " 0"), {" Value of NBODY in global GDF is illegal:  NBODY="}},
+        {GDF, put(3, " 2000000000"), {"Insufficient memory to allocate NBODY arrays"}},
+        {GDF, put(3, " 1000"), {"Error reading GDF filename in global GDF file for body N=3"}},
+        {GDF, put(6, " 2 0"), {"Value of IRAD index is illegal for body N=1"}},
+        {GDF, put(10, " 0 3"), {"Value of IDIFF index is illegal for body N=2"}},
+        {GDF, put(0, ""), {"Error reading array BDTYP/FSDMP in global GDF file "}, "IFSLID=1\n"},
+    })
+        expect_fault(row, good_bodies());
+}
+TEST(BodiesFaults, of_files) {
+    for (const Fault &row : std::vector<Fault>{
+        {"b.gdf", gone(), {"Error opening GDF file for body N=2"}},
+        {"a.gdf", put(2, " 0. 9.8"), {" Body length ULEN less than 1.E-05 for body N=1"}},
+        {"b.gdf", put(2, " 2. 32.2"), {"Error in value of GRAV in GDF file for body N=2"}},
+        {"b.gdf", put(3, " 0 -1"), {"ISX=-1 or ISY=-1 for body N=2"}},
+        {"a.gdf", put(3, " 3 0"), {"Value of a symmetry index is illegal"}},
+        {"b.gdf", put(4, " 0"), {"Error reading GDF file, NEQN line for body N=2"}},
+        {"b.gdf", put(4, " 2147483647"), {"RAM is not sufficient to read .gdf inputs for body N=2"}},
+        {"b.gdf", put(6, " 4 0 -2  4 2 2"), {"Error in GDF file: vertex above free surface for panel N=1", BODY_FAULT}},
+        {"b.gdf", put(4, " 2 1"), {"Error reading GDF file, incorrect dipole input", BODY_FAULT}},
+        {"b.gdf", put(7, " 4 2 -2  4 0 -2  0 0 -2  0 2 -2\n 0"),
+         {"Error in GDF file: extra data at end of file for body N=2"}},
+        {"b.gdf", put(7, " 4 2 0  4 0 0  0 0 0  0 2 -2"),
+         {"Error: Three vertices on the free surface of panel I= 2", BODY_FAULT}},
+    })
+        expect_fault(row, good_bodies());
+}
 
 // clang-format on
+
+// Every file, cut before any of its lines.
+TEST(InputFaults, a_file_that_ends_early) {
+    const std::string in_global = " in global GDF file for body N=", body2 = " for body N=2";
+    const struct {
+        const char *file;
+        InputFiles files;
+        std::string prefix;
+        std::vector<std::string> ends;
+    } rows[] = {
+        {POT,
+         good_files(),
+         "Error reading POT file, ",
+         {"header line", "parameter I2ND", "parameter ISOR", "parameter IRR:", "HBOT,XBODY,,... line",
+          "IQUAD,ILOG,IDIAG line", "IRAD,IDIFF line", "MODE indices line", "parameter NPER",
+          "array of periods PER", "parameter NBETA", "array of heading angles BETA"}},
+        {GDF,
+         good_files(),
+         "Error reading GDF file, ",
+         {"header line", "ULEN,GRAV line", "symmetry indices ISX,ISY", "NEQN line",
+          "vertices XVER of panel N=1", "vertices XVER of panel N=1", "vertices XVER of panel N=2"}},
+        {GDF,
+         good_bodies(),
+         "Error reading ",
+         {"GDF file, header line", "GDF file, ULEN,GRAV line", "global GDF file:  parameter NBODY ",
+          "GDF filename" + in_global + "1", "XBODY coordinates" + in_global + "1",
+          "IRAD,IDIFF" + in_global + "1", "array MODE" + in_global + "1", "GDF filename" + in_global + "2"}},
+        {"b.gdf",
+         good_bodies(),
+         "Error reading GDF file",
+         {" header" + body2, ", ULEN,GRAV line" + body2, ", symmetry indices ISX,ISY" + body2,
+          ", NEQN line" + body2, ", vertices XVER of panel N=1"}},
+    };
+    for (const auto &row : rows)
+        for (std::size_t k = 0; k < row.ends.size(); ++k)
+            expect_fault({row.file, cut(static_cast<int>(k)), {row.prefix + row.ends[k]}}, row.files);
+}
 
 TEST(InputFaults, the_drift_damping_run_has_no_global_file) {
     InputFiles files = good_bodies();
@@ -210,39 +221,36 @@ struct Check {
     const char *text;
     void (*spoil)(RunState &);
 };
-void PrintTo(const Check &row, std::ostream *out) {
-    *out << row.text;
-}
-class CrossCheck : public testing::TestWithParam<Check> {};
-TEST_P(CrossCheck, is_told) {
-    SoundRun in(good_files());
-    GetParam().spoil(in.run);
-    EXPECT_EQ(INCHK(in.run), Status::failed);
-    EXPECT_TRUE(in.folder.told(GetParam().text)) << in.folder.list_text();
-}
 void drift(RunState &run) {
     run.opt.IWADD = 1;
     run.opt.ISOR = 1;
 }
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(state, CrossCheck, testing::ValuesIn(std::vector<Check>{
-    {"                               MAXSCR=2", [](RunState &r) { r.opt.ISOLVE = 1, r.mesh.NEQN = 7; }},
-    {"                                 NEQN=7", [](RunState &r) { r.opt.ISOLVE = 1, r.mesh.NEQN = 7; }},
-    {" MAXSCR too small for block iteration:", [](RunState &r) { r.opt.ISOLVE = 3, r.opt.NBLKSZ = 5; }},
-    {"                  Dimension of blocks=5", [](RunState &r) { r.opt.ISOLVE = 3, r.opt.NBLKSZ = 5; }},
-    {"Combination of wall plus NBODY is illegal", [](RunState &r) { r.opt.ISY = -1, r.bodies.NBODY = 2; }},
-    {"Value of IDIFF index is illegal", [](RunState &r) { r.opt.IDIFF = 2; }},
-    {"It is not possible with walls when IWADD=1", [](RunState &r) { drift(r), r.opt.ISY = -1; }},
-    {"NBODY must be 1 when IWADD=1", [](RunState &r) { drift(r), r.bodies.NBODY = 2; }},
-    {"IRR must be 0 when IWADD=1", [](RunState &r) { drift(r), r.opt.IRR = 1; }},
-    {"IRR must be 0 when IWADD=1", [](RunState &r) { drift(r), r.opt.IRRX = 1; }},
-    {"ISOR must be 1 when IWADD=1", [](RunState &r) { drift(r), r.opt.ISOR = 0; }},
-    {"ISOLVE must be 0 or 1 when IWADD=1", [](RunState &r) { drift(r), r.opt.ISOLVE = 2; }},
-    {"ISCATT must be 0 when IWADD=1", [](RunState &r) { drift(r), r.opt.ISCATT = 1; }},
-    {"I2ND must be 0 when IWADD=1", [](RunState &r) { drift(r), r.opt.I2ND = 1; }},
-    {"I2ND must be 0 when there are dipoles", [](RunState &r) { r.dipoles.IDIPOL = true, r.opt.I2ND = 1; }},
-    {"IWADD must be 0 when there are dipoles", [](RunState &r) { drift(r), r.dipoles.IDIPOL = true; }},
-}));
+TEST(CrossChecks, of_the_state) {
+    for (const Check &check : std::vector<Check>{
+        {"                               MAXSCR=2", [](RunState &r) { r.opt.ISOLVE = 1, r.mesh.NEQN = 7; }},
+        {"                                 NEQN=7", [](RunState &r) { r.opt.ISOLVE = 1, r.mesh.NEQN = 7; }},
+        {" MAXSCR too small for block iteration:", [](RunState &r) { r.opt.ISOLVE = 3, r.opt.NBLKSZ = 5; }},
+        {"                  Dimension of blocks=5", [](RunState &r) { r.opt.ISOLVE = 3, r.opt.NBLKSZ = 5; }},
+        {"Combination of wall plus NBODY is illegal", [](RunState &r) { r.opt.ISY = -1, r.bodies.NBODY = 2; }},
+        {"Value of IDIFF index is illegal", [](RunState &r) { r.opt.IDIFF = 2; }},
+        {"It is not possible with walls when IWADD=1", [](RunState &r) { drift(r), r.opt.ISY = -1; }},
+        {"NBODY must be 1 when IWADD=1", [](RunState &r) { drift(r), r.bodies.NBODY = 2; }},
+        {"IRR must be 0 when IWADD=1", [](RunState &r) { drift(r), r.opt.IRR = 1; }},
+        {"IRR must be 0 when IWADD=1", [](RunState &r) { drift(r), r.opt.IRRX = 1; }},
+        {"ISOR must be 1 when IWADD=1", [](RunState &r) { drift(r), r.opt.ISOR = 0; }},
+        {"ISOLVE must be 0 or 1 when IWADD=1", [](RunState &r) { drift(r), r.opt.ISOLVE = 2; }},
+        {"ISCATT must be 0 when IWADD=1", [](RunState &r) { drift(r), r.opt.ISCATT = 1; }},
+        {"I2ND must be 0 when IWADD=1", [](RunState &r) { drift(r), r.opt.I2ND = 1; }},
+        {"I2ND must be 0 when there are dipoles", [](RunState &r) { r.dipoles.IDIPOL = true, r.opt.I2ND = 1; }},
+        {"IWADD must be 0 when there are dipoles", [](RunState &r) { drift(r), r.dipoles.IDIPOL = true; }},
+    }) {
+        SoundRun in(good_files());
+        check.spoil(in.run);
+        EXPECT_EQ(INCHK(in.run), Status::failed);
+        EXPECT_TRUE(in.folder.told(check.text)) << check.text << in.folder.list_text();
+    }
+}
 // clang-format on
 
 TEST(CrossCheckFirstPass, leaves_the_modes_alone) {
@@ -305,6 +313,9 @@ TEST(FaultDetails, name_file_line_and_value) {
          "found  1.6000E+00, the global file has"},
         {good_files({{"box.pot", with_line(GOOD_POT, 5, " 3e6 0 0 0 0")}}), "give HBOT = 0 for deep water"},
         {good_files({{"box.pot", with_line(GOOD_POT, 5, " 0.5 0 0 0 0")}}), "of body 1, vertex"},
+        {good_bodies({{"box.gdf", with_line(GOOD_GLOBAL, 9, " 0 -10 -49 0")}}), "panel I=3"},
+        {good_bodies({{"box.gdf", with_line(GOOD_GLOBAL, 9, " 0 -10 -49 0")}}),
+         "panel 1 of body 2, vertex 3"},
     };
     for (const auto &row : rows) {
         const InputRun in(row.files);

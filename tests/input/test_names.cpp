@@ -56,27 +56,14 @@ TEST(ConsoleNames, are_asked_for_when_missing) {
         if (row.names != nullptr)
             files["fnames.vrd"] = row.names;
         const SoundRun in(files, row.typed);
-        EXPECT_EQ(in.run.files.FILNAM(1), "box.gdf");
-        EXPECT_EQ(in.run.files.FILNAM(2), "box.pot");
-        EXPECT_EQ(in.run.files.FILNAM(3), "box.p2f");
+        const NameTable &names = in.run.files.FILNAM;
+        EXPECT_EQ(names(1) + " " + names(2) + " " + names(3), "box.gdf box.pot box.p2f");
         const std::string gdf = " \n fnames.vrd          file cannot be opened or is incomplete; \n \n"
                                 " Enter full name of geometric data file (GDF):          \n";
         const std::string pot = " \n Enter full name of potential control file (POT):       \n \n \n";
         EXPECT_EQ(in.folder.list_has(gdf), row.asks_gdf) << in.folder.list_text();
         EXPECT_EQ(in.folder.list_has(pot), row.asks_pot) << in.folder.list_text();
     }
-}
-
-TEST(Names, end_of_the_console_is_a_fault) {
-    InputFiles files = good_files();
-    files.erase("fnames.vrd");
-    const InputRun none(files);
-    EXPECT_EQ(none.status, Status::failed);
-    EXPECT_EQ(first_fault(), "Error reading the name of the GDF file from the console");
-    files["fnames.vrd"] = "box.gdf\n";
-    const InputRun one(files);
-    EXPECT_EQ(one.status, Status::failed);
-    EXPECT_EQ(first_fault(), "Error reading the name of the POT file from the console");
 }
 
 TEST(Names, free_surface_file_is_line_5) {
@@ -92,22 +79,15 @@ TEST(Names, free_surface_file_is_line_5) {
     EXPECT_EQ(asked.run.files.FILNAM(5), "typed.fdf");
     EXPECT_TRUE(asked.folder.list_has(" \n Enter full name of free-surface panel file (FDF):      \n"));
     EXPECT_FALSE(asked.folder.list_has("Free Surface Data File"));
-    const InputRun silent(files);
-    EXPECT_EQ(silent.status, Status::failed);
-    EXPECT_EQ(first_fault(), "Error reading the name of the FDF file from the console");
-}
-
-TEST(Names, an_old_result_goes_first) {
-    InputFiles files = good_files();
-    files["box.p2f"] = "old";
-    files.erase("box.gdf");
-    const InputRun in(files);
-    EXPECT_EQ(in.status, Status::failed);
-    EXPECT_FALSE(in.folder.exists("box.p2f"));
-    EXPECT_TRUE(in.folder.list_has(
-        " \n     WARNING!\n \n     An old P2F file exists with the specified filename box.p2f             \n"
-        "     Old file is overwritten\n"))
-        << in.folder.list_text();
+    // The console ends before a name.
+    InputFiles none = good_files(), one = good_files({{"fnames.vrd", "box.gdf\n"}});
+    none.erase("fnames.vrd");
+    for (const auto &[given, what] : {std::pair{none, "GDF"}, {one, "POT"}, {files, "FDF"}}) {
+        const InputRun silent(given);
+        EXPECT_EQ(silent.status, Status::failed);
+        EXPECT_EQ(first_fault(),
+                  std::string("Error reading the name of the ") + what + " file from the console");
+    }
 }
 
 TEST(Names, an_old_result_that_stays_ends_the_run) {
@@ -119,13 +99,6 @@ TEST(Names, an_old_result_that_stays_ends_the_run) {
     EXPECT_EQ(run_input(run), Status::failed);
     EXPECT_EQ(first_fault(), "Error removing old P2F file ");
     EXPECT_TRUE(folder.list_has("(box.p2f: ")) << folder.list_text();
-}
-
-TEST(Names, the_result_never_replaces_an_input_file) {
-    const InputRun in(good_files({{"box.p2f", GOOD_POT}, {"fnames.vrd", "box.gdf\nbox.p2f\n"}}));
-    EXPECT_EQ(in.status, Status::failed);
-    EXPECT_EQ(first_fault(), "The P2F file would replace an input file");
-    EXPECT_EQ(in.folder.read("box.p2f"), GOOD_POT);
 }
 
 } // namespace

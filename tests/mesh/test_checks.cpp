@@ -149,6 +149,18 @@ TEST(Meshes, ThatAreSoundAreSilent) {
             ADD_FAILURE() << told(finding);
 }
 
+TEST(Meshes, HaveTheMeasuresOfTheirBody) {
+    BodyMesh mesh = box();
+    const MeshMeasures m = measure(mesh);
+    for (std::size_t c = 0; c < 3; ++c)
+        EXPECT_NEAR(m.volume[c], 8, 1e-12);
+    EXPECT_NEAR(m.waterplane, 8, 1e-12);
+    EXPECT_NEAR(m.buoyancy[2], -0.5, 1e-12);
+    EXPECT_NEAR(m.aspect, 2, 1e-12); // 0.5 by 0.25
+    mesh.panels = {{{BodyPoint{0, 0, -1}, {0, 2, -1}, {2, 0, -1}, {2, 0, -1}}}};
+    EXPECT_NEAR(measure(mesh).aspect, 2, 1e-12) << "half of a square whose side is the longest one";
+}
+
 // One core of a small machine needs a tenth of a second.
 TEST(Meshes, OfTwentyThousandPanelsAreJudgedAtOnce) {
     BodyMesh mesh;

@@ -2,8 +2,8 @@
 // messages. Signs of images and gradients are seen in whole runs: sources against potentials, full
 // against quarter meshes.
 #include "hull_meshes.hpp"
-#include "list_capture.hpp"
 #include "rankine/rankin.hpp"
+#include "run_folder.hpp"
 #include "state/memory_plan.hpp"
 #include "state/symmetry.hpp"
 
@@ -81,7 +81,7 @@ int code_of(double x, double z1, double z2, int ILOG, f32 HBOT, double length) {
     run.opt.ILOG = ILOG;
     run.opt.HBOT = HBOT;
     hulls::set_body(mesh, run);
-    const ListCapture list; // no volume
+    const RunFolder list; // no volume
     EXPECT_EQ(hulls::pre_pass(run), Status::ok);
     EXPECT_EQ(sweep(run), Status::ok);
     const int word = run.store.ICODM(1, 2);
@@ -131,7 +131,7 @@ TEST(Rankin, OneOctalDigitAnImage) {
     RunState run;
     run.opt.ISX = 1;
     hulls::set_body(mesh, run);
-    const ListCapture list;
+    const RunFolder list;
     ASSERT_EQ(hulls::pre_pass(run), Status::ok);
     ASSERT_EQ(sweep(run), Status::ok);
     EXPECT_EQ(run.store.ICODM(1, 1), 022) << "itself and its mirror image at distance 4";
@@ -188,7 +188,7 @@ TEST(Rankin, InfiniteLogarithmIsOneMessage) {
     RunState run;
     run.opt.ILOG = 1;
     hulls::set_body(mesh, run);
-    const ListCapture list;
+    const RunFolder list;
     ASSERT_EQ(hulls::pre_pass(run), Status::ok);
     EXPECT_EQ(sweep(run), Status::failed);
     EXPECT_EQ(list.count("  Error in evaluating Rankine matrix"), 1);

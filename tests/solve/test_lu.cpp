@@ -40,7 +40,11 @@ TEST_P(Orders, SolveAndDoNotDependOnTheCores) {
     EXPECT_EQ(pivots_one, pivots_two);
     EXPECT_EQ(std::memcmp(one.data(), two.data(), static_cast<std::size_t>(one.size()) * sizeof(c32)), 0);
 
-    std::vector<c32> x(static_cast<std::size_t>(n), c32(1, -2)), b = x;
+    // A constant right-hand side would not notice rows that are interchanged wrongly.
+    std::vector<c32> x(static_cast<std::size_t>(n));
+    for (std::size_t i = 0; i < x.size(); ++i)
+        x[i] = A(static_cast<std::int64_t>(i) + 1, 1) + c32(static_cast<f32>(i % 7));
+    const std::vector<c32> b = x;
     const int count = 1;
     int info = 0;
     cgetrs_("N", &n, &count, one.data(), &n, pivots_one.data(), x.data(), &n, &info, 1);

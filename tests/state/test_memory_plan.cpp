@@ -1,7 +1,7 @@
 // Truth: the plan's formula worked by hand for chosen memories, and the lines it must leave.
 #include "state/memory_plan.hpp"
 
-#include "list_capture.hpp"
+#include "run_folder.hpp"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ class Plans : public testing::TestWithParam<PlanCase> {};
 
 TEST_P(Plans, DecideAndTell) {
     const PlanCase &p = GetParam();
-    ListCapture list;
+    RunFolder list;
     Options opt;
     opt.MAXSCR = p.MAXSCR;
     opt.ILOG = p.ILOG;
@@ -32,9 +32,9 @@ TEST_P(Plans, DecideAndTell) {
     EXPECT_EQ(memory.INCORE, p.INCORE);
     EXPECT_EQ(memory.NTMAX, p.NTMAX);
     if (p.line != nullptr)
-        EXPECT_EQ(list.count(p.line), 1) << list.text();
+        EXPECT_EQ(list.count(p.line), 1) << list.list_text();
     else
-        EXPECT_EQ(list.text().find("Matrices in"), std::string::npos);
+        EXPECT_EQ(list.list_text().find("Matrices in"), std::string::npos);
 }
 
 // 1e10 bytes, N = 1000: 9500 per element; shared 4, thread 9: (9500 - 4) / 9 = 1055.
@@ -63,7 +63,7 @@ TEST(MemoryPlan, OrderOfTheMatrixInMemory) {
 }
 
 TEST(Messages, ValuesTakeTheirWidth) {
-    ListCapture list;
+    RunFolder list;
     MSGOUT("none=", 0);
     MSGOUT("one=", 7);
     MSGOUT("two=", -1);
@@ -74,7 +74,7 @@ TEST(Messages, ValuesTakeTheirWidth) {
     EXPECT_EQ(list.count(" two=    -1"), 1);
     EXPECT_EQ(list.count(" five=12345"), 1);
     EXPECT_EQ(list.count(" over=*****"), 1);
-    EXPECT_NE(list.text().find(" \n none=\n \n"), std::string::npos);
+    EXPECT_NE(list.list_text().find(" \n none=\n \n"), std::string::npos);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // vorda-mesh: panels of simple hulls as GDF files.
+#include "../support/arguments.hpp"
 #include "check.hpp"
 #include "shapes.hpp"
 
@@ -113,8 +114,8 @@ CLI::App *add_shape(CLI::App &app, const Shape &shape, Request &r) {
     command->add_option("--part", r.part, "quarter, half-x (x >= 0, symmetric about x = 0), half-y, full")
         ->check(CLI::IsMember({"quarter", "half-x", "half-y", "full"}));
     command->add_option("--offset", r.offset, "added to x, y, z of all vertices")->expected(3);
-    command->add_option("--ulen", r.ULEN, "length scale ULEN of the file")->check(CLI::PositiveNumber);
-    command->add_option("--gravity", r.GRAV, "gravity GRAV of the file")->check(CLI::PositiveNumber);
+    command->add_option("--ulen", r.ULEN, "length scale ULEN of the file")->check(positive_number());
+    command->add_option("--gravity", r.GRAV, "gravity GRAV of the file")->check(positive_number());
     if (shape.of_plates) {
         command->add_option("--idip", r.mark, "mark IDIP of the panels");
         command->add_option("--dpora", r.porosity[0], "porosity coefficient DPORA");
@@ -127,7 +128,7 @@ CLI::App *add_shape(CLI::App &app, const Shape &shape, Request &r) {
     const std::map<std::string, bool *> flags = {{"--lid", &r.lid}, {"--standing", &r.standing}};
     for (const auto &[name, text] : shape.options) {
         if (sizes.count(name) > 0)
-            command->add_option(name, *sizes.at(name), text)->check(CLI::PositiveNumber);
+            command->add_option(name, *sizes.at(name), text)->check(positive_number());
         else if (counts.count(name) > 0)
             command->add_option(name, *counts.at(name), text)->check(CLI::Range(1, 10000));
         else
@@ -141,7 +142,9 @@ CLI::App *add_shape(CLI::App &app, const Shape &shape, Request &r) {
 int main(int argc, char **argv) {
     CLI::App app(
         "Writes the panels of a simple hull, free surface at z = 0, as a GDF file, or checks such a file.\n"
-        "Panel counts are those of one quarter.");
+        "Panel counts are those of one quarter.",
+        "vorda-mesh");
+    set_up_program(app);
     app.require_subcommand(1);
     Request r;
     std::vector<CLI::App *> commands;
@@ -151,7 +154,7 @@ int main(int argc, char **argv) {
     CLI::App *check_command =
         app.add_subcommand("check", "says what is wrong with the mesh of a geometry file");
     check_command->add_option("FILE", check.file, "geometry file, or global geometry file")->required();
-    check_command->add_option("--depth", check.depth, "water depth, default infinite");
+    check_command->add_option("--depth", check.depth, "water depth; 0: infinite");
     check_command->add_option("--wave-length", check.wave_length, "shortest wave, to judge the panels by");
     check_command->add_flag("--tank", check.tank, "a filled tank: normals out of the fluid");
     check_command->add_flag("--lids", check.lids, "the global file holds BDTYP and FSDMP (IFSLID)");
