@@ -1,9 +1,11 @@
 # Programs beside the solver: generators of the tables, the mesh maker, the reader of the hand-over file.
 file(GLOB generators CONFIGURE_DEPENDS tools/tables/make_*.cpp)
+add_custom_target(generators)
 foreach(source ${generators})
   get_filename_component(name ${source} NAME_WE)
   add_executable(${name} EXCLUDE_FROM_ALL ${source})
   target_link_libraries(${name} PRIVATE vorda_green)
+  add_dependencies(generators ${name})
 endforeach()
 file(GLOB mesh_sources CONFIGURE_DEPENDS tools/mesh/*.cpp)
 add_executable(vorda-mesh ${mesh_sources})
