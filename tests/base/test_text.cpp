@@ -5,41 +5,31 @@
 
 namespace {
 
-struct NumberCase {
-    const char *text;
-    bool good;
-    f32 first;
-    f32 second;
-};
-
-class TwoNumbers : public testing::TestWithParam<NumberCase> {};
-
-TEST_P(TwoNumbers, AreReadOrRefused) {
-    FreeReader in;
-    in.open_text("x.pot", GetParam().text);
-    f32 a = -1;
-    f32 b = -1;
-    ASSERT_EQ(in.read(a, b), GetParam().good) << GetParam().text;
-    if (GetParam().good) {
-        EXPECT_EQ(a, GetParam().first);
-        EXPECT_EQ(b, GetParam().second);
-    } else {
+TEST(FreeReader, ReadsNumbersOfAnyForm) {
+    struct Row {
+        const char *text;
+        f32 first, second;
+    };
+    for (const Row &row :
+         {Row{"1 2", 1, 2}, Row{"1,2\n", 1, 2}, Row{" 1 , 2 rest", 1, 2}, Row{"1\r\n\r\n2\r\n", 1, 2},
+          Row{"1,\n2", 1, 2}, Row{"2*-1.5D+01", -15, -15}, Row{"1d2 +3.E-1", 100, 0.3f},
+          Row{".5 5.", 0.5f, 5}, Row{"1e-60 1", 0, 1}, Row{"\t1\t2", 1, 2}}) {
+        FreeReader in;
+        in.open_text("x.pot", row.text);
+        f32 a = -1, b = -1;
+        ASSERT_TRUE(in.read(a, b)) << row.text;
+        EXPECT_EQ(a, row.first);
+        EXPECT_EQ(b, row.second);
+    }
+    for (const char *text :
+         {"1", "1 ,, 2", "1 two", "nan 1", "1 infinity", "1 1e40", "1 2x", "0*1 2", "", "1 --2"}) {
+        FreeReader in;
+        in.open_text("x.pot", text);
+        f32 a = -1, b = -1;
+        EXPECT_FALSE(in.read(a, b)) << text;
         EXPECT_NE(in.fault().find("x.pot"), std::string::npos);
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    FreeForm, TwoNumbers,
-    testing::Values(NumberCase{"1 2", true, 1, 2}, NumberCase{"1,2\n", true, 1, 2},
-                    NumberCase{" 1 , 2 rest", true, 1, 2}, NumberCase{"1\r\n\r\n2\r\n", true, 1, 2},
-                    NumberCase{"1,\n2", true, 1, 2}, NumberCase{"2*-1.5D+01", true, -15, -15},
-                    NumberCase{"1d2 +3.E-1", true, 100, 0.3f}, NumberCase{".5 5.", true, 0.5f, 5},
-                    NumberCase{"1e-60 1", true, 0, 1}, NumberCase{"\t1\t2", true, 1, 2},
-                    NumberCase{"1", false, 0, 0}, NumberCase{"1 ,, 2", false, 0, 0},
-                    NumberCase{"1 two", false, 0, 0}, NumberCase{"nan 1", false, 0, 0},
-                    NumberCase{"1 infinity", false, 0, 0}, NumberCase{"1 1e40", false, 0, 0},
-                    NumberCase{"1 2x", false, 0, 0}, NumberCase{"0*1 2", false, 0, 0},
-                    NumberCase{"", false, 0, 0}, NumberCase{"1 --2", false, 0, 0}));
 
 TEST(FreeReader, TheRestOfTheLastLineIsDropped) {
     FreeReader in;

@@ -50,17 +50,6 @@ TEST(Depth, DampingIsTheEnergyOfTheRadiatedWaves) {
     }
 }
 
-TEST(Depth, RadiationIsReciprocal) {
-
-    const SolvedRun run =
-        solve_mesh("box --length 2 --beam 1.2 --draft 0.5 --nu 5 --nv 3 --nw 3 --offset 0 0 0",
-                   at_depth(1.2, "0.5 1.5", 2));
-    for (int t = 1; t <= 2; ++t) {
-        EXPECT_NEAR(run.c.A(1, 5, t), run.c.A(5, 1, t), 0.01 * static_cast<double>(run.c.A(1, 1, t)));
-        EXPECT_NEAR(run.c.B(2, 4, t), run.c.B(4, 2, t), 0.01 * static_cast<double>(run.c.A(2, 2, t)));
-    }
-}
-
 TEST(Limits, OfAHemisphereInDeepWater) {
 
     const SolvedRun run = solve_mesh("hemisphere --nu 12 --nv 12", at_depth(0, "-1 0", 2));
@@ -90,15 +79,6 @@ TEST(Limits, AreApproachedByTheWaves) {
             EXPECT_NEAR(run.c.A(6, 6, 1), run.c.A(6, 6, 2), 0.01 * static_cast<double>(run.c.A(6, 6, 1)));
         }
     }
-}
-
-TEST(Depth, PanelsBelowTheBottomAreRefused) {
-    CaseFolder folder;
-    prepare(folder, at_depth(0.9, "1.0", 1));
-    make_mesh(folder, "box --length 2 --beam 2 --draft 1 --nu 2 --nv 2 --nw 2");
-    folder.solve();
-    EXPECT_TRUE(folder.lists("Error: vertex below the bottom, z below -HBOT, for panel I=2"));
-    EXPECT_FALSE(folder.exists("run.p2f"));
 }
 
 } // namespace

@@ -200,16 +200,17 @@ Seen seen(const std::string &mesh, const Pot &pot, double ULEN) {
     prepare(folder, pot, "IPERIO=1\n");
     make_mesh(folder, mesh + " --ulen " + std::to_string(ULEN));
     const SolvedRun run = solved(folder);
-    EXPECT_EQ(folder.shell("vorda-p2f coef --csv --density 1000 run.p2f"), 0);
     Seen result;
-    std::istringstream out(folder.read("stdout.txt"));
-    for (std::string line; std::getline(out, line);) {
-        double a = 0, b = 0; // A and B, or a force without its phase
-        if (std::sscanf(line.c_str(), "radiation,%*f,%*f,%*d,%*d,%lf,%lf", &a, &b) == 2)
-            result.coefficients.insert(result.coefficients.end(), {a, b});
-        else if (std::sscanf(line.c_str(), "exciting,%*f,%*f,%*f,%*d,%lf", &a) == 1)
-            result.coefficients.push_back(a);
-    }
+    const Scales scales = scales_of(run.p2f, 1000);
+    const auto add = [&](const Table &table, std::initializer_list<const char *> names) {
+        for (const auto &row : table.rows)
+            for (std::size_t k = 0; k < row.size(); ++k)
+                for (const char *name : names)
+                    if (table.columns[k].name == name)
+                        result.coefficients.push_back(std::get<double>(row[k]));
+    };
+    add(radiation_table(run.p2f, scales, run.c), {"added mass", "damping"});
+    add(exciting_table(run.p2f, scales, run.c), {"modulus"});
     double size = 0;
     for (std::int64_t i = 0; i < run.p2f.VELD.size(); ++i)
         size = std::max(size, static_cast<double>(std::abs(run.p2f.VELD.data()[i])));

@@ -140,32 +140,6 @@ std::array<double, ERRORS> errors_of_sphere_flows(const P2fFile &p, double gap) 
     return error;
 }
 
-// Small panels about a point beside a box: the second derivatives of each flow sum up to 0.
-TEST(SecondOrder, SteadyFlowsSatisfyLaplace) {
-    constexpr double X = 1.0, Y = 1.2, STEP = 0.05, SIDE = 0.02;
-    const double centre[5][2] = {{X, Y}, {X + STEP, Y}, {X - STEP, Y}, {X, Y + STEP}, {X, Y - STEP}};
-    std::ostringstream fdf;
-    fdf << "five panels\n0\n5 5\n0\n";
-    for (const auto &[x, y] : centre)
-        fdf << x << " " << x << " " << x + SIDE << " " << x + SIDE << " " << y << " " << y + SIDE << " "
-            << y + SIDE << " " << y << "\n";
-    Pot pot = drift_pot();
-    pot.IDIFF = -1;
-    const P2fFile p = drift_run(pot, BOX + "quarter", fdf.str().c_str());
-    for (int d = 1; d <= 3; ++d) {
-        const auto slope = [&](int axis, int plus) {
-            return (static_cast<double>(p.STF2(plus, axis, d)) -
-                    static_cast<double>(p.STF2(plus + 1, axis, d))) /
-                   (2 * STEP);
-        };
-        const double along_x = slope(1, 2), along_y = slope(2, 4);
-        EXPECT_NEAR(static_cast<double>(p.STF3(1, d)), -along_x - along_y,
-                    0.01 * (std::abs(along_x) + std::abs(along_y)))
-            << d;
-        EXPECT_GT(std::abs(p.STF3(1, d)), 0.05f * static_cast<f32>(std::abs(along_x))) << d;
-    }
-}
-
 TEST(SecondOrder, SteadyFlowsPastAHemisphereAreThoseOfASphere) {
     std::array<double, ERRORS> error[2];
     for (const int fine : {0, 1}) {

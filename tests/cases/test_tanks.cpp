@@ -148,26 +148,4 @@ TEST(Tank, ItsSourcesMoveTheFluidAsARigidBody) {
     }
 }
 
-TEST(Tank, UnfitRunsAreRefused) {
-    struct Refusal {
-        Pot pot;
-        const char *config, *message;
-    };
-    Pot wave = tank_pot(1);
-    wave.IDIFF = 1;
-    wave.NBETA = 1;
-    wave.BETA = "0";
-    for (const Refusal &r :
-         {Refusal{tank_pot(1), "ISOLVE=0\n", " Fully filled tank exists, ISOLVE=1 is expected! "},
-          Refusal{wave, "", "IDIFF must be -1 for a fully filled tank"},
-          Refusal{tank_pot(5000), "", "Reference panel of the tank is above NEQN: IRR-10=5000"}}) {
-        CaseFolder folder;
-        prepare(folder, r.pot, r.config);
-        make_mesh(folder, tank_mesh(1));
-        folder.solve();
-        EXPECT_TRUE(folder.lists(r.message));
-        EXPECT_FALSE(folder.exists("run.p2f"));
-    }
-}
-
 } // namespace

@@ -108,43 +108,6 @@ TEST(Disc, TendsToTheKnownAddedMass) {
     EXPECT_LT(defect, 0.03);
 }
 
-// A solid of thickness 0.05, its radius 1 and centre at depth 1: the parts of a quarter, top,
-// bottom and side.
-std::string solid_disc() {
-    constexpr int around = 6, radial = 12, down = 2;
-    constexpr double half_pi = 1.5707963267948966, t = 0.05;
-    std::ostringstream out;
-    out << "solid\n1 9.80665\n1 1\n" << around * (2 * radial + down) << "\n";
-    const auto vertex = [&](double r, double a, double z) {
-        out << r * std::cos(half_pi * a) << " " << r * std::sin(half_pi * a) << " " << z << "\n";
-    };
-    for (int i = 0; i < around; ++i) {
-        const double a = i / double{around}, b = (i + 1) / double{around};
-        for (int j = 0; j < radial; ++j) {
-            const double r = std::sin(half_pi * j / radial), s = std::sin(half_pi * (j + 1) / radial);
-            vertex(r, a, -1 - t / 2), vertex(r, b, -1 - t / 2), vertex(s, b, -1 - t / 2),
-                vertex(s, a, -1 - t / 2);
-            vertex(s, a, -1 + t / 2), vertex(s, b, -1 + t / 2), vertex(r, b, -1 + t / 2),
-                vertex(r, a, -1 + t / 2);
-        }
-        for (int j = 0; j < down; ++j) {
-            const double top = -1 + t / 2 - t * j / down, bottom = -1 + t / 2 - t * (j + 1) / down;
-            vertex(1, a, top), vertex(1, b, top), vertex(1, b, bottom), vertex(1, a, bottom);
-        }
-    }
-    return out.str();
-}
-
-TEST(Disc, IsCloseToAThinSolid) {
-    const SolvedRun disc = solve_mesh("disc --depth 1 --nu 6 --nw 12", waves("0.5 1.0"));
-    CaseFolder folder;
-    prepare(folder, waves("0.5 1.0"));
-    folder.write("run.gdf", solid_disc());
-    const SolvedRun solid = solved(folder);
-    for (int t = 1; t <= 2; ++t)
-        EXPECT_NEAR(A33(disc, t) / A33(solid, t), 1, 0.05);
-}
-
 // What porous plates take out of the motion in a mode.
 double taken(const SolvedRun &run, int mode, int t, double DPORB) {
     double sum = 0;
@@ -266,29 +229,6 @@ TEST(HullOverADisc, APorousOneIsOpenAtInfiniteFrequency) {
             }
         EXPECT_GT(whole_fields::difference(alone, with, on_hull).largest[whole_fields::POTENTIAL],
                   0.01); // in the wave
-    }
-}
-
-TEST(Plates, UnfitRunsAreRefused) {
-    struct Refusal {
-        const char *config, *depth, *message;
-    };
-    for (const Refusal &r : {Refusal{"", "--depth 0.00001", "Dipole not allowed on the free surface!"},
-                             Refusal{"I2ND=1\n", "--depth 1", "I2ND must be 0 when there are dipoles"},
-                             Refusal{"IWADD=1\n", "--depth 1", "IWADD must be 0 when there are dipoles"}}) {
-        CaseFolder folder;
-        Pot pot;
-        pot.ISOR = 1;
-        prepare(folder, pot, r.config);
-        folder.write("fnames.vrd", "run.gdf\nrun.pot\n\n\nrun.fdf\n");
-        if (std::string(r.config).starts_with("I2ND")) { // the control file then has no line of it
-            std::string text = folder.read("run.pot");
-            folder.write("run.pot", text.erase(text.find("0 I2ND"), 7));
-        }
-        make_mesh(folder, std::string("disc --nu 3 --nw 3 ") + r.depth);
-        folder.solve();
-        EXPECT_TRUE(folder.lists(r.message));
-        EXPECT_FALSE(folder.exists("run.p2f"));
     }
 }
 

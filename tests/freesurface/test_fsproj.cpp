@@ -75,43 +75,41 @@ TEST(Fsproj, HullWithoutDraughtMoves) {
     }
 }
 
-struct OnePanel {
-    const char *label;
-    hulls::Quad panel;
-    bool projected;
-};
-void PrintTo(const OnePanel &row, std::ostream *out) {
-    *out << row.label;
-}
-class SinglePanels : public testing::TestWithParam<OnePanel> {};
-TEST_P(SinglePanels, AreProjectedIfTheProjectionHasArea) {
-    RunState run;
-    hulls::set_body({GetParam().panel}, run);
-    int n = 1;
-    ASSERT_EQ(FSPROJ(1, n, 0, {}, run.mesh.XVER), Status::ok);
-    EXPECT_EQ(n, GetParam().projected ? 2 : 1);
-    for (int v = 1; n == 2 && v <= 4; ++v) {
-        EXPECT_EQ(run.mesh.XVER(v, 1, 2), run.mesh.XVER(5 - v, 1, 1));
-        EXPECT_EQ(run.mesh.XVER(v, 2, 2), run.mesh.XVER(5 - v, 2, 1));
-        EXPECT_EQ(run.mesh.XVER(v, 3, 2), 0);
+TEST(Fsproj, PanelsAreProjectedIfTheProjectionHasArea) {
+    // clang-format off
+    const struct {
+        const char *label;
+        hulls::Quad panel;
+        bool projected;
+    } cases[] = {
+        {"wall", {{{0, 0, 0}, {0, 0, -1}, {1, 1, -1}, {1, 1, 0}}}, false},
+        {"trapezoid_wall", {{{0, 0, 0}, {.2, .1, -1}, {.8, .4, -1}, {1, .5, 0}}}, false},
+        // Two sides run one way and two the other: no three have one direction.
+        {"sheared_wall", {{{0, 0, 0}, {.2, .1, -1}, {1.2, .6, -1}, {1, .5, 0}}}, false},
+        {"triangular_wall", {{{0, 0, 0}, {.5, 1, -1}, {1, 2, 0}, {1, 2, 0}}}, false},
+        {"lid", {{{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}}}, false},
+        {"three_in_the_surface", {{{0, 0, 0}, {0, 1, 0}, {1, 1, -1}, {1, 0, 0}}}, true},
+        {"diamond", {{{1, 0, -1}, {0, -1, -1}, {-1, 0, -1}, {0, 1, -1}}}, true},
+        // Three sides at 45 degrees to the axes, two of them on one line.
+        {"middle_vertex_on_a_side", {{{0, 0, -1}, {1, 1, -1}, {2, 2, -1}, {3, 1, -1}}}, true},
+        {"triangle", {{{0, 0, -1}, {0, 1, -1}, {1, 0, -1}, {1, 0, -1}}}, true},
+        {"needle", {{{0, 0, -1}, {0, 1, -1}, {5e-5, 1, -1}, {5e-5, 0, -1}}}, false},
+    };
+    // clang-format on
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.label);
+        RunState run;
+        hulls::set_body({row.panel}, run);
+        int n = 1;
+        ASSERT_EQ(FSPROJ(1, n, 0, {}, run.mesh.XVER), Status::ok);
+        EXPECT_EQ(n, row.projected ? 2 : 1);
+        for (int v = 1; n == 2 && v <= 4; ++v) {
+            EXPECT_EQ(run.mesh.XVER(v, 1, 2), run.mesh.XVER(5 - v, 1, 1));
+            EXPECT_EQ(run.mesh.XVER(v, 2, 2), run.mesh.XVER(5 - v, 2, 1));
+            EXPECT_EQ(run.mesh.XVER(v, 3, 2), 0);
+        }
     }
 }
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(rows, SinglePanels, testing::ValuesIn(std::vector<OnePanel>{
-    {"wall", {{{0, 0, 0}, {0, 0, -1}, {1, 1, -1}, {1, 1, 0}}}, false},
-    {"trapezoid_wall", {{{0, 0, 0}, {.2, .1, -1}, {.8, .4, -1}, {1, .5, 0}}}, false},
-    // Two sides run one way and two the other: no three have one direction.
-    {"sheared_wall", {{{0, 0, 0}, {.2, .1, -1}, {1.2, .6, -1}, {1, .5, 0}}}, false},
-    {"triangular_wall", {{{0, 0, 0}, {.5, 1, -1}, {1, 2, 0}, {1, 2, 0}}}, false},
-    {"lid", {{{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}}}, false},
-    {"three_in_the_surface", {{{0, 0, 0}, {0, 1, 0}, {1, 1, -1}, {1, 0, 0}}}, true},
-    {"diamond", {{{1, 0, -1}, {0, -1, -1}, {-1, 0, -1}, {0, 1, -1}}}, true},
-    // Three sides at 45 degrees to the axes, two of them on one line.
-    {"middle_vertex_on_a_side", {{{0, 0, -1}, {1, 1, -1}, {2, 2, -1}, {3, 1, -1}}}, true},
-    {"triangle", {{{0, 0, -1}, {0, 1, -1}, {1, 0, -1}, {1, 0, -1}}}, true},
-    {"needle", {{{0, 0, -1}, {0, 1, -1}, {5e-5, 1, -1}, {5e-5, 0, -1}}}, false},
-}), [](const auto &row) { return std::string(row.param.label); });
-// clang-format on
 
 TEST(Fsproj, SecondBodyAndDipolePanels) {
     // Two bodies of two panels each: only the second is projected, and of it not the plate.

@@ -20,17 +20,6 @@ Array<f32, 3> panels(int n) {
     return XVER;
 }
 
-TEST(XVGROW, keeps_what_is_there) {
-    const RunFolder folder;
-    Array<f32, 3> XVER = panels(2);
-    ASSERT_EQ(XVGROW(5, XVER), Status::ok);
-    ASSERT_EQ(XVGROW(3, XVER), Status::ok); // never less
-    EXPECT_EQ(XVER.dim(3), 5);
-    EXPECT_EQ(XVER(4, 2, 2), 204);
-    EXPECT_EQ(XVGROW(std::int64_t{1} << 50, XVER), Status::failed);
-    EXPECT_TRUE(folder.told("Insufficient memory to allocate XVER array"));
-}
-
 TEST(REFLEC, images_stand_behind_their_originals) {
     const RunFolder folder;
     Array<f32, 3> XVER = panels(3);
@@ -112,20 +101,6 @@ TEST(WLFIND, finds_the_wet_side) {
         EXPECT_EQ(folder.told("Error: Three vertices on the free surface of panel I= 2"), row.side < 0);
         EXPECT_EQ(folder.told("Warning: Some panels have four vertices on the free surface"), row.wet == 15);
     }
-}
-
-TEST(Dipoles, growing_keeps_entries_and_adds_ordinary_panels) {
-    const RunFolder folder;
-    Dipoles dipoles;
-    ASSERT_EQ(DIPGRW(10, dipoles), Status::ok);
-    dipoles.IDIP(10) = 3;
-    ASSERT_EQ(DIPGRW(15, dipoles), Status::ok);
-    ASSERT_EQ(DIPGRW(3, dipoles), Status::ok); // never less
-    EXPECT_EQ(dipoles.DPORB.dim(1), 15);
-    for (int i = 10; i <= 15; ++i)
-        EXPECT_EQ(dipoles.IDIP(i), i == 10 ? 3 : 0);
-    EXPECT_EQ(DIPGRW(std::int64_t{1} << 50, dipoles), Status::failed);
-    EXPECT_TRUE(folder.told("Insufficient memory to allocate arraies for dipole difination"));
 }
 
 TEST(Dipoles, step_is_an_eighth_of_the_panel) {

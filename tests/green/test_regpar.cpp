@@ -154,24 +154,6 @@ TEST(WaveNumberKernelLimits, StraightAbove) {
     }
 }
 
-// The bottom is felt as a power of the depth; beyond that only rounding of the largest term is left.
-TEST(WaveNumberKernelLimits, GreatDepth) {
-    const struct { double H, P, W; } ROWS[] = {{20, 5e-5, 4e-4}, {300, 2e-6, 2e-6}, {20000, 2e-6, 2e-6}};
-    for (const auto &row : ROWS) {
-        double P = 0, W = 0;
-        for (const Pair &p : {Pair{0, 0, 0, 0.5, 0.7}, Pair{0, 0.3, 0.4, 0, 1}, Pair{0, 3, 4, 1, 0.1},
-                              Pair{0, 8, 1, 0.7, 3}}) {
-            const auto finite = list(regular({row.H, p.X, p.Y, p.z, p.zeta}, 1)),
-                       deep = list(regular({-1, p.X, p.Y, p.z, p.zeta}, 1));
-            for (int j = 0; j < TERMS; ++j)
-                (j < 7 ? P : W) = std::max(j < 7 ? P : W, std::abs(finite[j] - deep[j]));
-        }
-        EXPECT_LT(P, row.P) << row.H;
-        EXPECT_LT(W, row.W) << row.H;
-        EXPECT_TRUE(row.H > 20 || W > 0.1 * row.W) << "the bottom is not felt";
-    }
-}
-
 TEST(WaveNumberKernelLimits, ResultsDependOnThePairAlone) {
     std::mt19937 random(5);
     std::uniform_real_distribution<f32> part(0, 1);

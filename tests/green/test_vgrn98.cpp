@@ -174,21 +174,6 @@ TEST(Vgrn98, NoStepAtTheBordersOfTheBoxes) {
     }
 }
 
-TEST(Vgrn98, FreeSurfaceConditionAndReciprocity) {
-    for (const f32 R : {0.5f, 2.0f, 5.0f, 25.0f}) {
-        f32 a[16], b[16];
-        VGRN1P(R, 0, 0.4f, -1, GSTATE{}, 0, 0, a); // field point in the surface: G + dG/dz = 0
-        EXPECT_NEAR(a[0] + a[4], 0, 3e-6);
-        EXPECT_NEAR(a[1] + a[5], 0, 3e-6);
-        VGRN1P(R, 0.3f, 0.8f, -1, GSTATE{}, 0, 0, a);
-        VGRN1P(R, 0.8f, 0.3f, -1, GSTATE{}, 0, 0, b);
-        EXPECT_EQ(a[0], b[0]);
-        EXPECT_EQ(a[2], b[2]);
-        EXPECT_EQ(a[4], b[12]);
-        EXPECT_EQ(a[6], b[14]);
-    }
-}
-
 TEST(Vgrn98, CoincidentPoints) {
     f32 record[16];
     constexpr f32 Q0 = -0.2318625f; // 2 (gamma - ln 2)

@@ -128,6 +128,7 @@ TEST(SingleFaults, of_cross_checks) {
         {POT, put(9, " -3\n -2"),
          {"Number of wave periods is negative: NPER=    -3", "Number of wave headings is negative: NBETA=    -2"}},
         {POT, put(11, " 0"), {"No wave headings specified for diffraction problem"}},
+        {POT, put(4, " 11"), {"IDIFF must be -1 for a fully filled tank"}},
         {POT, put(4, " 13"), {"Reference panel of the tank is above NEQN: IRR-10=3"}},
     })
         expect_fault(row, good_files());
@@ -313,7 +314,8 @@ TEST(FaultDetails, name_file_line_and_value) {
          "found  1.6000E+00, the global file has"},
         {good_files({{"box.pot", with_line(GOOD_POT, 5, " 3e6 0 0 0 0")}}), "give HBOT = 0 for deep water"},
         {good_files({{"box.pot", with_line(GOOD_POT, 5, " 0.5 0 0 0 0")}}), "of body 1, vertex"},
-        {good_bodies({{"box.gdf", with_line(GOOD_GLOBAL, 9, " 0 -10 -49 0")}}), "panel I=3"},
+        {good_bodies({{"box.gdf", with_line(GOOD_GLOBAL, 9, " 0 -10 -49 0")}}),
+         "Error: vertex below the bottom, z below -HBOT, for panel I=3"},
         {good_bodies({{"box.gdf", with_line(GOOD_GLOBAL, 9, " 0 -10 -49 0")}}),
          "panel 1 of body 2, vertex 3"},
     };

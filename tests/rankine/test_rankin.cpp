@@ -51,25 +51,6 @@ TEST(Rankin, RowsOfAClosedBodySumToFourPi) {
     }
 }
 
-TEST(Rankin, RightHandSidesAreSourceTimesVelocity) {
-    RunState run;
-    all_kinds(run);
-    make(hulls::box(1, 1, -1, 0, FEW, false), run);
-    ASSERT_EQ(sweep(run), Status::ok);
-    for (int k = 0; k <= 1; ++k)
-        for (int q = 1; q <= 6; ++q)
-            for (int A = 1; A <= run.mesh.NEQN; ++A) {
-                double sum = 0;
-                for (int B = 1; B <= run.mesh.NEQN; ++B)
-                    sum += static_cast<double>(run.mesh.VEL(q, B)) * run.store.RKSM(A, B, 1, k);
-                EXPECT_NEAR(run.store.RHSRAN(A, run.sym.MODPOS(q), k), sum, 1e-5);
-            }
-    run.opt.IRAD = -1;
-    ASSERT_EQ(sweep(run), Status::ok);
-    for (std::int64_t i = 0; i < run.store.RHSRAN.size(); ++i)
-        EXPECT_EQ(run.store.RHSRAN.data()[i], 0) << "no radiation";
-}
-
 // Two rectangles of area 1 and the given length, facing up, at depths z1 and z2 and x apart; the code word of
 // the pair.
 int code_of(double x, double z1, double z2, int ILOG, f32 HBOT, double length) {

@@ -210,6 +210,14 @@ TEST(Solve, ASweepOutOfTheRangeOfNumbersIsAFault) {
     EXPECT_TRUE(folder.told("       Error in radiation solution for mode M=1"));
 }
 
+TEST(Solve, ATankNeedsTheDirectSolver) {
+    const RunFolder folder;
+    SmallSystem c(2);
+    int ITER[2] = {};
+    EXPECT_EQ(SOLVE_R(c.run, {1, -1, 1}, c.thread.PHIR, c.thread.PHID, c.thread, ITER), Status::failed);
+    EXPECT_TRUE(folder.told(" Fully filled tank exists, ISOLVE=1 is expected! "));
+}
+
 TEST(Solve, ASingularMatrixIsRefused) {
     for (const Method &method : METHODS) {
         if (method.ISOLVE == 0)
