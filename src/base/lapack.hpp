@@ -28,6 +28,20 @@ void dgelsy_(const int *m, const int *n, const int *nrhs, double *a, const int *
 void cgemm_(const char *trans_a, const char *trans_b, const int *m, const int *n, const int *k,
             const c32 *alpha, const c32 *a, const int *lda, const c32 *b, const int *ldb, const c32 *beta,
             c32 *c, const int *ldc, std::size_t, std::size_t);
+
+// In double precision, for what is derived from the solution: factors and solution as above, and the
+// reciprocal of the condition number from the factors and the norm ("1": largest column sum) of the matrix.
+void zgetrf_(const int *m, const int *n, std::complex<double> *a, const int *lda, int *ipiv, int *info);
+void zgetrs_(const char *trans, const int *n, const int *nrhs, const std::complex<double> *a, const int *lda,
+             const int *ipiv, std::complex<double> *b, const int *ldb, int *info, std::size_t);
+void zgecon_(const char *norm, const int *n, const std::complex<double> *a, const int *lda,
+             const double *anorm, double *rcond, std::complex<double> *work, double *rwork, int *info,
+             std::size_t);
+// Eigenvalues alpha/beta of A v = lambda B v and right vectors ("V"), complex ones as pairs of columns.
+void dggev_(const char *left, const char *right, const int *n, double *a, const int *lda, double *b,
+            const int *ldb, double *alpha_real, double *alpha_imaginary, double *beta, double *vl,
+            const int *ldvl, double *vr, const int *ldvr, double *work, const int *lwork, int *info,
+            std::size_t, std::size_t);
 }
 
 // While it lives, a BLAS call of this thread stays on one core, so that its result does not depend on how

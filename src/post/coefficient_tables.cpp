@@ -1,4 +1,5 @@
 #include "post/coefficients.hpp"
+#include "post/table_cells.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -9,12 +10,6 @@ namespace {
 using c64 = std::complex<double>;
 
 constexpr double ROUND_OFF = 1e-6; // of the largest value of the same unit
-constexpr double DEGREES = 57.29577951308232;
-
-int rotations(const P2fFile &p2f, int mode) {
-    return is_rotation(p2f, mode) ? 1 : 0;
-}
-
 // Density times powers of the length and a factor, 1 where the values stay non-dimensional.
 double factor(const Scales &scales, int power, double more) {
     return scales.dimensional() ? scales.density * std::pow(scales.length, power) * more : 1;
@@ -22,38 +17,6 @@ double factor(const Scales &scales, int power, double more) {
 
 bool was_solved(const P2fFile &p2f, int mode) {
     return p2f.MODPOS(mode) > 0;
-}
-
-void add_period_columns(std::vector<Column> &columns, const Scales &scales) {
-    columns.push_back({"period", "s", Look::fixed, 4});
-    columns.push_back({"omega", "rad/s", Look::fixed, 5});
-    columns.push_back(
-        {"wave number", scales.dimensional() ? "1/" + scales.names.length : "1/ULEN", Look::fixed, 6});
-}
-
-void add_period_cells(std::vector<Cell> &cells, const P2fFile &p2f, const Scales &scales, int t) {
-    cells.emplace_back(period_of(p2f, t));
-    cells.emplace_back(omega_of(p2f, t));
-    cells.emplace_back(wave_number_of(p2f, t) / (scales.dimensional() ? scales.length : 1));
-}
-
-void add_mode_cells(std::vector<Cell> &cells, const P2fFile &p2f, int mode) {
-    const BodyMode m = body_mode(p2f, mode);
-    cells.emplace_back(static_cast<double>(m.body));
-    cells.emplace_back(mode_name(m));
-}
-
-bool has_walls(const P2fFile &p2f) {
-    return p2f.ISX < 0 || p2f.ISY < 0;
-}
-
-void add_limit_note(Table &table, const P2fFile &p2f, const char *text) {
-    for (int t = 1; t <= p2f.NPER; ++t) {
-        if (frequency_kind(p2f, t) != Frequency::wave) {
-            table.notes.emplace_back(text);
-            return;
-        }
-    }
 }
 
 } // namespace
@@ -154,9 +117,7 @@ Table exciting_table(const P2fFile &p2f, const Scales &scales, const Coefficient
         }
     }
     table.notes.emplace_back("Phase of Re(X exp(+i omega t)) against the wave at the origin.");
-    if (has_walls(p2f))
-        table.notes.emplace_back("Beside a wall X is half, in a corner a quarter, of the load of a unit wave "
-                                 "with its reflections.");
+    add_wall_note(table, p2f, "X is");
     add_limit_note(table, p2f,
                    "A run has no incident wave at zero and infinite frequency: X stands as 0 there.");
     return table;

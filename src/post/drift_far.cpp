@@ -77,7 +77,7 @@ bool form_far_drift(const P2fFile &p2f, int t, Motions xi, FarFieldOf from, std:
     std::vector<double> on_hull;
     for (int b = 1; b <= p2f.NBETA; ++b) {
         HullState state;
-        if (!form_hull_state(p2f, t, b, xi, Part::total, false, state, error))
+        if (!form_hull_state(p2f, t, b, xi, Part::total, {}, state, error))
             return false;
         on_hull.push_back(hull_energy(p2f, kinds, t, state));
     }

@@ -1,7 +1,6 @@
 #include "post/drift_near.hpp"
 
-#include "post/surface_gradient.hpp"
-#include "post/vector3.hpp"
+#include "post/waterline.hpp"
 
 #include <cmath>
 #include <numbers>
@@ -68,7 +67,7 @@ class Body {
         : p(p2f), body_(body), nu(deep_wave_number(p2f, t)), m(motion), H(motion.alpha), s(state),
           gradient_(gradient) {}
 
-    NearDrift drift(const PanelKinds &kinds, int first_panel, int first_waterline) {
+    NearDrift drift(const PanelKinds &kinds, int first_panel, const std::vector<WaterlineSide> &sides) {
         const std::vector<Image> images = images_of(p);
         for (std::size_t g = 0; g < images.size(); ++g) {
             if (!images[g].body)
@@ -78,9 +77,10 @@ class Body {
             for (int J = first_panel + 1; J <= first_panel + p.NEQNB(body_); ++J)
                 if (kinds.hull(J))
                     add_panel(J);
-            for (int w = first_waterline + 1; w <= first_waterline + p.NWLB(body_); ++w)
-                add_waterline(first_panel + p.IWLP(w), p.IWLE(w));
         }
+        for (const WaterlineSide &side : sides)
+            if (side.body == body_)
+                add_waterline(side);
         add_rotation();
         return result_;
     }
@@ -94,12 +94,6 @@ class Body {
     Vector3 normal(int J) const {
         return {image_.sx * d(p.TRM(3, 1, J)), image_.sy * d(p.TRM(3, 2, J)), d(p.TRM(3, 3, J))};
     }
-    // Along the surface from the potentials where they have a gradient, else of the sources.
-    Complex3 velocity(int J) const {
-        if (gradient_.has(J))
-            return plus(gradient_.along(J, at_, s.phi.view(), nu), times(s.vn(J, at_), normal(J)));
-        return {s.velocity(1, J, at_), s.velocity(2, J, at_), s.velocity(3, J, at_)};
-    }
     void add(int term, double value, const Vector3 &r, const Vector3 &N) {
         const Vector3 moment = cross(r, N);
         for (std::size_t c = 0; c < 3; ++c) {
@@ -111,7 +105,7 @@ class Body {
     void add_panel(int J) {
         const double area = d(p.PMOM(1, J));
         const Vector3 r = centroid(J), N = normal(J);
-        const Complex3 v = velocity(J);
+        const Complex3 v = hull_velocity(p, gradient_, s, J, at_, nu);
         add(VELOCITY, -area / (4 * nu) * (std::norm(v[0]) + std::norm(v[1]) + std::norm(v[2])), r, N);
         add(MOTION, area / 2 * dot(m.at(r), conj(v)).real(), r, N);
         const c64 phi = s.phi(J, at_);
@@ -130,29 +124,14 @@ class Body {
         }
     }
 
-    // The elevation beside the hull: the potential of the panel and its slope to the middle of the wet side.
-    void add_waterline(int J, int first) {
-        const int second = first % 4 + 1;
-        const double c = std::cos(d(p.XBODY(4, body_)) * std::numbers::pi / 180),
-                     s4 = std::sin(d(p.XBODY(4, body_)) * std::numbers::pi / 180);
-        Vector3 end[2];
-        for (int k = 0; k < 2; ++k) {
-            const int vertex = k == 0 ? first : second;
-            const double x = d(p.XVER(vertex, 1, J)), y = d(p.XVER(vertex, 2, J));
-            end[k] =
-                from_origin(c * x - s4 * y + d(p.XBODY(1, body_)), s4 * x + c * y + d(p.XBODY(2, body_)), 0);
-        }
-        const Vector3 middle = times(0.5, plus(end[0], end[1])), side = plus(end[1], times(-1.0, end[0]));
-        const Vector3 N = normal(J), way = plus(middle, times(-1.0, centroid(J)));
-        const double steep = 1 - N[2] * N[2];
+    void add_waterline(const WaterlineSide &side) {
+        const double steep = 1 - side.normal[2] * side.normal[2];
         if (steep < 1e-6)
             return; // a hull of no draught has no side that the waves could climb
-        // Up the side the slope goes from that of the panel to nu phi.
-        const Complex3 v = velocity(J);
-        const c64 phi =
-            (s.phi(J, at_) + v[0] * way[0] + v[1] * way[1] + v[2] * way[2] / 2.0) / (1 - nu * way[2] / 2);
-        const c64 relative = phi - m.height(middle);
-        add(WATERLINE, std::norm(relative) * std::sqrt(dot(side, side) / steep) / 4, middle, N);
+        const Vector3 r = {side.middle[0] - d(p.XBODY(1, body_)), side.middle[1] - d(p.XBODY(2, body_)),
+                           -d(p.XBODY(3, body_))};
+        const c64 relative = side_elevation(p, gradient_, s, side, nu) - m.height(r);
+        add(WATERLINE, std::norm(relative) * side.length / std::sqrt(steep) / 4, r, side.normal);
     }
 
     void add_rotation() {
@@ -209,17 +188,17 @@ bool form_near_drift(const P2fFile &p2f, int t, Motions xi, std::vector<std::vec
         return false;
     const PanelKinds kinds(p2f);
     const SurfaceGradient gradient(p2f, kinds);
+    const std::vector<WaterlineSide> sides = waterline_sides(p2f);
     drift.assign(static_cast<std::size_t>(p2f.NBETA), {});
     for (int b = 1; b <= p2f.NBETA; ++b) {
         HullState state;
-        if (!form_hull_state(p2f, t, b, xi, Part::total, true, state, error))
+        if (!form_hull_state(p2f, t, b, xi, Part::total, {.velocity = true}, state, error))
             return false;
-        int panels = 0, sides = 0;
+        int panels = 0;
         for (int body = 1; body <= p2f.NBODY; ++body) {
             Body one(p2f, t, body, rigid_motion(p2f, body, b, xi), state, gradient);
             drift[static_cast<std::size_t>(b - 1)].push_back(one.drift(kinds, panels, sides));
             panels += p2f.NEQNB(body);
-            sides += p2f.NWLB(body);
         }
     }
     return true;

@@ -224,6 +224,14 @@ std::vector<int> solved_modes(const P2fFile &p2f) {
     return modes;
 }
 
+std::vector<double> level_forces(const P2fFile &p2f, const Scales &scales) {
+    const Hull hull = hull_of(p2f);
+    std::vector<double> forces(static_cast<std::size_t>(p2f.NMODES));
+    for (const int m : hull.solved)
+        forces[static_cast<std::size_t>(m - 1)] = force_unit(p2f, scales, m) * level_force(hull, m);
+    return forces;
+}
+
 bool form_exciting(const P2fFile &p2f, const Scales &scales, ExcitingForces &X, std::string &error) {
     if (p2f.IDIFF < 0 || p2f.NBETA == 0) {
         error = "the run has no diffraction solutions: it needs IDIFF 0 or 1 and a heading";

@@ -19,15 +19,15 @@ bool has_all_classes(const P2fFile &p2f) {
     return true;
 }
 
-std::string missing(const P2fFile &p2f, int t, int b, Motions xi, Part part, bool with_velocity) {
+std::string missing(const P2fFile &p2f, int t, int b, Motions xi, Part part, HullWants wants) {
     if (!has_waves(p2f, t))
         return "period " + std::to_string(t) + " is a limit frequency, which has no waves";
     if (part != Part::radiation && p2f.IDIFF < 0)
         return "the file has no diffraction: set IDIFF=1 in the run";
     if (part != Part::radiation && !has_all_classes(p2f))
         return "the file has no diffraction of some symmetry classes: set IDIFF=1 in the run";
-    if (with_velocity && p2f.ISOR != 1)
-        return "the file has no sources, and so no velocities: set ISOR=1 in the run";
+    if ((wants.velocity || wants.source) && p2f.ISOR != 1)
+        return "the file has no sources and no velocities: set ISOR=1 in the run";
     if (part == Part::diffraction || !moves(xi))
         return "";
     for (int j = 1; j <= p2f.NMODES; ++j)
@@ -44,18 +44,23 @@ class Adder {
     Adder(const P2fFile &p2f, const std::vector<Image> &images, HullState &state)
         : p(p2f), images_(images), s_(state) {}
 
-    // `potential`: the column, `velocity`: its three components one after the other, or null.
-    void add(int s, c64 factor, const c32 *potential, const c32 *velocity) {
+    // A column of a class; of the velocity the three components one after the other. Null: not wanted.
+    struct SolutionColumn {
+        const c32 *potential, *velocity, *source;
+    };
+    void add(int s, c64 factor, SolutionColumn column) {
         const std::int64_t n = p.NEQN;
         for (std::size_t g = 0; g < images_.size(); ++g) {
             const int at = static_cast<int>(g) + 1;
             const c64 f = factor * parity(p.ICLS[s], images_[g]);
             const c64 turn[3] = {f * images_[g].sx, f * images_[g].sy, f};
             for (int J = 1; J <= n; ++J)
-                s_.phi(J, at) += f * c64(potential[J - 1]);
-            for (int c = 0; velocity != nullptr && c < 3; ++c)
+                s_.phi(J, at) += f * c64(column.potential[J - 1]);
+            for (int J = 1; column.source != nullptr && J <= n; ++J)
+                s_.source(J, at) += f * c64(column.source[J - 1]);
+            for (int c = 0; column.velocity != nullptr && c < 3; ++c)
                 for (int J = 1; J <= n; ++J)
-                    s_.velocity(c + 1, J, at) += turn[c] * c64(velocity[c * n + J - 1]);
+                    s_.velocity(c + 1, J, at) += turn[c] * c64(column.velocity[c * n + J - 1]);
         }
     }
     void add_normal_velocity(int s, int mode, c64 factor) {
@@ -87,23 +92,26 @@ class Adder {
 
 } // namespace
 
-bool form_hull_state(const P2fFile &p2f, int t, int b, Motions xi, Part part, bool with_velocity,
+bool form_hull_state(const P2fFile &p2f, int t, int b, Motions xi, Part part, HullWants wants,
                      HullState &state, std::string &error) {
-    error = missing(p2f, t, b, xi, part, with_velocity);
+    error = missing(p2f, t, b, xi, part, wants);
     if (!error.empty())
         return false;
     const std::vector<Image> images = images_of(p2f);
     const int n = p2f.NEQN, count = static_cast<int>(images.size());
     if (!state.phi.alloc(n, count) || !state.vn.alloc(n, count) ||
-        (with_velocity && !state.velocity.alloc(3, n, count))) {
+        (wants.velocity && !state.velocity.alloc(3, n, count)) ||
+        (wants.source && !state.source.alloc(n, count))) {
         error = "not enough memory";
         return false;
     }
     Adder adder(p2f, images, state);
     for (int s = 1; part != Part::radiation && s <= p2f.NSYMR; ++s)
-        adder.add(s, 1, &p2f.PHID(1, b, s, t), with_velocity ? &p2f.VELD(1, 3 * (b - 1) + 1, s, t) : nullptr);
+        adder.add(s, 1,
+                  {&p2f.PHID(1, b, s, t), wants.velocity ? &p2f.VELD(1, 3 * (b - 1) + 1, s, t) : nullptr,
+                   wants.source ? &p2f.SRCD(1, b, s, t) : nullptr});
     // A run for wave drift damping has the incident wave in VELD.
-    if (part != Part::radiation && with_velocity && p2f.IWADD != 1)
+    if (part != Part::radiation && wants.velocity && p2f.IWADD != 1)
         adder.add_incident_velocity(t, b);
     const double nu = deep_wave_number(p2f, t);
     for (int j = 1; part != Part::diffraction && moves(xi) && j <= p2f.NMODES; ++j) {
@@ -111,8 +119,9 @@ bool form_hull_state(const P2fFile &p2f, int t, int b, Motions xi, Part part, bo
             continue;
         const c64 factor = nu * unit_motion(p2f, j) * xi(j, b);
         const int s = class_of(p2f, j), column = p2f.MODPOS(j);
-        adder.add(s, factor, &p2f.PHIR(1, column, t),
-                  with_velocity ? &p2f.VELR(1, 3 * (column - 1) + 1, t) : nullptr);
+        adder.add(s, factor,
+                  {&p2f.PHIR(1, column, t), wants.velocity ? &p2f.VELR(1, 3 * (column - 1) + 1, t) : nullptr,
+                   wants.source ? &p2f.SRCR(1, column, t) : nullptr});
         adder.add_normal_velocity(s, j, factor);
     }
     return true;

@@ -19,14 +19,18 @@ inline bool moves(Motions xi) {
 struct HullState {
     Array<c64, 2> phi; // (NEQN,images)
     Array<c64, 2> vn;  // normal velocity that the motions ask for, 0 without them (NEQN,images)
-    // Velocity at the centroids, global axes (3,NEQN,images), with the incident wave; only when asked for.
-    Array<c64, 3> velocity;
+    // Only when asked for:
+    Array<c64, 3> velocity; // at the centroids, global axes, with the incident wave (3,NEQN,images)
+    Array<c64, 2> source;   // strengths, without the incident wave (NEQN,images)
+};
+struct HullWants {
+    bool velocity = false, source = false; // both need ISOR=1
 };
 
 enum class Part { diffraction, radiation, total };
 
-// Fills `state` for period t and heading b. `with_velocity` needs ISOR=1. False with the reason in `error`:
-// what the file lacks and what to switch on in the run, a limit frequency, a motion of a mode that was not
-// solved, a symmetry class of the diffraction that was not solved, no memory.
-[[nodiscard]] bool form_hull_state(const P2fFile &p2f, int t, int b, Motions xi, Part part,
-                                   bool with_velocity, HullState &state, std::string &error);
+// Fills `state` for period t and heading b. False with the reason in `error`: what the file lacks and what to
+// switch on in the run, a limit frequency, a motion of a mode that was not solved, a symmetry class of the
+// diffraction that was not solved, no memory.
+[[nodiscard]] bool form_hull_state(const P2fFile &p2f, int t, int b, Motions xi, Part part, HullWants wants,
+                                   HullState &state, std::string &error);

@@ -124,18 +124,29 @@ void fill(const Sums &sums, const Place &place, BodyHydrostatics &body) {
     body.second_xy = (c * c - s * s) * xy + c * s * (yy - xx);
 }
 
+Place place_of(const P2fFile &p2f, int b) {
+    const double length = static_cast<double>(p2f.ULEN(1)),
+                 heading = DEGREE * static_cast<double>(p2f.XBODY(4, b));
+    Place place{{}, std::sin(heading), std::cos(heading)};
+    for (int c = 1; c <= 3; ++c)
+        place.origin[static_cast<std::size_t>(c - 1)] = length * static_cast<double>(p2f.XBODY(c, b));
+    return place;
+}
+
 } // namespace
+
+Vec3 global_place(const P2fFile &p2f, int body, const Vec3 &at) {
+    return place_of(p2f, body).global(at);
+}
 
 bool form_hydrostatics(const P2fFile &p2f, std::vector<BodyHydrostatics> &bodies, std::string &error) {
     bodies.clear();
-    const double length = static_cast<double>(p2f.ULEN(1));
     const PanelKinds kinds(p2f);
     for (int b = 1; b <= p2f.NBODY; ++b) {
         BodyHydrostatics body;
         body.heading = DEGREE * static_cast<double>(p2f.XBODY(4, b));
-        for (int c = 1; c <= 3; ++c)
-            body.origin[static_cast<std::size_t>(c - 1)] = length * static_cast<double>(p2f.XBODY(c, b));
-        const Place place{body.origin, std::sin(body.heading), std::cos(body.heading)};
+        const Place place = place_of(p2f, b);
+        body.origin = place.origin;
         body.lowest.fill(1e300);
         body.highest.fill(-1e300);
         Sums sums;

@@ -34,6 +34,9 @@ struct BodyHydrostatics {
 [[nodiscard]] bool form_hydrostatics(const P2fFile &p2f, std::vector<BodyHydrostatics> &bodies,
                                      std::string &error);
 
+// A place in the axes of a body, dimensional, in global axes.
+Vec3 global_place(const P2fFile &p2f, int body, const Vec3 &at);
+
 // Mass of a body: its centre in the body's axes and its inertia about axes through that centre, parallel to
 // the body's.
 struct BodyMass {

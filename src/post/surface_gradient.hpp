@@ -17,6 +17,8 @@ class SurfaceGradient {
     // Whether panel J has one, on all its images alike.
     bool has(int J) const { return stencil_[static_cast<std::size_t>(J) - 1].along[0].size() > 0; }
 
+    const std::vector<Image> &images() const { return images_; }
+
     // Of the potential phi (NEQN,images) of a wave number nu, along the surface at the centroid of image g of
     // panel J (counted from 1 as in images_of); global axes.
     Complex3 along(int J, int g, View<const c64, 2> phi, double nu) const;

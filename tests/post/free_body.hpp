@@ -1,4 +1,4 @@
-// Motions of a freely floating body of a hand-over file: its displacement as mass, its centre at the origin.
+// Motions of a freely floating body of a hand-over file.
 #pragma once
 
 #include "../cases/case_folder.hpp"
@@ -8,16 +8,27 @@
 
 inline constexpr double GYRATION = 0.5; // radius about all axes
 
-// Solves (C - nu (M + A) + i nu B) xi = X by Gauss with pivots; SI for ULEN = 1.
-inline void free_motions(const SolvedRun &run, int t, Array<c64, 2> &xi) {
+using Mass = std::array<std::array<double, 6>, 6>; // over the density
+// The displacement, its centre at the origin.
+inline Mass plain_mass(const P2fFile &p) {
+    const double V = static_cast<double>(p.VOL(3, 1));
+    Mass M{};
+    for (std::size_t i = 0; i < 6; ++i)
+        M[i][i] = i < 3 ? V : V * GYRATION * GYRATION;
+    return M;
+}
+
+// Solves (C - nu (M + A) + i nu B) xi = X by Gauss with pivots; lengths in units of ULEN, which is 1. The
+// centre of the mass is at the height of the origin.
+inline void free_motions(const SolvedRun &run, int t, Array<c64, 2> &xi, const Mass &M) {
     const P2fFile &p = run.p2f;
     ASSERT_TRUE(xi.alloc(p.NMODES, p.NBETA));
-    const double nu = deep_wave_number(p, t), V = static_cast<double>(p.VOL(3, 1));
+    const double nu = deep_wave_number(p, t);
     for (int b = 1; b <= p.NBETA; ++b) {
         std::array<std::array<c64, 7>, 6> m;
         for (int i = 1; i <= 6; ++i) {
             for (int j = 1; j <= 6; ++j) {
-                const double mass = i != j ? 0 : i <= 3 ? V : V * GYRATION * GYRATION;
+                const double mass = M[static_cast<std::size_t>(i) - 1][static_cast<std::size_t>(j) - 1];
                 m[i - 1][j - 1] = c64(static_cast<double>(p.CHYD(i, j)) -
                                           nu * (mass + static_cast<double>(run.c.A(i, j, t))),
                                       nu * static_cast<double>(run.c.B(i, j, t)));
@@ -36,4 +47,7 @@ inline void free_motions(const SolvedRun &run, int t, Array<c64, 2> &xi) {
         for (int i = 1; i <= 6; ++i)
             xi(i, b) = m[i - 1][6] / m[i - 1][i - 1];
     }
+}
+inline void free_motions(const SolvedRun &run, int t, Array<c64, 2> &xi) {
+    free_motions(run, t, xi, plain_mass(run.p2f));
 }

@@ -1,32 +1,28 @@
 // Truth: the diffraction series of a circular cylinder that stands on the bottom (R. C. MacCamy and R. A.
 // Fuchs, 1954) with the pressures on its wall integrated; conservation of energy; drift by momentum far away
 // against drift by pressures on the hull.
+#include "cylinder_series.hpp"
 #include "free_body.hpp"
 #include "post/drift_far.hpp"
 #include "post/drift_near.hpp"
 
-#include <numbers>
-
 namespace {
 
-constexpr double PI = std::numbers::pi;
+using series::PI;
 
 // Surge drift of the cylinder of radius 1 in depth h over rho g: -1/(8 nu M) integral of cos theta (K^2 |S|^2
 // - |S'|^2), S the wave on the wall over F. From the waterline and the velocities, not from the waves far
 // away.
 double series_drift(double K, double h) {
     const double nu = K * std::tanh(K * h), M = K * K / (nu + (K * K - nu * nu) * h);
-    const int angles = 200, terms = 30;
+    const int angles = 200;
     double sum = 0;
     for (int k = 0; k < angles; ++k) {
         const double theta = 2 * PI * k / angles;
         c64 S = 0, dS = 0;
-        for (int m = 0; m <= terms; ++m) {
-            const auto H = [&](int order) {
-                return c64(std::cyl_bessel_j(order, K), -std::cyl_neumann(order, K));
-            };
-            const c64 slope = m == 0 ? -H(1) : (H(m - 1) - H(m + 1)) / 2.0;
-            const c64 f = (m == 0 ? 1.0 : 2.0) * std::pow(c64(0, -1), m) * c64(0, -2 / (PI * K)) / slope;
+        for (int m = 0; m <= series::TERMS; ++m) {
+            const c64 f =
+                (m == 0 ? 1.0 : 2.0) * std::pow(c64(0, -1), m) * c64(0, -2 / (PI * K)) / series::slope(m, K);
             S += f * std::cos(m * theta);
             dS -= f * (m * std::sin(m * theta));
         }

@@ -78,6 +78,18 @@ void make(const Problem &row, RunState &run) {
         sym.MODPOS(mode[k]) = k + 1;
     }
     bodies.NEQNB.fill(2);
+    bodies.ULEN.fill(1);
+    run.opt.GRAV = 9.81f;
+    sym.NSYMG = sym.NCLS = CLASSES;
+    sym.NDCLS = 1;
+    for (int m = 1; m <= MODES; ++m)
+        sym.MODLST(m) = m;
+    for (int s = 1; s <= CLASSES; ++s) {
+        sym.ICLS[s] = sym.IDCLS[s] = s;
+        sym.NMCLS[s] = s == 1 ? MODES - 1 : 1;
+        for (int k = 1; k <= sym.NMCLS[s]; ++k)
+            sym.MODCLS(k, s) = s == 1 ? k : MODES;
+    }
     bodies.NWLB(1) = 1;
     bodies.NWLB(2) = 2;
     const int within[3] = {2, 1, 2}, over[3] = {2, 3, 4};

@@ -46,6 +46,41 @@ std::shared_ptr<double> add_density(CLI::App &app, bool needed) {
     return density;
 }
 
+std::shared_ptr<CaseRequest> add_case(CLI::App &app) {
+    auto request = std::make_shared<CaseRequest>();
+    app.add_option("--density", request->density,
+                   "density of the water, kg/m^3 [that of the case file, or 1025]")
+        ->check(positive_number())
+        ->default_str("");
+    app.add_option("--case", request->file, "case file: masses, springs, points, spectra (docs/case.md)");
+    return request;
+}
+
+bool load_case(const CaseRequest &request, const P2fFile &p2f, LoadedCase &loaded, std::string &error) {
+    constexpr double SEA_WATER = 1025;
+    loaded.file = plain_case(p2f);
+    if (!request.file.empty() && !read_case(request.file, p2f, loaded.file, error))
+        return false;
+    loaded.scales = scales_of(p2f, request.density > 0       ? request.density
+                                   : loaded.file.density > 0 ? loaded.file.density
+                                                             : SEA_WATER);
+    if (!form_hydrostatics(p2f, loaded.bodies, error))
+        return false;
+    for (std::size_t b = 0; b < loaded.bodies.size(); ++b)
+        loaded.masses.push_back(mass_of(loaded.file.bodies[b], loaded.bodies[b], loaded.scales.density));
+    return true;
+}
+
+std::shared_ptr<Convention> add_convention(CLI::App &app) {
+    auto convention = std::make_shared<Convention>();
+    app.add_option_function<std::string>(
+           "--convention", [convention](const std::string &word) { convention->minus = word == "exp-iwt"; },
+           "phases of exp+iwt or of exp-iwt")
+        ->check(CLI::IsMember({"exp+iwt", "exp-iwt"}))
+        ->default_str("exp+iwt");
+    return convention;
+}
+
 int refuse(const std::string &reason) {
     std::fprintf(stderr, "vorda-p2f: %s\n", reason.c_str());
     return 1;

@@ -1,8 +1,8 @@
 // The subcommands of vorda-p2f: each adds its options and returns what it does with a file.
 #pragma once
 
-#include "post/p2f_reader.hpp"
-#include "post/table.hpp"
+#include "post/case_file.hpp"
+#include "post/table_cells.hpp"
 
 #include <CLI/CLI.hpp>
 #include <functional>
@@ -20,6 +20,10 @@ struct Command {
 
 Show set_up_info(CLI::App &app);
 Show set_up_coef(CLI::App &app);
+Show set_up_hydrostatics(CLI::App &app);
+Show set_up_forces(CLI::App &app);
+Show set_up_motions(CLI::App &app);
+Show set_up_impulse(CLI::App &app);
 
 // What a command with tables is asked for.
 struct TableRequest {
@@ -35,6 +39,27 @@ int show_tables(const TableRequest &request, const std::vector<Table> &tables);
 
 // Adds --density. With `needed` it defaults to 1025, else to 0, which leaves values non-dimensional.
 std::shared_ptr<double> add_density(CLI::App &app, bool needed);
+
+// Adds --density and --case: what the results need beside the file.
+struct CaseRequest {
+    double density = 0; // 0: that of the case file, or 1025
+    std::string file;   // empty: everything as by default
+};
+std::shared_ptr<CaseRequest> add_case(CLI::App &app);
+
+// The case, the scales with its density, and the bodies with their masses.
+struct LoadedCase {
+    CaseFile file;
+    Scales scales;
+    std::vector<BodyHydrostatics> bodies;
+    std::vector<BodyMass> masses;
+};
+// False, with the reason in `error`.
+[[nodiscard]] bool load_case(const CaseRequest &request, const P2fFile &p2f, LoadedCase &loaded,
+                             std::string &error);
+
+// Adds --convention.
+std::shared_ptr<Convention> add_convention(CLI::App &app);
 
 // "vorda-p2f: reason" on standard error; 1.
 int refuse(const std::string &reason);

@@ -7,6 +7,12 @@ namespace {
 constexpr Command COMMANDS[] = {
     {"info", "what the file holds", set_up_info},
     {"coef", "added mass, damping and exciting force of every period", set_up_coef},
+    {"hydrostatics", "volume, waterplane, stiffness and metacentric heights of each body",
+     set_up_hydrostatics},
+    {"forces", "exciting force, added mass and damping, each in two ways", set_up_forces},
+    {"motions", "motions in waves, of points too, natural periods, responses in irregular seas",
+     set_up_motions},
+    {"impulse", "impulse responses for the time domain", set_up_impulse},
 };
 
 } // namespace

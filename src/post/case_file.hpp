@@ -1,0 +1,92 @@
+// The case file: what a hand-over file does not tell of its bodies and seas. Masses, moorings, points,
+// spectra; in TOML, every key in docs/case.md.
+#pragma once
+
+#include "post/hydrostatics.hpp"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+// One row of the table of keys, from which the reader takes what it accepts; docs/case.md shows it.
+struct CaseKey {
+    // What a value has to be. modes: words that name modes; fractions: a table of mode = number; pairs: an
+    // array of arrays of two numbers.
+    enum class Kind {
+        number,
+        positive,
+        not_negative,
+        count,
+        three,
+        six,
+        square,
+        word,
+        modes,
+        fractions,
+        pairs
+    };
+    const char *table; // "" for the top, else the array of tables it stands in
+    const char *key;
+    Kind kind;
+    const char *unit;
+    const char *standard; // what holds when it is not given
+    const char *meaning;
+};
+const std::vector<CaseKey> &case_keys();
+// The same as rows of a Markdown table, a line each.
+std::string case_key_rows();
+
+// Stiffness and damping between two bodies, or a body and the ground, at a place in global axes: forces along
+// x, y, z and moments about them per relative motion there.
+struct CaseSpring {
+    int body = 1, to = 0; // 0: the ground
+    Vec3 at{};
+    std::array<double, 6> stiffness{}, damping{};
+};
+// A term of the stiffness and damping matrices, and its mirror image.
+struct CaseCoupling {
+    int i = 0, j = 0; // modes, from 1
+    double stiffness = 0, damping = 0;
+};
+struct CasePoint {
+    std::string name;
+    int body = 1;
+    Vec3 at{}; // in the axes of the body
+};
+struct CaseSpectrum {
+    std::string type; // jonswap, pierson-moskowitz, table
+    double height = 0, period = 0, gamma = 1;
+    double heading = 0;                            // [deg]
+    double spreading = 0;                          // s of cos^2s; 0: long-crested
+    double hours = 3;                              // of the sea state
+    std::vector<std::pair<double, double>> values; // omega [rad/s], density [m^2 s]
+};
+using CaseMatrix = std::vector<std::vector<double>>;
+
+struct CaseBody {
+    std::optional<double> mass;
+    std::optional<Vec3> centre, radii;
+    std::optional<CaseMatrix> inertia; // 3 x 3, about the centre of gravity
+    CaseMatrix mass_matrix;        // of all its modes about its origin, in the place of the others; or empty
+    CaseMatrix stiffness, damping; // external, of all its modes; or empty
+    std::vector<std::pair<int, double>> critical; // modes, from 1 in the whole run, and fractions
+};
+struct CaseFile {
+    double density = 0;           // 0: not given
+    std::vector<CaseBody> bodies; // as many as the run has
+    std::vector<int> fixed;       // modes, from 1
+    std::vector<CaseSpring> springs;
+    std::vector<CaseCoupling> couplings;
+    std::vector<CasePoint> points;
+    std::vector<CaseSpectrum> spectra;
+};
+
+// The case of a run without a case file.
+CaseFile plain_case(const P2fFile &p2f);
+// Reads a case file for the bodies and modes of p2f. False, with file, line and what is wrong there in
+// `error`.
+[[nodiscard]] bool read_case(const std::string &name, const P2fFile &p2f, CaseFile &file, std::string &error);
+
+// Mass of a body by the case, what it leaves open as assumed_mass has it.
+BodyMass mass_of(const CaseBody &body, const BodyHydrostatics &geometry, double density);
