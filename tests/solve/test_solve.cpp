@@ -199,6 +199,37 @@ TEST(Solve, ATankNeedsTheDirectSolver) {
     EXPECT_TRUE(folder.told(" Fully filled tank exists, ISOLVE=1 is expected! "));
 }
 
+// The equations of a tank hold but for one residual that all ordinary panels share, and the reference panel
+// has no potential. The equation of a baffle holds as it is.
+TEST(Solve, ATankSharesWhatItsPanelsLeave) {
+    const RunFolder folder;
+    constexpr int N = 6, REFERENCE = 2, BAFFLE = 4;
+    SmallSystem c(N);
+    c.run.sym.ICLS[1] = 1;
+    c.run.dipoles.IDIPOL = true;
+    ASSERT_TRUE(c.run.dipoles.IDIP.alloc(N));
+    c.run.dipoles.IDIP(BAFFLE) = 1;
+    for (int i = 1; i <= N; ++i) {
+        for (int j = 1; j <= N; ++j)
+            c.thread.ACORE(i, j, 1) = c32(i == j ? 4.0f : static_cast<f32>((3 * i + 5 * j * j) % 7) / 7);
+        c.thread.PHIR(i, 1) = static_cast<f32>(i * i % 5);
+    }
+    SolveRequest request{1, -1, 1};
+    request.IRRX = REFERENCE;
+    Attempt attempt;
+    ASSERT_EQ(attempt.run(c, METHODS[0], request), Status::ok);
+    EXPECT_LT(std::abs(attempt.thread.PHIR(REFERENCE, 1)), 1e-6f);
+    c32 left[N + 1];
+    for (int i = 1; i <= N; ++i) {
+        left[i] = -c.thread.PHIR(i, 1);
+        for (int j = 1; j <= N; ++j)
+            left[i] += c.thread.ACORE(i, j, 1) * attempt.thread.PHIR(j, 1);
+    }
+    EXPECT_GT(std::abs(left[REFERENCE]), 0.1f);
+    for (int i = 1; i <= N; ++i)
+        EXPECT_LT(std::abs(left[i] - (i == BAFFLE ? c32(0) : left[REFERENCE])), 1e-5f) << i;
+}
+
 TEST(Solve, ASingularMatrixIsRefused) {
     for (const Method &method : METHODS) {
         if (method.ISOLVE == 0)
