@@ -1,6 +1,5 @@
 // Truth: the plane wave exp(-i K (x cos b + y sin b)) with its depth factor in double precision, and its
 // central differences.
-#include "boundary/incident_derivatives.hpp"
 #include "boundary/incident_wave.hpp"
 #include "state/symmetry.hpp"
 
@@ -51,50 +50,6 @@ TEST_P(Seas, ComponentsHaveTheirParitiesAndSumToTheWave) {
         for (int c = 1; c <= 3; ++c)
             EXPECT_LT(std::abs(c64(wave.DC[j][c]) - slope[c]), TOLERANCE * std::max(1.0, sea.K))
                 << j << " " << c;
-    }
-}
-
-TEST_P(Seas, DerivativesByHeadingAndFrequencyAreThoseOfTheWave) {
-    constexpr double TOLERANCE = 2e-5; // single precision of factors up to K r
-    const Sea sea = GetParam();
-    const double x[4] = {0, 0.7, -1.9, -0.4}, step = 1e-4;
-    const auto nu = [&](double K) { return sea.depth < 0 ? K : K * std::tanh(K * sea.depth); };
-    const auto f = [](double v) { return static_cast<f32>(v); };
-    const Dispersion D = DISPD(f(sea.K), f(sea.depth));
-    EXPECT_NEAR(D.NU, nu(sea.K), 1e-6 * sea.K);
-    const double VG = (nu(sea.K + step) - nu(sea.K - step)) / (2 * step);
-    EXPECT_NEAR(D.NUK, VG, 1e-6);
-    EXPECT_NEAR(D.NUKK, (nu(sea.K + step) - 2 * nu(sea.K) + nu(sea.K - step)) / (step * step), 2e-5);
-    const f32 point[3] = {f(x[1]), f(x[2]), f(x[3])}, normal[3] = {0.6f, -0.48f, 0.64f};
-    WaveDerivatives d;
-    PLNWWD({f(sea.depth), f(sea.K), f(std::cos(sea.beta)), f(std::sin(sea.beta)), f(VG)}, point, normal, d);
-    const double scale = std::max(1.0, sea.K * sea.K);
-    for (int j = 1; j <= 4; ++j) {
-        // The part and, for c = 1..3, its gradient, at changed wave number and heading.
-        const auto part = [&](int c, double dK, double db) {
-            const Sea near{sea.depth, sea.K + dK, sea.beta + db};
-            const double h = 1e-5, dx = c == 1 ? h : 0, dy = c == 2 ? h : 0, dz = c == 3 ? h : 0;
-            const c64 ahead = parity_part(near, j, x[1] + dx, x[2] + dy, x[3] + dz);
-            return c == 0 ? ahead : (ahead - parity_part(near, j, x[1] - dx, x[2] - dy, x[3] - dz)) / (2 * h);
-        };
-        const auto by_heading = [&](int c, double dK) {
-            return (part(c, dK, step) - part(c, dK, -step)) / (2 * step);
-        };
-        const c64 PN = (part(0, step, 0) - part(0, -step, 0)) / (2 * step * VG);
-        const c64 PNB = (by_heading(0, step) - by_heading(0, -step)) / (2 * step * VG);
-        EXPECT_LT(std::abs(c64(d.P[j]) - part(0, 0, 0)), TOLERANCE);
-        EXPECT_LT(std::abs(c64(d.PB[j]) - by_heading(0, 0)), TOLERANCE * scale);
-        EXPECT_LT(std::abs(c64(d.PN[j]) - PN), TOLERANCE * scale);
-        EXPECT_LT(std::abs(c64(d.PNB[j]) - PNB), 3 * TOLERANCE * scale);
-        c64 N = 0, NB = 0;
-        for (int c = 1; c <= 3; ++c) {
-            EXPECT_LT(std::abs(c64(d.G[j][c]) - part(c, 0, 0)), TOLERANCE * scale) << c;
-            EXPECT_LT(std::abs(c64(d.GB[j][c]) - by_heading(c, 0)), TOLERANCE * scale) << c;
-            N += static_cast<double>(normal[c - 1]) * part(c, 0, 0);
-            NB += static_cast<double>(normal[c - 1]) * by_heading(c, 0);
-        }
-        EXPECT_LT(std::abs(c64(d.N[j]) - N), TOLERANCE * scale);
-        EXPECT_LT(std::abs(c64(d.NB[j]) - NB), TOLERANCE * scale);
     }
 }
 
