@@ -104,7 +104,9 @@ class Reader {
                each(top, "spring", [this](const toml::table &t, int) { return spring(t); }) &&
                each(top, "coupling", [this](const toml::table &t, int) { return coupling(t); }) &&
                each(top, "point", [this](const toml::table &t, int n) { return point(t, n); }) &&
-               each(top, "spectrum", [this](const toml::table &t, int) { return spectrum(t); });
+               each(top, "spectrum", [this](const toml::table &t, int) { return spectrum(t); }) &&
+               each(top, "part", [this](const toml::table &t, int) { return part(t); }) &&
+               each(top, "section", [this](const toml::table &t, int) { return section(t); });
     }
     bool refuse(const toml::source_region &where, const std::string &why) {
         fault = name_ + ", line " + std::to_string(where.begin.line) + ": " + why;
@@ -251,6 +253,42 @@ class Reader {
         return true;
     }
 
+    bool must(const toml::table &t, const char *kind, std::initializer_list<const char *> keys) {
+        for (const char *key : keys)
+            if (t.get(key) == nullptr)
+                return refuse(t.source(), std::string(key) + " in [[" + kind + "]] must be given");
+        return true;
+    }
+
+    bool part(const toml::table &t) {
+        const int b = whole(t, "body", 1);
+        if (!must(t, "part", {"mass", "from"}) || !is_body(t, "body", b, 1))
+            return false;
+        CaseBody &of = c_.bodies[static_cast<std::size_t>(b - 1)];
+        if (of.mass || of.centre || of.radii || of.inertia || !of.mass_matrix.empty())
+            return refuse(t.source(),
+                          "the mass of body " + std::to_string(b) + " is given in [[body]] and in [[part]]");
+        const double from = real(t, "from", 0);
+        of.parts.push_back({real(t, "mass", 0), from, real(t, "to", from), real(t, "y", 0), real(t, "z", 0),
+                            real(t, "radius_y", 0), real(t, "radius_z", 0)});
+        return of.parts.back().to >= from || refuse(t.get("to")->source(), "to in [[part]] lies behind from");
+    }
+
+    bool section(const toml::table &t) {
+        CaseSections sections{whole(t, "body", 1), {}, real(t, "y", 0), real(t, "z", 0)};
+        if (!must(t, "section", {"from"}) || !is_body(t, "body", sections.body, 1))
+            return false;
+        const double from = real(t, "from", 0), to = real(t, "to", from);
+        const int count = whole(t, "count", 1);
+        for (int k = 0; k < count; ++k)
+            sections.stations.push_back(count == 1 ? from : from + k * (to - from) / (count - 1));
+        if (c_.bodies[static_cast<std::size_t>(sections.body - 1)].parts.empty())
+            return refuse(t.source(),
+                          "sections need the mass of body " + std::to_string(sections.body) + " as [[part]]");
+        c_.sections.push_back(sections);
+        return true;
+    }
+
     bool spring(const toml::table &t) {
         CaseSpring spring;
         spring.body = whole(t, "body", 1);
@@ -364,6 +402,10 @@ bool read_case(const std::string &name, const P2fFile &p2f, CaseFile &file, std:
 
 BodyMass mass_of(const CaseBody &body, const BodyHydrostatics &geometry, double density) {
     BodyMass mass = assumed_mass(geometry, density);
+    if (!body.parts.empty()) {
+        const PartsTogether parts = together(body.parts);
+        return {parts.mass, parts.centre, parts.inertia};
+    }
     const double ratio = body.mass && mass.mass > 0 ? *body.mass / mass.mass : 1;
     for (auto &row : mass.inertia)
         for (double &value : row)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "post/hydrostatics.hpp"
+#include "post/mass_parts.hpp"
 
 #include <optional>
 #include <string>
@@ -49,6 +50,12 @@ struct CaseCoupling {
     int i = 0, j = 0; // modes, from 1
     double stiffness = 0, damping = 0;
 };
+// Sections of a body, evenly along x.
+struct CaseSections {
+    int body = 1;
+    std::vector<double> stations;
+    double y = 0, z = 0;
+};
 struct CasePoint {
     std::string name;
     int body = 1;
@@ -68,6 +75,7 @@ struct CaseBody {
     std::optional<double> mass;
     std::optional<Vec3> centre, radii;
     std::optional<CaseMatrix> inertia; // 3 x 3, about the centre of gravity
+    std::vector<MassPart> parts;       // in the place of the others; or empty
     CaseMatrix mass_matrix;        // of all its modes about its origin, in the place of the others; or empty
     CaseMatrix stiffness, damping; // external, of all its modes; or empty
     std::vector<std::pair<int, double>> critical; // modes, from 1 in the whole run, and fractions
@@ -78,6 +86,7 @@ struct CaseFile {
     std::vector<int> fixed;       // modes, from 1
     std::vector<CaseSpring> springs;
     std::vector<CaseCoupling> couplings;
+    std::vector<CaseSections> sections;
     std::vector<CasePoint> points;
     std::vector<CaseSpectrum> spectra;
 };

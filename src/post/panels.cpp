@@ -11,16 +11,6 @@ double d(f32 value) {
     return static_cast<double>(value);
 }
 
-// The centroid of an image of a panel from the origin of its body, in its axes, in units of ULEN(1).
-Vector3 in_body_axes(const P2fFile &p2f, int J, const Image &image) {
-    const int body = body_of_panel(p2f, J);
-    const double angle = d(p2f.XBODY(4, body)) * std::numbers::pi / 180, c = std::cos(angle),
-                 s = std::sin(angle);
-    const double x = image.sx * d(p2f.XCT(1, J)) - d(p2f.XBODY(1, body)),
-                 y = image.sy * d(p2f.XCT(2, J)) - d(p2f.XBODY(2, body));
-    return {c * x + s * y, c * y - s * x, d(p2f.XCT(3, J)) - d(p2f.XBODY(3, body))};
-}
-
 bool extra_modes_move(const P2fFile &p2f, Motions xi, int b) {
     for (int j = 1; moves(xi) && j <= p2f.NMODES; ++j)
         if (body_mode(p2f, j).number > 6 && xi(j, b) != 0.0)
@@ -37,6 +27,13 @@ bool unit_column(const P2fFile &p2f, int mode, Array<c64, 2> &xi) {
 }
 
 } // namespace
+
+Vector3 from_body(const P2fFile &p2f, int body, const Vector3 &at) {
+    const double angle = d(p2f.XBODY(4, body)) * std::numbers::pi / 180, c = std::cos(angle),
+                 s = std::sin(angle);
+    const double x = at[0] - d(p2f.XBODY(1, body)), y = at[1] - d(p2f.XBODY(2, body));
+    return {c * x + s * y, c * y - s * x, at[2] - d(p2f.XBODY(3, body))};
+}
 
 c64 rise(const P2fFile &p2f, int body, Motions xi, int b, const Vector3 &r) {
     const int first = modes_before(p2f, body);
@@ -84,7 +81,10 @@ bool form_panels(const P2fFile &p2f, int t, Motions xi, const PanelLoad &load, c
                 continue;
             c64 head = state.phi(J, g); // over the amplitude
             if (hydrostatic)
-                head -= rise(p2f, body_of_panel(p2f, J), xi, b, times(L, in_body_axes(p2f, J, image)));
+                head -= rise(p2f, body_of_panel(p2f, J), xi, b,
+                             times(L, from_body(p2f, body_of_panel(p2f, J),
+                                                {image.sx * d(p2f.XCT(1, J)), image.sy * d(p2f.XCT(2, J)),
+                                                 d(p2f.XCT(3, J))})));
             values.pressure(J, g) = scales.density * scales.gravity * head;
             if (p2f.ISOR != 1 || kinds.plate(J))
                 continue;

@@ -26,6 +26,9 @@ struct PanelValues {
                                const Scales &scales, const SurfaceGradient &gradient, PanelValues &values,
                                std::string &error);
 
+// A place in global axes from the origin of a body, in the axes of the body; units of ULEN(1).
+Vector3 from_body(const P2fFile &p2f, int body, const Vector3 &at);
+
 // Height by which the motions xi of its body raise a place r (dimensional, from the origin of the body, axes
 // of the body) of a hull.
 c64 rise(const P2fFile &p2f, int body, Motions xi, int b, const Vector3 &r);

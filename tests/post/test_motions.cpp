@@ -132,6 +132,57 @@ TEST(JoinedBodies, MoveAsTheOneBodyOfBoth) {
     }
 }
 
+// An extra mode that is heave, with its mass and stiffness.
+TEST(ExtraModes, MoveAsTheRigidModeThatTheyAre) {
+    const CaseFolder folder;
+    Pot pot;
+    pot.PER = "0.9";
+    pot.BETA = "20";
+    prepare(folder, pot, "NEWMDS=1\n");
+    make_mesh(folder, BOX);
+    folder.solve(); // leaves the panels
+    std::istringstream pre(folder.read("run.pre"));
+    std::string line, values;
+    int panels = 0;
+    for (int k = 0; std::getline(pre, line); ++k) {
+        double number[7] = {};
+        std::istringstream in(line);
+        for (int c = 0; k >= 2 && c < 7; ++c)
+            in >> number[c];
+        if (k >= 2) {
+            values += std::to_string(number[6]) + "\n"; // n3
+            ++panels;
+        }
+    }
+    std::ostringstream mod;
+    mod << "heave\nagain\n1 1 " << panels << "\n1\n3\n" << values;
+    for (int i = 1; i <= 7; ++i)
+        mod << "0 0 " << (i == 7 ? 2.4 : 0) << " 0 0 0 " << (i == 3 || i == 7 ? 2.4 : 0)
+            << "\n"; // waterplane area
+    folder.write("run.mod", mod.str());
+    const PostRun box(solved(folder));
+    ASSERT_EQ(box.p2f().NMODES, 7);
+    std::string mass = "[[body]]\nmass_matrix = [";
+    for (int i = 1; i <= 7; ++i) {
+        mass += "[";
+        for (int j = 1; j <= 7; ++j)
+            mass += (i == j || (i == 3 && j == 7) || (i == 7 && j == 3) ? "1230" : "0") +
+                    std::string(j < 7 ? ", " : "], ");
+    }
+    mass += "]\n";
+    const auto heave = box.motions(mass + "fixed = ['7']\n"),
+               extra = box.motions(mass + "fixed = ['heave']\n");
+    constexpr double DIGITS = 1e-4; // of the MOD file
+    EXPECT_GT(std::abs(heave(3, 1, 1)), 0.1);
+    EXPECT_NEAR(std::abs(heave(3, 1, 1) - extra(7, 1, 1)), 0, DIGITS);
+    // Both at once: nothing tells them apart.
+    Array<c64, 3> xi;
+    std::string error;
+    EXPECT_FALSE(form_motions(box.p2f(), box.system(mass), box.R, box.X.pressure, xi, error));
+    EXPECT_NE(error.find("singular"), std::string::npos) << error;
+    EXPECT_LT(relative_difference(box.p2f(), box.X.haskind, box.X.pressure, 7, 1), 0.1);
+}
+
 TEST(Spectra, HaveTheirMomentsAndSpreading) {
     std::string headings, waves;
     for (int b = 0; b < 12; ++b)

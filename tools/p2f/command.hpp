@@ -24,6 +24,9 @@ Show set_up_hydrostatics(CLI::App &app);
 Show set_up_forces(CLI::App &app);
 Show set_up_motions(CLI::App &app);
 Show set_up_impulse(CLI::App &app);
+Show set_up_drift(CLI::App &app);
+Show set_up_field(CLI::App &app);
+Show set_up_panels(CLI::App &app);
 
 // What a command with tables is asked for.
 struct TableRequest {

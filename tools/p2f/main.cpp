@@ -12,6 +12,9 @@ constexpr Command COMMANDS[] = {
     {"forces", "exciting force, added mass and damping, each in two ways", set_up_forces},
     {"motions", "motions in waves, of points too, natural periods, responses in irregular seas",
      set_up_motions},
+    {"drift", "mean drift, by the waves far away and by the pressures on the hull", set_up_drift},
+    {"field", "elevation, pressure and velocity at points of the fluid", set_up_field},
+    {"panels", "pressures and velocities on the hull, run-up, loads in sections", set_up_panels},
     {"impulse", "impulse responses for the time domain", set_up_impulse},
 };
 
