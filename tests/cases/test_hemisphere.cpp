@@ -12,10 +12,10 @@ constexpr Published HULME[] = {{0.1, 0.8627, 0.1816}, {0.2, 0.7938, 0.2793}, {0.
                                {1.0, 0.4284, 0.2484}, {1.5, 0.3890, 0.1606}, {2.0, 0.3884, 0.1031},
                                {3.0, 0.4111, 0.0452}, {4.0, 0.4322, 0.0219}};
 
-SolvedRun solve_hemisphere(int panels) {
+SolvedRun solve_hemisphere(int panels, const char *PER = "0.1 0.2 0.5 1.0 1.5 2.0 3.0 4.0", int NPER = 8) {
     Pot pot;
-    pot.NPER = 8;
-    pot.PER = "0.1 0.2 0.5 1.0 1.5 2.0 3.0 4.0";
+    pot.NPER = NPER;
+    pot.PER = PER;
     return solve_mesh("hemisphere --nu " + std::to_string(panels) + " --nv " + std::to_string(panels), pot);
 }
 
@@ -41,15 +41,15 @@ TEST(Hemisphere, AgreesWithPublishedValuesAndConverges) {
 TEST(Hemisphere, DampingIsTheEnergyOfTheRadiatedWaves) {
     // Surge at Ka = 4 stands beside the first irregular frequency of its class (about 3.9), where only the
     // mesh helps.
-    const SolvedRun run = solve_hemisphere(16), finer = solve_hemisphere(32);
+    const SolvedRun run = solve_hemisphere(16), finer = solve_hemisphere(32, "4.0", 1);
     for (int t = 1; t <= 8; ++t) {
         EXPECT_LT(std::abs(energy_defect(run, 3, t)), 0.01) << "heave, Ka " << HULME[t - 1].Ka;
         if (t < 8) {
             EXPECT_LT(std::abs(energy_defect(run, 1, t)), 0.01) << "surge, Ka " << HULME[t - 1].Ka;
         }
     }
-    EXPECT_GT(std::abs(energy_defect(run, 1, 8) / energy_defect(finer, 1, 8)), 3);
-    EXPECT_LT(std::abs(energy_defect(finer, 1, 8)), 0.01);
+    EXPECT_GT(std::abs(energy_defect(run, 1, 8) / energy_defect(finer, 1, 1)), 3);
+    EXPECT_LT(std::abs(energy_defect(finer, 1, 1)), 0.01);
 }
 
 } // namespace

@@ -165,6 +165,8 @@ TEST(Panint, NearFieldIsExact) {
     for (const Shape &shape : SHAPES)
         for (const Pose &pose : POSES)
             for (const auto &[IDIAG, size] : {std::pair{0, 1.}, {0, 3e-4}, {1, .05}}) {
+                if (size < 1 && &pose != &POSES[2] && &pose != &POSES[4])
+                    continue; // the size alone: of a tilted and of a vertical panel
                 const Panel p = make(shape, pose, size, IDIAG);
                 const double t = 1e-6 * p.width;
                 for (const Point &x : near_points(p)) {
@@ -225,7 +227,7 @@ INSTANTIATE_TEST_SUITE_P(Panint, Border,
 // begin, and at the borders of the regions. Measured at worst: 1.0e-4, 3.9e-4, 3.6e-4, 1.2e-3, for 1:8
 // and 1:300 alike.
 TEST(Panint, MultipolesBeginOutsideASlenderPanel) {
-    for (const double aspect : {8., 32., 300.}) {
+    for (const double aspect : {8., 300.}) {
         const double a = aspect / 2;
         const Shape strip = {"strip", {{a, .5}, {a, -.5}, {-a, -.5}, {-a, .5}}};
         Deviation worst;
