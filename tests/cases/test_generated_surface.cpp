@@ -26,6 +26,32 @@ double difference(const SolvedRun &a, const SolvedRun &b) {
     return *std::max_element(std::begin(largest), std::end(largest));
 }
 
+// The first irregular frequency of the heaving cylinder, radius a = 1 and draft 0.5: K = k / tanh(0.5 k) with
+// J0(k) = 0, k = 2.4048; the panels are a little smaller than the circle.
+TEST(GeneratedSurface, IsSmoothThroughTheIrregularFrequency) {
+    Pot pot;
+    pot.NPER = 3;
+    pot.PER = "2.80 2.884 2.968";
+    const auto jump = [](const SolvedRun &run) {
+        const double between = (run.c.A(3, 3, 1) + run.c.A(3, 3, 3)) / 2;
+        return std::abs(run.c.A(3, 3, 2) / between - 1);
+    };
+    CaseFolder folder;
+    start(folder, CYLINDER);
+    const SolvedRun untreated = solve(folder, pot, 0, 0);
+    EXPECT_GT(jump(untreated), 0.2);
+    CaseFolder other;
+    start(other, std::string(CYLINDER) + " --lid");
+    const SolvedRun given = solve(other, pot, 1, 0);
+    for (const int ISOR : {0, 1}) {
+        const SolvedRun run = solve(folder, pot, 3, ISOR);
+        EXPECT_LT(jump(run), 0.01);
+        EXPECT_GT(run.p2f.NEQN, untreated.p2f.NEQN);
+        for (int t = 1; t <= 3; ++t) // panels of another shape cover the same surface
+            EXPECT_NEAR(run.c.A(3, 3, t), given.c.A(3, 3, t), 0.01 * std::abs(given.c.A(3, 3, t)));
+    }
+}
+
 // Single precision of a run that reads the same panels.
 constexpr double SAME = 1e-6;
 

@@ -110,7 +110,7 @@ TEST(IrregularFrequencies, SourcesBesideALidMakeTheFlow) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Treatment,
-                         testing::Values(std::pair{1, 0}, std::pair{2, 0}, std::pair{3, 0}, std::pair{4, 0},
-                                         std::pair{1, 1}, std::pair{2, 1}, std::pair{3, 1}, std::pair{4, 1}));
+                         testing::Values(std::pair{1, 0}, std::pair{2, 0}, std::pair{4, 0}, std::pair{1, 1},
+                                         std::pair{2, 1}, std::pair{4, 1}));
 
 } // namespace
