@@ -59,6 +59,7 @@ void add_field_rows(Table &table, const P2fFile &p2f, const Scales &scales, Wave
         const bool is = request.mark[i] == PointMark::fluid;
         const c64 head = field.total(at, wave.b);
         std::vector<Cell> cells;
+        cells.reserve(table.columns.size());
         add_wave_cells(cells, p2f, scales, wave);
         add_place_cells(cells, scales, request, i);
         add_polar(cells, is, head, convention);
@@ -88,6 +89,7 @@ void add_field_velocity_rows(Table &table, const P2fFile &p2f, const Scales &sca
     const c64 speed = c64(0, scales.gravity / omega_of(p2f, wave.t)) / scales.length;
     for (std::size_t i = 0; i < request.points.size(); ++i) {
         std::vector<Cell> cells;
+        cells.reserve(table.columns.size());
         add_wave_cells(cells, p2f, scales, wave);
         add_place_cells(cells, scales, request, i);
         for (int c = 1; c <= 3; ++c)

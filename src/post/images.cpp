@@ -57,7 +57,7 @@ PanelKinds::PanelKinds(const P2fFile &p2f) {
     int panel = 0;
     for (int b = 1; b <= p2f.NBODY; ++b) {
         const int heave = modes_before(p2f, b) + 3;
-        bool some_hull = false, some_surface = false;
+        bool in_surface = true, stands_for_it = false;
         for (int k = 1; k <= p2f.NEQNB(b); ++k) {
             ++panel;
             const int mark = p2f.IFSP.empty() ? 0 : p2f.IFSP(panel);
@@ -65,9 +65,10 @@ PanelKinds::PanelKinds(const P2fFile &p2f) {
             const bool hull = mark == 0 || (mark == -1 && p2f.VEL(heave, panel) != 0);
             hull_.push_back(hull ? 1 : 0);
             plate_.push_back(!p2f.IDIP.empty() && p2f.IDIP(panel) != 0 ? 1 : 0);
-            (hull ? some_hull : some_surface) = true;
+            in_surface = in_surface && mark != 0;
+            stands_for_it = stands_for_it || !hull;
         }
-        lid_body = lid_body || (some_surface && (p2f.IRR == 0 || !some_hull));
+        lid_body = lid_body || in_surface || (stands_for_it && p2f.IRR == 0);
     }
 }
 

@@ -39,8 +39,9 @@ class PanelKinds {
     bool hull(int panel) const { return hull_[static_cast<std::size_t>(panel) - 1] != 0; }
     // Without thickness, fluid on both sides: its potential is the jump across it.
     bool plate(int panel) const { return plate_[static_cast<std::size_t>(panel) - 1] != 0; }
-    // Some panels are a lid that takes energy, a body of its own: free surface in a run without interior
-    // panels, or a body of nothing else.
+    // Some body lies in z = 0 alone and may be a lid that takes energy. Of a run with interior panels the
+    // file does not tell it from a hull of no draught; of one without them it has no marks where there is no
+    // lid.
     bool lid_body = false;
 
   private:

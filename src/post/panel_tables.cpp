@@ -50,6 +50,7 @@ void add_panel_rows(Table &table, const P2fFile &p2f, const Scales &scales, Wave
                 continue;
             const int at = static_cast<int>(g) + 1;
             std::vector<Cell> cells;
+            cells.reserve(table.columns.size());
             add_period_cells(cells, p2f, scales, wave.t);
             cells.emplace_back(load);
             cells.emplace_back(static_cast<double>(J));

@@ -86,11 +86,13 @@ bool crosses(const Vector3 &p, const Vector3 &a, const Vector3 &b, const Vector3
 class Judge {
   public:
     explicit Judge(const P2fFile &p2f) : p_(p2f), panels_(place_panels(p2f)) {
-        for (const PlacedPanel &panel : panels_)
+        for (const PlacedPanel &panel : panels_) {
+            smallest_ = std::min(smallest_, panel.size);
             for (std::size_t c = 0; panel.bounds_body && c < 3; ++c) {
                 low_[c] = std::min(low_[c], panel.centre[c] - panel.reach);
                 high_[c] = std::max(high_[c], panel.centre[c] + panel.reach);
             }
+        }
     }
     PointMark operator()(const Vector3 &p) const {
         const double depth = d(p_.HBOT);
@@ -119,10 +121,7 @@ class Judge {
         for (std::size_t c = 0; c < 3; ++c)
             if (p[c] < low_[c] || p[c] > high_[c])
                 return false;
-        double size = 1e30;
-        for (const PlacedPanel &panel : panels_)
-            size = std::min(size, panel.size);
-        p[2] -= 1.234567e-4 * size;
+        p[2] -= 1.234567e-4 * smallest_;
         int crossings = 0;
         for (const PlacedPanel &panel : panels_) {
             const auto &k = panel.corner;
@@ -134,6 +133,7 @@ class Judge {
 
     const P2fFile &p_;
     std::vector<PlacedPanel> panels_;
+    double smallest_ = 1e30; // size of a panel
     Vector3 low_{1e30, 1e30, 1e30}, high_{-1e30, -1e30, -1e30};
 };
 

@@ -1,6 +1,7 @@
 // Truth: the diffraction series of a circular cylinder that stands on the bottom (R. C. MacCamy and R. A.
 // Fuchs, 1954) with the pressures on its wall integrated; conservation of energy; drift by momentum far away
 // against drift by pressures on the hull.
+#include "../cases/panel_lists.hpp"
 #include "cylinder_series.hpp"
 #include "free_body.hpp"
 #include "post/drift_far.hpp"
@@ -163,5 +164,45 @@ INSTANTIATE_TEST_SUITE_P(
                     Setting{"shallow_barge_with_lid", barge(1, " --lid"), barge(2, " --lid"), TO_EDGES, "1",
                             "0.7 1.9", 1}),
     testing::PrintToStringParamName());
+
+// A lid around a hemisphere takes 2 e nu times the integral of |phi|^2 over it out of the waves. Far away
+// that is missing.
+TEST(Drift, KnowsWhatALidTakes) {
+    using namespace panel_lists;
+    const double damping = 0.3;
+    double last = 1;
+    for (const int m : {3, 6}) {
+        const CaseFolder folder;
+        Pot pot;
+        pot.PER = "0.8";
+        pot.ISOR = pot.ILOG = 1;
+        prepare(folder, pot, "IFSLID=1\nISCATT=1\n");
+        make_mesh(folder, "hemisphere --nu " + std::to_string(2 * m) + " --nv " + std::to_string(2 * m),
+                  "hull.gdf");
+        folder.write("lid.gdf", gdf(rings({{1.6, 0, 1.2, 0, 2 * m, m, true}})));
+        folder.write("run.gdf",
+                     "hull and lid\n0 9.80665\n2\nhull.gdf\n0 0 0 0\n1 1\n1 1 1 1 1 1\n1 0\nlid.gdf\n0 0 0 "
+                     "0\n0 1\n0 0 0 0 0 0\n3 " +
+                         std::to_string(damping) + "\n");
+        const SolvedRun run = solved(folder);
+        const P2fFile &p = run.p2f;
+        std::string error;
+        std::vector<FarDrift> far;
+        EXPECT_FALSE(form_far_drift(p, 1, {}, FarFieldOf::potentials, far, error));
+        EXPECT_NE(error.find("lid"), std::string::npos);
+        ASSERT_TRUE(form_far_drift(p, 1, {}, FarFieldOf::sources, far, error)) << error;
+        HullState state;
+        ASSERT_TRUE(form_hull_state(p, 1, 1, {}, Part::total, {}, state, error)) << error;
+        double taken = 0;
+        for (int g = 1; g <= 4; ++g)
+            for (int J = p.NEQNB(1) + 1; J <= p.NEQN; ++J)
+                taken += 2 * damping * deep_wave_number(p, 1) * static_cast<double>(p.PMOM(1, J)) *
+                         std::norm(state.phi(J, g));
+        const double error_of = std::abs(far[0].taken / taken - 1);
+        EXPECT_LT(error_of, 0.7 * last); // constant sources are of first order
+        last = error_of;
+    }
+    EXPECT_LT(last, 0.05);
+}
 
 } // namespace

@@ -71,7 +71,10 @@ Show set_up_field(CLI::App &app) {
             wave.notes.push_back("Scattered and radiated waves from the sources differ by " +
                                  trimmed(fixed(8, 4, static_cast<f32>(by_sources))) +
                                  " of the largest at most.");
-        return show_tables(*tables,
-                           at.velocity ? std::vector<Table>{wave, velocity} : std::vector<Table>{wave});
+        std::vector<Table> all;
+        all.push_back(std::move(wave));
+        if (at.velocity)
+            all.push_back(std::move(velocity));
+        return show_tables(*tables, all);
     };
 }

@@ -48,14 +48,14 @@ std::shared_ptr<MovingRequest> add_moving(CLI::App &app) {
 
 bool move_bodies(const MovingRequest &request, const P2fFile &p2f, MovingBodies &bodies, std::string &error) {
     std::vector<int> periods;
-    if (p2f.IDIFF < 0) {
-        error = "the file has no diffraction: set IDIFF=1 in the run";
-        return false;
-    }
     if (!choose(request.periods, p2f.NPER, "period", periods, error) ||
         !choose(request.headings, p2f.NBETA, "heading", bodies.headings, error) ||
         !load_case(*request.of_case, p2f, bodies.of_case, error))
         return false;
+    if (p2f.IDIFF < 0) {
+        error = "the file has no diffraction: set IDIFF=1 in the run";
+        return false;
+    }
     for (const int t : periods)
         if (has_waves(p2f, t))
             bodies.periods.push_back(t);

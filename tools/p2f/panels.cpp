@@ -9,6 +9,8 @@ namespace {
 struct PanelOptions {
     std::string load = "total";
     bool hydrostatic = false;
+    std::string wanted; // the one table that is asked for, or empty: all
+    bool wants(const char *table) const { return wanted.empty() || wanted == table; }
 };
 
 // The loads of a period as asked for, with their names.
@@ -42,13 +44,18 @@ bool add_period(const P2fFile &p2f, const MovingBodies &bodies, const PanelOptio
                 const SurfaceGradient &gradient, const Convention &convention, HullTables &tables,
                 std::string &error) {
     const Scales &scales = bodies.of_case.scales;
-    for (const NamedLoad &load : loads_of(options, p2f, bodies.headings)) {
+    std::vector<NamedLoad> pressures;
+    if (options.wants("panels"))
+        pressures = loads_of(options, p2f, bodies.headings);
+    for (const NamedLoad &load : pressures) {
         PanelValues values;
         if (!form_panels(p2f, t, bodies.motions(t), load.load, scales, gradient, values, error))
             return false;
         add_panel_rows(tables.panels, p2f, scales, {t, load.load.index}, load.name, values, convention);
     }
     for (const int b : bodies.headings) {
+        if (options.wanted == "panels")
+            break;
         HullState state;
         if (!form_hull_state(p2f, t, b, bodies.motions(t), Part::total, {.velocity = p2f.ISOR == 1}, state,
                              error))
@@ -92,6 +99,7 @@ Show set_up_panels(CLI::App &app) {
             return refuse("the case file has no [[section]]");
         if (tables->wanted == "waterline" && p2f.ISOR != 1)
             return refuse("the file has no waterlines: set ISOR=1 in the run");
+        options->wanted = tables->wanted;
         const Scales &scales = bodies.of_case.scales;
         HullTables made{panel_table(scales, *convention, options->load == "modes"),
                         waterline_table(scales, *convention), section_table(scales, *convention),
