@@ -9,14 +9,9 @@ namespace {
 
 using c64 = std::complex<double>;
 
-constexpr double ROUND_OFF = 1e-6; // of the largest value of the same unit
 // Density times powers of the length and a factor, 1 where the values stay non-dimensional.
 double factor(const Scales &scales, int power, double more) {
     return scales.dimensional() ? scales.density * std::pow(scales.length, power) * more : 1;
-}
-
-bool was_solved(const P2fFile &p2f, int mode) {
-    return p2f.MODPOS(mode) > 0;
 }
 
 } // namespace
@@ -34,38 +29,35 @@ Table radiation_table(const P2fFile &p2f, const Scales &scales, const Coefficien
     table.columns.push_back({"k", ""});
     table.columns.push_back({"added mass", dimensional ? unit : "rho ULEN^k", Look::scientific});
     table.columns.push_back({"damping", dimensional ? unit + "/s" : "rho omega ULEN^k", Look::scientific});
+    const std::vector<int> solved = solved_modes(p2f);
     for (int t = 1; t <= p2f.NPER; ++t) {
         const Frequency kind = frequency_kind(p2f, t);
         double omega = dimensional ? omega_of(p2f, t) : 1;
         if (kind != Frequency::wave)
             omega = 0; // no waves, no damping
         double largest[2][3] = {};
-        for (int i = 1; i <= p2f.NMODES; ++i) {
-            for (int j = 1; j <= p2f.NMODES; ++j) {
+        for (const int i : solved) {
+            for (const int j : solved) {
                 const int k = rotations(p2f, i) + rotations(p2f, j);
                 largest[0][k] = std::max(largest[0][k], std::abs(static_cast<double>(c.A(i, j, t))));
                 largest[1][k] = std::max(largest[1][k], std::abs(static_cast<double>(c.B(i, j, t))));
             }
         }
-        for (int i = 1; i <= p2f.NMODES; ++i) {
-            for (int j = 1; j <= p2f.NMODES; ++j) {
-                if (!was_solved(p2f, i) || !was_solved(p2f, j))
-                    continue;
+        for (const int i : solved) {
+            for (const int j : solved) {
                 const int k = rotations(p2f, i) + rotations(p2f, j);
-                const auto clean = [&](double value, double most) {
-                    return std::abs(value) < ROUND_OFF * most ? 0 : value;
-                };
                 const double scale = factor(scales, 3 + k, 1);
                 std::vector<Cell> cells;
                 add_period_cells(cells, p2f, scales, t);
                 add_mode_cells(cells, p2f, i);
                 add_mode_cells(cells, p2f, j);
                 cells.emplace_back(static_cast<double>(dimensional ? k : 3 + k));
-                cells.emplace_back(scale * clean(static_cast<double>(c.A(i, j, t)), largest[0][k]));
+                cells.emplace_back(scale *
+                                   without_round_off(static_cast<double>(c.A(i, j, t)), largest[0][k]));
                 // Next to an added mass of its size a damping of 1e-6 is round-off as well.
                 cells.emplace_back(scale * omega *
-                                   clean(static_cast<double>(c.B(i, j, t)),
-                                         std::max(largest[1][k], ROUND_OFF * largest[0][k])));
+                                   without_round_off(static_cast<double>(c.B(i, j, t)),
+                                                     std::max(largest[1][k], ROUND_OFF * largest[0][k])));
                 table.rows.push_back(std::move(cells));
             }
         }
@@ -89,20 +81,19 @@ Table exciting_table(const P2fFile &p2f, const Scales &scales, const Coefficient
     table.columns.push_back({"phase", "deg", Look::fixed, 2});
     table.columns.push_back({"real part", unit, Look::scientific});
     table.columns.push_back({"imaginary part", unit, Look::scientific});
+    const std::vector<int> solved = solved_modes(p2f);
     for (int t = 1; t <= p2f.NPER; ++t) {
         double largest[2] = {};
         for (int b = 1; b <= p2f.NBETA; ++b)
-            for (int i = 1; i <= p2f.NMODES; ++i)
+            for (const int i : solved)
                 largest[rotations(p2f, i)] =
                     std::max(largest[rotations(p2f, i)], std::abs(c64(c.X(i, b, t))));
         for (int b = 1; b <= p2f.NBETA; ++b) {
-            for (int i = 1; i <= p2f.NMODES; ++i) {
-                if (!was_solved(p2f, i))
-                    continue;
+            for (const int i : solved) {
                 const int r = rotations(p2f, i);
-                const double scale = factor(scales, 2 + r, scales.gravity), least = ROUND_OFF * largest[r];
+                const double scale = factor(scales, 2 + r, scales.gravity);
                 c64 x(c.X(i, b, t));
-                x = {std::abs(x.real()) < least ? 0 : x.real(), std::abs(x.imag()) < least ? 0 : x.imag()};
+                x = {without_round_off(x.real(), largest[r]), without_round_off(x.imag(), largest[r])};
                 std::vector<Cell> cells;
                 add_period_cells(cells, p2f, scales, t);
                 cells.emplace_back(static_cast<double>(p2f.BETA(b)));
@@ -116,7 +107,7 @@ Table exciting_table(const P2fFile &p2f, const Scales &scales, const Coefficient
             }
         }
     }
-    table.notes.emplace_back("Phase of Re(X exp(+i omega t)) against the wave at the origin.");
+    table.notes.emplace_back(Convention{}.note());
     add_wall_note(table, p2f, "X is");
     add_limit_note(table, p2f,
                    "A run has no incident wave at zero and infinite frequency: X stands as 0 there.");

@@ -21,11 +21,10 @@ void add_polar_columns(std::vector<Column> &columns, const std::string &name, co
 }
 // No number where there is no wave.
 void add_polar(std::vector<Cell> &cells, bool is, c64 value, const Convention &convention) {
-    constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
     if (is)
         add_polar_cells(cells, value, 0, convention);
     else
-        cells.insert(cells.end(), {NONE, NONE});
+        add_no_polar_cells(cells);
 }
 
 const char *const MARKS =

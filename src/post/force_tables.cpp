@@ -3,12 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-constexpr double ROUND_OFF = 1e-6; // of the largest value of the same unit and period
-
-} // namespace
-
 Table force_table(const P2fFile &p2f, const Scales &scales, const ExcitingForces &X,
                   const Convention &convention) {
     Table table;
@@ -29,7 +23,6 @@ Table force_table(const P2fFile &p2f, const Scales &scales, const ExcitingForces
     table.columns.push_back({"difference", "%", Look::fixed, 3});
     pair("Froude-Krylov");
     pair("scattering");
-    const double none = std::nan("");
     for (int t = 1; t <= p2f.NPER; ++t) {
         double largest[2] = {};
         for (int b = 1; b <= p2f.NBETA; ++b)
@@ -46,7 +39,8 @@ Table force_table(const P2fFile &p2f, const Scales &scales, const ExcitingForces
                 cells.emplace_back(static_cast<double>(rotations(p2f, m) - 1));
                 add_polar_cells(cells, X.pressure(m, b, t), least, convention);
                 if (X.haskind.empty()) {
-                    cells.insert(cells.end(), {none, none, none});
+                    add_no_polar_cells(cells);
+                    cells.emplace_back(std::nan(""));
                 } else {
                     add_polar_cells(cells, X.haskind(m, b, t), least, convention);
                     cells.emplace_back(100 * relative_difference(p2f, X.pressure, X.haskind, m, t));
@@ -96,20 +90,18 @@ Table added_mass_table(const P2fFile &p2f, const Scales &scales, const Radiation
         for (const int i : solved_modes(p2f))
             for (const int j : solved_modes(p2f)) {
                 const int k = rotations(p2f, i) + rotations(p2f, j);
-                const double least_B = ROUND_OFF * std::max(B[k], ROUND_OFF * omega * A[k]);
-                const auto clean = [](double value, double least) {
-                    return std::abs(value) < least ? 0 : value;
-                };
+                const double most_B = std::max(B[k], ROUND_OFF * omega * A[k]);
                 std::vector<Cell> cells;
                 add_period_cells(cells, p2f, scales, t);
                 add_mode_cells(cells, p2f, i);
                 add_mode_cells(cells, p2f, j);
                 cells.emplace_back(static_cast<double>(k));
-                cells.emplace_back(clean(R.A(i, j, t), ROUND_OFF * A[k]));
-                cells.emplace_back(clean(2 * R.A_odd(i, j, t), ROUND_OFF * A[k]));
-                cells.emplace_back(clean(R.B(i, j, t), least_B));
-                cells.emplace_back(clean(2 * R.B_odd(i, j, t), least_B));
-                cells.emplace_back(far_field.empty() ? std::nan("") : clean(far_field(i, j, t), least_B));
+                cells.emplace_back(without_round_off(R.A(i, j, t), A[k]));
+                cells.emplace_back(without_round_off(2 * R.A_odd(i, j, t), A[k]));
+                cells.emplace_back(without_round_off(R.B(i, j, t), most_B));
+                cells.emplace_back(without_round_off(2 * R.B_odd(i, j, t), most_B));
+                cells.emplace_back(far_field.empty() ? std::nan("")
+                                                     : without_round_off(far_field(i, j, t), most_B));
                 table.rows.push_back(std::move(cells));
             }
     }

@@ -216,14 +216,6 @@ constexpr const char *NO_MEMORY = "there is not enough memory";
 
 } // namespace
 
-std::vector<int> solved_modes(const P2fFile &p2f) {
-    std::vector<int> modes;
-    for (int m = 1; m <= p2f.NMODES; ++m)
-        if (class_of(p2f, m) != 0)
-            modes.push_back(m);
-    return modes;
-}
-
 std::vector<double> level_forces(const P2fFile &p2f, const Scales &scales) {
     const Hull hull = hull_of(p2f);
     std::vector<double> forces(static_cast<std::size_t>(p2f.NMODES));

@@ -44,6 +44,3 @@ double relative_difference(const P2fFile &p2f, const Array<c64, 3> &a, const Arr
 
 // Force on each mode, from 0, of a level raised by 1: that of the waterplane.
 std::vector<double> level_forces(const P2fFile &p2f, const Scales &scales);
-
-// Modes that were solved, from 1.
-std::vector<int> solved_modes(const P2fFile &p2f);

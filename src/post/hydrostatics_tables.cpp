@@ -17,7 +17,6 @@ Table particulars_table(const std::vector<BodyHydrostatics> &bodies, const std::
                                       body.highest[2] - body.lowest[2]});
         // Lengths that are round-off of the size of the body are 0.
         const auto add = [&](const std::string &what, const std::string &unit, double value, int power) {
-            constexpr double ROUND_OFF = 1e-6;
             if (power > 0 && std::abs(value) < ROUND_OFF * std::pow(size, power))
                 value = 0;
             table.rows.push_back({static_cast<double>(b + 1), what, unit, value});
@@ -95,7 +94,6 @@ Table stiffness_table(const P2fFile &p2f, const std::vector<BodyHydrostatics> &b
                                            mode_name({body, j}), static_cast<double>(levers - 1)};
                 double sum = 0;
                 for (const Matrix6 &part : parts) {
-                    constexpr double ROUND_OFF = 1e-6;
                     double value =
                         i <= 6 && j <= 6
                             ? part[static_cast<std::size_t>(i - 1)][static_cast<std::size_t>(j - 1)]

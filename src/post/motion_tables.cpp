@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr double ROUND_OFF = 1e-6; // of the largest value of its kind at the period
-
 // Rotations in degrees.
 double shown(const P2fFile &p2f, int mode) {
     return is_rotation(p2f, mode) ? DEGREES : 1;

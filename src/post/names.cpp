@@ -70,3 +70,27 @@ Scales scales_of(const P2fFile &p2f, double density) {
     const double gravity = static_cast<double>(p2f.GRAV);
     return {density, gravity, static_cast<double>(p2f.ULEN(1)), unit_names(gravity)};
 }
+
+bool dimensional_scales(const P2fFile &p2f, double density, Scales &scales, std::string &error) {
+    constexpr double SEA_WATER = 1025;                                    // kg/m^3
+    constexpr double SLUG_FT3 = 14.59390294 / (0.3048 * 0.3048 * 0.3048); // kg/m^3
+    scales = scales_of(p2f, density);
+    if (density > 0)
+        return true;
+    if (scales.names.length == "L") {
+        error =
+            "gravity is neither in m/s^2 nor in ft/s^2: give the density of the water in the units of the "
+            "run";
+        return false;
+    }
+    scales.density = scales.names.length == "ft" ? SEA_WATER / SLUG_FT3 : SEA_WATER;
+    return true;
+}
+
+std::vector<int> solved_modes(const P2fFile &p2f) {
+    std::vector<int> modes;
+    for (int m = 1; m <= p2f.NMODES; ++m)
+        if (p2f.MODPOS(m) > 0)
+            modes.push_back(m);
+    return modes;
+}

@@ -4,6 +4,7 @@
 #include "post/p2f_reader.hpp"
 
 #include <string>
+#include <vector>
 
 // Body of a mode, from 1, and its number within the body: 1 to 6 rigid, 7 and up extra modes.
 struct BodyMode {
@@ -43,3 +44,9 @@ struct Scales {
 };
 // With the file's gravity and length.
 Scales scales_of(const P2fFile &p2f, double density);
+// The same for results that are always dimensional: a density of 0 stands for sea water, 1025 kg/m^3. False,
+// with the reason in `error`, when the units of the file are the user's own, so that it must be given.
+[[nodiscard]] bool dimensional_scales(const P2fFile &p2f, double density, Scales &scales, std::string &error);
+
+// The modes that were solved, in order.
+std::vector<int> solved_modes(const P2fFile &p2f);

@@ -62,9 +62,12 @@ void add_panel_rows(Table &table, const P2fFile &p2f, const Scales &scales, Wave
                 cells.emplace_back(sign[c - 1] * d(p2f.TRM(3, c, J)));
             cells.emplace_back(d(p2f.PMOM(1, J)) * scales.length * scales.length);
             add_polar_cells(cells, values.pressure(J, at), 0, convention);
-            for (int c = 1; c <= 3; ++c)
-                add_polar_cells(cells, values.velocity.empty() ? c64(0) : values.velocity(c, J, at), 0,
-                                convention);
+            for (int c = 1; c <= 3; ++c) {
+                if (values.velocity.empty())
+                    add_no_polar_cells(cells);
+                else
+                    add_polar_cells(cells, values.velocity(c, J, at), 0, convention);
+            }
             table.rows.push_back(std::move(cells));
         }
 }

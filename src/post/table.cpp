@@ -32,10 +32,13 @@ std::string shown(const Cell &cell, const Column &column) {
     return printed("%.*E", 6, value);
 }
 
+// What is no number says nothing either.
 bool all_zero(const std::vector<Cell> &row, const std::vector<Column> &columns) {
-    for (std::size_t k = 0; k < columns.size(); ++k)
-        if (columns[k].look == Look::scientific && row[k] != Cell(0.0))
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+        const double *value = columns[k].look == Look::scientific ? std::get_if<double>(&row[k]) : nullptr;
+        if (value != nullptr && *value != 0 && !std::isnan(*value))
             return false;
+    }
     return true;
 }
 

@@ -1,5 +1,7 @@
 #include "post/table_cells.hpp"
 
+#include <limits>
+
 void add_period_columns(std::vector<Column> &columns, const Scales &scales) {
     columns.push_back({"period", "s", Look::fixed, 4});
     columns.push_back({"omega", "rad/s", Look::fixed, 5});
@@ -11,6 +13,10 @@ void add_period_cells(std::vector<Cell> &cells, const P2fFile &p2f, const Scales
     cells.emplace_back(period_of(p2f, t));
     cells.emplace_back(omega_of(p2f, t));
     cells.emplace_back(wave_number_of(p2f, t) / (scales.dimensional() ? scales.length : 1));
+}
+
+double without_round_off(double value, double largest) {
+    return std::abs(value) < ROUND_OFF * largest ? 0 : value;
 }
 
 void add_mode_cells(std::vector<Cell> &cells, const P2fFile &p2f, int mode) {
@@ -37,6 +43,11 @@ void add_polar_cells(std::vector<Cell> &cells, std::complex<double> value, doubl
     const bool nothing = std::abs(value) <= least;
     cells.emplace_back(nothing ? 0 : std::abs(value));
     cells.emplace_back(nothing ? 0 : convention.phase(value));
+}
+
+void add_no_polar_cells(std::vector<Cell> &cells) {
+    constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
+    cells.insert(cells.end(), {NONE, NONE});
 }
 
 void add_limit_note(Table &table, const P2fFile &p2f, const char *text) {

@@ -99,6 +99,8 @@ TEST(Convergence, ThatFailsIsToldAtTheEnd) {
     ASSERT_TRUE(folder.lists(" No convergence after MAXITT iterations "));
     EXPECT_TRUE(folder.lists("WARNING: some solutions did not converge"));
     EXPECT_NE(folder.read("stderr.txt").find("did not converge"), std::string::npos);
+    ASSERT_EQ(folder.shell("vorda-p2f info run.p2f"), 0);
+    EXPECT_NE(folder.read("stdout.txt").find("No convergence: a solution stopped"), std::string::npos);
 }
 
 // vorda-mesh check and the report say the same.

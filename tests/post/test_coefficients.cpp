@@ -15,6 +15,25 @@ TEST(Rotations, AreThreeOfTheRigidModesOfEachBody) {
         EXPECT_EQ(is_rotation(p, mode), (mode >= 4 && mode <= 6) || (mode >= 12 && mode <= 14)) << mode;
 }
 
+// Sea water of 1025 kg/m^3 weighs 63.99 lbf a cubic foot.
+TEST(Scales, AreOfSeaWaterInTheUnitsOfTheFile) {
+    P2fFile p;
+    ASSERT_TRUE(p.ULEN.alloc(1));
+    p.ULEN(1) = 1;
+    Scales scales;
+    std::string error;
+    for (const auto &[gravity, density] : {std::pair{9.80665, 1025.0}, std::pair{32.174, 63.99 / 32.174}}) {
+        p.GRAV = static_cast<f32>(gravity);
+        ASSERT_TRUE(dimensional_scales(p, 0, scales, error));
+        EXPECT_NEAR(scales.density / density, 1, 1e-4) << gravity;
+    }
+    p.GRAV = 1; // the user's own units
+    EXPECT_FALSE(dimensional_scales(p, 0, scales, error));
+    EXPECT_NE(error.find("density"), std::string::npos);
+    EXPECT_TRUE(dimensional_scales(p, 7, scales, error));
+    EXPECT_EQ(scales.density, 7);
+}
+
 // Two modes of one class and one of another; mode 4 and those above are off.
 TEST(Coefficients, AreSumsOfPotentialTimesNormal) {
     for (const int mark : {0, 1, 3}) { // of panel 2: hull, moving plate, plate that is held

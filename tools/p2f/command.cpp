@@ -36,20 +36,19 @@ int show_tables(const TableRequest &request, const std::vector<Table> &tables) {
 }
 
 std::shared_ptr<double> add_density(CLI::App &app, bool needed) {
-    auto density = std::make_shared<double>(needed ? 1025 : 0);
-    CLI::Option *option = app.add_option("--density", *density,
-                                         needed ? "density of the water, kg/m^3"
-                                                : "density of the water, kg/m^3; makes values dimensional");
-    option->check(positive_number());
-    if (!needed)
-        option->default_str("");
+    auto density = std::make_shared<double>(0);
+    app.add_option("--density", *density,
+                   needed ? "density of the water, mass per volume [1025 kg/m^3]"
+                          : "density of the water, mass per volume; makes values dimensional")
+        ->check(positive_number())
+        ->default_str("");
     return density;
 }
 
 std::shared_ptr<CaseRequest> add_case(CLI::App &app) {
     auto request = std::make_shared<CaseRequest>();
     app.add_option("--density", request->density,
-                   "density of the water, kg/m^3 [that of the case file, or 1025]")
+                   "density of the water, mass per volume [that of the case file, or 1025 kg/m^3]")
         ->check(positive_number())
         ->default_str("");
     app.add_option("--case", request->file, "case file: masses, springs, points, spectra (docs/case.md)");
@@ -57,14 +56,12 @@ std::shared_ptr<CaseRequest> add_case(CLI::App &app) {
 }
 
 bool load_case(const CaseRequest &request, const P2fFile &p2f, LoadedCase &loaded, std::string &error) {
-    constexpr double SEA_WATER = 1025;
     loaded.file = plain_case(p2f);
     if (!request.file.empty() && !read_case(request.file, p2f, loaded.file, error))
         return false;
-    loaded.scales = scales_of(p2f, request.density > 0       ? request.density
-                                   : loaded.file.density > 0 ? loaded.file.density
-                                                             : SEA_WATER);
-    if (!form_hydrostatics(p2f, loaded.bodies, error))
+    const double density = request.density > 0 ? request.density : loaded.file.density;
+    if (!dimensional_scales(p2f, density, loaded.scales, error) ||
+        !form_hydrostatics(p2f, loaded.bodies, error))
         return false;
     for (std::size_t b = 0; b < loaded.bodies.size(); ++b)
         loaded.masses.push_back(mass_of(loaded.file.bodies[b], loaded.bodies[b], loaded.scales.density));

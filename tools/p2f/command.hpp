@@ -40,12 +40,12 @@ std::shared_ptr<TableRequest> add_table_options(CLI::App &app, const std::vector
 // Prints all tables for people, or the wanted one as comma-separated values.
 int show_tables(const TableRequest &request, const std::vector<Table> &tables);
 
-// Adds --density. With `needed` it defaults to 1025, else to 0, which leaves values non-dimensional.
+// Adds --density. Without it the value is 0: sea water, or values that stay non-dimensional.
 std::shared_ptr<double> add_density(CLI::App &app, bool needed);
 
 // Adds --density and --case: what the results need beside the file.
 struct CaseRequest {
-    double density = 0; // 0: that of the case file, or 1025
+    double density = 0; // 0: that of the case file, or sea water
     std::string file;   // empty: everything as by default
 };
 std::shared_ptr<CaseRequest> add_case(CLI::App &app);

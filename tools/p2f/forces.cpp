@@ -47,9 +47,11 @@ Show set_up_forces(CLI::App &app) {
     const auto density = add_density(app, true);
     const auto convention = add_convention(app);
     return [=](const P2fFile &p2f) {
-        const Scales scales = scales_of(p2f, *density);
         std::vector<Table> made;
         std::string error;
+        Scales scales;
+        if (!dimensional_scales(p2f, *density, scales, error))
+            return refuse(error);
         ExcitingForces X;
         RadiationForces R;
         if (p2f.IDIFF < 0 && p2f.IRAD < 0)

@@ -16,12 +16,12 @@ Show set_up_impulse(CLI::App &app) {
         ->check(positive_number())
         ->default_str("");
     return [=](const P2fFile &p2f) {
-        const Scales scales = scales_of(p2f, *density);
+        Scales scales;
         std::string error;
         ExcitingForces X;
         RadiationForces R;
         ImpulseResponses r;
-        if (!form_radiation(p2f, scales, R, error))
+        if (!dimensional_scales(p2f, *density, scales, error) || !form_radiation(p2f, scales, R, error))
             return refuse(error);
         const bool waves = p2f.IDIFF >= 0 && p2f.NBETA > 0;
         if ((waves || tables->wanted == "exciting") && !form_exciting(p2f, scales, X, error))
