@@ -15,6 +15,12 @@ std::string not_finite(double value) {
     return std::isnan(value) ? "-" : value > 0 ? "inf" : "-inf";
 }
 
+// What rounds to 0 has no sign either.
+std::string without_sign_of_zero(const std::string &number) {
+    return number.find_first_of("123456789") == std::string::npos && number[0] == '-' ? number.substr(1)
+                                                                                      : number;
+}
+
 std::string shown(const Cell &cell, const Column &column) {
     if (const auto *word = std::get_if<std::string>(&cell))
         return *word;
@@ -23,9 +29,9 @@ std::string shown(const Cell &cell, const Column &column) {
         return not_finite(value);
     switch (column.look) {
     case Look::count:
-        return printed("%.*f", 0, value);
+        return without_sign_of_zero(printed("%.*f", 0, value));
     case Look::fixed:
-        return printed("%.*f", column.decimals, value);
+        return without_sign_of_zero(printed("%.*f", column.decimals, value));
     case Look::scientific:
         break;
     }
