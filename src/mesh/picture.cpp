@@ -11,9 +11,10 @@
 namespace {
 
 // Sizes of the page, in its units (points of a screen).
-constexpr double PAGE = 1000, RIM = 30, GAP = 44, HIGHEST = 620, PERSPECTIVE_HEIGHT = 520, LINE = 17;
+constexpr double PAGE = 1000, RIM = 30, GAP = 44, HIGHEST = 520, PERSPECTIVE_HEIGHT = 520, LINE = 17;
 constexpr double CELLS = 1.0;          // cells of the order of painting, over the units of the page
 constexpr double IN_SURFACE = 1.0e-5;  // height that counts as z = 0, over the size
+constexpr double LEAST = 1.0e-3;       // extent of a view that is drawn to scale, over the size
 constexpr std::size_t LINES_TOLD = 12; // findings below the picture
 
 using Colour = std::array<double, 3>;
@@ -205,7 +206,7 @@ void put_scale(std::string &svg, double x, double y, double scale) {
     const double length = wanted >= 5 * decade ? 5 * decade : wanted >= 2 * decade ? 2 * decade : decade;
     put(svg, "<path class=\"s\" d=\"M%.1f %.1fv8m0 -4h%.1fm0 -4v8\"/>\n", x, y, length * scale);
     char text[40];
-    std::snprintf(text, sizeof text, "%g", length);
+    std::snprintf(text, sizeof text, "length %g", length);
     put_text(svg, x + length * scale + 8, y + 8, "", text);
 }
 
@@ -227,6 +228,7 @@ void put_swatch(std::string &svg, double &x, double &y, const Colour &colour, co
 double put_legend(std::string &svg, const Picture &picture, double top) {
     double x = RIM, y = top;
     std::size_t images = 0, faults = 0, hulls = 0;
+    const Colour first = look_of(picture.panels[0].panel.kind).colour;
     for (const Look &look : LOOKS) {
         std::size_t count = 0;
         for (const DrawnPanel &drawn : picture.panels)
@@ -240,7 +242,7 @@ double put_legend(std::string &svg, const Picture &picture, double top) {
         faults += drawn.fault && !drawn.image ? 1 : 0;
     }
     if (images > 0)
-        put_swatch(svg, x, y, paler(LOOKS[0].colour), "images, paler " + std::to_string(images));
+        put_swatch(svg, x, y, paler(first), "images, paler " + std::to_string(images));
     if (hulls > 0)
         put_swatch(svg, x, y, INSIDE, "dry side of the hull");
     if (faults > 0)
@@ -260,8 +262,15 @@ double put_legend(std::string &svg, const Picture &picture, double top) {
 // Places the views; returns them and where the legend begins.
 std::vector<Frame> laid_out(const Picture &picture, double &end) {
     const double top = RIM + 46, room = PAGE - 2 * RIM - 2 * GAP;
-    const auto fit = [](Frame &f, double width, double height) {
-        f.scale = std::min(width / std::max(f.x1 - f.x0, 1e-300), height / std::max(f.y1 - f.y0, 1e-300));
+    // What is seen on edge or end gets a frame all the same.
+    double size = 0;
+    for (const PictureView view : {PictureView::side, PictureView::front, PictureView::top}) {
+        const Frame f = frame_of(picture, view);
+        size = std::max({size, f.x1 - f.x0, f.y1 - f.y0});
+    }
+    const double least = LEAST * size;
+    const auto fit = [least](Frame &f, double width, double height) {
+        f.scale = std::min(width / std::max(f.x1 - f.x0, least), height / std::max(f.y1 - f.y0, least));
     };
     if (picture.view != PictureView::all) {
         Frame f = frame_of(picture, picture.view);
@@ -288,6 +297,14 @@ std::vector<Frame> laid_out(const Picture &picture, double &end) {
     return {side, front, plan, eye};
 }
 
+bool one_point(const Picture &picture) {
+    for (const DrawnPanel &drawn : picture.panels)
+        for (const BodyPoint &p : drawn.panel.at)
+            if (p != picture.panels[0].panel.at[0])
+                return false;
+    return true;
+}
+
 } // namespace
 
 DrawnPanel image_of(const DrawnPanel &drawn, std::size_t axis) {
@@ -300,7 +317,7 @@ DrawnPanel image_of(const DrawnPanel &drawn, std::size_t axis) {
 }
 
 std::string picture_svg(const Picture &picture) {
-    if (picture.panels.empty())
+    if (one_point(picture))
         return "";
     double end = 0, size = 0;
     const std::vector<Frame> frames = laid_out(picture, end);
@@ -312,7 +329,7 @@ std::string picture_svg(const Picture &picture) {
         put_frame(body, picture, f, size);
     // Of the views along the axes; lengths of a perspective have no scale.
     if (frames[0].view != PictureView::perspective)
-        put_scale(body, PAGE - RIM - PAGE / 6 - 60, RIM - 4, frames[0].scale);
+        put_scale(body, PAGE - RIM - PAGE / 6 - 90, RIM - 4, frames[0].scale);
     const double height = put_legend(body, picture, end);
     std::string svg;
     put(svg,

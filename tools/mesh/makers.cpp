@@ -66,7 +66,7 @@ const Shape SHAPES[] = {
       ALONG, DOWN_DRAFT, COSINE}, catamaran},
     {"moonpool", "ring with a moonpool, its lower corners rounded; half a torus by default", "Moonpool ring", Kind::hull,
      {RADIUS, {"--inner", "radius of the moonpool", 0.5}, DRAFT.is(0.25),
-      {"--bilge", "radius of the corners of the section; 0: sharp", 0.25}, AROUND, {"--nv", "panels down each wall above the bilge"},
+      {"--bilge", "radius of the corners of the section; 0: sharp", 0.25}, AROUND, {"--nv", "panels down each wall above the bilge", 4},
       {"--nw", "panels along the flat bottom"}, {"--nb", "panels around each bilge", 4}, COSINE}, moonpool},
     {"semisub", "semi-submersible of two pontoons along x with round columns", "Semi-submersible", Kind::hull,
      {{"--length", "length of the pontoons", 80}, {"--beam", "beam of a pontoon", 14}, {"--height", "height of the pontoons", 8},
@@ -117,8 +117,7 @@ void add_option(CLI::App *command, const Option &option, Sizes &s, bool may_be_0
     if (const auto size = sizes.find(name); size != sizes.end()) {
         if (given)
             *size->second = value;
-        command->add_option(name, *size->second, text)
-            ->check(may_be_0 ? CLI::Validator(CLI::Range(0.0, 1e30)) : positive_number());
+        command->add_option(name, *size->second, text)->check(number_from_0(may_be_0));
     } else if (const auto count = counts.find(name); count != counts.end()) {
         if (given)
             *count->second = static_cast<int>(value);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 
 namespace {
@@ -45,8 +46,9 @@ bool numbers(std::string line, std::vector<double> &values) {
 
 // Returns what is wrong with the file.
 std::string read_offsets(const std::string &name, Offsets &table) {
+    std::error_code ignored;
     std::ifstream in(name);
-    if (!in)
+    if (!in || !std::filesystem::is_regular_file(name, ignored))
         return "--table " + name + ": the file cannot be opened";
     std::vector<double> values;
     std::size_t count = 0;

@@ -133,7 +133,7 @@ int show(const ShowRequest &r) {
                     return wrong("a vertex is too far away to be drawn"), 1;
     const std::string svg = picture_svg(picture);
     if (svg.empty())
-        return wrong(r.file + " has no panels"), 1;
+        return wrong(r.file + " has no panels, or all in one point"), 1;
     return write_text(r.output, svg) ? 0 : 1;
 }
 
@@ -152,6 +152,7 @@ std::function<int()> add_show(CLI::App &app) {
         ->check(CLI::IsMember(names));
     command->add_option("--from", r->from, "azimuth and elevation of the perspective's eye, degrees")
         ->expected(2)
+        ->allow_extra_args(false)
         ->check(CLI::Range(-360.0, 360.0));
     command->add_flag("--no-images", r->no_images, "the given panels alone");
     command->add_option("--depth", r->around.depth, "water depth, for the check; 0: infinite");
