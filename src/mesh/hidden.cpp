@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr double SAME = 1e-6; // difference of two nearnesses that is none, over their range
+constexpr double SAME = 1e-9; // difference of two nearnesses that is none, over their range
 
 struct Fragment {
     int cell, panel;

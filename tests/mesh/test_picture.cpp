@@ -25,9 +25,9 @@ TEST(PaintingOrder, IsThatOfThePlacesNotOfTheMiddles) {
     EXPECT_EQ(painting_order({small, leaning}, 100, 40), (std::vector<int>{0, 1}));
     // A circle of three that lean over each other does not stop the others.
     const std::vector<SeenPanel> circle{rectangle(0, 30, 0, 10, 0, 3), rectangle(20, 60, 0, 10, 1, 9),
-                                        rectangle(0, 60, 5, 8, 2, 5), rectangle(0, 60, 0, 10, -1, -1)};
-    EXPECT_EQ(painting_order(circle, 60, 10).size(), 4u);
-    EXPECT_EQ(painting_order(circle, 60, 10).front(), 3);
+                                        rectangle(0, 60, 5, 8, 2, 5), rectangle(0, 60, 0, 12, -1, -1)};
+    EXPECT_EQ(painting_order(circle, 60, 12).size(), 4u);
+    EXPECT_EQ(painting_order(circle, 60, 12).front(), 3);
     // Hidden as a whole, unless in the same place.
     EXPECT_EQ(painting_order({rectangle(10, 20, 10, 20, 1, 1), rectangle(0, 30, 0, 30, 2, 2)}, 30, 30),
               (std::vector<int>{1}));
