@@ -10,7 +10,6 @@
 #include <cstring>
 #include <map>
 #include <memory>
-#include <new>
 
 namespace {
 
