@@ -16,7 +16,7 @@ foreach(folder base mesh state input results post geometry freesurface rankine g
   gtest_discover_tests(test_${folder} DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
-foreach(folder post cases)
+foreach(folder mesh post cases)
   add_dependencies(test_${folder} vorda vorda-mesh vorda-p2f)
 endforeach()
 # Allocations are refused by a library in front of the C library; the sanitizers have their own there.
