@@ -57,9 +57,12 @@ OrientCounts orient(MergedVertices &mesh) {
             const std::size_t p = static_cast<std::size_t>(best[k]);
             // The normal of the program points into the body: against the side that the vertices are anti-clockwise from.
             const bool into_water = dot(shape_of(panel_of(mesh, p)).normal, direction) < 0;
-            const int crossings = rays.crossings(p);
-            wrong[k] += (crossings % 2 == 0) == into_water ? -1 : 1;
-            inside[k] += crossings >= (into_water ? 2 : 3) ? 1 : -1;
+            const std::vector<std::size_t> crossed = rays.crossed(p);
+            wrong[k] += (crossed.size() % 2 == 0) == into_water ? -1 : 1;
+            const auto others = std::count_if(crossed.begin(), crossed.end(), [&](std::size_t q) {
+                return pieces.piece[q] != static_cast<int>(k);
+            });
+            inside[k] += others % 2 == 1 ? 1 : -1;
         }
     }
     for (std::size_t p = 0; p < mesh.of_panel.size(); ++p)

@@ -5,6 +5,10 @@
 
 #include <algorithm>
 
+namespace {
+constexpr std::size_t MOST_ENTRIES = 32; // of the grid, for each triangle
+}
+
 Rays::Rays(const MergedVertices &mesh, const BodyPoint &direction) : mesh_(mesh) {
     const double n = length(direction);
     axes_[2] = {direction[0] / n, direction[1] / n, direction[2] / n};
@@ -29,21 +33,33 @@ Rays::Rays(const MergedVertices &mesh, const BodyPoint &direction) : mesh_(mesh)
             triangles_.push_back(t);
         }
     }
+    // Long triangles cover many cells: fewer and larger ones then.
+    std::size_t entries = 0;
     cells_ = static_cast<std::size_t>(std::sqrt(static_cast<double>(triangles_.size()))) / 2 + 1;
-    for (std::size_t c = 0; c < 2; ++c)
-        step_[c] = std::max(high[c] - low_[c], 1e-300) / static_cast<double>(cells_);
+    do {
+        for (std::size_t c = 0; c < 2; ++c)
+            step_[c] = std::max(high[c] - low_[c], 1e-300) / static_cast<double>(cells_);
+        entries = 0;
+        for (const Triangle &t : triangles_) {
+            const auto box = covered(t);
+            entries += (box[0][1] - box[0][0] + 1) * (box[1][1] - box[1][0] + 1);
+        }
+    } while (entries > MOST_ENTRIES * triangles_.size() && (cells_ /= 2) >= 1);
     in_cell_.resize(cells_ * cells_);
     for (std::size_t i = 0; i < triangles_.size(); ++i) {
-        std::size_t from[2], to[2];
-        for (std::size_t c = 0; c < 2; ++c) {
-            const auto &at = triangles_[i].at;
-            from[c] = cell(std::min({at[0][c], at[1][c], at[2][c]}), c);
-            to[c] = cell(std::max({at[0][c], at[1][c], at[2][c]}), c);
-        }
-        for (std::size_t u = from[0]; u <= to[0]; ++u)
-            for (std::size_t v = from[1]; v <= to[1]; ++v)
+        const auto box = covered(triangles_[i]);
+        for (std::size_t u = box[0][0]; u <= box[0][1]; ++u)
+            for (std::size_t v = box[1][0]; v <= box[1][1]; ++v)
                 in_cell_[u * cells_ + v].push_back(static_cast<int>(i));
     }
+}
+
+std::array<std::array<std::size_t, 2>, 2> Rays::covered(const Triangle &t) const {
+    std::array<std::array<std::size_t, 2>, 2> box;
+    for (std::size_t c = 0; c < 2; ++c)
+        box[c] = {cell(std::min({t.at[0][c], t.at[1][c], t.at[2][c]}), c),
+                  cell(std::max({t.at[0][c], t.at[1][c], t.at[2][c]}), c)};
+    return box;
 }
 
 std::array<double, 3> Rays::turned(const BodyPoint &p) const {
@@ -55,7 +71,7 @@ std::size_t Rays::cell(double value, std::size_t c) const {
     return static_cast<std::size_t>(std::clamp(place, 0.0, static_cast<double>(cells_ - 1)));
 }
 
-int Rays::crossings(std::size_t panel) const {
+std::vector<std::size_t> Rays::crossed(std::size_t panel) const {
     const BodyPanel from = panel_of(mesh_, panel);
     BodyPoint centre{};
     const std::size_t corners = is_triangle(mesh_.of_panel[panel]) ? 3 : 4;
@@ -63,7 +79,7 @@ int Rays::crossings(std::size_t panel) const {
         for (std::size_t c = 0; c < 3; ++c)
             centre[c] += from.at[v][c] / static_cast<double>(corners);
     const std::array<double, 3> o = turned(centre);
-    int count = 0;
+    std::vector<std::size_t> found;
     for (const int i : in_cell_[cell(o[0], 0) * cells_ + cell(o[1], 1)]) {
         const Triangle &t = triangles_[static_cast<std::size_t>(i)];
         if (t.panel == panel)
@@ -79,7 +95,8 @@ int Rays::crossings(std::size_t panel) const {
         if (!inside)
             continue;
         const double along = (part[0] * t.at[0][2] + part[1] * t.at[1][2] + part[2] * t.at[2][2]) / sum;
-        count += along > o[2] ? 1 : 0;
+        if (along > o[2])
+            found.push_back(t.panel);
     }
-    return count;
+    return found;
 }

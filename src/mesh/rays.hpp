@@ -3,12 +3,12 @@
 
 #include "mesh/edges.hpp"
 
-// A ray of fixed direction from a panel's centroid: how many other panels it meets. Made once for a direction, it answers for
+// A ray of fixed direction from a panel's centroid: which other panels it meets. Made once for a direction, it answers for
 // any panel of the mesh by a grid across the direction.
 class Rays {
   public:
     Rays(const MergedVertices &mesh, const BodyPoint &direction);
-    int crossings(std::size_t panel) const;
+    std::vector<std::size_t> crossed(std::size_t panel) const;
 
   private:
     struct Triangle {
@@ -17,6 +17,8 @@ class Rays {
     };
     std::array<double, 3> turned(const BodyPoint &p) const;
     std::size_t cell(double value, std::size_t c) const;
+    // The cells that a triangle's box covers, first and last of each.
+    std::array<std::array<std::size_t, 2>, 2> covered(const Triangle &t) const;
 
     const MergedVertices &mesh_;
     BodyPoint axes_[3];
