@@ -1,0 +1,81 @@
+// The counts at the head of a file against its length.
+#include "exchange/mesh_read.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+constexpr std::size_t STL_HEAD = 84, STL_TRIANGLE = 50; // bytes of a binary STL file
+constexpr std::size_t ASCII_SIGN = 2048; // within so many bytes the first facet of an STL text begins
+
+std::string too_many(double promised, std::size_t bytes) {
+    char text[160];
+    std::snprintf(text, sizeof text,
+                  "the head promises %.0f items, more than a file of %zu bytes can hold: it is broken or truncated",
+                  promised, bytes);
+    return text;
+}
+
+std::string stl_fault(const std::string &text) {
+    const bool solid = text.rfind("solid", 0) == 0;
+    if (text.size() >= STL_HEAD) {
+        std::uint32_t n = 0;
+        std::memcpy(&n, text.data() + STL_HEAD - sizeof n, sizeof n);
+        const std::uint64_t wanted = STL_HEAD + static_cast<std::uint64_t>(STL_TRIANGLE) * n;
+        if (wanted <= text.size() && (n > 0 || !solid))
+            return "";
+        if (!solid || text.substr(0, ASCII_SIGN).find("facet") == std::string::npos)
+            return too_many(n, text.size());
+    }
+    if (!solid)
+        return "it is no STL file";
+    return text.find("endsolid") == std::string::npos ? "its end is missing: it is truncated" : "";
+}
+
+// The numbers behind a word, on its line or the next one; binary ones are left to the library.
+std::string promise_fault(const std::string &text, const MeshPromise &promise) {
+    const std::size_t length = std::strlen(promise.word);
+    for (std::size_t at = text.find(promise.word); at != std::string::npos;
+         at = text.find(promise.word, at + length)) {
+        if (at > 0 && text[at - 1] != '\n')
+            continue;
+        const char *p = text.data() + at + length, *const end = text.data() + text.size();
+        const bool next_line = p < end && (*p == '\n' || *p == '\r');
+        while (next_line && p < end && (*p == '\n' || *p == '\r'))
+            ++p;
+        for (int number = 1; number <= promise.last; ++number) {
+            while (p < end && (*p == ' ' || *p == '\t'))
+                ++p;
+            double value = 0;
+            const auto [rest, fault] = std::from_chars(p, end, value);
+            if (fault != std::errc())
+                break;
+            if (number >= promise.first && !(value >= 0 && value <= static_cast<double>(text.size())))
+                return too_many(value, text.size());
+            p = rest;
+        }
+    }
+    return "";
+}
+
+} // namespace
+
+std::string header_fault(const MeshFormat &format, const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream all;
+    all << in.rdbuf();
+    const std::string text = std::move(all).str();
+    if (text.empty())
+        return "it is empty, or cannot be read";
+    if (std::strcmp(format.extension, ".stl") == 0)
+        return stl_fault(text);
+    for (const MeshPromise &promise : format.promises)
+        if (const std::string fault = promise_fault(text, promise); !fault.empty())
+            return fault;
+    return text.find(format.end) == std::string::npos ? "its end is missing: it is truncated" : "";
+}
