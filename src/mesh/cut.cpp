@@ -10,7 +10,6 @@ namespace {
 constexpr double SNAP = 1e-3;      // distance from the plane that counts as none, in sides
 constexpr double SLIVER = 1e-3;    // area of a piece that is merged away, in mean areas
 constexpr int SLIVER_PASSES = 6;   // a sliver that is merged away may leave another one
-constexpr double SQUARE_DENT = 0.; // a corner that turns the other way makes a quadrilateral concave
 
 using Polygon = std::vector<int>;
 
@@ -69,7 +68,7 @@ bool is_concave(const Cutter &c, const std::array<int, 4> &p) {
     for (std::size_t v = 0; v < 4; ++v) {
         const BodyPoint corner = cross(minus(c.at(p[(v + 1) % 4]), c.at(p[v])),
                                        minus(c.at(p[(v + 3) % 4]), c.at(p[v])));
-        if (dot(corner, normal) < SQUARE_DENT)
+        if (dot(corner, normal) < 0)
             return true;
     }
     return false;
@@ -168,6 +167,10 @@ int merge_slivers(Cutter &c, std::vector<bool> &marked) {
             if (c.at(stays)[c.axis] != 0)
                 std::swap(stays, goes);
             to[static_cast<std::size_t>(goes)] = stays;
+            // It takes over the planes of the one that goes.
+            for (std::size_t k = 0; k < 3; ++k)
+                if (c.at(goes)[k] == 0)
+                    mesh.points[static_cast<std::size_t>(stays)][k] = 0;
             merged += pass == 0 ? 1 : 0;
             again = true;
         }

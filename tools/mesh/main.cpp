@@ -1,7 +1,10 @@
 // vorda-mesh: panels of simple hulls as GDF files.
 #include "../support/arguments.hpp"
 #include "check.hpp"
+#include "export.hpp"
+#include "import.hpp"
 #include "shapes.hpp"
+#include "transform.hpp"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -158,7 +161,13 @@ int main(int argc, char **argv) {
     check_command->add_option("--wave-length", check.wave_length, "shortest wave, to judge the panels by");
     check_command->add_flag("--tank", check.tank, "a filled tank: normals out of the fluid");
     check_command->add_flag("--lids", check.lids, "the global file holds BDTYP and FSDMP (IFSLID)");
+    MeshCommands others;
+    for (const auto add : {add_import, add_export, add_transform})
+        add(app, others);
     CLI11_PARSE(app, argc, argv);
+    for (const MeshCommand &command : others)
+        if (command.app->parsed())
+            return command.run();
     if (check_command->parsed())
         return check_gdf(check);
 
