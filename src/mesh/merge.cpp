@@ -21,7 +21,9 @@ std::vector<int> distinct(const std::array<int, 4> &corners) {
     return list;
 }
 
-int erase_marked(MergedVertices &mesh, const std::vector<bool> &out) {
+} // namespace
+
+int erase_panels(MergedVertices &mesh, const std::vector<bool> &out) {
     std::size_t kept = 0;
     for (std::size_t p = 0; p < mesh.of_panel.size(); ++p)
         if (!out[p])
@@ -31,28 +33,6 @@ int erase_marked(MergedVertices &mesh, const std::vector<bool> &out) {
     return erased;
 }
 
-int erase_doubled(MergedVertices &mesh) {
-    std::vector<std::pair<std::array<int, 4>, std::size_t>> keys;
-    for (std::size_t p = 0; p < mesh.of_panel.size(); ++p) {
-        std::array<int, 4> key = mesh.of_panel[p];
-        std::sort(key.begin(), key.end());
-        key[3] = is_triangle(mesh.of_panel[p]) ? -1 : key[3];
-        if (key[3] == -1) // which corner is told twice says nothing
-            for (std::size_t v = 0; v < 3; ++v)
-                key[v] = mesh.of_panel[p][v];
-        std::sort(key.begin(), key.end());
-        keys.push_back({key, p});
-    }
-    std::sort(keys.begin(), keys.end());
-    std::vector<bool> out(mesh.of_panel.size(), false);
-    for (std::size_t i = 1; i < keys.size(); ++i)
-        if (keys[i].first == keys[i - 1].first)
-            out[keys[i].second] = true;
-    return erase_marked(mesh, out);
-}
-
-} // namespace
-
 int tidy(MergedVertices &mesh) {
     std::vector<bool> out(mesh.of_panel.size(), false);
     for (std::size_t p = 0; p < mesh.of_panel.size(); ++p) {
@@ -61,7 +41,7 @@ int tidy(MergedVertices &mesh) {
         for (std::size_t v = 0; v < 4 && !list.empty(); ++v)
             mesh.of_panel[p][v] = list[std::min(v, list.size() - 1)];
     }
-    const int erased = erase_marked(mesh, out);
+    const int erased = erase_panels(mesh, out);
     std::vector<int> number(mesh.points.size(), -1);
     std::vector<BodyPoint> points;
     for (std::array<int, 4> &corners : mesh.of_panel)
@@ -91,8 +71,8 @@ MergeCounts merge(MergedVertices &mesh, double tolerance) {
         const PanelShape shape = shape_of(panel_of(mesh, p));
         out[p] = shape.area <= NO_AREA * shape.longest * shape.longest;
     }
-    counts.degenerate += erase_marked(mesh, out);
-    counts.doubled = erase_doubled(mesh);
+    counts.degenerate += erase_panels(mesh, out);
+    erase_doubled(mesh, counts);
     (void)tidy(mesh);
     return counts;
 }

@@ -57,7 +57,7 @@ struct Steps {
         const MergeCounts n = merge(hull.mesh, tolerance);
         tell("vertices", text("%d merged with another one nearer than %.3g; left out: ", n.points, tolerance) +
                              count(n.degenerate, "panel") + " without area, " + std::to_string(n.doubled) +
-                             " given twice");
+                             " given twice, " + std::to_string(n.folded) + " in pairs that are walls or folds");
         const std::vector<bool> all(hull.mesh.of_panel.size(), true);
         tell("parts", count(pieces_of(edges_of(hull.mesh, all), all).pieces, "connected surface"));
     }
@@ -66,7 +66,7 @@ struct Steps {
         const CutCounts n = cut(hull.mesh, {2, -1}, tolerance);
         tell("cut", "at z = 0: " + count(n.cut, "panel") + " cut, " + std::to_string(n.dropped) +
                         " above dropped, " + count(n.slivers, "sliver") + " merged away, " +
-                        count(n.snapped, "vertex near it moved there"));
+                        count(n.snapped, "point") + " near it moved there");
         if (hull.mesh.of_panel.empty())
             error = "nothing lies below z = 0: give --waterline or --draught";
         return error.empty();
@@ -127,7 +127,10 @@ struct Steps {
         const std::size_t a = static_cast<std::size_t>(axis);
         const bool forced = request.part != "auto";
         const double limit = (forced ? HARDLY_ALIKE : ALIKE) * size;
-        const MirrorMatch match = match_mirrored(hull.mesh, axis, limit);
+        // Panels smaller than the tolerance find their partners by a finer one.
+        MirrorMatch match = match_mirrored(hull.mesh, axis, tolerance);
+        if (!match.surfaces)
+            match = match_mirrored(hull.mesh, axis, limit);
         if (!match.surfaces && forced) {
             error = text("it is not symmetric about %s: its image is more than %.3g beside it", PLANES[a], limit);
             return false;
@@ -136,7 +139,7 @@ struct Steps {
             tell("symmetry", text("none about %s (tolerance %.3g)", PLANES[a], limit));
             return true;
         }
-        const CutCounts n = cut(hull.mesh, {axis, 1}, std::max(tolerance, match.worst));
+        const CutCounts n = cut(hull.mesh, {axis, 1}, tolerance);
         hull.symmetric[a] = true;
         tell("symmetry", text("about %s, images of the %s within %.2g (tolerance %.3g): %s >= 0 kept, ", PLANES[a],
                               match.panels ? "panels" : "surface", match.worst, limit, axis == 0 ? "x" : "y") +
