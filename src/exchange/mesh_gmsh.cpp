@@ -75,7 +75,6 @@ void make_panels(const Gmsh &gmsh, double wanted, ReadMesh &result, int &failed)
     result.notes.push_back(text);
     gmsh.set_number("Mesh.MeshSizeMin", size, &failed);
     gmsh.set_number("Mesh.MeshSizeMax", size, &failed);
-    gmsh.set_number("Mesh.Algorithm", 8, &failed); // triangles that go well in pairs
     gmsh.set_number("Mesh.RecombineAll", 1, &failed);
     gmsh.generate(2, &failed);
 }
@@ -118,8 +117,12 @@ bool take_panels(const Gmsh &gmsh, ReadMesh &result) {
 
 } // namespace
 
+const char *gmsh_library() {
+    return VORDA_GMSH_LIBRARY;
+}
+
 bool read_by_gmsh(const MeshReadRequest &request, ReadMesh &result, std::string &error) {
-    const LoadedLibrary library(VORDA_GMSH_LIBRARY);
+    const LoadedLibrary library(gmsh_library());
     const Gmsh gmsh(library);
     if (!gmsh.complete()) {
         error = message_of_missing("Gmsh, VTK, UNV, MED and CAD", "libgmsh-dev") + " (" + library.error() + ")";
@@ -147,6 +150,10 @@ bool read_by_gmsh(const MeshReadRequest &request, ReadMesh &result, std::string 
 }
 
 #else
+
+const char *gmsh_library() {
+    return nullptr;
+}
 
 bool read_by_gmsh(const MeshReadRequest &, ReadMesh &, std::string &error) {
     error = message_of_missing("Gmsh, VTK, UNV, MED and CAD", "libgmsh-dev");

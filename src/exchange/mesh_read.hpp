@@ -34,6 +34,8 @@ std::string mesh_extensions();
 // What is not to be believed of a file, before a library takes memory for what its head promises; empty: nothing.
 std::string header_fault(const MeshFormat &format, const std::string &path);
 
+// The file of Gmsh's library; null when the program was built without it.
+const char *gmsh_library();
 // By the libraries; each is the missing one's message when the program was built without it.
 [[nodiscard]] bool read_by_gmsh(const MeshReadRequest &request, ReadMesh &result, std::string &error);
 [[nodiscard]] bool read_by_assimp(const MeshReadRequest &request, ReadMesh &result, std::string &error);

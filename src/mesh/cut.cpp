@@ -1,5 +1,6 @@
 #include "mesh/cut.hpp"
 
+#include "mesh/slivers.hpp"
 #include "mesh/vectors.hpp"
 
 #include <algorithm>
@@ -8,8 +9,6 @@
 namespace {
 
 constexpr double SNAP = 1e-3;      // distance from the plane that counts as none, in sides
-constexpr double SLIVER = 1e-3;    // area of a piece that is merged away, in mean areas
-constexpr int SLIVER_PASSES = 6;   // a sliver that is merged away may leave another one
 
 using Polygon = std::vector<int>;
 
@@ -121,68 +120,6 @@ int snap(MergedVertices &mesh, std::size_t axis, double tolerance) {
     return snapped;
 }
 
-// Slivers among the panels that are marked vanish with their shortest side: its point that is not in the plane moves to the
-// other one.
-int merge_slivers(Cutter &c, std::vector<bool> &marked) {
-    MergedVertices &mesh = c.mesh;
-    std::vector<double> area(mesh.of_panel.size());
-    double total = 0;
-    for (std::size_t p = 0; p < area.size(); ++p)
-        total += area[p] = shape_of(panel_of(mesh, p)).area;
-    const double least = SLIVER * total / static_cast<double>(std::max<std::size_t>(1, area.size()));
-    std::vector<int> to(mesh.points.size());
-    for (std::size_t i = 0; i < to.size(); ++i)
-        to[i] = static_cast<int>(i);
-    const auto now = [&](int i) {
-        while (to[static_cast<std::size_t>(i)] != i)
-            i = to[static_cast<std::size_t>(i)];
-        return i;
-    };
-    int merged = 0;
-    for (int pass = 0; pass < SLIVER_PASSES; ++pass) {
-        bool again = false;
-        for (std::size_t p = 0; p < area.size(); ++p) {
-            if (!marked[p])
-                continue;
-            BodyPanel panel;
-            std::array<int, 4> corners;
-            for (std::size_t v = 0; v < 4; ++v) {
-                corners[v] = now(mesh.of_panel[p][v]);
-                panel.at[v] = c.at(corners[v]);
-            }
-            if (shape_of(panel).area >= least)
-                continue;
-            std::size_t best = 4;
-            double shortest = 1e300;
-            for (std::size_t v = 0; v < 4; ++v) {
-                const double side = distance(panel.at[v], panel.at[(v + 1) % 4]);
-                if (corners[v] != corners[(v + 1) % 4] && side < shortest) {
-                    shortest = side;
-                    best = v;
-                }
-            }
-            if (best == 4)
-                continue; // it is gone already
-            int stays = corners[best], goes = corners[(best + 1) % 4];
-            if (c.at(stays)[c.axis] != 0)
-                std::swap(stays, goes);
-            to[static_cast<std::size_t>(goes)] = stays;
-            // It takes over the planes of the one that goes.
-            for (std::size_t k = 0; k < 3; ++k)
-                if (c.at(goes)[k] == 0)
-                    mesh.points[static_cast<std::size_t>(stays)][k] = 0;
-            merged += pass == 0 ? 1 : 0;
-            again = true;
-        }
-        if (!again)
-            break;
-    }
-    for (std::array<int, 4> &corners : mesh.of_panel)
-        for (int &i : corners)
-            i = now(i);
-    return merged;
-}
-
 } // namespace
 
 CutCounts cut(MergedVertices &mesh, const CutPlane &plane, double tolerance) {
@@ -217,7 +154,7 @@ CutCounts cut(MergedVertices &mesh, const CutPlane &plane, double tolerance) {
         pieces.resize(panels.size(), true);
     }
     mesh.of_panel = std::move(panels);
-    counts.slivers = merge_slivers(cutter, pieces);
+    counts.slivers = merge_slivers(mesh, pieces);
     (void)tidy(mesh);
     return counts;
 }
