@@ -8,6 +8,7 @@
 namespace {
 
 constexpr double SAME_AREA = 1e-3; // difference of areas of a panel and its image, over the larger
+constexpr double EDGE = 0.6;       // angle between neighbours from which on they meet at an edge of the hull
 
 BodyPoint centroid_of(const MergedVertices &mesh, std::size_t panel) {
     const BodyPanel p = panel_of(mesh, panel);
@@ -28,6 +29,26 @@ bool crosses(const BodyPanel &panel, std::size_t axis, double tolerance) {
     return below && above;
 }
 
+// For each panel how far a smooth surface that it stands for may lie beside it: flat panels stand for themselves, of panels
+// that bend by an angle a chord of length h lies h times the angle over 8 below the arc, a diagonal of a bent
+// quadrilateral twice that beside the other one.
+std::vector<double> slack_of(const MergedVertices &mesh) {
+    std::vector<PanelShape> shapes;
+    for (std::size_t p = 0; p < mesh.of_panel.size(); ++p)
+        shapes.push_back(shape_of(panel_of(mesh, p)));
+    std::vector<double> slack(shapes.size(), 0);
+    const MeshEdges edges = edges_of(mesh, std::vector<bool>(shapes.size(), true));
+    for (const auto &[s, t] : edges.shared) {
+        const std::size_t p = static_cast<std::size_t>(s.panel), q = static_cast<std::size_t>(t.panel);
+        const double angle = std::acos(std::clamp(dot(shapes[p].normal, shapes[q].normal), -1.0, 1.0));
+        if (angle > EDGE)
+            continue;
+        slack[p] = std::max(slack[p], angle * shapes[p].longest / 4);
+        slack[q] = std::max(slack[q], angle * shapes[q].longest / 4);
+    }
+    return slack;
+}
+
 } // namespace
 
 MirrorMatch match_mirrored(const MergedVertices &mesh, int axis, double tolerance) {
@@ -42,7 +63,8 @@ MirrorMatch match_mirrored(const MergedVertices &mesh, int axis, double toleranc
         centres.push_back(centroid_of(mesh, p));
     for (std::size_t p = 0; p < n; ++p)
         centres.push_back(image(centres[p]));
-    const std::vector<int> partner = merge_points(centres, tolerance);
+    // A vertex that is off by the tolerance takes a centroid a quarter of that along.
+    const std::vector<int> partner = merge_points(centres, tolerance / 4);
     MirrorMatch match{true, true, 0};
     std::vector<std::size_t> open; // panels whose images have to be looked for on the surface
     for (std::size_t p = 0; p < n; ++p) {
@@ -58,12 +80,16 @@ MirrorMatch match_mirrored(const MergedVertices &mesh, int axis, double toleranc
     }
     if (open.empty())
         return match;
-    const NearPanels near(mesh, tolerance);
+    const std::vector<double> slack = slack_of(mesh);
+    double reach = tolerance;
+    for (const std::size_t p : open)
+        reach = std::max(reach, slack[p]);
+    const NearPanels near(mesh, reach);
     for (const std::size_t p : open) {
         double off = near.distance_of(centres[n + p]);
         for (const BodyPoint &v : panel_of(mesh, p).at)
             off = std::max(off, near.distance_of(image(v)));
-        if (off > tolerance)
+        if (off > std::max(tolerance, slack[p]))
             return {false, false, 0};
         match.worst = std::max(match.worst, off);
     }

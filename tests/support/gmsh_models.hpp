@@ -15,7 +15,7 @@
 class GmshModels {
   public:
     GmshModels() : library_(gmsh_library() == nullptr ? "" : gmsh_library()) {
-        decltype(gmshInitialize) *initialize = get("gmshInitialize", initialize);
+        auto *initialize = get<decltype(gmshInitialize)>("gmshInitialize");
         if (initialize == nullptr)
             return;
         initialize(0, nullptr, 0, &fault);
@@ -23,22 +23,22 @@ class GmshModels {
         there = true;
     }
     ~GmshModels() {
-        if (decltype(gmshFinalize) *end = get("gmshFinalize", end))
+        if (auto *end = get<decltype(gmshFinalize)>("gmshFinalize"))
             end(&fault);
     }
     int box(double x, double y, double z, double dx, double dy, double dz) {
-        decltype(gmshModelOccAddBox) *add = get("gmshModelOccAddBox", add);
+        auto *add = get<decltype(gmshModelOccAddBox)>("gmshModelOccAddBox");
         return add(x, y, z, dx, dy, dz, -1, &fault);
     }
     void cut(int object, int tool) {
-        decltype(gmshModelOccCut) *subtract = get("gmshModelOccCut", subtract);
+        auto *subtract = get<decltype(gmshModelOccCut)>("gmshModelOccCut");
         int from[2] = {3, object}, what[2] = {3, tool}, *out = nullptr, **map = nullptr;
         std::size_t n = 0, *sizes = nullptr, m = 0;
         subtract(from, 2, what, 2, &out, &n, &map, &sizes, &m, -1, 1, 1, &fault);
     }
     // Takes off the edges with those numbers.
     void chamfer(int object, std::vector<int> edges, std::vector<int> faces, double size) {
-        decltype(gmshModelOccChamfer) *take_off = get("gmshModelOccChamfer", take_off);
+        auto *take_off = get<decltype(gmshModelOccChamfer)>("gmshModelOccChamfer");
         int *out = nullptr;
         std::size_t n = 0;
         std::vector<double> sizes(edges.size(), size);
@@ -47,29 +47,29 @@ class GmshModels {
     }
     // Ends the geometry; with a size the surfaces are covered with triangles, or quadrilaterals.
     void finish(double size, bool quadrilaterals) {
-        decltype(gmshModelOccSynchronize) *synchronize = get("gmshModelOccSynchronize", synchronize);
+        auto *synchronize = get<decltype(gmshModelOccSynchronize)>("gmshModelOccSynchronize");
         synchronize(&fault);
         if (size <= 0)
             return;
         number("Mesh.MeshSizeMin", size);
         number("Mesh.MeshSizeMax", size);
         number("Mesh.RecombineAll", quadrilaterals ? 1 : 0);
-        decltype(gmshModelMeshGenerate) *generate = get("gmshModelMeshGenerate", generate);
+        auto *generate = get<decltype(gmshModelMeshGenerate)>("gmshModelMeshGenerate");
         generate(2, &fault);
     }
     void write(const std::string &file) {
-        decltype(gmshWrite) *save = get("gmshWrite", save);
+        auto *save = get<decltype(gmshWrite)>("gmshWrite");
         save(file.c_str(), &fault);
     }
     void number(const char *option, double value) {
-        decltype(gmshOptionSetNumber) *set = get("gmshOptionSetNumber", set);
+        auto *set = get<decltype(gmshOptionSetNumber)>("gmshOptionSetNumber");
         set(option, value, &fault);
     }
     bool there = false;
     int fault = 0;
 
   private:
-    template <class F> F *get(const char *name, F *) const {
+    template <class F> F *get(const char *name) const {
         F *function = nullptr;
         library_.find(name, function);
         return function;
