@@ -63,6 +63,43 @@ std::string promise_fault(const std::string &text, const MeshPromise &promise) {
     return "";
 }
 
+// The blocks of a Gmsh text of version 4: behind the counts of a section each has a line of four numbers, the last of which
+// says how many lines follow, for nodes twice that: their tags, then their places.
+std::string block_fault(const std::string &text, const char *section, int lines_each) {
+    const std::size_t at = text.find(section);
+    if (at == std::string::npos)
+        return "";
+    std::istringstream in(text.substr(at));
+    std::string line;
+    double blocks = 0, n = 0;
+    (void)std::getline(in, line);
+    (void)std::getline(in, line);
+    std::istringstream(line) >> blocks;
+    for (double b = 0; b < blocks; ++b) {
+        double skipped;
+        if (!std::getline(in, line) || !(std::istringstream(line) >> skipped >> skipped >> skipped >> n))
+            return "the head of a block behind " + std::string(section) + " is missing: it is broken or truncated";
+        for (double i = 0; i < lines_each * n; ++i)
+            if (!std::getline(in, line) || line[0] == '$')
+                return too_many(n, text.size());
+    }
+    return "";
+}
+
+// Of a Gmsh text; binary files are left to the library.
+std::string gmsh_fault(const std::string &text) {
+    const std::size_t at = text.find("$MeshFormat");
+    double version = 0;
+    int binary = 1;
+    if (at == std::string::npos)
+        return "it is no Gmsh file";
+    std::istringstream(text.substr(at + std::strlen("$MeshFormat"), 80)) >> version >> binary;
+    if (version < 4.05 || binary != 0)
+        return "";
+    const std::string fault = block_fault(text, "$Nodes", 2);
+    return fault.empty() ? block_fault(text, "$Elements", 1) : fault;
+}
+
 } // namespace
 
 std::string header_fault(const MeshFormat &format, const std::string &path) {
@@ -77,5 +114,7 @@ std::string header_fault(const MeshFormat &format, const std::string &path) {
     for (const MeshPromise &promise : format.promises)
         if (const std::string fault = promise_fault(text, promise); !fault.empty())
             return fault;
-    return text.find(format.end) == std::string::npos ? "its end is missing: it is truncated" : "";
+    if (text.find(format.end) == std::string::npos)
+        return "its end is missing: it is truncated";
+    return std::strcmp(format.extension, ".msh") == 0 ? gmsh_fault(text) : "";
 }

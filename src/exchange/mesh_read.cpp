@@ -8,7 +8,7 @@
 namespace {
 
 constexpr double LARGEST = 1e9;             // coordinate that can be meant
-constexpr unsigned READING_SECONDS = 120;   // for a file of no size, without meshing
+constexpr unsigned READING_SECONDS = 30;    // for a file of no size, without meshing
 constexpr double BYTES_PER_SECOND = 1e6;    // on top of that
 constexpr std::size_t MOST_PANELS = 20'000'000;
 

@@ -35,7 +35,7 @@ Quads semi_submersible(int n) {
     return faces_of_cells({x, y, steps({{-1.6, 0}, {-1, n}, {0, n}, {0.5, 1}})}, full);
 }
 // A Wigley hull of 4 x 1 x 0.5 with wall sides above the water and a deck, its keel in z = 0.
-constexpr const char *NATIVE_SHIP = "wigley --length 4 --beam 1 --draft 0.5 --part half-y";
+constexpr const char *NATIVE_SHIP = "wigley --length 4 --beam 1 --draft 0.5";
 Quads ship(int n) {
     const auto side = [&](double u, double z) {
         const double x = 2 - 4 * u, below = std::min(0.0, z - DRAUGHT) / DRAUGHT;
@@ -156,7 +156,7 @@ struct Import {
     double share;       // of that error, allowed
 };
 const Import IMPORTS[] = {
-    {"ship", "ship.stl", "--draught 0.5 --recombine", "ISX, ISY = 0, 1",
+    {"ship", "ship.stl", "--draught 0.5 --recombine", "ISX, ISY = 1, 1",
      [](const CaseFolder &folder, const char *file) {
          std::mt19937 random(1);
          folder.write(file, stl_text(ship(6), [&](std::size_t) { return random() % 3 == 0; }));
@@ -212,5 +212,218 @@ TEST_P(ImportedHulls, HaveTheCoefficientsOfNativePanels) {
 }
 INSTANTIATE_TEST_SUITE_P(Files, ImportedHulls, testing::ValuesIn(IMPORTS),
                          [](const auto &row) { return "number_" + std::to_string(row.index); });
+
+// What the import says of the box with a fault of the table in it; empty: the finding of the check.
+struct PlantedWords {
+    const char *name, *words;
+    int code;
+};
+const PlantedWords PLANTED[] = {
+    {"one turned", "2 panels turned against the neighbours", 0},
+    {"three turned", "6 panels turned against the neighbours", 0},
+    {"all turned", "1 of 1 part turned as a whole", 0},
+    {"missing", "a panel is missing", 2},
+    {"doubled", "2 given twice", 0},
+    {"shifted by a hundredth", "do not meet", 2},
+    {"T-junction", "in the middle of a neighbour's side", 0},
+    {"crack along a seam", "do not meet", 2},
+    {"waterline gap", "sides near the surface end below z = 0", 2},
+    {"doubled with another order", "more than two panels share a side", 1}, // cut along the other diagonal
+    {"just below the surface", "no waterline", 2},
+};
+
+TEST(ImportedFaults, AreTold) {
+    ASSERT_EQ(std::size(PLANTED), std::size(FAULTS));
+    for (std::size_t i = 0; i < std::size(FAULTS); ++i) {
+        const CaseFolder folder;
+        BodyMesh mesh = box();
+        FAULTS[i].plant(mesh);
+        Quads quads;
+        for (const BodyPanel &panel : mesh.panels)
+            quads.push_back(panel.at);
+        folder.write("box.stl", stl_text(quads));
+        ASSERT_STREQ(FAULTS[i].name, PLANTED[i].name);
+        EXPECT_EQ(folder.shell("vorda-mesh import box.stl -o box.gdf"), PLANTED[i].code) << PLANTED[i].name;
+        const std::string all = folder.read("stdout.txt") + folder.read("stderr.txt");
+        EXPECT_NE(all.find(PLANTED[i].words), std::string::npos) << PLANTED[i].name << "\n" << all;
+        EXPECT_EQ(folder.exists("box.gdf"), PLANTED[i].code != 1) << PLANTED[i].name;
+    }
+}
+
+std::string binary_stl(std::uint32_t promised, int written) {
+    std::string text(80, ' ');
+    text.append(reinterpret_cast<const char *>(&promised), sizeof promised);
+    for (int i = 0; i < written; ++i) {
+        const float t[12] = {0, 0, 1, 0, 0, float(-i), 1, 0, float(-i), 0, 1, float(-i)};
+        text.append(reinterpret_cast<const char *>(t), sizeof t);
+        text.append(2, '\0');
+    }
+    return text;
+}
+std::string first_half(const std::string &text) {
+    return text.substr(0, text.size() / 2);
+}
+std::string with(std::string text, const std::string &old, const std::string &now) {
+    return text.replace(text.find(old), old.size(), now);
+}
+constexpr const char *MSH = "$MeshFormat\n4.1 0 8\n$EndMeshFormat\n$Entities\n0 0 1 0\n1 0 0 -1 1 1 -1 0 0\n$EndEntities\n"
+                            "$Nodes\n1 4 1 4\n2 1 0 4\n1\n2\n3\n4\n0 0 -1\n1 0 -1\n1 1 -1\n0 1 -1\n$EndNodes\n"
+                            "$Elements\n1 1 1 1\n2 1 3 1\n1 1 2 3 4\n$EndElements\n";
+constexpr const char *VTK = "# vtk DataFile Version 3.0\nx\nASCII\nDATASET UNSTRUCTURED_GRID\nPOINTS 4 double\n0 0 -1\n1 0 -1\n"
+                            "1 1 -1\n0 1 -1\nCELLS 1 5\n4 0 1 2 3\nCELL_TYPES 1\n9\n";
+constexpr const char *PLY = "ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty float y\nproperty float z\n"
+                            "element face 1\nproperty list uchar int vertex_indices\nend_header\n0 0 -1\n1 0 -1\n1 1 -1\n0 1 -1\n"
+                            "4 0 1 2 3\n";
+constexpr const char *OBJ = "v 0 0 -1\nv 1 0 -1\nv 1 1 -1\nf 1 2 3\n";
+
+struct Hostile {
+    const char *file, *words;
+    std::string text;
+};
+// clang-format off
+const Hostile HOSTILE[] = {
+    {"empty.stl", "empty", ""},
+    {"noise.stl", "no STL file", "\1\2\3"},
+    {"huge.stl", "promises 1000000000", binary_stl(1000000000, 3)},
+    {"cut.stl", "promises 40", first_half(binary_stl(40, 40))},
+    {"none.stl", "", binary_stl(0, 0)},
+    {"text.stl", "truncated", first_half(stl_text(ship(2)))},
+    {"nan.stl", "finite", with(stl_text(ship(2)), "vertex 2 ", "vertex nan ")},
+    {"far.stl", "1e9", with(stl_text(ship(2)), "vertex 2 ", "vertex 2e12 ")},
+    {"nothing.stl", "", "solid x\nendsolid x\n"},
+    {"branch.obj", "more than two panels share a side", std::string(OBJ) + "v 0 0 -2\nv 0 0 -3\nf 1 2 4\nf 1 2 5\n"},
+    {"above.obj", "nothing lies below z = 0", "v 0 0 1\nv 1 0 1\nv 1 1 1\nf 1 2 3\n"},
+    {"points.obj", "", "v 0 0 -1\nv 1 0 -1\n"},
+    {"beyond.obj", "", "v 0 0 -1\nv 1 0 -1\nv 1 1 -1\nf 1 2 2000000000\n"},
+    {"nan.obj", "", with(OBJ, "1 1 -1", "1 nan -1")},
+    {"huge.ply", "promises 4000000000", with(PLY, "vertex 4", "vertex 4000000000")},
+    {"negative.ply", "promises", with(PLY, "face 1", "face -1")},
+    {"cut.ply", "", first_half(PLY)},
+    {"huge.off", "promises 1000000000", "OFF\n3 1000000000 0\n0 0 0\n"},
+    {"huge.msh", "promises 1000000000", with(MSH, "1 4 1 4", "1 1000000000 1 1000000000")},
+    {"block.msh", "", with(MSH, "2 1 0 4", "2 1 0 1000000000")},
+    {"elements.msh", "", with(MSH, "2 1 3 1", "2 1 3 1000000000")},
+    {"cut.msh", "truncated", first_half(MSH)},
+    {"nan.msh", "", with(MSH, "\n1 1 -1", "\n1 nan -1")},
+    {"stranger.msh", "", with(MSH, "1 1 2 3 4", "1 1 2 3 77")},
+    {"huge.vtk", "promises 1000000000", with(VTK, "POINTS 4", "POINTS 1000000000")},
+    {"cut.vtk", "", first_half(VTK)},
+    {"beyond.vtk", "", with(VTK, "4 0 1 2 3", "4 0 1 2 77777")},
+    {"noise.unv", "", "noise\n"},
+    {"noise.med", "", "noise\n"},
+    {"noise.step", "truncated", "ISO-10303-21;\nHEADER;\n"},
+    {"nothing.step", "", "ISO-10303-21;\nHEADER;\nENDSEC;\nDATA;\nENDSEC;\nEND-ISO-10303-21;\n"},
+    {"huge.brep", "promises 1000000000", "DBRep_DrawableShape\n\nCASCADE Topology V1, (c) Matra-Datavision\nLocations 1000000000\n"},
+    {"noise.iges", "", "noise\n"},
+    {"hull.doc", "extension is none of", "noise\n"},
+};
+// clang-format on
+
+TEST(HostileFiles, GiveAMessageAndNoGeometryFile) {
+    for (const Hostile &hostile : HOSTILE) {
+        SCOPED_TRACE(hostile.file);
+        const CaseFolder folder;
+        folder.write(hostile.file, hostile.text);
+        EXPECT_EQ(folder.shell(std::string("timeout 60 vorda-mesh import ") + hostile.file + " -o hull.gdf"), 1)
+            << folder.read("stdout.txt");
+        const std::string error = folder.read("stderr.txt");
+        EXPECT_EQ(error.rfind("vorda-mesh: " + std::string(hostile.file) + ": ", 0), 0u) << error;
+        EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 1) << error;
+        const bool missing = error.find("install it") != std::string::npos;
+        EXPECT_TRUE(missing || error.find(hostile.words) != std::string::npos) << error;
+        for (const std::string &file : folder.files())
+            EXPECT_EQ(file.find("hull.gdf"), std::string::npos) << file;
+    }
+    const CaseFolder folder;
+    EXPECT_EQ(folder.shell("mkdir a.stl && vorda-mesh import a.stl -o hull.gdf"), 1);
+    EXPECT_EQ(folder.shell("vorda-mesh import b.stl -o hull.gdf"), 1);
+    folder.write("ship.stl", stl_text(ship(2)));
+    EXPECT_EQ(folder.shell("vorda-mesh import ship.stl --draught 0.5 -o nowhere/hull.gdf"), 1);
+    EXPECT_EQ(folder.read("stderr.txt").rfind("vorda-mesh: nowhere/hull.gdf cannot be written", 0), 0u);
+}
+
+// Three numbers behind a word of the report.
+std::array<double, 3> reported(const std::string &report, const std::string &word) {
+    std::array<double, 3> values{};
+    const std::size_t at = report.find(word);
+    EXPECT_NE(at, std::string::npos) << word << "\n" << report;
+    if (at != std::string::npos)
+        std::sscanf(report.c_str() + at + word.size(), "%lf, %lf, %lf", &values[0], &values[1], &values[2]);
+    return values;
+}
+constexpr double PRINTED = 1e-4; // the report has five digits
+
+TEST(Exports, ComeBackAsTheSameHull) {
+    const CaseFolder folder;
+    make_mesh(folder, "hemisphere --nu 6 --nv 6 --offset 0 0 0", "a.gdf");
+    make_mesh(folder, "box --length 4 --beam 2 --draft 1 --nu 4 --nv 2 --nw 2", "b.gdf");
+    folder.write("two.gdf", "two\n-1 9.80665\n2\na.gdf\n5 0 0 0\n1 1\n1 1 1 1 1 1\nb.gdf\n-3 0 0 90\n1 1\n1 1 1 1 1 1\n");
+    ASSERT_EQ(folder.shell("vorda-mesh check a.gdf"), 0);
+    const double volume = 8 + reported(folder.read("stdout.txt"), "volume by x, y, z")[0];
+    for (const std::string extension : {"stl", "obj", "msh", "vtu"}) {
+        SCOPED_TRACE(extension);
+        ASSERT_EQ(folder.shell("vorda-mesh export two.gdf -o all." + extension), 0) << folder.read("stderr.txt");
+        if (extension == "vtu") {
+            // 36 and 20 panels, four times.
+            EXPECT_NE(folder.read("all.vtu").find("NumberOfCells=\"224\""), std::string::npos);
+            continue;
+        }
+        ASSERT_EQ(folder.shell("vorda-mesh import all." + extension + " -o back.gdf"), 0) << folder.read("stderr.txt");
+        const std::string report = folder.read("stdout.txt");
+        if (extension == "msh" && report.find("install it") != std::string::npos)
+            continue;
+        EXPECT_NE(report.find("ISX, ISY = 0, 1"), std::string::npos) << report;
+        EXPECT_NE(report.find("2 connected surfaces"), std::string::npos) << report;
+        EXPECT_NE(report.find("extent x, y, z                    -4 to 6, -2 to 2, -1 to 0"), std::string::npos) << report;
+        EXPECT_NEAR(reported(report, "volume by x, y, z")[1], volume, PRINTED * volume);
+    }
+    EXPECT_EQ(folder.shell("vorda-mesh export two.gdf -o all.doc"), 1);
+    EXPECT_NE(folder.read("stderr.txt").find("the extension is none of stl, obj, vtu, msh"), std::string::npos);
+}
+
+TEST(Transforms, MoveAndKeepTheBody) {
+    struct Case {
+        const char *arguments, *words[2];
+        double volume;
+    };
+    const Case CASES[] = {
+        {"--scale 2", {"-4 to 4, -2 to 2, -2 to 0", "ISX, ISY = 1, 1"}, 64},
+        {"--shift 0 3 0", {"-2 to 2, 2 to 4, -1 to 0", "ISX, ISY = 1, 0"}, 8},
+        {"--turn 90", {"-1 to 1, -2 to 2, -1 to 0", "ISX, ISY = 0, 0"}, 8},
+        {"--turn 90 --shift 5 0 0 --mirror x", {"-6 to -4, -2 to 2, -1 to 0", "ISX, ISY = 0, 0"}, 8},
+        {"--full", {"-2 to 2, -1 to 1, -1 to 0", "panels 128, ISX, ISY = 0, 0"}, 8},
+        {"--shift 0 3 0 --join c.gdf", {"-2 to 2, 2 to 9, -1 to 0", "ISX, ISY = 1, 0"}, 16},
+    };
+    for (const Case &c : CASES) {
+        SCOPED_TRACE(c.arguments);
+        const CaseFolder folder;
+        make_mesh(folder, "box --length 4 --beam 2 --draft 1 --nu 4 --nv 2 --nw 2", "b.gdf");
+        make_mesh(folder, "box --length 4 --beam 2 --draft 1 --nu 4 --nv 2 --nw 2 --part half-x --offset 0 5 0", "c.gdf");
+        ASSERT_EQ(folder.shell(std::string("vorda-mesh transform b.gdf -o d.gdf ") + c.arguments + " && vorda-mesh check d.gdf"), 0)
+            << folder.read("stderr.txt") << folder.read("stdout.txt");
+        const std::string report = folder.read("stdout.txt");
+        for (const char *words : c.words)
+            EXPECT_NE(report.find(words), std::string::npos) << words << "\n" << report;
+        for (const double v : reported(report, "volume by x, y, z"))
+            EXPECT_NEAR(v, c.volume, PRINTED * c.volume);
+        if (std::string(c.arguments).find("--join") == std::string::npos)
+            continue;
+        ASSERT_EQ(folder.shell("vorda-mesh transform d.gdf -o e.gdf --split && vorda-mesh check e_2.gdf"), 0);
+        EXPECT_NE(folder.read("stdout.txt").find("-2 to 2, 7 to 9, -1 to 0"), std::string::npos) << folder.read("stdout.txt");
+        EXPECT_FALSE(folder.exists("e_3.gdf"));
+    }
+}
+
+// The head of the panels of plates keeps their records.
+TEST(Transforms, KeepDipoleRecords) {
+    const CaseFolder folder;
+    make_mesh(folder, "disc --radius 1 --depth 1 --nu 4 --nw 2 --dpora 0.25 --dporb 0.5", "d.gdf");
+    ASSERT_EQ(folder.shell("vorda-mesh transform d.gdf -o e.gdf --full --scale 3"), 0) << folder.read("stderr.txt");
+    const std::string text = folder.read("e.gdf");
+    std::size_t records = 0;
+    for (std::size_t at = 0; (at = text.find(" 1 0.25 0.5 0\n", at)) != std::string::npos; ++at)
+        ++records;
+    EXPECT_EQ(records, 32u) << text.substr(0, 200);
+}
 
 } // namespace

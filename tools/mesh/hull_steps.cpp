@@ -141,8 +141,9 @@ struct Steps {
         }
         const CutCounts n = cut(hull.mesh, {axis, 1}, tolerance);
         hull.symmetric[a] = true;
-        tell("symmetry", text("about %s, images of the %s within %.2g (tolerance %.3g): %s >= 0 kept, ", PLANES[a],
-                              match.panels ? "panels" : "surface", match.worst, limit, axis == 0 ? "x" : "y") +
+        tell("symmetry", text("about %s, images of the %s within %.2g (tolerance %.3g%s): %s >= 0 kept, ", PLANES[a],
+                              match.panels ? "panels" : "surface", match.worst, limit,
+                              match.panels ? "" : ", more on bent surfaces", axis == 0 ? "x" : "y") +
                              count(n.cut, "panel") + " cut there");
         return true;
     }
