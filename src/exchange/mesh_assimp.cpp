@@ -44,7 +44,7 @@ Counted take_panels(const aiScene &scene, MergedVertices &mesh) {
 
 } // namespace
 
-bool read_by_assimp(const MeshReadRequest &request, ReadMesh &result, std::string &error) {
+bool read_by_assimp(const MeshFormat &, const MeshReadRequest &request, ReadMesh &result, std::string &error) {
     const LoadedLibrary library(VORDA_ASSIMP_LIBRARY);
     decltype(aiImportFile) *import = nullptr;
     decltype(aiGetErrorString) *reason = nullptr;
@@ -77,7 +77,7 @@ bool read_by_assimp(const MeshReadRequest &request, ReadMesh &result, std::strin
 
 #else
 
-bool read_by_assimp(const MeshReadRequest &, ReadMesh &, std::string &error) {
+bool read_by_assimp(const MeshFormat &, const MeshReadRequest &, ReadMesh &, std::string &error) {
     error = message_of_missing("STL, OBJ, PLY and OFF", "libassimp-dev");
     return false;
 }

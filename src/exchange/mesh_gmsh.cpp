@@ -24,7 +24,6 @@ constexpr ElementType SURFACES[] = {{2, 3, 3}, {3, 4, 4}, {9, 6, 3}, {10, 9, 4},
 struct Gmsh {
     decltype(gmshInitialize) *initialize;
     decltype(gmshOptionSetNumber) *set_number;
-    decltype(gmshOptionSetString) *set_text;
     decltype(gmshLoggerStart) *log;
     decltype(gmshLoggerGet) *logged;
     decltype(gmshOpen) *open;
@@ -36,7 +35,6 @@ struct Gmsh {
     explicit Gmsh(const LoadedLibrary &library) {
         library.find("gmshInitialize", initialize);
         library.find("gmshOptionSetNumber", set_number);
-        library.find("gmshOptionSetString", set_text);
         library.find("gmshLoggerStart", log);
         library.find("gmshLoggerGet", logged);
         library.find("gmshOpen", open);
@@ -46,7 +44,7 @@ struct Gmsh {
         library.find("gmshModelMeshGetElementsByType", elements);
     }
     bool complete() const {
-        return initialize != nullptr && set_number != nullptr && set_text != nullptr && log != nullptr &&
+        return initialize != nullptr && set_number != nullptr && log != nullptr &&
                logged != nullptr && open != nullptr && box != nullptr && generate != nullptr && nodes != nullptr &&
                elements != nullptr;
     }
@@ -64,14 +62,15 @@ struct Gmsh {
 };
 
 // Covers the surfaces of a CAD model with panels.
-void make_panels(const Gmsh &gmsh, double wanted, ReadMesh &result, int &failed) {
+void make_panels(const Gmsh &gmsh, double wanted, double unit, ReadMesh &result, int &failed) {
     double low[3], high[3], extent = 0;
     gmsh.box(-1, -1, &low[0], &low[1], &low[2], &high[0], &high[1], &high[2], &failed);
     for (std::size_t c = 0; c < 3; ++c)
         extent = std::max(extent, high[c] - low[c]);
-    const double size = wanted > 0 ? wanted : extent / PANELS_ALONG;
+    const double size = wanted > 0 ? wanted / unit : extent / PANELS_ALONG;
     char text[120];
-    std::snprintf(text, sizeof text, "surfaces covered with panels of size %.4g, lengths in metres", size);
+    std::snprintf(text, sizeof text, "surfaces covered with panels of size %.4g%s", size * unit,
+                  unit == 1 ? "" : ", lengths in metres");
     result.notes.push_back(text);
     gmsh.set_number("Mesh.MeshSizeMin", size, &failed);
     gmsh.set_number("Mesh.MeshSizeMax", size, &failed);
@@ -79,7 +78,7 @@ void make_panels(const Gmsh &gmsh, double wanted, ReadMesh &result, int &failed)
     gmsh.generate(2, &failed);
 }
 
-bool take_panels(const Gmsh &gmsh, ReadMesh &result) {
+bool take_panels(const Gmsh &gmsh, double unit, ReadMesh &result) {
     int failed = 0;
     std::size_t *tags = nullptr, n = 0, at_n = 0, unused_n = 0;
     double *at = nullptr, *unused = nullptr;
@@ -90,7 +89,7 @@ bool take_panels(const Gmsh &gmsh, ReadMesh &result) {
     number.reserve(n);
     for (std::size_t i = 0; i < n; ++i) {
         number[tags[i]] = static_cast<int>(i);
-        result.mesh.points.push_back({at[3 * i], at[3 * i + 1], at[3 * i + 2]});
+        result.mesh.points.push_back({unit * at[3 * i], unit * at[3 * i + 1], unit * at[3 * i + 2]});
     }
     bool curved = false;
     for (const ElementType &type : SURFACES) {
@@ -121,7 +120,7 @@ const char *gmsh_library() {
     return VORDA_GMSH_LIBRARY;
 }
 
-bool read_by_gmsh(const MeshReadRequest &request, ReadMesh &result, std::string &error) {
+bool read_by_gmsh(const MeshFormat &format, const MeshReadRequest &request, ReadMesh &result, std::string &error) {
     const LoadedLibrary library(gmsh_library());
     const Gmsh gmsh(library);
     if (!gmsh.complete()) {
@@ -131,20 +130,14 @@ bool read_by_gmsh(const MeshReadRequest &request, ReadMesh &result, std::string 
     int failed = 0;
     gmsh.initialize(0, nullptr, 0, &failed);
     gmsh.set_number("General.Terminal", 0, &failed);
-    gmsh.set_text("Geometry.OCCTargetUnit", "M", &failed);
     gmsh.log(&failed);
     gmsh.open(request.file.c_str(), &failed);
     error = gmsh.fault();
-    const std::string dot = request.file.substr(std::min(request.file.rfind('.'), request.file.size()));
-    const auto &formats = mesh_formats();
-    const bool cad = std::any_of(formats.begin(), formats.end(), [&](const MeshFormat &f) {
-        return f.cad && strcasecmp(dot.c_str(), f.extension) == 0;
-    });
-    if (failed == 0 && error.empty() && cad) {
-        make_panels(gmsh, request.size, result, failed);
+    if (failed == 0 && error.empty() && format.cad) {
+        make_panels(gmsh, request.size, format.unit, result, failed);
         error = gmsh.fault();
     }
-    if (error.empty() && (failed != 0 || !take_panels(gmsh, result)))
+    if (error.empty() && (failed != 0 || !take_panels(gmsh, format.unit, result)))
         error = "it cannot be read";
     return error.empty();
 }
@@ -155,7 +148,7 @@ const char *gmsh_library() {
     return nullptr;
 }
 
-bool read_by_gmsh(const MeshReadRequest &, ReadMesh &, std::string &error) {
+bool read_by_gmsh(const MeshFormat &, const MeshReadRequest &, ReadMesh &, std::string &error) {
     error = message_of_missing("Gmsh, VTK, UNV, MED and CAD", "libgmsh-dev");
     return false;
 }

@@ -17,22 +17,22 @@ constexpr std::size_t MOST_PANELS = 20'000'000;
 // clang-format off
 const std::vector<MeshFormat> &mesh_formats() {
     static const std::vector<MeshFormat> formats = {
-        {".stl", "STL", "libassimp-dev", false, read_by_assimp, {}, ""},
-        {".obj", "OBJ", "libassimp-dev", false, read_by_assimp, {}, ""},
-        {".ply", "PLY", "libassimp-dev", false, read_by_assimp,
-         {{"element vertex", 1, 1}, {"element face", 1, 1}}, ""},
-        {".off", "OFF", "libassimp-dev", false, read_by_assimp, {{"OFF", 1, 3}}, ""},
-        {".msh", "Gmsh", "libgmsh-dev", false, read_by_gmsh,
+        {".stl", "STL", "libassimp-dev", false, 1, read_by_assimp, {}, ""},
+        {".obj", "OBJ", "libassimp-dev", false, 1, read_by_assimp, {}, ""},
+        {".ply", "PLY", "libassimp-dev", false, 1, read_by_assimp,
+         {{"element vertex", 1, 1}, {"element face", 1, 1}}, "end_header"},
+        {".off", "OFF", "libassimp-dev", false, 1, read_by_assimp, {{"OFF", 1, 3}}, ""},
+        {".msh", "Gmsh", "libgmsh-dev", false, 1, read_by_gmsh,
          {{"$Nodes", 1, 2}, {"$Elements", 1, 2}, {"$Entities", 1, 4}, {"$PhysicalNames", 1, 1}}, "$EndElements"},
-        {".vtk", "VTK", "libgmsh-dev", false, read_by_gmsh,
+        {".vtk", "VTK", "libgmsh-dev", false, 1, read_by_gmsh,
          {{"POINTS", 1, 1}, {"CELLS", 1, 2}, {"POLYGONS", 1, 2}, {"CELL_TYPES", 1, 1}}, ""},
-        {".unv", "UNV", "libgmsh-dev", false, read_by_gmsh, {}, ""},
-        {".med", "MED", "libgmsh-dev", false, read_by_gmsh, {}, ""},
-        {".step", "STEP", "libgmsh-dev", true, read_by_gmsh, {}, "END-ISO-10303-21"},
-        {".stp", "STEP", "libgmsh-dev", true, read_by_gmsh, {}, "END-ISO-10303-21"},
-        {".iges", "IGES", "libgmsh-dev", true, read_by_gmsh, {}, ""},
-        {".igs", "IGES", "libgmsh-dev", true, read_by_gmsh, {}, ""},
-        {".brep", "BREP", "libgmsh-dev", true, read_by_gmsh,
+        {".unv", "UNV", "libgmsh-dev", false, 1, read_by_gmsh, {}, ""},
+        {".med", "MED", "libgmsh-dev", false, 1, read_by_gmsh, {}, ""},
+        {".step", "STEP", "libgmsh-dev", true, 1e-3, read_by_gmsh, {}, "END-ISO-10303-21"},
+        {".stp", "STEP", "libgmsh-dev", true, 1e-3, read_by_gmsh, {}, "END-ISO-10303-21"},
+        {".iges", "IGES", "libgmsh-dev", true, 1e-3, read_by_gmsh, {}, ""},
+        {".igs", "IGES", "libgmsh-dev", true, 1e-3, read_by_gmsh, {}, ""},
+        {".brep", "BREP", "libgmsh-dev", true, 1, read_by_gmsh,
          {{"Locations", 1, 1}, {"Curve2ds", 1, 1}, {"Curves", 1, 1}, {"Polygon3D", 1, 1},
           {"PolygonOnTriangulations", 1, 1}, {"Surfaces", 1, 1}, {"Triangulations", 1, 2}, {"TShapes", 1, 1}}, ""},
     };
@@ -68,7 +68,7 @@ bool read_mesh(const MeshReadRequest &request, ReadMesh &result, std::string &er
     const double bytes = static_cast<double>(std::filesystem::file_size(path, fault));
     const unsigned seconds =
         format->cad ? 0 : READING_SECONDS + static_cast<unsigned>(std::min(1e6, bytes / BYTES_PER_SECOND));
-    const auto reader = [&](ReadMesh &mesh, std::string &why) { return format->read(request, mesh, why); };
+    const auto reader = [&](ReadMesh &mesh, std::string &why) { return format->read(*format, request, mesh, why); };
     if (!error.empty() || !read_apart(reader, seconds, result, error)) {
         error = request.file + ": " + error;
         return false;

@@ -5,7 +5,7 @@
 
 struct MeshReadRequest {
     std::string file;
-    double size = 0; // of the panels of a CAD model, in lengths of the file; 0: a fortieth of its largest extent
+    double size = 0; // of the panels of a CAD model, in metres or, without a unit, lengths of the file; 0: a fortieth of its largest extent
 };
 
 // A number behind a word at the start of a line that says how many items follow.
@@ -18,7 +18,8 @@ struct MeshFormat {
     const char *name;
     const char *package; // what to install when its library is missing
     bool cad;            // surfaces, to be covered with panels
-    bool (*read)(const MeshReadRequest &, ReadMesh &, std::string &error);
+    double unit;         // of the lengths that the library gives, in metres; 1: as in the file
+    bool (*read)(const MeshFormat &, const MeshReadRequest &, ReadMesh &, std::string &error);
     std::vector<MeshPromise> promises;
     const char *end; // what a whole file has near its end or, when it is empty, anything
 };
@@ -37,5 +38,5 @@ std::string header_fault(const MeshFormat &format, const std::string &path);
 // The file of Gmsh's library; null when the program was built without it.
 const char *gmsh_library();
 // By the libraries; each is the missing one's message when the program was built without it.
-[[nodiscard]] bool read_by_gmsh(const MeshReadRequest &request, ReadMesh &result, std::string &error);
-[[nodiscard]] bool read_by_assimp(const MeshReadRequest &request, ReadMesh &result, std::string &error);
+[[nodiscard]] bool read_by_gmsh(const MeshFormat &format, const MeshReadRequest &request, ReadMesh &result, std::string &error);
+[[nodiscard]] bool read_by_assimp(const MeshFormat &format, const MeshReadRequest &request, ReadMesh &result, std::string &error);

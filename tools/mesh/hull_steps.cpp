@@ -1,6 +1,7 @@
 #include "hull_steps.hpp"
 
 #include "freesurface/fsgen.hpp"
+#include "mesh/checks.hpp"
 #include "mesh/cut.hpp"
 #include "mesh/join.hpp"
 #include "mesh/orient.hpp"
@@ -119,6 +120,35 @@ struct Steps {
         return true;
     }
 
+    BodyMesh body() const {
+        BodyMesh mesh;
+        for (const std::size_t axis : {0u, 1u})
+            mesh.symmetric[axis] = hull.symmetric[axis];
+        for (std::size_t p = 0; p < hull.mesh.of_panel.size(); ++p) {
+            mesh.panels.push_back(panel_of(hull.mesh, p));
+            for (BodyPoint &v : mesh.panels.back().at)
+                for (double &x : v)
+                    x /= request.ULEN;
+        }
+        return mesh;
+    }
+
+    // What the check finds in the whole hull but not in the part that is kept: a sound half may hide a broken one.
+    void tell_hidden(const BodyMesh &whole) {
+        const std::vector<MeshFinding> kept = check_mesh(body(), {0, true});
+        for (const MeshFinding &finding : check_mesh(whole, {0, true})) {
+            const auto same = [&](const MeshFinding &f) { return f.what == finding.what; };
+            if (std::any_of(kept.begin(), kept.end(), same))
+                continue;
+            std::string line = "in the part that is left out: " + finding.what;
+            if (!finding.panels.empty()) {
+                const BodyPoint p = shape_of(whole.panels[static_cast<std::size_t>(finding.panels.front() - 1)]).centre;
+                line += text(" (%zu panels, near %.4g, %.4g, %.4g ULEN)", finding.panels.size(), p[0], p[1], p[2]);
+            }
+            tell(finding.wrong ? "WARNING:" : "note:", line);
+        }
+    }
+
     bool wanted(int axis) const {
         return request.part == "auto" || request.part == "quarter" || request.part == (axis == 0 ? "half-x" : "half-y");
     }
@@ -208,9 +238,12 @@ bool make_hull(const HullRequest &request, Hull &hull, const TellStep &tell, std
         steps.add_other_side(axis);
     if (!steps.turn_normals())
         return false;
+    const BodyMesh whole = steps.body();
     for (const int axis : {0, 1})
         if (steps.wanted(axis) && !steps.keep_half(axis))
             return false;
+    if (hull.symmetric[0] || hull.symmetric[1])
+        steps.tell_hidden(whole);
     if (request.recombine)
         steps.join();
     return !request.lid || steps.add_lid();

@@ -11,6 +11,7 @@ struct HullRequest {
     std::string part = "auto";
     bool recombine = false;
     bool lid = false;
+    double ULEN = 1; // unit of lengths in findings
 };
 struct Hull {
     MergedVertices mesh;             // length, z = 0 in the free surface

@@ -56,6 +56,7 @@ int run_import(ImportRequest r) {
     ReadMesh read;
     std::string error;
     r.read.size = r.size / r.scale;
+    r.hull.ULEN = r.ULEN;
     if (!read_mesh(r.read, read, error))
         return fail(error);
     const std::string file = std::filesystem::path(r.read.file).filename().string();
