@@ -63,6 +63,47 @@ std::string promise_fault(const std::string &text, const MeshPromise &promise) {
     return "";
 }
 
+// A text in which each vertex and each face has its line: fewer lines than the head promises behind its own.
+std::string line_fault(const std::string &text, const std::string &last_of_head, double promised) {
+    std::istringstream in(text.substr(text.find(last_of_head)));
+    std::string line;
+    double lines = -1; // the head's own
+    while (std::getline(in, line))
+        lines += line.find_first_not_of(" \t\r") == std::string::npos || line[0] == '#' ? 0 : 1;
+    return lines < promised ? "lines of it are missing: it is truncated" : "";
+}
+double number_behind(const std::string &text, const char *word) {
+    const std::size_t at = text.find(word);
+    return at == std::string::npos ? 0 : std::strtod(text.c_str() + at + std::strlen(word), nullptr);
+}
+std::string ply_fault(const std::string &text) {
+    if (text.find("format ascii") == std::string::npos)
+        return "";
+    return line_fault(text, "end_header", number_behind(text, "element vertex") + number_behind(text, "element face"));
+}
+std::string off_fault(const std::string &text) {
+    const std::size_t at = text.find("OFF");
+    std::istringstream in(at == std::string::npos ? "" : text.substr(at + 3));
+    double vertices = 0, faces = 0, edges = 0;
+    if (!(in >> vertices >> faces >> edges))
+        return "its head cannot be read";
+    std::string rest;
+    (void)std::getline(in, rest);
+    rest = "\n" + std::string(std::istreambuf_iterator<char>(in), {});
+    return line_fault("head" + rest, "head", vertices + faces);
+}
+// Each part of a UNV file stands between two lines of -1.
+std::string unv_fault(const std::string &text) {
+    std::istringstream in(text);
+    std::string line, word, more;
+    int marks = 0;
+    while (std::getline(in, line)) {
+        std::istringstream items(line);
+        marks += (items >> word) && word == "-1" && !(items >> more) ? 1 : 0;
+    }
+    return marks < 2 || marks % 2 != 0 ? "its end is missing: it is truncated" : "";
+}
+
 // The blocks of a Gmsh text of version 4: behind the counts of a section each has a line of four numbers, the last of which
 // says how many lines follow, for nodes twice that: their tags, then their places.
 std::string block_fault(const std::string &text, const char *section, int lines_each) {
@@ -100,6 +141,18 @@ std::string gmsh_fault(const std::string &text) {
     return fault.empty() ? block_fault(text, "$Elements", 1) : fault;
 }
 
+// What is particular to a format.
+std::string fault_by_extension(const char *extension, const std::string &text) {
+    constexpr struct {
+        const char *extension;
+        std::string (*fault)(const std::string &);
+    } CHECKS[] = {{".stl", stl_fault}, {".ply", ply_fault}, {".off", off_fault}, {".unv", unv_fault}, {".msh", gmsh_fault}};
+    for (const auto &check : CHECKS)
+        if (std::strcmp(check.extension, extension) == 0)
+            return check.fault(text);
+    return "";
+}
+
 } // namespace
 
 std::string header_fault(const MeshFormat &format, const std::string &path) {
@@ -109,12 +162,10 @@ std::string header_fault(const MeshFormat &format, const std::string &path) {
     const std::string text = std::move(all).str();
     if (text.empty())
         return "it is empty, or cannot be read";
-    if (std::strcmp(format.extension, ".stl") == 0)
-        return stl_fault(text);
     for (const MeshPromise &promise : format.promises)
         if (const std::string fault = promise_fault(text, promise); !fault.empty())
             return fault;
     if (text.find(format.end) == std::string::npos)
         return "its end is missing: it is truncated";
-    return std::strcmp(format.extension, ".msh") == 0 ? gmsh_fault(text) : "";
+    return fault_by_extension(format.extension, text);
 }
