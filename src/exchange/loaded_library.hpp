@@ -1,4 +1,5 @@
-// A shared library that is loaded when it is needed: those that read meshes take longer to load than a program of ours runs.
+// A shared library that is loaded when it is needed: those that read meshes take longer to load than a
+// program of ours runs.
 #pragma once
 
 #include <string>

@@ -13,8 +13,8 @@
 namespace {
 
 struct Counted {
-    unsigned largest = 0;  // corners of a face
-    std::size_t thin = 0;  // faces of fewer than three corners: points and lines
+    unsigned largest = 0; // corners of a face
+    std::size_t thin = 0; // faces of fewer than three corners: points and lines
 };
 
 Counted take_panels(const aiScene &scene, MergedVertices &mesh) {
@@ -24,7 +24,8 @@ Counted take_panels(const aiScene &scene, MergedVertices &mesh) {
         const int first = static_cast<int>(mesh.points.size());
         for (unsigned v = 0; v < part.mNumVertices; ++v) {
             const aiVector3D &p = part.mVertices[v];
-            mesh.points.push_back({static_cast<double>(p.x), static_cast<double>(p.y), static_cast<double>(p.z)});
+            mesh.points.push_back(
+                {static_cast<double>(p.x), static_cast<double>(p.y), static_cast<double>(p.z)});
         }
         for (unsigned f = 0; f < part.mNumFaces; ++f) {
             const aiFace &face = part.mFaces[f];
@@ -35,7 +36,8 @@ Counted take_panels(const aiScene &scene, MergedVertices &mesh) {
             }
             std::array<int, 4> corners;
             for (std::size_t v = 0; v < 4; ++v)
-                corners[v] = first + static_cast<int>(face.mIndices[std::min<std::size_t>(v, face.mNumIndices - 1)]);
+                corners[v] =
+                    first + static_cast<int>(face.mIndices[std::min<std::size_t>(v, face.mNumIndices - 1)]);
             mesh.of_panel.push_back(corners);
         }
     }
@@ -44,7 +46,8 @@ Counted take_panels(const aiScene &scene, MergedVertices &mesh) {
 
 } // namespace
 
-bool read_by_assimp(const MeshFormat &, const MeshReadRequest &request, ReadMesh &result, std::string &error) {
+bool read_by_assimp(const MeshFormat &, const MeshReadRequest &request, ReadMesh &result,
+                    std::string &error) {
     const LoadedLibrary library(VORDA_ASSIMP_LIBRARY);
     decltype(aiImportFile) *import = nullptr;
     decltype(aiGetErrorString) *reason = nullptr;

@@ -44,8 +44,8 @@ struct Gmsh {
         library.find("gmshModelMeshGetElementsByType", elements);
     }
     bool complete() const {
-        return initialize != nullptr && set_number != nullptr && log != nullptr &&
-               logged != nullptr && open != nullptr && box != nullptr && generate != nullptr && nodes != nullptr &&
+        return initialize != nullptr && set_number != nullptr && log != nullptr && logged != nullptr &&
+               open != nullptr && box != nullptr && generate != nullptr && nodes != nullptr &&
                elements != nullptr;
     }
     // The first error of the log; empty: none.
@@ -120,11 +120,13 @@ const char *gmsh_library() {
     return VORDA_GMSH_LIBRARY;
 }
 
-bool read_by_gmsh(const MeshFormat &format, const MeshReadRequest &request, ReadMesh &result, std::string &error) {
+bool read_by_gmsh(const MeshFormat &format, const MeshReadRequest &request, ReadMesh &result,
+                  std::string &error) {
     const LoadedLibrary library(gmsh_library());
     const Gmsh gmsh(library);
     if (!gmsh.complete()) {
-        error = message_of_missing("Gmsh, VTK, UNV, MED and CAD", "libgmsh-dev") + " (" + library.error() + ")";
+        error =
+            message_of_missing("Gmsh, VTK, UNV, MED and CAD", "libgmsh-dev") + " (" + library.error() + ")";
         return false;
     }
     int failed = 0;

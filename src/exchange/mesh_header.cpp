@@ -15,9 +15,10 @@ constexpr std::size_t ASCII_SIGN = 2048; // within so many bytes the first facet
 
 std::string too_many(double promised, std::size_t bytes) {
     char text[160];
-    std::snprintf(text, sizeof text,
-                  "the head promises %.0f items, more than a file of %zu bytes can hold: it is broken or truncated",
-                  promised, bytes);
+    std::snprintf(
+        text, sizeof text,
+        "the head promises %.0f items, more than a file of %zu bytes can hold: it is broken or truncated",
+        promised, bytes);
     return text;
 }
 
@@ -79,7 +80,8 @@ double number_behind(const std::string &text, const char *word) {
 std::string ply_fault(const std::string &text) {
     if (text.find("format ascii") == std::string::npos)
         return "";
-    return line_fault(text, "end_header", number_behind(text, "element vertex") + number_behind(text, "element face"));
+    return line_fault(text, "end_header",
+                      number_behind(text, "element vertex") + number_behind(text, "element face"));
 }
 std::string off_fault(const std::string &text) {
     const std::size_t at = text.find("OFF");
@@ -104,8 +106,8 @@ std::string unv_fault(const std::string &text) {
     return marks < 2 || marks % 2 != 0 ? "its end is missing: it is truncated" : "";
 }
 
-// The blocks of a Gmsh text of version 4: behind the counts of a section each has a line of four numbers, the last of which
-// says how many lines follow, for nodes twice that: their tags, then their places.
+// The blocks of a Gmsh text of version 4: behind the counts of a section each has a line of four numbers, the
+// last of which says how many lines follow, for nodes twice that: their tags, then their places.
 std::string block_fault(const std::string &text, const char *section, int lines_each) {
     const std::size_t at = text.find(section);
     if (at == std::string::npos)
@@ -119,7 +121,8 @@ std::string block_fault(const std::string &text, const char *section, int lines_
     for (double b = 0; b < blocks; ++b) {
         double skipped;
         if (!std::getline(in, line) || !(std::istringstream(line) >> skipped >> skipped >> skipped >> n))
-            return "the head of a block behind " + std::string(section) + " is missing: it is broken or truncated";
+            return "the head of a block behind " + std::string(section) +
+                   " is missing: it is broken or truncated";
         for (double i = 0; i < lines_each * n; ++i)
             if (!std::getline(in, line) || line[0] == '$')
                 return too_many(n, text.size());
@@ -146,7 +149,11 @@ std::string fault_by_extension(const char *extension, const std::string &text) {
     constexpr struct {
         const char *extension;
         std::string (*fault)(const std::string &);
-    } CHECKS[] = {{".stl", stl_fault}, {".ply", ply_fault}, {".off", off_fault}, {".unv", unv_fault}, {".msh", gmsh_fault}};
+    } CHECKS[] = {{".stl", stl_fault},
+                  {".ply", ply_fault},
+                  {".off", off_fault},
+                  {".unv", unv_fault},
+                  {".msh", gmsh_fault}};
     for (const auto &check : CHECKS)
         if (std::strcmp(check.extension, extension) == 0)
             return check.fault(text);

@@ -1,15 +1,15 @@
 #include "exchange/mesh_read.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <cctype>
+#include <cmath>
 #include <filesystem>
 
 namespace {
 
-constexpr double LARGEST = 1e9;             // coordinate that can be meant
-constexpr unsigned READING_SECONDS = 30;    // for a file of no size, without meshing
-constexpr double BYTES_PER_SECOND = 1e6;    // on top of that
+constexpr double LARGEST = 1e9;          // coordinate that can be meant
+constexpr unsigned READING_SECONDS = 30; // for a file of no size, without meshing
+constexpr double BYTES_PER_SECOND = 1e6; // on top of that
 constexpr std::size_t MOST_PANELS = 20'000'000;
 
 } // namespace
@@ -68,7 +68,9 @@ bool read_mesh(const MeshReadRequest &request, ReadMesh &result, std::string &er
     const double bytes = static_cast<double>(std::filesystem::file_size(path, fault));
     const unsigned seconds =
         format->cad ? 0 : READING_SECONDS + static_cast<unsigned>(std::min(1e6, bytes / BYTES_PER_SECOND));
-    const auto reader = [&](ReadMesh &mesh, std::string &why) { return format->read(*format, request, mesh, why); };
+    const auto reader = [&](ReadMesh &mesh, std::string &why) {
+        return format->read(*format, request, mesh, why);
+    };
     if (!error.empty() || !read_apart(reader, seconds, result, error)) {
         error = request.file + ": " + error;
         return false;

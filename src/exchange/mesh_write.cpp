@@ -94,8 +94,8 @@ void write_msh(std::FILE *file, const Bodies &bodies) {
                 low[c] = std::min(low[c], p[c]);
                 high[c] = std::max(high[c], p[c]);
             }
-        std::fprintf(file, "%zu %.9g %.9g %.9g %.9g %.9g %.9g 1 %zu 0\n", b + 1, low[0], low[1], low[2], high[0],
-                     high[1], high[2], b + 1);
+        std::fprintf(file, "%zu %.9g %.9g %.9g %.9g %.9g %.9g 1 %zu 0\n", b + 1, low[0], low[1], low[2],
+                     high[0], high[1], high[2], b + 1);
     }
     std::fprintf(file, "$EndEntities\n$Nodes\n%zu %zu 1 %zu\n", bodies.size(), points, points);
     std::size_t tag = 0;
@@ -155,7 +155,8 @@ struct Writer {
     const char *extension;
     void (*write)(std::FILE *, const Bodies &); // null: by write_vtu
 };
-constexpr Writer WRITERS[] = {{".stl", write_stl}, {".obj", write_obj}, {".vtu", nullptr}, {".msh", write_msh}};
+constexpr Writer WRITERS[] = {
+    {".stl", write_stl}, {".obj", write_obj}, {".vtu", nullptr}, {".msh", write_msh}};
 
 } // namespace
 

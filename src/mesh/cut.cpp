@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr double SNAP = 1e-3;      // distance from the plane that counts as none, in sides
+constexpr double SNAP = 1e-3; // distance from the plane that counts as none, in sides
 
 using Polygon = std::vector<int>;
 
@@ -35,7 +35,8 @@ struct Cutter {
         return found->second;
     }
 
-    // What is kept of a polygon. Method: clipping of I. E. Sutherland and G. W. Hodgman, Comm. ACM 17 (1974) 32-42.
+    // What is kept of a polygon. Method: clipping of I. E. Sutherland and G. W. Hodgman, Comm. ACM 17 (1974)
+    // 32-42.
     Polygon kept(const Polygon &polygon) {
         Polygon result;
         for (std::size_t v = 0; v < polygon.size(); ++v) {
@@ -50,7 +51,8 @@ struct Cutter {
     }
 };
 
-// The smallest ratio of a corner's triangle to the square of its longer side: how far a polygon is from being degenerate.
+// The smallest ratio of a corner's triangle to the square of its longer side: how far a polygon is from being
+// degenerate.
 double worst_corner(const Cutter &c, const Polygon &p) {
     double worst = 1e300;
     for (std::size_t v = 0; v < p.size(); ++v) {
@@ -65,15 +67,16 @@ double worst_corner(const Cutter &c, const Polygon &p) {
 bool is_concave(const Cutter &c, const std::array<int, 4> &p) {
     const BodyPoint normal = cross(minus(c.at(p[2]), c.at(p[0])), minus(c.at(p[3]), c.at(p[1])));
     for (std::size_t v = 0; v < 4; ++v) {
-        const BodyPoint corner = cross(minus(c.at(p[(v + 1) % 4]), c.at(p[v])),
-                                       minus(c.at(p[(v + 3) % 4]), c.at(p[v])));
+        const BodyPoint corner =
+            cross(minus(c.at(p[(v + 1) % 4]), c.at(p[v])), minus(c.at(p[(v + 3) % 4]), c.at(p[v])));
         if (dot(corner, normal) < 0)
             return true;
     }
     return false;
 }
 
-// A polygon of three to five corners as panels: of five, the corner cut off is the one that leaves the best shapes.
+// A polygon of three to five corners as panels: of five, the corner cut off is the one that leaves the best
+// shapes.
 void add_pieces(const Cutter &c, const Polygon &p, std::vector<std::array<int, 4>> &panels) {
     if (p.size() < 3)
         return;

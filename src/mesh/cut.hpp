@@ -13,7 +13,7 @@ struct CutCounts {
     int slivers = 0; // pieces with an area below 1e-3 of the mean, merged into their neighbours
     int snapped = 0; // points near the plane that were put on it
 };
-// Keeps what lies on one side. Panels that cross the plane become triangles and quadrilaterals; the new points lie exactly on
-// it, as do points within `tolerance`, or within 1e-3 of their shortest side, of it. Neighbours keep sharing whole sides, and
-// the order of vertices stays.
+// Keeps what lies on one side. Panels that cross the plane become triangles and quadrilaterals; the new
+// points lie exactly on it, as do points within `tolerance`, or within 1e-3 of their shortest side, of it.
+// Neighbours keep sharing whole sides, and the order of vertices stays.
 CutCounts cut(MergedVertices &mesh, const CutPlane &plane, double tolerance);

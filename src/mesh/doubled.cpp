@@ -6,7 +6,8 @@
 
 namespace {
 
-// The corners of a panel in one order, whichever way it runs; which corner of a triangle is told twice says nothing.
+// The corners of a panel in one order, whichever way it runs; which corner of a triangle is told twice says
+// nothing.
 std::array<int, 4> key_of(std::array<int, 4> corners) {
     if (is_triangle(corners))
         corners[3] = -1;

@@ -29,8 +29,8 @@ struct MeshEdges {
 // Of the panels for which `counts` is true.
 MeshEdges edges_of(const MergedVertices &vertices, const std::vector<bool> &counts);
 
-// The panels by connected pieces, for those that count (else -1 and 0): the number of the piece, from 0, and the
-// sense, 1 as the first panel of the piece, -1 turned against it.
+// The panels by connected pieces, for those that count (else -1 and 0): the number of the piece, from 0, and
+// the sense, 1 as the first panel of the piece, -1 turned against it.
 struct MeshPieces {
     std::vector<int> piece, sense;
     int pieces = 0;

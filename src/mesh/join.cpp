@@ -6,7 +6,8 @@
 
 namespace {
 
-constexpr double LARGEST_COSINE = 0.94; // of a corner, about 20 and 160 degrees: beyond it two triangles do better
+constexpr double LARGEST_COSINE =
+    0.94; // of a corner, about 20 and 160 degrees: beyond it two triangles do better
 
 struct Pair {
     double cosine; // the largest of the corners of the quadrilateral: 0 for a rectangle
@@ -26,8 +27,10 @@ int third(const std::array<int, 4> &triangle, int a, int b) {
 double squareness(const BodyPanel &panel, const BodyPoint &normal) {
     double worst = 0;
     for (std::size_t v = 0; v < 4; ++v) {
-        const BodyPoint u = minus(panel.at[(v + 1) % 4], panel.at[v]), w = minus(panel.at[(v + 3) % 4], panel.at[v]);
-        if (dot(cross(u, w), normal) >= 0) // the normal points into the body, corners that are right turn against it
+        const BodyPoint u = minus(panel.at[(v + 1) % 4], panel.at[v]),
+                        w = minus(panel.at[(v + 3) % 4], panel.at[v]);
+        if (dot(cross(u, w), normal) >=
+            0) // the normal points into the body, corners that are right turn against it
             return 2;
         worst = std::max(worst, std::fabs(dot(u, w)) / (length(u) * length(w)));
     }
@@ -54,7 +57,8 @@ int join_triangles(MergedVertices &mesh, double warp) {
         if (shape.warp <= warp && cosine <= LARGEST_COSINE)
             pairs.push_back({cosine, s.panel, t.panel, corners});
     }
-    std::stable_sort(pairs.begin(), pairs.end(), [](const Pair &a, const Pair &b) { return a.cosine < b.cosine; });
+    std::stable_sort(pairs.begin(), pairs.end(),
+                     [](const Pair &a, const Pair &b) { return a.cosine < b.cosine; });
     std::vector<bool> taken(mesh.of_panel.size(), false);
     int joined = 0;
     for (const Pair &pair : pairs) {

@@ -101,7 +101,8 @@ void reverse(std::array<int, 4> &corners) {
 }
 
 void add_images(MergedVertices &mesh, int axis, double tolerance) {
-    const std::size_t a = static_cast<std::size_t>(axis), n = mesh.points.size(), panels = mesh.of_panel.size();
+    const std::size_t a = static_cast<std::size_t>(axis), n = mesh.points.size(),
+                      panels = mesh.of_panel.size();
     std::vector<int> image(n);
     for (std::size_t i = 0; i < n; ++i) {
         BodyPoint p = mesh.points[i];
@@ -130,7 +131,8 @@ std::vector<MergedVertices> divide(const MergedVertices &mesh) {
     for (std::size_t p = 0; p < mesh.of_panel.size(); ++p)
         members[static_cast<std::size_t>(pieces.piece[p])].push_back(p);
     std::vector<MergedVertices> parts;
-    std::vector<int> number(mesh.points.size()), owner(mesh.points.size(), -1); // a point may be of two pieces
+    std::vector<int> number(mesh.points.size()),
+        owner(mesh.points.size(), -1); // a point may be of two pieces
     for (std::size_t k = 0; k < members.size(); ++k) {
         MergedVertices part;
         for (const std::size_t p : members[k]) {

@@ -9,7 +9,8 @@ namespace {
 
 constexpr std::int64_t MOST_ENTRIES = 16; // of the grid, for each panel
 
-// Method: C. Ericson, Real-Time Collision Detection (2005), 5.1.5: the region of the triangle's plane that p lies in.
+// Method: C. Ericson, Real-Time Collision Detection (2005), 5.1.5: the region of the triangle's plane that p
+// lies in.
 double from_triangle(const BodyPoint &p, const BodyPoint &a, const BodyPoint &b, const BodyPoint &c) {
     const BodyPoint ab = minus(b, a), ac = minus(c, a), ap = minus(p, a), bp = minus(p, b), cp = minus(p, c);
     const double d1 = dot(ab, ap), d2 = dot(ac, ap), d3 = dot(ab, bp), d4 = dot(ac, bp), d5 = dot(ab, cp),

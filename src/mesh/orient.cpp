@@ -9,10 +9,12 @@
 namespace {
 
 // Directions of the rays: downwards, and along no plane or line that a hull is likely to have.
-constexpr BodyPoint DIRECTIONS[] = {{0.3713, 0.5519, -0.7467}, {-0.6131, 0.2273, -0.7565}, {0.1877, -0.6619, -0.7257}};
+constexpr BodyPoint DIRECTIONS[] = {
+    {0.3713, 0.5519, -0.7467}, {-0.6131, 0.2273, -0.7565}, {0.1877, -0.6619, -0.7257}};
 
 // For each piece the panel that looks most squarely along the direction.
-std::vector<int> best_panels(const MergedVertices &mesh, const MeshPieces &pieces, const BodyPoint &direction) {
+std::vector<int> best_panels(const MergedVertices &mesh, const MeshPieces &pieces,
+                             const BodyPoint &direction) {
     std::vector<int> best(static_cast<std::size_t>(pieces.pieces), -1);
     std::vector<double> value(best.size(), -1);
     for (std::size_t p = 0; p < mesh.of_panel.size(); ++p) {
@@ -55,7 +57,8 @@ OrientCounts orient(MergedVertices &mesh) {
         const std::vector<int> best = best_panels(mesh, pieces, direction);
         for (std::size_t k = 0; k < best.size(); ++k) {
             const std::size_t p = static_cast<std::size_t>(best[k]);
-            // The normal of the program points into the body: against the side that the vertices are anti-clockwise from.
+            // The normal of the program points into the body: against the side that the vertices are
+            // anti-clockwise from.
             const bool into_water = dot(shape_of(panel_of(mesh, p)).normal, direction) < 0;
             const std::vector<std::size_t> crossed = rays.crossed(p);
             wrong[k] += (crossed.size() % 2 == 0) == into_water ? -1 : 1;

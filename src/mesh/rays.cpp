@@ -90,8 +90,8 @@ std::vector<std::size_t> Rays::crossed(std::size_t panel) const {
             part[v] = (a[0] - o[0]) * (b[1] - o[1]) - (a[1] - o[1]) * (b[0] - o[0]);
             sum += part[v];
         }
-        const bool inside = (part[0] > 0 && part[1] > 0 && part[2] > 0) ||
-                            (part[0] < 0 && part[1] < 0 && part[2] < 0);
+        const bool inside =
+            (part[0] > 0 && part[1] > 0 && part[2] > 0) || (part[0] < 0 && part[1] < 0 && part[2] < 0);
         if (!inside)
             continue;
         const double along = (part[0] * t.at[0][2] + part[1] * t.at[1][2] + part[2] * t.at[2][2]) / sum;

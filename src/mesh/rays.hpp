@@ -3,8 +3,8 @@
 
 #include "mesh/edges.hpp"
 
-// A ray of fixed direction from a panel's centroid: which other panels it meets. Made once for a direction, it answers for
-// any panel of the mesh by a grid across the direction.
+// A ray of fixed direction from a panel's centroid: which other panels it meets. Made once for a direction,
+// it answers for any panel of the mesh by a grid across the direction.
 class Rays {
   public:
     Rays(const MergedVertices &mesh, const BodyPoint &direction);

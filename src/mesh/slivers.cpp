@@ -13,7 +13,7 @@ constexpr int PASSES = 4;       // a sliver that is merged away may leave anothe
 
 struct Merger {
     MergedVertices &mesh;
-    double least = 0, moved = 0; // area, distance
+    double least = 0, moved = 0;          // area, distance
     std::vector<std::vector<int>> around; // panels at each point
 
     const BodyPoint &at(int i) const { return mesh.points[static_cast<std::size_t>(i)]; }

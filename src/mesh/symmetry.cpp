@@ -29,9 +29,9 @@ bool crosses(const BodyPanel &panel, std::size_t axis, double tolerance) {
     return below && above;
 }
 
-// For each panel how far a smooth surface that it stands for may lie beside it: flat panels stand for themselves, of panels
-// that bend by an angle a chord of length h lies h times the angle over 8 below the arc, a diagonal of a bent
-// quadrilateral twice that beside the other one.
+// For each panel how far a smooth surface that it stands for may lie beside it: flat panels stand for
+// themselves, of panels that bend by an angle a chord of length h lies h times the angle over 8 below the
+// arc, a diagonal of a bent quadrilateral twice that beside the other one.
 std::vector<double> slack_of(const MergedVertices &mesh) {
     std::vector<PanelShape> shapes;
     for (std::size_t p = 0; p < mesh.of_panel.size(); ++p)

@@ -1,4 +1,5 @@
-// Truth: volumes and areas of bodies made of planes, which cutting, turning and joining must keep to round-off.
+// Truth: volumes and areas of bodies made of planes, which cutting, turning and joining must keep to
+// round-off.
 #include "hull_files.hpp"
 #include "mesh/cut.hpp"
 #include "mesh/join.hpp"
@@ -56,7 +57,8 @@ struct Body {
     double volume;
     int parts, inner;
 };
-const Body BODIES[] = {{"hollow cube", hollow, 64 - 8, 2, 1}, {"ring", ring, 72 - 8, 1, 0}, {"two", two, 8 + 24, 2, 0}};
+const Body BODIES[] = {
+    {"hollow cube", hollow, 64 - 8, 2, 1}, {"ring", ring, 72 - 8, 1, 0}, {"two", two, 8 + 24, 2, 0}};
 
 BodyMesh body_of(const MergedVertices &mesh) {
     BodyMesh body;
@@ -76,7 +78,8 @@ void tilt(MergedVertices &mesh) {
 std::size_t open_outside_plane(const MergedVertices &mesh, std::size_t axis) {
     std::size_t open = 0;
     for (const PanelSide &s : edges_of(mesh, std::vector<bool>(mesh.of_panel.size(), true)).open)
-        open += mesh.points[static_cast<std::size_t>(s.a)][axis] != 0 || mesh.points[static_cast<std::size_t>(s.b)][axis] != 0;
+        open += mesh.points[static_cast<std::size_t>(s.a)][axis] != 0 ||
+                mesh.points[static_cast<std::size_t>(s.b)][axis] != 0;
     return open;
 }
 
@@ -84,7 +87,8 @@ TEST(Hulls, CutsKeepVolumesAndStayClosed) {
     for (const Body &body : BODIES)
         for (const bool triangles : {false, true})
             for (const double shift : {0.0, 0.3, 0.7071}) {
-                SCOPED_TRACE(std::string(body.name) + (triangles ? ", triangles, " : ", ") + std::to_string(shift));
+                SCOPED_TRACE(std::string(body.name) + (triangles ? ", triangles, " : ", ") +
+                             std::to_string(shift));
                 MergedVertices whole = merged(cells(1, body.full), triangles);
                 tilt(whole);
                 for (BodyPoint &p : whole.points)
@@ -132,7 +136,8 @@ TEST(Hulls, OfOneSideOnlyAreRefused) {
     for (int i = 0; i < n; ++i) {
         const double a = 6.283185307179586 * i / n;
         for (const double w : {-0.3, 0.3})
-            band.points.push_back({std::cos(a) * (2 + w * std::cos(a / 2)), std::sin(a) * (2 + w * std::cos(a / 2)), w * std::sin(a / 2) - 1});
+            band.points.push_back({std::cos(a) * (2 + w * std::cos(a / 2)),
+                                   std::sin(a) * (2 + w * std::cos(a / 2)), w * std::sin(a / 2) - 1});
         const int from = 2 * i, to = i + 1 < n ? 2 * i + 2 : 0, twist = i + 1 < n ? 0 : 1;
         band.of_panel.push_back({from, to + twist, to + 1 - twist, from + 1});
     }
@@ -149,11 +154,22 @@ TEST(Hulls, SymmetryIsFoundWhereItIs) {
     const Case CASES[] = {
         {"ring", false, [](MergedVertices &) {}, {true, true}, {true, true}},
         {"triangles", true, [](MergedVertices &) {}, {true, true}, {false, false}},
-        {"beside its plane", false, [](MergedVertices &m) { for (BodyPoint &p : m.points) p[0] += 0.01; }, {false, true}, {false, true}},
-        {"with a dent", false, [](MergedVertices &m) {
+        {"beside its plane",
+         false,
+         [](MergedVertices &m) {
+             for (BodyPoint &p : m.points)
+                 p[0] += 0.01;
+         },
+         {false, true},
+         {false, true}},
+        {"with a dent",
+         false,
+         [](MergedVertices &m) {
              for (BodyPoint &p : m.points)
                  p[2] -= p == BodyPoint{3, 2, 1} ? 0.01 : 0;
-         }, {false, false}, {false, false}},
+         },
+         {false, false},
+         {false, false}},
     };
     for (const Case &c : CASES) {
         MergedVertices mesh = merged(cells(1, ring), c.triangles);
@@ -182,8 +198,9 @@ TEST(Hulls, TrianglesBecomeQuadrilaterals) {
 // Two cubes with a common face, given by both; and a face given twice.
 TEST(Hulls, PanelsOnTheSamePlace) {
     const auto cube = [](double low) {
-        return faces_of_cells({steps({{low, 0}, {low + 1, 2}}), steps({{0, 0}, {1, 2}}), steps({{0, 0}, {1, 2}})},
-                              [](const BodyPoint &) { return true; });
+        return faces_of_cells(
+            {steps({{low, 0}, {low + 1, 2}}), steps({{0, 0}, {1, 2}}), steps({{0, 0}, {1, 2}})},
+            [](const BodyPoint &) { return true; });
     };
     Quads pair = cube(0);
     const Quads other = cube(1);

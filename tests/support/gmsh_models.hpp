@@ -42,8 +42,8 @@ class GmshModels {
         int *out = nullptr;
         std::size_t n = 0;
         std::vector<double> sizes(edges.size(), size);
-        take_off(&object, 1, edges.data(), edges.size(), faces.data(), faces.size(), sizes.data(), sizes.size(), &out,
-                 &n, 1, &fault);
+        take_off(&object, 1, edges.data(), edges.size(), faces.data(), faces.size(), sizes.data(),
+                 sizes.size(), &out, &n, 1, &fault);
     }
     // Ends the geometry; with a size the surfaces are covered with triangles, or quadrilaterals.
     void finish(double size, bool quadrilaterals) {

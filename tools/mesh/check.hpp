@@ -9,7 +9,8 @@ struct CheckRequest {
     double wave_length = 0; // shortest wave [length], 0: none
     bool tank = false;      // a filled tank
     bool lids = false;      // a global file with body types (IFSLID)
-    bool treated = false;   // interior panels may be wanted: a body just below z = 0 is one that was to reach it
+    bool treated =
+        false; // interior panels may be wanted: a body just below z = 0 is one that was to reach it
 };
 // Prints the report of each body. 0: nothing wrong, 2: there are findings that make numbers wrong, 1: the
 // file cannot be read; the message is out.

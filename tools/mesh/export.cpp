@@ -48,9 +48,13 @@ int run_export(const ExportRequest &r) {
 
 void add_export(CLI::App &app, MeshCommands &commands) {
     const auto r = std::make_shared<ExportRequest>();
-    CLI::App *command = app.add_subcommand("export", "writes the panels of a geometry file for other programs");
-    command->add_option("FILE", r->file, "geometry file, or global geometry file: all bodies in place")->required();
-    command->add_option("-o,--output", r->output, "name of the file, its extension one of " + written_extensions())
+    CLI::App *command =
+        app.add_subcommand("export", "writes the panels of a geometry file for other programs");
+    command->add_option("FILE", r->file, "geometry file, or global geometry file: all bodies in place")
+        ->required();
+    command
+        ->add_option("-o,--output", r->output,
+                     "name of the file, its extension one of " + written_extensions())
         ->required();
     command->add_flag("--given", r->given, "only the panels that are given, without their images");
     command->add_flag("--lids", r->lids, "the global file holds BDTYP and FSDMP (IFSLID)");

@@ -67,7 +67,8 @@ Status read_global_body(FreeReader &in, int b, bool lids, GdfBody &body) {
     body.lid = type == 3;
     FreeReader of_body;
     GdfHead head;
-    return failed(read_gdf_title(body.name, b, of_body, head)) ? Status::failed : read_rest(of_body, head, body);
+    return failed(read_gdf_title(body.name, b, of_body, head)) ? Status::failed
+                                                               : read_rest(of_body, head, body);
 }
 
 } // namespace

@@ -18,12 +18,12 @@ struct GdfBody {
     double ULEN = 1, GRAV = 9.80665;
     int index[2] = {0, 0}; // ISX, ISY
     std::vector<GdfPanel> panels;
-    BodyPoint place{};   // XBODY(1..3) of a global file
-    double heading = 0;  // XBODY(4), degrees
-    bool lid = false;    // of a global file with body types
+    BodyPoint place{};  // XBODY(1..3) of a global file
+    double heading = 0; // XBODY(4), degrees
+    bool lid = false;   // of a global file with body types
 };
-// Reads a geometry file, or the bodies of a global one; `lids`: it holds BDTYP and FSDMP. Failed: the first fault of the
-// messages says why.
+// Reads a geometry file, or the bodies of a global one; `lids`: it holds BDTYP and FSDMP. Failed: the first
+// fault of the messages says why.
 [[nodiscard]] Status read_gdf(const std::string &file, bool lids, std::vector<GdfBody> &bodies);
 
 // The geometry file as text, to an open file.
@@ -35,7 +35,8 @@ void put_gdf(std::FILE *file, const GdfBody &body);
 bool is_mirrored(const GdfBody &body, int axis);
 // Adds the images in that plane, behind the panels; the index becomes 0.
 void add_images(GdfBody &body, int axis);
-// Turns about z by `degrees`, then shifts. Planes of symmetry that the body leaves are given up: its images are added first.
+// Turns about z by `degrees`, then shifts. Planes of symmetry that the body leaves are given up: its images
+// are added first.
 void move_body(GdfBody &body, double degrees, const BodyPoint &shift);
 // Moves the body to its place in the global file.
 void put_in_place(GdfBody &body);

@@ -16,11 +16,11 @@
 
 namespace {
 
-constexpr double MERGED = 1e-6;     // default of HullRequest::merge, over the size
-constexpr double LEAST = 1e-12;     // and its least value
-constexpr double ALIKE = 2e-4;      // distance from the image that is symmetric, over the size
+constexpr double MERGED = 1e-6;       // default of HullRequest::merge, over the size
+constexpr double LEAST = 1e-12;       // and its least value
+constexpr double ALIKE = 2e-4;        // distance from the image that is symmetric, over the size
 constexpr double HARDLY_ALIKE = 5e-3; // when the half is asked for
-constexpr double WARP = 0.01;       // of quadrilaterals made of two triangles
+constexpr double WARP = 0.01;         // of quadrilaterals made of two triangles
 constexpr const char *PLANES[] = {"x = 0", "y = 0"};
 
 [[gnu::format(printf, 1, 2)]] std::string text(const char *format, ...) {
@@ -56,9 +56,10 @@ struct Steps {
         size = size_of(hull.mesh);
         tolerance = std::max(request.merge > 0 ? request.merge : MERGED * size, LEAST * size);
         const MergeCounts n = merge(hull.mesh, tolerance);
-        tell("vertices", text("%d merged with another one nearer than %.3g; left out: ", n.points, tolerance) +
-                             count(n.degenerate, "panel") + " without area, " + std::to_string(n.doubled) +
-                             " given twice, " + std::to_string(n.folded) + " in pairs that are walls or folds");
+        tell("vertices",
+             text("%d merged with another one nearer than %.3g; left out: ", n.points, tolerance) +
+                 count(n.degenerate, "panel") + " without area, " + std::to_string(n.doubled) +
+                 " given twice, " + std::to_string(n.folded) + " in pairs that are walls or folds");
         const std::vector<bool> all(hull.mesh.of_panel.size(), true);
         tell("parts", count(pieces_of(edges_of(hull.mesh, all), all).pieces, "connected surface"));
     }
@@ -78,9 +79,10 @@ struct Steps {
         if (crowded.empty())
             return true;
         const BodyPoint p = shape_of(panel_of(hull.mesh, static_cast<std::size_t>(crowded.front()))).centre;
-        error = text("the surface branches: more than two panels share a side, %zu panels, one of them at %.4g, %.4g, "
-                     "%.4g; leave out inner walls and what is given twice, or lower --merge",
-                     crowded.size(), p[0], p[1], p[2]);
+        error = text(
+            "the surface branches: more than two panels share a side, %zu panels, one of them at %.4g, %.4g, "
+            "%.4g; leave out inner walls and what is given twice, or lower --merge",
+            crowded.size(), p[0], p[1], p[2]);
         return false;
     }
 
@@ -103,7 +105,8 @@ struct Steps {
         if (std::none_of(edges.open.begin(), edges.open.end(), in_plane))
             return;
         add_images(hull.mesh, axis, tolerance);
-        tell("half", std::string("the file is open in ") + PLANES[a] + " and has one side only: the other one added");
+        tell("half",
+             std::string("the file is open in ") + PLANES[a] + " and has one side only: the other one added");
     }
 
     bool turn_normals() {
@@ -113,7 +116,8 @@ struct Steps {
             return false;
         }
         std::string line = count(n.turned, "panel") + " turned against the neighbours, " +
-                           std::to_string(n.parts_turned) + " of " + count(n.parts, "part") + " turned as a whole";
+                           std::to_string(n.parts_turned) + " of " + count(n.parts, "part") +
+                           " turned as a whole";
         if (n.inner > 0)
             line += ", " + count(n.inner, "part") + " inside another one: normals into the hollow";
         tell("normals", line);
@@ -133,7 +137,8 @@ struct Steps {
         return mesh;
     }
 
-    // What the check finds in the whole hull but not in the part that is kept: a sound half may hide a broken one.
+    // What the check finds in the whole hull but not in the part that is kept: a sound half may hide a broken
+    // one.
     void tell_hidden(const BodyMesh &whole) {
         const std::vector<MeshFinding> kept = check_mesh(body(), {0, true});
         for (const MeshFinding &finding : check_mesh(whole, {0, true})) {
@@ -142,15 +147,18 @@ struct Steps {
                 continue;
             std::string line = "in the part that is left out: " + finding.what;
             if (!finding.panels.empty()) {
-                const BodyPoint p = shape_of(whole.panels[static_cast<std::size_t>(finding.panels.front() - 1)]).centre;
-                line += text(" (%zu panels, near %.4g, %.4g, %.4g ULEN)", finding.panels.size(), p[0], p[1], p[2]);
+                const BodyPoint p =
+                    shape_of(whole.panels[static_cast<std::size_t>(finding.panels.front() - 1)]).centre;
+                line += text(" (%zu panels, near %.4g, %.4g, %.4g ULEN)", finding.panels.size(), p[0], p[1],
+                             p[2]);
             }
             tell(finding.wrong ? "WARNING:" : "note:", line);
         }
     }
 
     bool wanted(int axis) const {
-        return request.part == "auto" || request.part == "quarter" || request.part == (axis == 0 ? "half-x" : "half-y");
+        return request.part == "auto" || request.part == "quarter" ||
+               request.part == (axis == 0 ? "half-x" : "half-y");
     }
 
     bool keep_half(int axis) {
@@ -162,7 +170,8 @@ struct Steps {
         if (!match.surfaces)
             match = match_mirrored(hull.mesh, axis, limit);
         if (!match.surfaces && forced) {
-            error = text("it is not symmetric about %s: its image is more than %.3g beside it", PLANES[a], limit);
+            error =
+                text("it is not symmetric about %s: its image is more than %.3g beside it", PLANES[a], limit);
             return false;
         }
         if (!match.surfaces) {
@@ -171,8 +180,8 @@ struct Steps {
         }
         const CutCounts n = cut(hull.mesh, {axis, 1}, tolerance);
         hull.symmetric[a] = true;
-        tell("symmetry", text("about %s, images of the %s within %.2g (tolerance %.3g%s): %s >= 0 kept, ", PLANES[a],
-                              match.panels ? "panels" : "surface", match.worst, limit,
+        tell("symmetry", text("about %s, images of the %s within %.2g (tolerance %.3g%s): %s >= 0 kept, ",
+                              PLANES[a], match.panels ? "panels" : "surface", match.worst, limit,
                               match.panels ? "" : ", more on bent surfaces", axis == 0 ? "x" : "y") +
                              count(n.cut, "panel") + " cut there");
         return true;
@@ -180,7 +189,8 @@ struct Steps {
 
     void join() {
         const int n = join_triangles(hull.mesh, WARP);
-        tell("joined", std::to_string(2 * n) + " triangles to " + count(n, "quadrilateral") + text(", warp up to %g per cent", 100 * WARP));
+        tell("joined", std::to_string(2 * n) + " triangles to " + count(n, "quadrilateral") +
+                           text(", warp up to %g per cent", 100 * WARP));
     }
 
     // Panels in z = 0 inside the waterline, normals down.

@@ -14,10 +14,11 @@ struct HullRequest {
     double ULEN = 1; // unit of lengths in findings
 };
 struct Hull {
-    MergedVertices mesh;             // length, z = 0 in the free surface
+    MergedVertices mesh;                // length, z = 0 in the free surface
     bool symmetric[2] = {false, false}; // about x = 0, y = 0: one side is in the mesh
 };
 using TellStep = std::function<void(const std::string &step, const std::string &line)>;
 
 // Makes the wetted hull of what lies in hull.mesh. False with the reason in `error`.
-[[nodiscard]] bool make_hull(const HullRequest &request, Hull &hull, const TellStep &tell, std::string &error);
+[[nodiscard]] bool make_hull(const HullRequest &request, Hull &hull, const TellStep &tell,
+                             std::string &error);

@@ -47,7 +47,8 @@ void place(const ImportRequest &r, MergedVertices &mesh) {
     for (BodyPoint &p : mesh.points)
         p[2] -= surface;
     char line[200];
-    std::snprintf(line, sizeof line, "scaled by %g, turned by %g degrees, shifted by %g, %g, %g; z = 0 was at %g, draught %g",
+    std::snprintf(line, sizeof line,
+                  "scaled by %g, turned by %g degrees, shifted by %g, %g, %g; z = 0 was at %g, draught %g",
                   r.scale, r.turn, r.shift[0], r.shift[1], r.shift[2], surface, surface - keel);
     tell_step("placed", line);
 }
@@ -102,8 +103,9 @@ int run_import(ImportRequest r) {
 void add_import(CLI::App &app, MeshCommands &commands) {
     const auto r = std::make_shared<ImportRequest>();
     CLI::App *command = app.add_subcommand(
-        "import", "makes a geometry file of a mesh or CAD model of another program: cuts it at the waterline,\n"
-                  "orients it, finds its symmetry and checks it");
+        "import",
+        "makes a geometry file of a mesh or CAD model of another program: cuts it at the waterline,\n"
+        "orients it, finds its symmetry and checks it");
     command->add_option("FILE", r->read.file, "mesh or CAD model: " + mesh_extensions())->required();
     command->add_option("-o,--output", r->output, "name of the GDF file")->required();
     command->add_option("--scale", r->scale, "factor of all lengths, first of all")->check(positive_number());
@@ -114,15 +116,22 @@ void add_import(CLI::App &app, MeshCommands &commands) {
     command->add_option("--draught", r->draught, "depth of the lowest point instead [length]")
         ->check(positive_number())
         ->excludes(waterline);
-    command->add_option("--part", r->hull.part, "what is written: auto (as symmetry allows), full, half-x (x >= 0), half-y, quarter")
+    command
+        ->add_option("--part", r->hull.part,
+                     "what is written: auto (as symmetry allows), full, half-x (x >= 0), half-y, quarter")
         ->check(CLI::IsMember({"auto", "full", "half-x", "half-y", "quarter"}));
-    command->add_option("--size", r->size, "panels of a CAD model; 0: a fortieth of its largest extent [length]")
+    command
+        ->add_option("--size", r->size, "panels of a CAD model; 0: a fortieth of its largest extent [length]")
         ->check(CLI::NonNegativeNumber);
-    command->add_option("--merge", r->hull.merge, "vertices nearer to each other are one; 0: 1e-6 of the size [length]")
+    command
+        ->add_option("--merge", r->hull.merge,
+                     "vertices nearer to each other are one; 0: 1e-6 of the size [length]")
         ->check(CLI::NonNegativeNumber);
-    command->add_flag("--recombine", r->hull.recombine, "joins triangles to quadrilaterals of 1 % warp at most");
+    command->add_flag("--recombine", r->hull.recombine,
+                      "joins triangles to quadrilaterals of 1 % warp at most");
     command->add_flag("--lid", r->hull.lid, "adds the inner free surface, normal down");
-    command->add_option("--ulen", r->ULEN, "length scale ULEN of the file [length]")->check(positive_number());
+    command->add_option("--ulen", r->ULEN, "length scale ULEN of the file [length]")
+        ->check(positive_number());
     command->add_option("--gravity", r->GRAV, "gravity GRAV of the file")->check(positive_number());
     commands.push_back({command, [r] { return run_import(*r); }});
 }

@@ -90,7 +90,8 @@ int write_one(const std::string &name, const GdfBody &body) {
     std::string error;
     if (!write_gdf(name, body, error))
         return fail(error);
-    std::printf("%s: panels %zu, ISX, ISY = %d, %d\n", name.c_str(), body.panels.size(), body.index[0], body.index[1]);
+    std::printf("%s: panels %zu, ISX, ISY = %d, %d\n", name.c_str(), body.panels.size(), body.index[0],
+                body.index[1]);
     return 0;
 }
 
@@ -100,7 +101,8 @@ int run_transform(const TransformRequest &r) {
         if (failed(read_gdf(f == 0 ? r.file : r.join[f - 1], r.lids, bodies)))
             return fail(first_fault());
     for (GdfBody &body : bodies) {
-        if ((body.index[0] < 0 || body.index[1] < 0) && (r.turn != 0 || r.shift[0] != 0 || r.shift[1] != 0 || bodies.size() > 1))
+        if ((body.index[0] < 0 || body.index[1] < 0) &&
+            (r.turn != 0 || r.shift[0] != 0 || r.shift[1] != 0 || bodies.size() > 1))
             return fail(body.name + " has a wall (index below 0): it cannot be moved or joined");
         put_in_place(body);
         scale(body, r.scale);
@@ -117,7 +119,8 @@ int run_transform(const TransformRequest &r) {
     std::vector<GdfBody> parts = bodies.size() > 1 ? bodies : pieces(bodies.front());
     const std::size_t dot = r.output.rfind('.') == std::string::npos ? r.output.size() : r.output.rfind('.');
     for (std::size_t i = 0; i < parts.size(); ++i)
-        if (write_one(r.output.substr(0, dot) + "_" + std::to_string(i + 1) + r.output.substr(dot), parts[i]) != 0)
+        if (write_one(r.output.substr(0, dot) + "_" + std::to_string(i + 1) + r.output.substr(dot),
+                      parts[i]) != 0)
             return 1;
     return 0;
 }
@@ -127,17 +130,20 @@ int run_transform(const TransformRequest &r) {
 void add_transform(CLI::App &app, MeshCommands &commands) {
     const auto r = std::make_shared<TransformRequest>();
     CLI::App *command = app.add_subcommand(
-        "transform", "scales, turns, shifts, mirrors, joins and splits geometry files; bodies of a global file in place");
+        "transform",
+        "scales, turns, shifts, mirrors, joins and splits geometry files; bodies of a global file in place");
     command->add_option("FILE", r->file, "geometry file, or global geometry file")->required();
     command->add_option("-o,--output", r->output, "name of the GDF file")->required();
-    command->add_option("--scale", r->scale, "factor of all lengths, of ULEN too, first of all")->check(positive_number());
+    command->add_option("--scale", r->scale, "factor of all lengths, of ULEN too, first of all")
+        ->check(positive_number());
     command->add_option("--turn", r->turn, "angle about z, then [degrees]");
     command->add_option("--shift", r->shift, "added to x, y, z, then [length]")->expected(3);
     command->add_option("--mirror", r->mirror, "then: x turns the sign of x, y that of y")
         ->check(CLI::IsMember({"none", "x", "y"}));
     command->add_flag("--full", r->full, "writes the images of symmetry as panels");
     command->add_option("--join", r->join, "geometry files whose panels are added, treated alike");
-    command->add_flag("--split", r->split, "one file NAME_1.gdf ... for each body of a global file, or connected piece");
+    command->add_flag("--split", r->split,
+                      "one file NAME_1.gdf ... for each body of a global file, or connected piece");
     command->add_flag("--lids", r->lids, "the global file holds BDTYP and FSDMP (IFSLID)");
     commands.push_back({command, [r] { return run_transform(*r); }});
 }
