@@ -3,7 +3,6 @@
 #include "gdf_file.hpp"
 
 #include "exchange/mesh_write.hpp"
-#include "state/messages.hpp"
 
 #include <cstdio>
 #include <filesystem>
@@ -18,10 +17,8 @@ struct ExportRequest {
 
 int run_export(const ExportRequest &r) {
     std::vector<GdfBody> bodies;
-    if (failed(read_gdf(r.file, r.lids, bodies))) {
-        std::fprintf(stderr, "vorda-mesh: %s\n", first_fault().c_str());
+    if (!read_gdf(r.file, r.lids, bodies))
         return 1;
-    }
     std::vector<NamedMesh> meshes;
     std::size_t panels = 0;
     for (GdfBody &body : bodies) {
@@ -46,7 +43,7 @@ int run_export(const ExportRequest &r) {
 
 } // namespace
 
-void add_export(CLI::App &app, MeshCommands &commands) {
+std::function<int()> add_export(CLI::App &app) {
     const auto r = std::make_shared<ExportRequest>();
     CLI::App *command =
         app.add_subcommand("export", "writes the panels of a geometry file for other programs");
@@ -58,5 +55,5 @@ void add_export(CLI::App &app, MeshCommands &commands) {
         ->required();
     command->add_flag("--given", r->given, "only the panels that are given, without their images");
     command->add_flag("--lids", r->lids, "the global file holds BDTYP and FSDMP (IFSLID)");
-    commands.push_back({command, [r] { return run_export(*r); }});
+    return [=] { return command->parsed() ? run_export(*r) : -1; };
 }

@@ -1,10 +1,8 @@
 #include "gdf_file.hpp"
 
+#include "body_files.hpp"
+
 #include "exchange/part_file.hpp"
-#include "geometry/dipoles.hpp"
-#include "input/gdf.hpp"
-#include "input/names.hpp"
-#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -13,85 +11,43 @@ namespace {
 
 constexpr double SAME_POINT = 1e-9; // over the size: vertices that a file gives twice
 
-// The rest of a body's file behind its title line.
-Status read_rest(FreeReader &in, GdfHead &head, GdfBody &body) {
-    Bodies counts;
-    Array<f32, 3> XVER;
-    Dipoles dipoles;
-    if (failed(read_gdf_symmetry(in, 0, head)) || !counts.NEQNB.alloc(1) || !counts.NDIPB.alloc(1) ||
-        failed(read_gdf_counts(in, 0, 1, counts)))
-        return Status::failed;
-    const int n = counts.NEQNB(1);
-    if (!XVER.alloc(4, 3, n))
-        return gdf_fault("RAM is not sufficient to read .gdf inputs", 0);
-    if (failed(read_gdf_panels(in, {1, n, static_cast<f32>(-body.place[2]), 1.0f}, XVER)))
-        return Status::failed;
-    const bool plates = counts.NDIPB(1) == 1;
-    if (plates && failed(read_dipoles(in, 1, n, dipoles)))
-        return Status::failed;
-    body.title = head.title;
-    body.ULEN = static_cast<double>(head.ULEN);
-    body.GRAV = static_cast<double>(head.GRAV);
-    body.index[0] = head.ISX;
-    body.index[1] = head.ISY;
-    for (int i = 1; i <= n; ++i) {
+GdfBody body_of(const BodyFile &file) {
+    GdfBody body;
+    body.name = file.name;
+    body.title = file.head.title;
+    body.ULEN = static_cast<double>(file.head.ULEN);
+    body.GRAV = static_cast<double>(file.head.GRAV);
+    body.index[0] = file.head.ISX;
+    body.index[1] = file.head.ISY;
+    for (std::size_t c = 0; c < 3; ++c)
+        body.place[c] = static_cast<double>(file.place.XBODY[c]);
+    body.heading = static_cast<double>(file.place.XBODY[3]);
+    for (int i = 1; i <= file.n; ++i) {
         GdfPanel panel;
         for (int v = 1; v <= 4; ++v)
             for (int c = 1; c <= 3; ++c)
                 panel.at[static_cast<std::size_t>(v - 1)][static_cast<std::size_t>(c - 1)] =
-                    static_cast<double>(XVER(v, c, i));
-        if (plates) {
-            panel.IDIP = dipoles.IDIP(i);
-            panel.DPORA = static_cast<double>(dipoles.DPORA(i));
-            panel.DPORB = static_cast<double>(dipoles.DPORB(i));
-            panel.DTHK = static_cast<double>(dipoles.DTHK(i));
+                    static_cast<double>(file.XVER(v, c, i));
+        if (file.has_dipoles) {
+            panel.IDIP = file.dipoles.IDIP(i);
+            panel.DPORA = static_cast<double>(file.dipoles.DPORA(i));
+            panel.DPORB = static_cast<double>(file.dipoles.DPORB(i));
+            panel.DTHK = static_cast<double>(file.dipoles.DTHK(i));
         }
         body.panels.push_back(panel);
     }
-    return Status::ok;
-}
-
-// What a global file says of body b, and the body's file.
-Status read_global_body(FreeReader &in, int b, bool lids, GdfBody &body) {
-    f32 XBODY[4] = {}, damping = 0;
-    int problems[2], modes[6], type = 0;
-    bool good = in.line(body.name, std::string::npos);
-    FNNORM(body.name);
-    good = good && in.read_array(XBODY, 4) && in.read_array(problems, 2) && in.read_array(modes, 6) &&
-           (!lids || in.read(type, damping));
-    if (!good)
-        return MSGOUT_with("Error reading XBODY coordinates in global GDF file for body N=", b, in.fault());
-    for (std::size_t c = 0; c < 3; ++c)
-        body.place[c] = static_cast<double>(XBODY[c]);
-    body.heading = static_cast<double>(XBODY[3]);
-    body.lid = type == 3;
-    FreeReader of_body;
-    GdfHead head;
-    return failed(read_gdf_title(body.name, b, of_body, head)) ? Status::failed
-                                                               : read_rest(of_body, head, body);
+    return body;
 }
 
 } // namespace
 
-Status read_gdf(const std::string &file, bool lids, std::vector<GdfBody> &bodies) {
-    FreeReader in;
-    GdfHead head;
-    if (failed(read_gdf_title(file, 0, in, head)))
-        return Status::failed;
-    if (head.ULEN > 0) {
-        bodies.emplace_back();
-        bodies.back().name = file;
-        return read_rest(in, head, bodies.back());
-    }
-    int NBODY = 0;
-    if (!in.read(NBODY) || NBODY < 1)
-        return MSGOUT_with("Error reading global GDF file:  parameter NBODY ", 0, in.fault());
-    for (int b = 1; b <= NBODY; ++b) {
-        bodies.emplace_back();
-        if (failed(read_global_body(in, b, lids, bodies.back())))
-            return Status::failed;
-    }
-    return Status::ok;
+bool read_gdf(const std::string &file, bool lids, std::vector<GdfBody> &bodies) {
+    std::vector<BodyFile> files;
+    if (!read_body_files(file, lids, files))
+        return false;
+    for (const BodyFile &body : files)
+        bodies.push_back(body_of(body));
+    return true;
 }
 
 void put_gdf(std::FILE *file, const GdfBody &body) {

@@ -1,7 +1,6 @@
 // Geometry files as the commands of this program take and give them.
 #pragma once
 
-#include "base/types.hpp"
 #include "mesh/merge.hpp"
 
 #include <string>
@@ -20,11 +19,10 @@ struct GdfBody {
     std::vector<GdfPanel> panels;
     BodyPoint place{};  // XBODY(1..3) of a global file
     double heading = 0; // XBODY(4), degrees
-    bool lid = false;   // of a global file with body types
 };
-// Reads a geometry file, or the bodies of a global one; `lids`: it holds BDTYP and FSDMP. Failed: the first
-// fault of the messages says why.
-[[nodiscard]] Status read_gdf(const std::string &file, bool lids, std::vector<GdfBody> &bodies);
+// Reads a geometry file, or the bodies of a global one, behind those that are there already; `lids`: it holds
+// BDTYP and FSDMP. False: the message is out.
+[[nodiscard]] bool read_gdf(const std::string &file, bool lids, std::vector<GdfBody> &bodies);
 
 // The geometry file as text, to an open file.
 void put_gdf(std::FILE *file, const GdfBody &body);

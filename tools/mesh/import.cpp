@@ -2,11 +2,11 @@
 
 #include "../support/arguments.hpp"
 #include "check.hpp"
+#include "gdf_file.hpp"
 #include "hull_steps.hpp"
 
 #include "exchange/mesh_read.hpp"
 #include "exchange/part_file.hpp"
-#include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -85,22 +85,20 @@ int run_import(ImportRequest r) {
     if (std::fflush(out) != 0)
         return fail(r.output + " cannot be written");
     // The checks are of what the solver will read, rounded as in the file.
-    std::vector<GdfBody> bodies;
-    if (failed(read_gdf(part.part(), false, bodies)))
-        return fail(first_fault());
+    std::vector<BodyFile> bodies;
+    if (!read_body_files(part.part(), false, bodies))
+        return 1;
     if (!part.keep(error))
         return fail(error);
     tell_step("written", r.output + ": " + std::to_string(body.panels.size()) + " panels, ISX, ISY = " +
                              std::to_string(body.index[0]) + ", " + std::to_string(body.index[1]) + "\n");
     bodies.front().name = r.output;
-    CheckRequest check;
-    check.treated = true;
-    return check_bodies(check, bodies);
+    return check_bodies(bodies, true);
 }
 
 } // namespace
 
-void add_import(CLI::App &app, MeshCommands &commands) {
+std::function<int()> add_import(CLI::App &app) {
     const auto r = std::make_shared<ImportRequest>();
     CLI::App *command = app.add_subcommand(
         "import",
@@ -133,5 +131,5 @@ void add_import(CLI::App &app, MeshCommands &commands) {
     command->add_option("--ulen", r->ULEN, "length scale ULEN of the file [length]")
         ->check(positive_number());
     command->add_option("--gravity", r->GRAV, "gravity GRAV of the file")->check(positive_number());
-    commands.push_back({command, [r] { return run_import(*r); }});
+    return [=] { return command->parsed() ? run_import(*r) : -1; };
 }

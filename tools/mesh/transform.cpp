@@ -4,7 +4,6 @@
 #include "gdf_file.hpp"
 
 #include "exchange/part_file.hpp"
-#include "state/messages.hpp"
 
 #include <cstdio>
 #include <memory>
@@ -98,8 +97,8 @@ int write_one(const std::string &name, const GdfBody &body) {
 int run_transform(const TransformRequest &r) {
     std::vector<GdfBody> bodies;
     for (std::size_t f = 0; f <= r.join.size(); ++f)
-        if (failed(read_gdf(f == 0 ? r.file : r.join[f - 1], r.lids, bodies)))
-            return fail(first_fault());
+        if (!read_gdf(f == 0 ? r.file : r.join[f - 1], r.lids, bodies))
+            return 1;
     for (GdfBody &body : bodies) {
         if ((body.index[0] < 0 || body.index[1] < 0) &&
             (r.turn != 0 || r.shift[0] != 0 || r.shift[1] != 0 || bodies.size() > 1))
@@ -127,7 +126,7 @@ int run_transform(const TransformRequest &r) {
 
 } // namespace
 
-void add_transform(CLI::App &app, MeshCommands &commands) {
+std::function<int()> add_transform(CLI::App &app) {
     const auto r = std::make_shared<TransformRequest>();
     CLI::App *command = app.add_subcommand(
         "transform",
@@ -145,5 +144,5 @@ void add_transform(CLI::App &app, MeshCommands &commands) {
     command->add_flag("--split", r->split,
                       "one file NAME_1.gdf ... for each body of a global file, or connected piece");
     command->add_flag("--lids", r->lids, "the global file holds BDTYP and FSDMP (IFSLID)");
-    commands.push_back({command, [r] { return run_transform(*r); }});
+    return [=] { return command->parsed() ? run_transform(*r) : -1; };
 }
