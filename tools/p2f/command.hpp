@@ -1,7 +1,7 @@
 // The subcommands of vorda-p2f: each adds its options and returns what it does with a file.
 #pragma once
 
-#include "post/case_file.hpp"
+#include "post/loaded_case.hpp"
 #include "post/table_cells.hpp"
 
 #include <CLI/CLI.hpp>
@@ -50,14 +50,7 @@ struct CaseRequest {
 };
 std::shared_ptr<CaseRequest> add_case(CLI::App &app);
 
-// The case, the scales with its density, and the bodies with their masses.
-struct LoadedCase {
-    CaseFile file;
-    Scales scales;
-    std::vector<BodyHydrostatics> bodies;
-    std::vector<BodyMass> masses;
-};
-// False, with the reason in `error`.
+// The case that was asked for. False, with the reason in `error`.
 [[nodiscard]] bool load_case(const CaseRequest &request, const P2fFile &p2f, LoadedCase &loaded,
                              std::string &error);
 
