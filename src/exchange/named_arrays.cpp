@@ -170,7 +170,7 @@ class Maker {
         add("inertia_matrix", pair, mass_unit(), "mass matrix", of_pairs(d.M));
         add("external_stiffness", pair, force_per_motion(), "stiffness that the case file adds",
             of_pairs(d.C_external));
-        add("external_damping", pair, mass_unit() + "/s", "damping that the case file adds",
+        add("external_damping", pair, mass_unit("/s"), "damping that the case file adds",
             of_pairs(d.B_external));
         if (d.natural.empty())
             return;
@@ -184,19 +184,28 @@ class Maker {
             natural);
     }
 
-    // Units of a whole matrix: translations; a rotation adds the length once for each of the two.
-    std::string mass_unit() const { return s.names.mass; }
-    std::string force_per_motion() const { return s.names.force + "/" + s.names.length; }
+    // Units of what has rotations in it: of translations, mixed, of rotations.
+    std::string mass_unit(const std::string &per = "") const {
+        const std::string &m = s.names.mass, &l = s.names.length;
+        return m + per + "; " + m + " " + l + per + "; " + m + " " + l + "^2" + per;
+    }
+    std::string force_per_motion() const {
+        const std::string &f = s.names.force, &l = s.names.length;
+        return f + "/" + l + "; " + f + "; " + f + " " + l;
+    }
+    std::string force_unit(const std::string &per) const {
+        return s.names.force + per + "; " + s.names.force + " " + s.names.length + per;
+    }
 
     void radiation() {
         const Names over = {"omega", "influenced_dof", "radiating_dof"};
         add("added_mass", over, mass_unit(), "added mass", of_periods_and_pairs(d.R.A));
-        add("radiation_damping", over, mass_unit() + "/s", "radiation damping, 0 at both limits",
+        add("radiation_damping", over, mass_unit("/s"), "radiation damping, 0 at both limits",
             of_periods_and_pairs(d.R.B));
     }
 
     void waves() {
-        const std::string unit = s.names.force + "/" + s.names.length;
+        const std::string unit = force_unit("/" + s.names.length);
         const char *f = "influenced_dof";
         add_complex("Froude_Krylov_force", f, unit, "force of the incident wave per unit amplitude",
                     d.X.froude_krylov);
@@ -209,7 +218,7 @@ class Maker {
             add_complex("excitation_force_haskind", f, unit, "the same by Haskind's relation", d.X.haskind);
         if (!d.xi.empty())
             add_complex(
-                "rao", "radiating_dof", s.names.length + "/" + s.names.length,
+                "rao", "radiating_dof", s.names.length + "/" + s.names.length + "; rad/" + s.names.length,
                 "motion of the origin in the axes of the body per unit amplitude, rotations in rad; no "
                 "value at the limits",
                 d.xi);
@@ -231,7 +240,7 @@ class Maker {
         return s.density * s.gravity * s.length * (component < 3 ? 1 : s.length);
     }
     void drift() {
-        const std::string unit = s.names.force + "/" + s.names.length + "^2";
+        const std::string unit = force_unit("/" + s.names.length + "^2");
         std::vector<double> far, near, together;
         for (const int t : d.order)
             for (const int b : d.headings) {
@@ -322,8 +331,8 @@ NamedArrays named_arrays(const DataSet &data, TimeFactor factor) {
     all.texts.emplace_back("convention", convention_text(factor));
     all.texts.emplace_back("units", data.of_case.scales.names.length + ", " + data.of_case.scales.names.mass +
                                         ", s, " + data.of_case.scales.names.force +
-                                        "; a rotation (rad) among the modes concerned multiplies the unit by "
-                                        "the length");
+                                        ". Units behind each other are those of translations, then with "
+                                        "rotations (rad) among the degrees of freedom concerned");
     std::string notes;
     for (const std::string &note : data.notes)
         notes += (notes.empty() ? "" : " ") + note;
