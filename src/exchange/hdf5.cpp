@@ -230,7 +230,7 @@ class Layout {
                     {powers(3),
                      limit ? "added mass at infinite frequency of the run, over rho"
                            : "added mass at infinite frequency from that of the frequencies and the impulse "
-                             "responses, over rho; no value where there is none"},
+                             "responses, over rho; no value without them"},
                     of_pairs([&](int i, int j,
                                  int t) { return limit ? d.R.A(i, j, t) / s.density : from_impulse(i, j); },
                              {limit ? last : 1}));
@@ -264,7 +264,10 @@ class Layout {
     }
     double from_impulse(int i, int j) const {
         const RadiationResponse *pair = pair_of(i, j);
-        return pair == nullptr ? NONE : pair->added_mass_B / s.density;
+        if (d.impulse.times.empty())
+            return NONE;
+        // Without damping the added mass is that of every frequency.
+        return (pair == nullptr ? d.R.A(i, j, d.waves.back()) : pair->added_mass_B) / s.density;
     }
 
     void four(const std::string &in, const std::string &what, const Array<c64, 3> &X) {
