@@ -16,8 +16,7 @@ namespace {
 class NetcdfFile {
   public:
     explicit NetcdfFile(const std::string &name) {
-        good_ = took(nc_create(name.c_str(), NC_NETCDF4 | NC_CLOBBER, &file_));
-        open_ = good_;
+        open_ = took(nc_create(name.c_str(), NC_NETCDF4 | NC_CLOBBER, &file_));
     }
     NetcdfFile(const NetcdfFile &) = delete;
     NetcdfFile &operator=(const NetcdfFile &) = delete;
@@ -100,7 +99,7 @@ class NetcdfFile {
     }
 
     int file_ = 0;
-    bool open_ = false, good_ = false;
+    bool open_ = false, good_ = true;
     std::string fault_;
     std::vector<int> variables_;
 };
