@@ -28,6 +28,7 @@ Show set_up_drift(CLI::App &app);
 Show set_up_field(CLI::App &app);
 Show set_up_panels(CLI::App &app);
 Show set_up_export(CLI::App &app);
+Show set_up_plot(CLI::App &app);
 
 // What a command with tables is asked for.
 struct TableRequest {

@@ -17,6 +17,7 @@ constexpr Command COMMANDS[] = {
     {"panels", "pressures and velocities on the hull, run-up, loads in sections", set_up_panels},
     {"impulse", "impulse responses for the time domain", set_up_impulse},
     {"export", "all results for other programs: NetCDF, HDF5, VTK, CSV, JSON", set_up_export},
+    {"plot", "pictures of coefficients, forces, motions and drift", set_up_plot},
 };
 
 } // namespace
