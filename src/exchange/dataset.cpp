@@ -1,6 +1,7 @@
 #include "exchange/dataset.hpp"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -61,37 +62,41 @@ void form_responses(DataSet &data, const MotionSystem &system) {
     data.notes.insert(data.notes.end(), notes.begin(), notes.end());
 }
 
+// Each thread has periods of its own: what is parallel within a period waits for too much else.
 void form_drift(DataSet &data) {
     const P2fFile &p2f = *data.p2f;
     if (data.xi.empty() || data.waves.empty())
         return;
-    const std::size_t n = static_cast<std::size_t>(p2f.NPER);
     const FarFieldOf from =
         PanelKinds(p2f).lid_body && p2f.ISOR == 1 ? FarFieldOf::sources : FarFieldOf::potentials;
-    std::string why;
-    data.far.resize(n);
-    for (const int t : data.waves)
-        if (!form_far_drift(p2f, t, data.motions(t), from, data.far[static_cast<std::size_t>(t - 1)], why)) {
-            data.far.clear();
-            data.notes.push_back("No drift by the waves far away: " + why + ".");
-            break;
-        }
-    data.near.resize(n);
-    why = p2f.ISOR == 1 ? "" : "the file has no sources: set ISOR=1 in the run";
+    std::optional<SurfaceGradient> gradient;
+    if (p2f.ISOR == 1)
+        gradient.emplace(p2f, PanelKinds(p2f));
+    std::string no_far, no_near = gradient ? "" : "the file has no sources: set ISOR=1 in the run";
+    data.far.resize(static_cast<std::size_t>(p2f.NPER));
+    data.near.resize(static_cast<std::size_t>(p2f.NPER));
     const int count = static_cast<int>(data.waves.size());
 #pragma omp parallel for schedule(dynamic)
     for (int k = 0; k < count; ++k) {
         const int t = data.waves[static_cast<std::size_t>(k)];
-        std::string fault;
-        if (p2f.ISOR != 1 ||
-            form_near_drift(p2f, t, data.motions(t), data.near[static_cast<std::size_t>(t - 1)], fault))
-            continue;
-#pragma omp critical(near_drift_fault)
-        why = fault;
+        const std::size_t at = static_cast<std::size_t>(t - 1);
+        std::string far_fault, near_fault;
+        const bool far = form_far_drift(p2f, t, data.motions(t), from, data.far[at], far_fault),
+                   near = !gradient ||
+                          form_near_drift(p2f, t, data.motions(t), *gradient, data.near[at], near_fault);
+#pragma omp critical(drift_fault)
+        {
+            no_far = far ? no_far : far_fault;
+            no_near = near ? no_near : near_fault;
+        }
     }
-    if (!why.empty()) {
+    if (!no_far.empty()) {
+        data.far.clear();
+        data.notes.push_back("No drift by the waves far away: " + no_far + ".");
+    }
+    if (!no_near.empty()) {
         data.near.clear();
-        data.notes.push_back("No drift by pressures: " + why + ".");
+        data.notes.push_back("No drift by pressures: " + no_near + ".");
     }
 }
 

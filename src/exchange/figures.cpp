@@ -242,7 +242,7 @@ class Figures {
                     }));
                 if (d.near.empty())
                     continue;
-                PlotCurve marks = curve(heading_name(b) + ", pressures", [&](int t) {
+                PlotCurve marks = curve(d.far.empty() ? heading_name(b) : "", [&](int t) {
                     return has_waves_of(t) ? unit * near_of(d.near[at(t)][at(b)], c) : NONE;
                 });
                 marks.marks_only = !d.far.empty();

@@ -41,14 +41,23 @@ struct Contents {
 };
 Contents contents_of(const PlotFigure &figure, bool over_frequency) {
     Contents c{{0, 0, over_frequency}, false};
+    double lowest = 1e300;
+    bool at_zero = false, at_infinity = false;
     for (const PlotPanel &panel : figure.panels)
         for (const PlotCurve &curve : panel.curves) {
-            for (const auto &[x, y] : curve.points)
+            for (const auto &[x, y] : curve.points) {
                 c.x.high = std::max(c.x.high, x);
-            c.limits = c.limits || std::isfinite(curve.at_zero) || std::isfinite(curve.at_infinity);
+                lowest = std::min(lowest, x);
+            }
+            at_zero = at_zero || std::isfinite(curve.at_zero);
+            at_infinity = at_infinity || std::isfinite(curve.at_infinity);
         }
-    constexpr double ROOM = 1.05;
-    c.x.high = c.x.high > 0 ? ROOM * c.x.high : 1;
+    // From 0 where a limit stands there, and where that wastes little.
+    constexpr double ROOM = 0.05, WASTE = 0.25;
+    c.limits = at_zero || at_infinity;
+    if (!(over_frequency ? at_zero : at_infinity) && lowest > WASTE * c.x.high)
+        c.x.low = std::max(0.0, lowest - ROOM * (c.x.high - lowest));
+    c.x.high = c.x.high > 0 ? c.x.high + ROOM * (c.x.high - c.x.low) : 1;
     return c;
 }
 
@@ -122,7 +131,7 @@ std::string panel_script(const PlotPanel &panel, const Contents &c, bool last_ro
     const int power = power_of(panel);
     std::string unit = panel.unit;
     if (power != 0)
-        unit = "10^{" + std::to_string(power) + "} " + unit;
+        unit = "10^{" + std::to_string(power) + "}\u00a0" + unit;
     std::string text = "set xlabel " +
                        quoted(!last_row            ? ""
                               : c.x.over_frequency ? "frequency [rad/s]"
@@ -145,6 +154,10 @@ std::string panel_script(const PlotPanel &panel, const Contents &c, bool last_ro
     return text + "\n";
 }
 
+std::size_t names_in_row(const PlotFigure &figure) {
+    return figure.columns == 1 ? 3 : 4;
+}
+
 // A strip beneath the panels with the names of the curves.
 std::string key_script(const PlotFigure &figure, const Contents &c, double height) {
     const PlotPanel &panel = figure.panels.front();
@@ -153,7 +166,8 @@ std::string key_script(const PlotFigure &figure, const Contents &c, double heigh
         "set origin 0,0\nset size 1," +
         number(height) +
         "\nset xrange [0:1]\nset yrange [0:1]\n"
-        "set key at graph 0.5,0.98 center top horizontal samplen 4 maxcols 4\n";
+        "set key at graph 0.5,0.98 center top horizontal samplen 4 maxcols " +
+        std::to_string(names_in_row(figure)) + "\n";
     if (!figure.note.empty())
         text += "set label 1 " + quoted(figure.note) +
                 " noenhanced at graph 0.5,0 center offset 0,0.6 font ',10' textcolor rgb '#555555'\n";
@@ -180,7 +194,8 @@ std::string gnuplot_script(const PlotFigure &figure, const PlotRequest &request,
     std::size_t named = c.limits ? 2 : 0; // its text is long
     for (const PlotCurve &curve : figure.panels.front().curves)
         named += curve.name.empty() ? 0 : 1;
-    const double key = KEY_LINE * static_cast<double>((named + 3) / 4) + FOOT;
+    const double key =
+        KEY_LINE * std::ceil(static_cast<double>(named) / static_cast<double>(names_in_row(figure))) + FOOT;
     const double width = WIDTH * (columns == 1 ? 1.6 : static_cast<double>(columns)),
                  height = HEAD + HEIGHT * static_cast<double>(rows) + key;
     const std::string size = number(width) + "," + number(height);
