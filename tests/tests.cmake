@@ -3,10 +3,10 @@ find_package(GTest REQUIRED)
 include(GoogleTest)
 # What the tests of all folders share: the whole solver, and helpers that are headers.
 add_library(vorda_support INTERFACE)
-target_link_libraries(vorda_support INTERFACE vorda_run vorda_post GTest::gtest)
+target_link_libraries(vorda_support INTERFACE vorda_run vorda_post vorda_exchange GTest::gtest)
 target_include_directories(vorda_support INTERFACE tests/support)
 
-foreach(folder base mesh state input results post geometry freesurface rankine green assembly solve boundary cases)
+foreach(folder base mesh state input results post geometry freesurface rankine green assembly solve boundary exchange cases)
   file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
   add_executable(test_${folder} ${sources})
   target_link_libraries(test_${folder} PRIVATE vorda_support GTest::gtest_main)
@@ -16,7 +16,7 @@ foreach(folder base mesh state input results post geometry freesurface rankine g
   gtest_discover_tests(test_${folder} DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
-foreach(folder post cases)
+foreach(folder post exchange cases)
   add_dependencies(test_${folder} vorda vorda-mesh vorda-p2f)
 endforeach()
 # Allocations are refused by a library in front of the C library; the sanitizers have their own there.

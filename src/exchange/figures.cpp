@@ -228,6 +228,13 @@ class Figures {
                               ? ""
                               : "Lines: by the waves far away. Marks alone: by the pressures on the hull."};
         constexpr const char *NAMES[3] = {"surge", "sway", "yaw"};
+        double largest = 0; // what is small beside it is round-off
+        for (const int t : d.waves)
+            for (const int b : headings_)
+                for (int c = 0; c < 3; ++c)
+                    largest = std::max(largest, std::abs(d.far.empty() ? near_of(d.near[at(t)][at(b)], c)
+                                                                       : far_of(d.far[at(t)][at(b)], c)));
+        const auto cleared = [&](double value) { return std::abs(value) > NOTHING * largest ? value : 0; };
         for (int c = 0; c < 3; ++c) {
             PlotPanel panel{NAMES[c],
                             c < 2 ? f + "/" + l + "^2" : f + " " + l + "/" + l + "^2",
@@ -238,12 +245,12 @@ class Figures {
                 const auto has_waves_of = [&](int t) { return frequency_kind(p, t) == Frequency::wave; };
                 if (!d.far.empty())
                     panel.curves.push_back(curve(heading_name(b), [&](int t) {
-                        return has_waves_of(t) ? unit * far_of(d.far[at(t)][at(b)], c) : NONE;
+                        return has_waves_of(t) ? unit * cleared(far_of(d.far[at(t)][at(b)], c)) : NONE;
                     }));
                 if (d.near.empty())
                     continue;
                 PlotCurve marks = curve(d.far.empty() ? heading_name(b) : "", [&](int t) {
-                    return has_waves_of(t) ? unit * near_of(d.near[at(t)][at(b)], c) : NONE;
+                    return has_waves_of(t) ? unit * cleared(near_of(d.near[at(t)][at(b)], c)) : NONE;
                 });
                 marks.marks_only = !d.far.empty();
                 panel.curves.push_back(std::move(marks));

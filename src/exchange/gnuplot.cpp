@@ -131,7 +131,7 @@ std::string panel_script(const PlotPanel &panel, const Contents &c, bool last_ro
     const int power = power_of(panel);
     std::string unit = panel.unit;
     if (power != 0)
-        unit = "10^{" + std::to_string(power) + "}\u00a0" + unit;
+        unit = "10^{" + std::to_string(power) + "}·" + unit;
     std::string text = "set xlabel " +
                        quoted(!last_row            ? ""
                               : c.x.over_frequency ? "frequency [rad/s]"
