@@ -3,7 +3,7 @@ find_package(GTest REQUIRED)
 include(GoogleTest)
 # What the tests of all folders share: the whole solver, and helpers that are headers.
 add_library(vorda_support INTERFACE)
-target_link_libraries(vorda_support INTERFACE vorda_run vorda_post vorda_exchange GTest::gtest)
+target_link_libraries(vorda_support INTERFACE vorda_run vorda_post GTest::gtest)
 target_include_directories(vorda_support INTERFACE tests/support)
 
 foreach(folder base mesh state input results post geometry freesurface rankine green assembly solve boundary exchange cases)

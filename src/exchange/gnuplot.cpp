@@ -55,7 +55,7 @@ Contents contents_of(const PlotFigure &figure, bool over_frequency) {
     // From 0 where a limit stands there, and where that wastes little.
     constexpr double ROOM = 0.05, WASTE = 0.25;
     c.limits = at_zero || at_infinity;
-    if (!(over_frequency ? at_zero : at_infinity) && lowest > WASTE * c.x.high)
+    if (!(over_frequency ? at_zero : at_infinity) && lowest > WASTE * c.x.high && lowest < c.x.high)
         c.x.low = std::max(0.0, lowest - ROOM * (c.x.high - lowest));
     c.x.high = c.x.high > 0 ? c.x.high + ROOM * (c.x.high - c.x.low) : 1;
     return c;

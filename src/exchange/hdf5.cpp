@@ -19,18 +19,25 @@ std::size_t at(int k) {
     return static_cast<std::size_t>(k - 1);
 }
 
-// One open file; a fault of any call stays.
+// A file in memory, since the library does not survive a full disk; a fault of any call stays.
 class Hdf5File {
   public:
-    explicit Hdf5File(const std::string &name) {
+    Hdf5File() {
+        constexpr std::size_t STEP = 1 << 20;        // that the memory grows by
         H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr); // the message is ours
-        file_ = H5Fcreate(name.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT);
+        const hid_t access = H5Pcreate(H5P_FILE_ACCESS);
+        H5Pset_fapl_core(access, STEP, false);
+        file_ = H5Fcreate("memory", H5F_ACC_TRUNC, H5P_DEFAULT, access);
+        H5Pclose(access);
         links_ = H5Pcreate(H5P_LINK_CREATE);
         good_ = file_ >= 0 && H5Pset_create_intermediate_group(links_, 1) >= 0;
     }
     Hdf5File(const Hdf5File &) = delete;
     Hdf5File &operator=(const Hdf5File &) = delete;
-    ~Hdf5File() { (void)close(); }
+    ~Hdf5File() {
+        H5Pclose(links_);
+        H5Fclose(file_);
+    }
 
     struct About {
         std::string unit, meaning;
@@ -52,16 +59,15 @@ class Hdf5File {
     }
     void attribute(const std::string &name, const std::string &text) { attribute(file_, name, text); }
 
-    bool close() {
-        if (links_ >= 0)
-            H5Pclose(links_);
-        links_ = -1;
-        if (file_ >= 0)
-            good_ = H5Fflush(file_, H5F_SCOPE_LOCAL) >= 0 && good_;
-        if (file_ >= 0)
-            good_ = H5Fclose(file_) >= 0 && good_;
-        file_ = -1;
-        return good_;
+    // What stands in the file; empty after a fault.
+    std::vector<char> image() {
+        if (!good_ || H5Fflush(file_, H5F_SCOPE_LOCAL) < 0)
+            return {};
+        const ssize_t size = H5Fget_file_image(file_, nullptr, 0);
+        std::vector<char> bytes(size > 0 ? static_cast<std::size_t>(size) : 0);
+        if (size <= 0 || H5Fget_file_image(file_, bytes.data(), bytes.size()) != size)
+            return {};
+        return bytes;
     }
 
   private:
@@ -359,13 +365,18 @@ class Layout {
 } // namespace
 
 bool write_hdf5(const DataSet &data, ExportRequest &request, std::string &error) {
-    PartFile part(request.out);
-    Hdf5File file(part.part());
+    Hdf5File file;
     Layout(data, file).write();
-    if (!file.close()) {
-        error = request.out + " cannot be written: no such folder, or no space left";
+    const std::vector<char> image = file.image();
+    if (image.empty()) {
+        error = request.out + " cannot be written: not enough memory";
         return false;
     }
+    PartFile part(request.out);
+    std::FILE *out = part.open(error);
+    if (out == nullptr)
+        return false;
+    std::fwrite(image.data(), 1, image.size(), out);
     request.written.push_back(request.out);
     return part.keep(error);
 }

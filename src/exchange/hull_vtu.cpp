@@ -29,7 +29,7 @@ std::vector<NamedLoad> loads_of(const DataSet &data) {
     const P2fFile &p2f = *data.p2f;
     const std::string &l = data.of_case.scales.names.length;
     std::vector<NamedLoad> loads;
-    for (const int j : data.modes) {
+    for (const int j : p2f.IRAD < 0 ? std::vector<int>() : data.modes) {
         const BodyMode m = body_mode(p2f, j);
         std::string name = mode_name(m);
         std::erase(name, ' ');

@@ -82,7 +82,9 @@ class Maker {
                 for (const int b : d.headings)
                     for (const int m : d.modes) {
                         const c64 value = minus_ ? std::conj(from(m, b, t)) : from(m, b, t);
-                        values.push_back(imaginary ? value.imag() : value.real());
+                        values.push_back(std::isnan(value.real()) ? NONE
+                                         : imaginary              ? value.imag()
+                                                                  : value.real());
                     }
         add(name, {"complex", "omega", "wave_direction", modes}, unit, meaning, std::move(values));
     }

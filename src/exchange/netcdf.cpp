@@ -7,20 +7,26 @@
 
 #ifdef VORDA_WITH_NETCDF
 #include <netcdf.h>
+#include <netcdf_mem.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
-// One open file; the first fault stays.
+// A file in memory, since the library does not survive a full disk; the first fault stays.
 class NetcdfFile {
   public:
-    explicit NetcdfFile(const std::string &name) {
-        open_ = took(nc_create(name.c_str(), NC_NETCDF4 | NC_CLOBBER, &file_));
+    NetcdfFile() {
+        constexpr std::size_t SIZE = 1 << 20; // to begin with
+        open_ = took(nc_create_mem("memory", NC_NETCDF4, SIZE, &file_));
     }
     NetcdfFile(const NetcdfFile &) = delete;
     NetcdfFile &operator=(const NetcdfFile &) = delete;
-    ~NetcdfFile() { (void)close(); }
+    ~NetcdfFile() {
+        (void)close();
+        std::free(image_.memory);
+    }
 
     void define(const NamedArrays &all) {
         for (const auto &[name, length] : all.dimensions)
@@ -50,10 +56,12 @@ class NetcdfFile {
     }
     bool close() {
         if (open_)
-            took(nc_close(file_));
+            took(nc_close_memio(file_, &image_));
         open_ = false;
         return good_;
     }
+    // What stands in the file, when it is closed.
+    void write(std::FILE *out) const { std::fwrite(image_.memory, 1, image_.size, out); }
     const std::string &fault() const { return fault_; }
 
   private:
@@ -99,6 +107,7 @@ class NetcdfFile {
     }
 
     int file_ = 0;
+    NC_memio image_{};
     bool open_ = false, good_ = true;
     std::string fault_;
     std::vector<int> variables_;
@@ -117,8 +126,7 @@ void leave_out_empty(NamedArrays &all) {
 bool write_netcdf(const DataSet &data, ExportRequest &request, std::string &error) {
     NamedArrays all = named_arrays(data, TimeFactor::minus);
     leave_out_empty(all);
-    PartFile part(request.out);
-    NetcdfFile file(part.part());
+    NetcdfFile file;
     if (file.fault().empty()) {
         file.define(all);
         file.fill(all);
@@ -127,6 +135,11 @@ bool write_netcdf(const DataSet &data, ExportRequest &request, std::string &erro
         error = request.out + " cannot be written: " + file.fault();
         return false;
     }
+    PartFile part(request.out);
+    std::FILE *out = part.open(error);
+    if (out == nullptr)
+        return false;
+    file.write(out);
     request.written.push_back(request.out);
     return part.keep(error);
 }
