@@ -50,13 +50,16 @@ def tables(omega, headings, name, column, phase, scale=lambda row: 1):
     return made
 
 
-def pairs(omega):
+def pairs(omega, whole=False):
+    """Added mass and damping, symmetric; whole: with what the mesh leaves between (i,j) and (j,i)."""
     A = np.full((len(omega), ALL, ALL), np.nan)
     B = A.copy()
     for row in rows("radiation.csv"):
         k = np.flatnonzero(np.isclose(omega, float(row["omega"]), rtol=1e-8))
         i, j = mode(row, "body i", "mode i"), mode(row, "body j", "mode j")
-        A[k, i, j], B[k, i, j] = float(row["added mass"]), float(row["damping"])
+        half = 0.5 if whole else 0
+        A[k, i, j] = float(row["added mass"]) + half * float(row["its asymmetry"])
+        B[k, i, j] = float(row["damping"]) + half * float(row["asymmetry"])
     return A, B
 
 
@@ -193,7 +196,7 @@ def vtu():
     data = {name: np.concatenate(blocks) for name, blocks in mesh.cell_data.items()}
     assert sum(len(block.data) for block in mesh.cells) == len(data["area"]) == int(open("panels.txt").read())
     omega = 2 * np.pi / float(ET.fromstring(head("r.vtu")).attrib["period"].split()[0])
-    A, B = pairs(np.array([omega]))
+    A, B = pairs(np.array([omega]), True)
     forces = tables(np.array([omega]), np.array([0.0, 40.0]), "forces.csv", "pressure", "pressure phase")[0]
     hull = data["kind"] < 2
     # Body axes: the second of two bodies is turned about.

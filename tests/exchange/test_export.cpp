@@ -28,9 +28,9 @@ void solve_case(const CaseFolder &folder, const ExportCase &row) {
     for (int b = 1; b <= row.bodies && row.modes == 6; ++b)
         text += "[[body]]\nmass = 700\ncentre = [0.05, 0, 0.1]\nradii = [0.4, 0.5, 0.6]\n";
     if (row.modes > 6)
-        text +=
-            "mass_matrix = [[700,0,0,0,70,0,0],[0,700,0,-70,0,35,0],[0,0,700,0,-35,0,50],[0,-70,0,130,0,0,0],"
-            "[70,0,-35,0,190,0,0],[0,35,0,0,0,260,0],[0,0,50,0,0,0,400]]\n";
+        text += "[[body]]\nmass_matrix = "
+                "[[700,0,0,0,70,0,0],[0,700,0,-70,0,35,0],[0,0,700,0,-35,0,50],[0,-70,0,130,0,0,0],"
+                "[70,0,-35,0,190,0,0],[0,35,0,0,0,260,0],[0,0,50,0,0,0,400]]\n";
     text +=
         "[[spring]]\nat = [1, 0.2, 0]\nstiffness = [300, 200, 0, 0, 0, 50]\ndamping = [20, 30, 0, 0, 0, 0]\n";
     folder.write("case.toml", text);
