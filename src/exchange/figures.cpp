@@ -100,7 +100,7 @@ class Figures {
     void add_pair(PlotFigure &figure, int i, int j) {
         const UnitNames &unit = d.of_case.scales.names;
         const int levers = (i >= 4 && i <= 6 ? 1 : 0) + (j >= 4 && j <= 6 ? 1 : 0);
-        const std::string what = mode_name({1, i}) + (i == j ? "" : " by " + mode_name({1, j})),
+        const std::string what = mode_name({1, i}) + (i == j ? "" : "-" + mode_name({1, j})),
                           mass = unit.mass + (levers == 0   ? ""
                                               : levers == 1 ? " " + unit.length
                                                             : " " + unit.length + "^2");

@@ -20,11 +20,23 @@ std::string number(double value) {
     std::snprintf(text, sizeof text, "%.7g", value);
     return std::isfinite(value) ? text : "NaN";
 }
+// In which \n is a new line.
+std::string double_quoted(const std::string &text) {
+    std::string out = "\"";
+    for (const char c : text)
+        out += c == '\n' ? "\\n" : c == '"' || c == '\\' ? std::string("\\") + c : std::string(1, c);
+    return out + "\"";
+}
 std::string quoted(const std::string &text) {
     std::string out = "'";
     for (const char c : text)
         out += c == '\'' ? "''" : std::string(1, c);
     return out + "'";
+}
+
+// Sizes of letters are pixels in SVG and points, a third more, in PNG.
+std::string font(double pixels, bool png) {
+    return " font '," + number(png ? 0.75 * pixels : pixels) + "'";
 }
 
 struct XAxis {
@@ -127,7 +139,7 @@ std::string line_style(const PlotPanel &panel, std::size_t k) {
            std::to_string(OPEN_MARKS[s]) + " ps 0.55" + colour;
 }
 
-std::string panel_script(const PlotPanel &panel, const Contents &c, bool last_row) {
+std::string panel_script(const PlotPanel &panel, const Contents &c, bool last_row, bool png) {
     const int power = power_of(panel);
     std::string unit = panel.unit;
     if (power != 0)
@@ -136,7 +148,7 @@ std::string panel_script(const PlotPanel &panel, const Contents &c, bool last_ro
                        quoted(!last_row            ? ""
                               : c.x.over_frequency ? "frequency [rad/s]"
                                                    : "period [s]") +
-                       "\nset ylabel " + quoted(panel.quantity + " [" + unit + "]") + "\n";
+                       "\nset ylabel " + quoted(panel.quantity + " [" + unit + "]") + font(11, png) + "\n";
     if (panel.range == PlotPanel::Range::degrees)
         text += "set yrange [-180:180]\nset ytics 90\n";
     else
@@ -159,7 +171,7 @@ std::size_t names_in_row(const PlotFigure &figure) {
 }
 
 // A strip beneath the panels with the names of the curves.
-std::string key_script(const PlotFigure &figure, const Contents &c, double height) {
+std::string key_script(const PlotFigure &figure, const Contents &c, double height, bool png) {
     const PlotPanel &panel = figure.panels.front();
     std::string text =
         "unset border\nunset tics\nunset xlabel\nunset ylabel\nunset grid\nset margins 0,0,0,0\n"
@@ -168,9 +180,14 @@ std::string key_script(const PlotFigure &figure, const Contents &c, double heigh
         "\nset xrange [0:1]\nset yrange [0:1]\n"
         "set key at graph 0.5,0.98 center top horizontal samplen 4 maxcols " +
         std::to_string(names_in_row(figure)) + "\n";
-    if (!figure.note.empty())
-        text += "set label 1 " + quoted(figure.note) +
-                " noenhanced at graph 0.5,0 center offset 0,0.6 font ',10' textcolor rgb '#555555'\n";
+    std::string note = figure.note;
+    if (c.limits)
+        note += (note.empty() ? "" : "\n") +
+                std::string("Full marks at the ends of the axis: limits of frequency 0 and infinity.");
+    if (!note.empty())
+        text += "set label 1 " + double_quoted(note) + " noenhanced at graph 0.5,0 center offset 0," +
+                (c.limits && !figure.note.empty() ? "1.5" : "0.6") + font(10, png) +
+                " textcolor rgb '#555555'\n";
     text += "plot ";
     std::string entries;
     for (std::size_t k = 0; k < panel.curves.size(); ++k)
@@ -179,33 +196,32 @@ std::string key_script(const PlotFigure &figure, const Contents &c, double heigh
                        quoted(panel.curves[k].name) + " " + line_style(panel, k);
     if (c.limits)
         entries += (entries.empty() ? "" : ", ") +
-                   std::string("NaN title 'limits of frequency 0 and infinity, at the ends of the axis' with "
-                               "points pt 7 ps 0.9 lc rgb "
-                               "'#000000'");
+                   std::string("NaN title 'limits' with points pt 7 ps 0.9 lc rgb '#000000'");
     return text + (entries.empty() ? "NaN notitle" : entries) + "\n";
 }
 
 } // namespace
 
 std::string gnuplot_script(const PlotFigure &figure, const PlotRequest &request, const std::string &file) {
-    constexpr double WIDTH = 420, HEIGHT = 230, HEAD = 40, KEY_LINE = 22, FOOT = 24; // pixels
+    constexpr double WIDTH = 420, HEIGHT = 230, HEAD = 40, KEY_LINE = 22, FOOT = 24, FOOT_LINE = 16; // pixels
     const Contents c = contents_of(figure, request.over_frequency);
     const std::size_t columns = figure.columns, rows = (figure.panels.size() + columns - 1) / columns;
-    std::size_t named = c.limits ? 2 : 0; // its text is long
+    std::size_t named = c.limits ? 1 : 0;
     for (const PlotCurve &curve : figure.panels.front().curves)
         named += curve.name.empty() ? 0 : 1;
     const double key =
-        KEY_LINE * std::ceil(static_cast<double>(named) / static_cast<double>(names_in_row(figure))) + FOOT;
+        KEY_LINE * std::ceil(static_cast<double>(named) / static_cast<double>(names_in_row(figure))) + FOOT +
+        (c.limits ? FOOT_LINE : 0);
     const double width = WIDTH * (columns == 1 ? 1.6 : static_cast<double>(columns)),
                  height = HEAD + HEIGHT * static_cast<double>(rows) + key;
     const std::string size = number(width) + "," + number(height);
-    std::string text = request.png ? "set terminal pngcairo size " + size + " font 'Helvetica,11' dashed\n"
+    std::string text = request.png ? "set terminal pngcairo size " + size + " font 'Helvetica,9' dashed\n"
                                    : "set terminal svg size " + size +
                                          " font 'Helvetica,12' dashed background "
                                          "'white'\n";
     text += "set encoding utf8\nset output " + quoted(file) + "\nset multiplot\n";
     text += "set label 1 " + quoted(figure.title) + " noenhanced at screen 0.5," +
-            number(1 - 0.5 * HEAD / height) + " center font ',14'\n";
+            number(1 - 0.5 * HEAD / height) + " center" + font(14, request.png) + "\n";
     text += "set grid lc rgb '#cccccc' lt 1 lw 0.5 dt 3\nset border lw 0.8\nset xrange [" + number(c.x.low) +
             ":" + number(c.x.high) + "]\n";
     for (std::size_t k = 0; k < figure.panels.size(); ++k) {
@@ -214,9 +230,9 @@ std::string gnuplot_script(const PlotFigure &figure, const PlotRequest &request,
                 number((key + HEIGHT * static_cast<double>(rows - 1 - row)) / height) + "\nset size " +
                 number(1.0 / static_cast<double>(columns)) + "," + number(HEIGHT / height) + "\n";
         text += "set lmargin 10\nset rmargin 2\nset tmargin 0.8\nset bmargin 3\n";
-        text += panel_script(figure.panels[k], c, row + 1 == rows);
+        text += panel_script(figure.panels[k], c, row + 1 == rows, request.png);
         if (k == 0)
             text += "unset label 1\n";
     }
-    return text + key_script(figure, c, key / height) + "unset multiplot\nset output\n";
+    return text + key_script(figure, c, key / height, request.png) + "unset multiplot\nset output\n";
 }
