@@ -16,6 +16,7 @@ foreach(folder base mesh state input results post geometry freesurface rankine g
   gtest_discover_tests(test_${folder} DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
+target_link_libraries(test_exchange PRIVATE vorda_exchange)
 foreach(folder post exchange cases)
   add_dependencies(test_${folder} vorda vorda-mesh vorda-p2f)
 endforeach()
