@@ -17,7 +17,7 @@ foreach(folder base mesh state input results post geometry freesurface rankine g
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
 target_link_libraries(test_exchange PRIVATE vorda_exchange)
-foreach(folder post exchange cases)
+foreach(folder mesh post exchange cases)
   add_dependencies(test_${folder} vorda vorda-mesh vorda-p2f)
 endforeach()
 # Allocations are refused by a library in front of the C library; the sanitizers have their own there.

@@ -14,7 +14,7 @@ bool is_blank(char c) {
     return c == ' ' || c == '\t' || c == '\r';
 }
 
-std::string stars_unless(int width, std::string text) {
+std::string stars_unless(int width, const std::string &text) {
     const std::size_t w = static_cast<std::size_t>(width);
     if (text.size() > w)
         return std::string(w, '*');

@@ -78,7 +78,8 @@ struct Turn {
 // Of 0 <= x <= 13 pi, to 1e-7 and the rounding of x: the nearest multiple of pi/2 is taken off in two parts.
 [[gnu::always_inline]] inline Turn turn(f32 x) {
     constexpr f32 PI_HALF_HEAD = 1.5703125f, PI_HALF_TAIL = 4.83826795e-4f;
-    const int q = static_cast<int>(x * TWO_BY_PI + 0.5f);
+    const int q = static_cast<int>(
+        x * TWO_BY_PI + 0.5f); // NOLINT(bugprone-incorrect-roundings): x >= 0, and it is vector code
     const f32 n = static_cast<f32>(q);
     return turn(q, (x - n * PI_HALF_HEAD) - n * PI_HALF_TAIL);
 }

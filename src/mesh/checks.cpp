@@ -56,6 +56,10 @@ struct Check {
         : mesh(the_mesh), limits(the_limits), measures(measure(the_mesh)), size(0) {
         for (std::size_t c = 0; c < 3; ++c)
             size = std::max(size, measures.high[c] - measures.low[c]);
+        // Panels that are all one point still need a tolerance.
+        if (size <= 0)
+            size =
+                std::max({1.0, std::fabs(measures.high[0]), std::fabs(measures.high[1]), -measures.low[2]});
         for (const BodyPanel &panel : mesh.panels)
             closes.push_back(panel.kind == PanelKind::hull || panel.kind == PanelKind::interior);
         vertices = merge_vertices(mesh.panels, MERGED * size);

@@ -204,7 +204,7 @@ class Reader {
 
     bool of_all_modes(const toml::table &t, const char *key, int b, CaseMatrix &to) {
         to = matrix(t, key);
-        const std::size_t n = static_cast<std::size_t>(6 + p_.NEWMDS(b));
+        const std::size_t n = 6 + static_cast<std::size_t>(p_.NEWMDS(b));
         return to.empty() || to.size() == n ||
                refuse(t.get(key)->source(), std::string(key) + " in [[body]] needs " + std::to_string(n) +
                                                 " rows, one for each mode of the body");

@@ -60,7 +60,8 @@ void add_tail(Curve &curve) {
         return;
     }
     const c64 rest = curve.value[n - 1] - a - b; // of the fit at the last frequency
-    for (double r = STEP; r < END; r *= STEP) {
+    double r = 1;
+    while ((r *= STEP) < END) {
         curve.omega.push_back(last * r);
         curve.value.push_back((a / (r * r * r) + (b + rest) / std::pow(r, 5)) * phase(last * r));
     }

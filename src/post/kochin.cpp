@@ -124,9 +124,9 @@ std::vector<double> kochin_angles(const P2fFile &p2f, int t) {
         reach2 = std::max(reach2, d(p2f.XCT(1, J)) * d(p2f.XCT(1, J)) + d(p2f.XCT(2, J)) * d(p2f.XCT(2, J)));
     // exp(i K x cos theta) has harmonics up to K R and a few more; a product of two has twice as many.
     const int n = 4 * static_cast<int>(std::ceil(d(p2f.WVNH(t)) * std::sqrt(reach2))) + 60;
-    std::vector<double> theta;
-    for (int k = 0; k < n; ++k)
-        theta.push_back(2 * PI * k / n);
+    std::vector<double> theta(static_cast<std::size_t>(n));
+    for (std::size_t k = 0; k < theta.size(); ++k)
+        theta[k] = 2 * PI * static_cast<double>(k) / n;
     return theta;
 }
 

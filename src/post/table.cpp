@@ -1,6 +1,7 @@
 #include "post/table.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 namespace {
@@ -57,13 +58,22 @@ std::string quoted(const std::string &word) {
     return text + '"';
 }
 
-std::string exact(const Cell &cell) {
-    if (const auto *word = std::get_if<std::string>(&cell))
-        return quoted(*word);
-    const double value = std::get<double>(cell) + 0.0;
+// Adds a cell as other programs read it.
+void add_exact(std::string &line, const Cell &cell) {
+    if (const auto *word = std::get_if<std::string>(&cell)) {
+        line += quoted(*word);
+        return;
+    }
+    const double value = std::get<double>(cell) + 0.0; // no -0
     if (std::isnan(value))
-        return "";
-    return std::isinf(value) ? not_finite(value) : printed("%.*g", 9, value);
+        return;
+    if (std::isinf(value)) {
+        line += not_finite(value);
+        return;
+    }
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 9);
+    line.append(text, end.ptr);
 }
 
 } // namespace
@@ -123,9 +133,14 @@ void print_csv(std::FILE *out, const Table &table) {
         std::fprintf(out, "%s%s", k == 0 ? "" : ",", quoted(name).c_str());
     }
     std::fprintf(out, "\n");
+    std::string line;
     for (const auto &row : table.rows) {
-        for (std::size_t k = 0; k < row.size(); ++k)
-            std::fprintf(out, "%s%s", k == 0 ? "" : ",", exact(row[k]).c_str());
-        std::fprintf(out, "\n");
+        line.clear();
+        for (const Cell &cell : row) {
+            add_exact(line, cell);
+            line += ',';
+        }
+        line.back() = '\n';
+        std::fwrite(line.data(), 1, line.size(), out);
     }
 }

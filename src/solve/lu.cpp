@@ -56,13 +56,12 @@ void finish_strip(const Factors &f, int j) {
 void factor_all(const Factors &f, int &singular_at) {
     const int strips = (f.n + STRIP - 1) / STRIP;
     const bool share = omp_get_max_threads() > 1 && strips > 1;
-    const int threads = share ? omp_get_max_threads() : 1;
     {
         const SerialBlas serial;
         factor_strip(f, 0, singular_at);
     }
     for (int k = 0; k < strips; ++k) {
-#pragma omp parallel for schedule(dynamic, 1) num_threads(threads) if (share)
+#pragma omp parallel for schedule(dynamic, 1) if (share)
         for (int j = k + 1; j < strips; ++j) {
             const SerialBlas serial;
             update_strip(f, k * STRIP, j * STRIP);
@@ -70,7 +69,7 @@ void factor_all(const Factors &f, int &singular_at) {
                 factor_strip(f, j * STRIP, singular_at);
         }
     }
-#pragma omp parallel for schedule(dynamic, 1) num_threads(threads) if (share)
+#pragma omp parallel for schedule(dynamic, 1) if (share)
     for (int j = 0; j < strips; ++j) {
         const SerialBlas serial;
         finish_strip(f, j * STRIP);

@@ -2,7 +2,10 @@
 
 #include "base/simd.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
@@ -121,11 +124,13 @@ VORDA_SIMD void add_vector(int n, ConstSplit a, Split out) {
 
 VORDA_SIMD f32 largest_ratio(int n, ConstSplit a, const f32 *scale) {
     const f32 *ar = a.re, *ai = a.im;
-    f32 largest = 0;
+    // Numbers that are not negative have the order of their bits, a NaN comes out as the largest, and every
+    // compiler turns this into vector code.
+    std::uint32_t largest = 0;
 #pragma omp simd reduction(max : largest)
     for (int i = 0; i < n; ++i) {
         const f32 ratio = std::sqrt(ar[i] * ar[i] + ai[i] * ai[i]) / scale[i];
-        largest = ratio > largest ? ratio : largest;
+        largest = std::max(largest, std::bit_cast<std::uint32_t>(ratio));
     }
-    return largest;
+    return std::bit_cast<f32>(largest);
 }

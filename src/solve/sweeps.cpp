@@ -193,7 +193,8 @@ Status rewind(RecordFile &unit) {
 
 bool read_run(RecordFile &unit, View<c32, 2> buffer, int height, int n, int growth) {
     for (int a = 0; a < height; ++a) {
-        const std::size_t count = static_cast<std::size_t>(n + a * growth);
+        const std::size_t count =
+            static_cast<std::size_t>(n) + static_cast<std::size_t>(a) * static_cast<std::size_t>(growth);
         if (!unit.read({{&buffer(1, a + 1), count * sizeof(c32)}}))
             return false;
     }

@@ -45,7 +45,7 @@ TEST(ExtraModes, RepeatedHeaveIsHeave) {
             pot.HBOT = IQUAD == 1 ? "1.5" : "0";
             const auto [p2f, c] = both_passes(std::string(BARGE) + " --part " + part, pot);
             ASSERT_EQ(p2f.NMODES, 7);
-            const auto column = [&p2f](const Array<c32, 3> &a, int mode, int t, int axis = 0) {
+            const auto column = [&p2f = p2f](const Array<c32, 3> &a, int mode, int t, int axis = 0) {
                 return &a(1, axis == 0 ? p2f.MODPOS(mode) : 3 * (p2f.MODPOS(mode) - 1) + axis, t);
             };
             for (int t = 1; t <= 2; ++t) {

@@ -1,15 +1,11 @@
 // vorda-mesh check: what the solver's report says about the mesh of a geometry file, without a run.
 #pragma once
 
-#include <string>
+#include <CLI/CLI.hpp>
 
-struct CheckRequest {
-    std::string file;
-    double depth = 0;       // of the water [length], 0: infinite
-    double wave_length = 0; // shortest wave [length], 0: none
-    bool tank = false;      // a filled tank
-    bool lids = false;      // a global file with body types (IFSLID)
-};
-// Prints the report of each body. 0: nothing wrong, 2: there are findings that make numbers wrong, 1: the
-// file cannot be read; the message is out.
-int check_gdf(const CheckRequest &request);
+#include <functional>
+
+// Adds the command. The result prints the report of each body and returns 0: nothing wrong, 2: there are
+// findings that make numbers wrong, 1: the file cannot be read and the message is out, -1: the command was
+// not given.
+std::function<int()> add_check(CLI::App &app);

@@ -1,10 +1,12 @@
 #include "shapes.hpp"
 
 #include <cmath>
+#include <cstdio>
 
 namespace {
 
 constexpr double HALF_PI = 1.5707963267948966;
+constexpr double MOST_PANELS = 1e6; // a hundred times what a solution takes
 
 Point minus(const Point &a, const Point &b) {
     return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
@@ -18,28 +20,25 @@ double dot(const Point &a, const Point &b) {
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
-void append(Panels &to, const Panels &from) {
-    to.insert(to.end(), from.begin(), from.end());
-}
-
-Point up(const Point &) {
-    return {0, 0, 1};
-}
-Point down(const Point &) {
-    return {0, 0, -1};
-}
-
-Panels disc(double radius, double z, int around, int radial,
-            const std::function<Point(const Point &)> &inward) {
-    return patch(
-        around, radial,
-        [=](double u, double v) {
-            return Point{radius * v * std::cos(HALF_PI * u), radius * v * std::sin(HALF_PI * u), z};
-        },
-        inward);
-}
-
 } // namespace
+
+double Spacing::end(double t) const {
+    return !cosine || t >= 1 ? t : std::sin(HALF_PI * t);
+}
+double Spacing::ends(double t) const {
+    return !cosine || t >= 1 ? t : (1 - std::cos(2 * HALF_PI * t)) / 2;
+}
+
+std::vector<double> steps(int n) {
+    std::vector<double> values;
+    for (int i = 0; i <= n; ++i)
+        values.push_back(static_cast<double>(i) / n);
+    return values;
+}
+
+std::pair<double, double> quarter_circle(double u) {
+    return u >= 1 ? std::pair(0.0, 1.0) : std::pair(std::cos(HALF_PI * u), std::sin(HALF_PI * u));
+}
 
 MeshPanel oriented(const MeshPanel &panel, const Point &inward) {
     const auto &p = panel.vertex;
@@ -51,14 +50,14 @@ MeshPanel oriented(const MeshPanel &panel, const Point &inward) {
     return {{p[3], p[2], p[1], p[0]}, panel.plate};
 }
 
-Panels patch(int nu, int nv, const std::function<Point(double u, double v)> &surface,
-             const std::function<Point(const Point &)> &inward) {
+Panels grid(const std::vector<double> &u, const std::vector<double> &v,
+            const std::function<Point(double u, double v)> &surface,
+            const std::function<Point(const Point &)> &inward) {
     Panels panels;
-    for (int i = 0; i < nu; ++i) {
-        for (int j = 0; j < nv; ++j) {
-            const double u0 = static_cast<double>(i) / nu, u1 = static_cast<double>(i + 1) / nu;
-            const double v0 = static_cast<double>(j) / nv, v1 = static_cast<double>(j + 1) / nv;
-            const MeshPanel panel{{surface(u0, v0), surface(u1, v0), surface(u1, v1), surface(u0, v1)}};
+    for (std::size_t i = 1; i < u.size(); ++i) {
+        for (std::size_t j = 1; j < v.size(); ++j) {
+            const MeshPanel panel{{surface(u[i - 1], v[j - 1]), surface(u[i], v[j - 1]), surface(u[i], v[j]),
+                                   surface(u[i - 1], v[j])}};
             Point centre{};
             for (const Point &p : panel.vertex) {
                 for (std::size_t c = 0; c < 3; ++c)
@@ -70,110 +69,19 @@ Panels patch(int nu, int nv, const std::function<Point(double u, double v)> &sur
     return panels;
 }
 
-Panels hemisphere(double radius, int around, int down_count) {
-    return patch(
-        around, down_count,
-        [=](double u, double v) {
-            // v = 0 is the waterline. A ring of triangles closes the bottom.
-            const double a = HALF_PI * u, b = HALF_PI * v;
-            const double r = v == 1 ? 0 : radius * std::cos(b);
-            return Point{r * std::cos(a), r * std::sin(a), v == 0 ? 0 : -radius * std::sin(b)};
-        },
-        [](const Point &c) {
-            return Point{-c[0], -c[1], -c[2]};
-        });
+Panels patch(int nu, int nv, const std::function<Point(double u, double v)> &surface,
+             const std::function<Point(const Point &)> &inward) {
+    return grid(steps(nu), steps(nv), surface, inward);
 }
 
-Panels cylinder(double radius, double draft, int around, int down_count, int radial, bool bottom, bool lid) {
-    Panels panels = patch(
-        around, down_count,
-        [=](double u, double v) {
-            return Point{radius * std::cos(HALF_PI * u), radius * std::sin(HALF_PI * u), -draft * v};
-        },
-        [](const Point &c) {
-            return Point{-c[0], -c[1], 0};
-        });
-    if (bottom)
-        append(panels, disc(radius, -draft, around, radial, up));
-    if (lid)
-        append(panels, disc(radius, 0, around, radial, down));
-    return panels;
+void append(Panels &to, const Panels &from) {
+    to.insert(to.end(), from.begin(), from.end());
 }
 
-Panels box(double length, double beam, double draft, int nx, int ny, int nz, bool lid) {
-    const double l = length / 2, b = beam / 2;
-    Panels panels = patch(
-        ny, nz,
-        [=](double u, double v) {
-            return Point{l, b * u, -draft * v};
-        },
-        [](const Point &) {
-            return Point{-1, 0, 0};
-        });
-    append(panels, patch(
-                       nx, nz,
-                       [=](double u, double v) {
-                           return Point{l * u, b, -draft * v};
-                       },
-                       [](const Point &) {
-                           return Point{0, -1, 0};
-                       }));
-    append(panels, patch(
-                       nx, ny,
-                       [=](double u, double v) {
-                           return Point{l * u, b * v, -draft};
-                       },
-                       up));
-    if (lid)
-        append(panels, patch(
-                           nx, ny,
-                           [=](double u, double v) {
-                               return Point{l * u, b * v, 0};
-                           },
-                           down));
-    return panels;
-}
-
-Panels wigley(double length, double beam, double draft, int nx, int nz) {
-    return patch(
-        nx, nz,
-        [=](double u, double v) {
-            return Point{length / 2 * u, beam / 2 * (1 - u * u) * (1 - v * v), -draft * v};
-        },
-        [](const Point &) {
-            return Point{0, -1, 0};
-        });
-}
-
-Panels heave_plate(double radius, double z, int around, int radial) {
-    Panels panels = disc(radius, z, around, radial, up);
+Panels raised(Panels panels, double rise) {
     for (MeshPanel &panel : panels)
-        panel.plate = true;
-    return panels;
-}
-
-Panels twin_plates(double distance, double beam, double draft, int ny, int nz) {
-    Panels panels = patch(
-        ny, nz,
-        [=](double u, double v) {
-            return Point{distance / 2, beam / 2 * u, -draft * v};
-        },
-        [](const Point &) {
-            return Point{-1, 0, 0};
-        });
-    for (MeshPanel &panel : panels)
-        panel.plate = true;
-    return panels;
-}
-
-Panels tank(double length, double beam, double height, double top, int nx, int ny, int nz) {
-    Panels panels = box(length, beam, height, nx, ny, nz, true);
-    for (MeshPanel &panel : panels) {
-        std::swap(panel.vertex[0], panel.vertex[3]);
-        std::swap(panel.vertex[1], panel.vertex[2]);
         for (Point &p : panel.vertex)
-            p[2] += top;
-    }
+            p[2] += rise;
     return panels;
 }
 
@@ -187,4 +95,16 @@ Panels mirrored(const Panels &panels, int axis) {
         all.push_back(image);
     }
     return all;
+}
+
+std::string in_words(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.6g", value);
+    return text;
+}
+std::string refused(const char *option, double value, const std::string &words) {
+    return std::string(option) + " " + in_words(value) + ": " + words;
+}
+bool too_many(double panels) {
+    return !(panels <= MOST_PANELS);
 }

@@ -7,16 +7,21 @@
 #include <cmath>
 #include <string>
 
-// Option values above 0, told in words a user can read.
-inline CLI::Validator positive_number() {
+// Option values above 0, or 0 as well, told in words a user can read.
+inline CLI::Validator number_from_0(bool zero_counts) {
     return CLI::Validator(
-        [](std::string &text) -> std::string {
+        [=](std::string &text) -> std::string {
             double value = 0;
             const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), value);
             const bool number = fault == std::errc() && end == text.data() + text.size();
-            return number && value > 0 && std::isfinite(value) ? "" : text + " is not a positive number";
+            if (number && std::isfinite(value) && (value > 0 || (zero_counts && value == 0)))
+                return "";
+            return text + (zero_counts ? " is neither 0 nor a positive number" : " is not a positive number");
         },
-        "POSITIVE");
+        zero_counts ? "NUMBER >= 0" : "POSITIVE");
+}
+inline CLI::Validator positive_number() {
+    return number_from_0(false);
 }
 
 // --version, defaults in the help text, and a wide enough help.
