@@ -1,5 +1,7 @@
 #include "exchange/export.hpp"
 
+#include "exchange/formats.hpp"
+
 #include <algorithm>
 #include <filesystem>
 
@@ -42,4 +44,10 @@ const ExportFormat *export_format_of(const std::string &out, std::string &error)
     for (const ExportFormat &format : formats)
         error += std::string(&format == &formats.front() ? " " : ", ") + format.extension;
     return nullptr;
+}
+
+std::string message_without_library(const char *extension) {
+    std::string error;
+    const ExportFormat *format = export_format_of(std::string("x") + extension, error);
+    return format == nullptr ? error : message_of_missing(format->name, format->package);
 }

@@ -31,6 +31,9 @@ const std::vector<ExportFormat> &export_formats();
 // The format of a file name; null, with the formats there are in `error`.
 const ExportFormat *export_format_of(const std::string &out, std::string &error);
 
+// The message of a format of the table whose library was not there when the program was built.
+std::string message_without_library(const char *extension);
+
 // What stands in the table.
 [[nodiscard]] bool write_netcdf(const DataSet &data, ExportRequest &request, std::string &error);
 [[nodiscard]] bool write_hdf5(const DataSet &data, ExportRequest &request, std::string &error);

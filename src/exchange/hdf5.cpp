@@ -1,7 +1,6 @@
 // HDF5 files for programs in the time domain. Time factor exp(+i omega t), as ours; normalised: A over rho, B
 // over rho omega, forces over rho g, stiffness over rho g. Angles in degrees but for phases.
 #include "exchange/export.hpp"
-#include "exchange/formats.hpp"
 #include "exchange/named_arrays.hpp"
 #include "exchange/part_file.hpp"
 
@@ -383,7 +382,7 @@ bool write_hdf5(const DataSet &data, ExportRequest &request, std::string &error)
 
 #else
 bool write_hdf5(const DataSet &, ExportRequest &, std::string &error) {
-    error = message_of_missing("HDF5", "libhdf5-dev");
+    error = message_without_library(".h5");
     return false;
 }
 #endif

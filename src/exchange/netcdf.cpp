@@ -1,7 +1,6 @@
 // NetCDF-4 files of all results. Complex values are the conjugates of ours: the programs that read these
 // files have the time factor exp(-i omega t).
 #include "exchange/export.hpp"
-#include "exchange/formats.hpp"
 #include "exchange/named_arrays.hpp"
 #include "exchange/part_file.hpp"
 
@@ -146,7 +145,7 @@ bool write_netcdf(const DataSet &data, ExportRequest &request, std::string &erro
 
 #else
 bool write_netcdf(const DataSet &, ExportRequest &, std::string &error) {
-    error = message_of_missing("NetCDF", "libnetcdf-dev");
+    error = message_without_library(".nc");
     return false;
 }
 #endif

@@ -1,6 +1,7 @@
 // Files for other programs, read by their libraries. Truth: the tables of vorda-p2f; forces as sums of
 // pressures; motions as the solution of the equations that the file holds.
 #include "../cases/case_folder.hpp"
+#include "exchange/export.hpp"
 
 namespace {
 
@@ -167,6 +168,20 @@ TEST(ExportedFiles, LacksWhatTheRunLacks) {
         EXPECT_EQ(made.find("\"added_mass\"") != std::string::npos, radiation);
         EXPECT_EQ(made.find("\"excitation_force\"") != std::string::npos, !radiation);
         EXPECT_EQ(folder.shell("vorda-p2f plot run.p2f -o pictures"), 0) << folder.read("stderr.txt");
+    }
+}
+
+TEST(ExportedFiles, HaveFormatsThatAreDocumented) {
+    const CaseFolder folder;
+    ASSERT_EQ(folder.shell("vorda-p2f export --help"), 0);
+    std::ifstream in(VORDA_SOURCE_DIR "/docs/export.md");
+    const std::string document{std::istreambuf_iterator<char>(in), {}};
+    for (const ExportFormat &format : export_formats()) {
+        EXPECT_NE(document.find("| `" + std::string(format.extension) + "`"), std::string::npos)
+            << format.extension;
+        EXPECT_NE(folder.read("stdout.txt").find(format.extension), std::string::npos) << format.extension;
+        if (format.package != nullptr)
+            EXPECT_NE(message_without_library(format.extension).find(format.package), std::string::npos);
     }
 }
 
