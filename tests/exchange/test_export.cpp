@@ -180,8 +180,9 @@ TEST(ExportedFiles, HaveFormatsThatAreDocumented) {
         EXPECT_NE(document.find("| `" + std::string(format.extension) + "`"), std::string::npos)
             << format.extension;
         EXPECT_NE(folder.read("stdout.txt").find(format.extension), std::string::npos) << format.extension;
-        if (format.package != nullptr)
+        if (format.package != nullptr) {
             EXPECT_NE(message_without_library(format.extension).find(format.package), std::string::npos);
+        }
     }
 }
 
