@@ -47,8 +47,8 @@ BodyMotion motion_of(const Moving &m, int body, int phase) {
     const int first = modes_before(p, body);
     const double angle = static_cast<double>(p.XBODY(4, body)) * std::numbers::pi / 180, c = std::cos(angle),
                  s = std::sin(angle);
-    double xi[6];
-    for (int k = 0; k < 6; ++k)
+    double xi[6] = {};
+    for (int k = 0; k < 6 && !m.data.xi.empty(); ++k)
         xi[k] = m.now(m.data.xi(first + 1 + k, m.b, m.t), phase);
     const BodyHydrostatics &of = m.data.of_case.bodies[static_cast<std::size_t>(body - 1)];
     return {{c * xi[0] - s * xi[1], s * xi[0] + c * xi[1], xi[2]},
@@ -143,11 +143,13 @@ std::string unfit(const DataSet &data, const AnimationOf &of) {
         return "the run has no period " + std::to_string(of.period) + ", it has " + std::to_string(p.NPER);
     if (!has_waves(p, of.period))
         return "period " + std::to_string(of.period) + " is a limit frequency, which has no waves";
+    if (p.IDIFF < 0)
+        return "the file has no diffraction: set IDIFF=1 in the run";
     if (of.heading < 1 || of.heading > p.NBETA)
         return "the run has no heading " + std::to_string(of.heading) + ", it has " + std::to_string(p.NBETA);
-    if (data.xi.empty())
-        return "there are no motions to show: the run needs IRAD and IDIFF 0 or 1";
-    return "";
+    // A run without radiation is one of bodies that are held.
+    return data.xi.empty() && p.IRAD >= 0 ? "there are no motions to show, see the notes of other formats"
+                                          : "";
 }
 
 bool write_phases(const Moving &m, const std::string &folder, std::string &error) {

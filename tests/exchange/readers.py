@@ -224,6 +224,26 @@ def vtu():
     assert np.max(np.abs(np.sum(v * data["normal"], axis=1)[hull])) < 1e-5 * omega
 
 
+def surface():
+    """Panels of the hull and of the free surface around it: areas by the corners are those of the run."""
+    import meshio
+
+    mesh = meshio.read("r.vtu")
+    data = {name: np.concatenate(blocks) for name, blocks in mesh.cell_data.items()}
+    whole = []
+    for block in mesh.cells:
+        corner = [mesh.points[block.data[:, k]] for k in range(block.data.shape[1])]
+        fan = [np.cross(b - corner[0], c - corner[0]) / 2 for b, c in zip(corner[1:], corner[2:])]
+        whole.append(sum(fan))
+    whole = np.concatenate(whole)
+    same(np.linalg.norm(whole, axis=1), data["area"], np.max(data["area"]), 1e-6, "area")
+    turned = np.sum(whole * data["normal"], axis=1) / data["area"]
+    assert np.all(np.abs(np.abs(turned) - 1) < 1e-5) and np.all(turned * turned[0] > 0)
+    outside = data["kind"] == 3
+    assert outside.sum() == int(open("surface.txt").read()) and (~outside).sum() == int(open("panels.txt").read())
+    assert np.all(data["body"][outside] == 0) and np.all(np.isnan(data["pressure_waves_0_re"]) == outside)
+
+
 def head(name):
     """The text of a VTK file up to its binary data, as a whole document."""
     text = open(name, "rb").read()

@@ -117,6 +117,23 @@ TEST_P(Exported, IsReadByTheProgramsItIsFor) {
         read("vtk");
 }
 
+TEST(ExportedFiles, HaveTheFreeSurfaceAroundTheBody) {
+    const CaseFolder folder;
+    const std::string python = python_with(folder, "numpy, meshio");
+    if (python.empty())
+        GTEST_SKIP() << "no Python with numpy and meshio";
+    ASSERT_EQ(folder.shell("cp '" VORDA_SOURCE_DIR "/examples/05_drift_damping/'* . && vorda"), 0)
+        << folder.list();
+    P2fFile p2f;
+    Coefficients c;
+    folder.results(p2f, c, "hemisphere.p2f");
+    folder.write("panels.txt", std::to_string(p2f.NEQN * p2f.NSYMG));
+    folder.write("surface.txt", std::to_string(p2f.NFSP * p2f.NSYMG));
+    ASSERT_GT(p2f.NFSP, 0);
+    ASSERT_EQ(folder.shell("vorda-p2f export hemisphere.p2f -o r.vtu"), 0) << folder.read("stderr.txt");
+    EXPECT_EQ(folder.shell(python + " '" + READERS + "' surface 1 6"), 0) << folder.read("stderr.txt");
+}
+
 TEST(ExportedFiles, FolderHasTheTablesOfTheCommands) {
     const CaseFolder folder;
     solve_case(folder, CASES[0]);
@@ -168,6 +185,10 @@ TEST(ExportedFiles, LacksWhatTheRunLacks) {
         EXPECT_EQ(made.find("\"added_mass\"") != std::string::npos, radiation);
         EXPECT_EQ(made.find("\"excitation_force\"") != std::string::npos, !radiation);
         EXPECT_EQ(folder.shell("vorda-p2f plot run.p2f -o pictures"), 0) << folder.read("stderr.txt");
+        // The wave past a body that is held.
+        EXPECT_EQ(folder.shell("vorda-p2f export run.p2f -o a.vtu --animate 1 1"), radiation ? 1 : 0)
+            << folder.read("stderr.txt");
+        EXPECT_EQ(folder.exists("a.pvd"), !radiation);
     }
 }
 
