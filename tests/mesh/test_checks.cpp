@@ -105,6 +105,7 @@ const Fault FAULTS[] = {
          std::rotate(m.panels.back().at.begin(), m.panels.back().at.begin() + 1, m.panels.back().at.end());
      },
      {{"on the same place", {6}}}},
+    {"below the bottom", [](BodyMesh &m) { m.depth = 0.2; }, {{"below the bottom", {5, 6}}}},
     {"just below the surface",
      [](BodyMesh &m) {
          for (BodyPanel &p : m.panels)
