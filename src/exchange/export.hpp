@@ -15,7 +15,8 @@ struct ExportRequest {
     std::string out;                      // by its extension; without one or with .csv a folder
     std::vector<int> periods;             // of panel values, from 1; empty: the first one with waves
     std::optional<AnimationOf> animation; // instead of panel values
-    std::vector<std::string> written;     // told by the writer: names of the files that are there now
+    // Told by the writer: names of the files that are there now, and what is left out of them.
+    std::vector<std::string> written, notes;
 };
 
 // A kind of file that results are written as.

@@ -73,8 +73,9 @@ void add_values(const std::vector<HullCell> &cells, const NamedLoad &load, const
                  std::move(part[k])};
 }
 
-bool add_period(const DataSet &data, int t, const std::vector<HullCell> &cells, VtuFile &file,
-                std::string &error) {
+// What the file does not tell, as waves of which it lacks symmetry classes, is left out; `left_out` says why.
+void add_period(const DataSet &data, int t, const std::vector<HullCell> &cells, VtuFile &file,
+                std::string &left_out) {
     const P2fFile &p2f = *data.p2f;
     const Scales &scales = data.of_case.scales;
     const std::vector<NamedLoad> loads = loads_of(data);
@@ -82,7 +83,6 @@ bool add_period(const DataSet &data, int t, const std::vector<HullCell> &cells, 
     const std::size_t each = p2f.ISOR == 1 ? 6 : 4, first = file.on_cells.size();
     file.on_cells.resize(first + each * loads.size());
     const int count = static_cast<int>(loads.size());
-    std::string fault;
 #pragma omp parallel for schedule(dynamic)
     for (int k = 0; k < count; ++k) {
         const NamedLoad &load = loads[static_cast<std::size_t>(k)];
@@ -94,11 +94,9 @@ bool add_period(const DataSet &data, int t, const std::vector<HullCell> &cells, 
             continue;
         }
 #pragma omp critical(panel_fault)
-        fault = load.name + ": " + why;
+        left_out = "Left out, " + load.name + " and maybe others: " + why + ".";
     }
-    if (!fault.empty())
-        error = fault;
-    return fault.empty();
+    std::erase_if(file.on_cells, [](const VtuArray &array) { return array.name.empty(); });
 }
 
 // The periods that were asked for, or the first one with waves.
@@ -153,8 +151,10 @@ bool write_hull_vtu(const DataSet &data, ExportRequest &request, std::string &er
             char period[48];
             std::snprintf(period, sizeof period, "%.9g s (period %d of the run)", period_of(p2f, t), t);
             file.attributes.emplace_back("period", period);
-            if (!add_period(data, t, cells, file, error))
-                return false;
+            std::string left_out;
+            add_period(data, t, cells, file, left_out);
+            if (!left_out.empty())
+                request.notes.push_back(left_out);
             if (periods.size() > 1) {
                 name = (out.parent_path() / out.stem()).string() + "_period" + std::to_string(t) + ".vtu";
                 steps.push_back({period_of(p2f, t), 0, std::filesystem::path(name).filename().string()});

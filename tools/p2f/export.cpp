@@ -54,8 +54,9 @@ Show set_up_export(CLI::App &app) {
             return refuse(error);
         for (const std::string &name : request->written)
             std::printf("%s\n", name.c_str());
-        for (const std::string &note : data.notes)
-            std::printf("%s\n", note.c_str());
+        for (const auto *notes : {&request->notes, &data.notes})
+            for (const std::string &note : *notes)
+                std::printf("%s\n", note.c_str());
         return 0;
     };
 }
