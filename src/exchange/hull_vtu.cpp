@@ -83,19 +83,24 @@ void add_period(const DataSet &data, int t, const std::vector<HullCell> &cells, 
     const std::size_t each = p2f.ISOR == 1 ? 6 : 4, first = file.on_cells.size();
     file.on_cells.resize(first + each * loads.size());
     const int count = static_cast<int>(loads.size());
+    std::vector<std::string> faults(loads.size());
 #pragma omp parallel for schedule(dynamic)
     for (int k = 0; k < count; ++k) {
         const NamedLoad &load = loads[static_cast<std::size_t>(k)];
         PanelValues values;
-        std::string why;
-        if (form_panels(p2f, t, data.motions(t), load.load, scales, gradient, values, why)) {
+        if (form_panels(p2f, t, data.motions(t), load.load, scales, gradient, values,
+                        faults[static_cast<std::size_t>(k)]))
             add_values(cells, load, values, scales.density, omega_of(p2f, t), scales.names,
                        &file.on_cells[first + each * static_cast<std::size_t>(k)]);
-            continue;
-        }
-#pragma omp critical(panel_fault)
-        left_out = "Left out, " + load.name + " and maybe others: " + why + ".";
     }
+    std::string names, why;
+    for (std::size_t k = 0; k < loads.size(); ++k)
+        if (!faults[k].empty()) {
+            names += (names.empty() ? "" : ", ") + loads[k].name;
+            why = faults[k];
+        }
+    if (!names.empty())
+        left_out = "Left out: " + names + ". " + why + ".";
     std::erase_if(file.on_cells, [](const VtuArray &array) { return array.name.empty(); });
 }
 
