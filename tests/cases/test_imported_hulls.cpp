@@ -223,28 +223,40 @@ TEST_P(ImportedHulls, HaveTheCoefficientsOfNativePanels) {
 INSTANTIATE_TEST_SUITE_P(Files, ImportedHulls, testing::ValuesIn(IMPORTS),
                          [](const auto &row) { return "number_" + std::to_string(row.index); });
 
-// Interior panels change nothing far below the irregular frequencies: the same coefficients with and without,
-// to the mesh error.
+// The front takes the better of two triangles; where they are equal the last bit of the coordinates decides,
+// which are of single precision in a run: other diagonals here and there.
+constexpr double OTHER_DIAGONALS = 2e-3;
+constexpr double NO_LID = 1e-2; // what the lid changes at the least somewhere
+
+// The lid of an import serves a run as the one that the run makes itself of the same waterline (IRR=3, by a
+// front).
 TEST(ImportedLids, ServeRunsWithInteriorPanels) {
     std::vector<SolvedRun> runs;
-    for (const char *lid : {"", " --lid", " --lid --recombine --part full"}) {
+    struct Case {
+        const char *options;
+        int IRR, ISOR;
+    };
+    for (const auto &[options, IRR, ISOR] :
+         {Case{"", 3, 0}, Case{"", 0, 0}, Case{"--lid", 1, 0}, Case{"--lid", 1, 1}, Case{"--lid", 4, 1}}) {
         const CaseFolder folder;
         Pot pot;
-        pot.PER = "0.3 0.5";
+        pot.PER = "0.5 1.5";
         pot.NPER = 2;
         pot.BETA = "30.0";
         pot.ILOG = 1;
-        pot.IRR = *lid == '\0' ? 0 : 1;
-        pot.ISOR = pot.IRR;
+        pot.IRR = IRR;
+        pot.ISOR = ISOR;
         prepare(folder, pot);
         folder.write("barge.stl", stl_text(barge(3)));
-        ASSERT_EQ(folder.shell(std::string("vorda-mesh import barge.stl -o run.gdf") + lid), 0)
+        ASSERT_EQ(folder.shell(std::string("vorda-mesh import barge.stl -o run.gdf ") + options), 0)
             << folder.read("stderr.txt");
         runs.push_back(solved(folder));
     }
-    for (const std::size_t lid : {1u, 2u})
+    const Differences without = difference(runs[1], runs[0]);
+    EXPECT_GT(*std::max_element(without.begin(), without.end()), NO_LID);
+    for (const std::size_t lid : {2u, 3u, 4u})
         for (const double d : difference(runs[lid], runs[0]))
-            EXPECT_LT(d, NO_SIGN);
+            EXPECT_LT(d, OTHER_DIAGONALS);
 }
 
 // What the import says of the box with a fault of the table in it. Where the code is 0, the fault is mended,
