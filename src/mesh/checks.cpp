@@ -263,6 +263,14 @@ void check_body(const Check &c, std::vector<MeshFinding> &findings) {
                                 ", " + number(m.volume[1]) + ", " + number(m.volume[2]) + " ULEN^3",
                             {},
                             "the surface is open, or panels are turned"});
+    std::vector<int> sunk;
+    for (std::size_t p = 0; p < c.mesh.panels.size() && c.mesh.depth > 0; ++p) {
+        const auto &at = c.mesh.panels[p].at;
+        if (std::any_of(at.begin(), at.end(),
+                        [&](const BodyPoint &v) { return v[2] < -c.mesh.depth - IN_SURFACE * c.size; }))
+            sunk.push_back(static_cast<int>(p));
+    }
+    add(findings, {"panels below the bottom", {}, "check the depth, and the height of the body"}, sunk);
     if (!c.mesh.tank && m.high[2] < 0 && m.high[2] > -NEAR_SURFACE * m.mean && c.limits.treated)
         findings.push_back({"the top of the body lies " + number(-m.high[2]) +
                                 " ULEN below z = 0: it has no waterline, and gets no interior panels",

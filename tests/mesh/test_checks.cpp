@@ -34,6 +34,17 @@ TEST(Meshes, FaultsAreToldWithTheirPanels) {
         }
 }
 
+TEST(Meshes, BelowTheBottomAreTold) {
+    BodyMesh mesh = box();
+    mesh.depth = 0.9;
+    const std::vector<MeshFinding> findings = check_mesh(mesh, {});
+    ASSERT_FALSE(findings.empty());
+    EXPECT_EQ(told(findings.front()).rfind("panels below the bottom: panel 1, 5, 9, 13, 17", 0), 0u)
+        << told(findings.front());
+    mesh.depth = 1;
+    EXPECT_TRUE(check_mesh(mesh, {}).empty());
+}
+
 TEST(Meshes, ThatAreSoundAreSilent) {
     for (const BodyMesh &mesh : {box(), ship()})
         for (const MeshFinding &finding : check_mesh(mesh, {}))
