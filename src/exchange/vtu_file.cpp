@@ -53,7 +53,7 @@ class Appended {
                                      : std::is_same_v<T, std::uint8_t> ? "UInt8"
                                                                        : "Int32";
         std::string text = "        <DataArray type=\"" + std::string(TYPE) + "\" Name=\"" + escaped(name) +
-                           "\" NumberOfComponents=\"" + std::to_string(components) +
+                           (components == 1 ? "" : "\" NumberOfComponents=\"" + std::to_string(components)) +
                            "\" format=\"appended\" offset=\"" + std::to_string(offset_) + '"';
         blocks_.push_back({values, n * sizeof(T)});
         offset_ += sizeof(std::uint64_t) + n * sizeof(T);
