@@ -9,11 +9,6 @@
 
 namespace {
 
-struct NamedTable {
-    const char *command;
-    Table table;
-};
-
 void add_drift(const DataSet &data, std::vector<NamedTable> &tables) {
     const P2fFile &p2f = *data.p2f;
     const Scales &scales = data.of_case.scales;
@@ -32,6 +27,8 @@ void add_drift(const DataSet &data, std::vector<NamedTable> &tables) {
         if (!table->rows.empty())
             tables.push_back({"drift", std::move(*table)});
 }
+
+} // namespace
 
 std::vector<NamedTable> tables_of(const DataSet &data) {
     const P2fFile &p2f = *data.p2f;
@@ -63,6 +60,8 @@ std::vector<NamedTable> tables_of(const DataSet &data) {
     }
     return tables;
 }
+
+namespace {
 
 // What the numbers mean and where they came from.
 Table about_table(const DataSet &data) {

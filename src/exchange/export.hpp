@@ -2,6 +2,7 @@
 #pragma once
 
 #include "exchange/dataset.hpp"
+#include "post/table.hpp"
 
 #include <optional>
 
@@ -34,6 +35,14 @@ const ExportFormat *export_format_of(const std::string &out, std::string &error)
 
 // The message of a format of the table whose library was not there when the program was built.
 std::string message_without_library(const char *extension);
+
+// The tables that vorda-p2f prints of these results, each with the command that prints it; without values on
+// panels and at points.
+struct NamedTable {
+    const char *command;
+    Table table;
+};
+std::vector<NamedTable> tables_of(const DataSet &data);
 
 // What stands in the table.
 [[nodiscard]] bool write_netcdf(const DataSet &data, ExportRequest &request, std::string &error);

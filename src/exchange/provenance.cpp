@@ -10,8 +10,6 @@
 #include <openssl/evp.h>
 #endif
 
-namespace {
-
 #ifdef VORDA_WITH_CRYPTO
 std::string sha256_of(const std::string &name) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE *)> in(std::fopen(name.c_str(), "rb"), std::fclose);
@@ -39,8 +37,6 @@ std::string sha256_of(const std::string &) {
     return "";
 }
 #endif
-
-} // namespace
 
 Provenance provenance_of(const std::string &program, const std::string &file, const std::string &command) {
     const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());

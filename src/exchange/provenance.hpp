@@ -17,3 +17,6 @@ struct Provenance {
 
 // Now, of this file. The hash needs libcrypto and is empty without it.
 Provenance provenance_of(const std::string &program, const std::string &file, const std::string &command);
+
+// The SHA-256 hash of a file in hexadecimal; empty when it cannot be told.
+std::string sha256_of(const std::string &name);

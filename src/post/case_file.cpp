@@ -1,94 +1,12 @@
 #include "post/case_file.hpp"
 
+#include "post/case_toml.hpp"
 #include "post/images.hpp"
 
-#define TOML_EXCEPTIONS 0
-#include <toml++/toml.h>
-
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
 namespace {
-
-using Kind = CaseKey::Kind;
-
-bool is_number(const toml::node &node) {
-    const std::optional<double> value = node.value<double>();
-    return (node.is_integer() || node.is_floating_point()) && std::isfinite(*value);
-}
-double number(const toml::node &node) {
-    return node.value<double>().value_or(0);
-}
-bool are_numbers(const toml::node &node, std::size_t n) {
-    const toml::array *list = node.as_array();
-    return list != nullptr && list->size() == n && std::all_of(list->begin(), list->end(), is_number);
-}
-
-// Whether a value is of its kind, whatever it means.
-bool fits(const toml::node &node, Kind kind) {
-    const toml::array *list = node.as_array();
-    const auto all = [&](auto test) {
-        return list != nullptr && !list->empty() && std::all_of(list->begin(), list->end(), test);
-    };
-    switch (kind) {
-    case Kind::number:
-        return is_number(node);
-    case Kind::positive:
-        return is_number(node) && number(node) > 0;
-    case Kind::not_negative:
-        return is_number(node) && number(node) >= 0;
-    case Kind::count:
-        return node.is_integer() && number(node) >= 0 && number(node) < 1e6;
-    case Kind::three:
-        return are_numbers(node, 3);
-    case Kind::six:
-        return are_numbers(node, 6);
-    case Kind::square:
-        return all([list](const toml::node &row) { return are_numbers(row, list->size()); });
-    case Kind::word:
-        return node.is_string();
-    case Kind::modes:
-        return list != nullptr && std::all_of(list->begin(), list->end(),
-                                              [](const toml::node &word) { return word.is_string(); });
-    case Kind::fractions:
-        return node.is_table() &&
-               std::all_of(node.as_table()->begin(), node.as_table()->end(), [](const auto &item) {
-                   return is_number(item.second) && number(item.second) >= 0;
-               });
-    case Kind::pairs:
-        return all([](const toml::node &pair) { return are_numbers(pair, 2); });
-    }
-    return false;
-}
-
-const char *wanted(Kind kind) {
-    switch (kind) {
-    case Kind::number:
-        return "a number";
-    case Kind::positive:
-        return "a number above 0";
-    case Kind::not_negative:
-        return "a number, not negative";
-    case Kind::count:
-        return "a whole number, not negative";
-    case Kind::three:
-        return "three numbers in brackets";
-    case Kind::six:
-        return "six numbers in brackets";
-    case Kind::square:
-        return "a square matrix, row by row in brackets";
-    case Kind::word:
-        return "a word in quotes";
-    case Kind::modes:
-        return "names of modes, in quotes and brackets";
-    case Kind::fractions:
-        return "modes with numbers that are not negative, as {roll = 0.05}";
-    case Kind::pairs:
-        return "pairs of numbers in brackets";
-    }
-    return "";
-}
 
 // Reads the tables of a case file; the first fault ends it.
 class Reader {
@@ -97,8 +15,6 @@ class Reader {
     std::string fault;
 
     bool read(const toml::table &top) {
-        if (!check(top, ""))
-            return false;
         c_.density = real(top, "density", 0);
         return each(top, "body", [this](const toml::table &t, int n) { return body(t, n); }) &&
                each(top, "spring", [this](const toml::table &t, int) { return spring(t); }) &&
@@ -109,41 +25,16 @@ class Reader {
                each(top, "section", [this](const toml::table &t, int) { return section(t); });
     }
     bool refuse(const toml::source_region &where, const std::string &why) {
-        fault = name_ + ", line " + std::to_string(where.begin.line) + ": " + why;
+        fault = at_line(name_, where, why);
         return false;
     }
 
   private:
-    static bool is_table(std::string_view key) {
-        return std::any_of(case_keys().begin(), case_keys().end(),
-                           [&](const CaseKey &k) { return *k.table != '\0' && key == k.table; });
-    }
-
-    // Each key of the table is one of the list and has a value of its kind.
-    bool check(const toml::table &table, const std::string &kind) {
-        const std::string where = kind.empty() ? "" : " in [[" + kind + "]]";
-        for (const auto &[key, node] : table) {
-            const std::string word(key.str());
-            if (kind.empty() && is_table(word)) {
-                if (!node.is_array_of_tables())
-                    return refuse(node.source(), word + " has to be a table [[" + word + "]]");
-                continue;
-            }
-            const auto row = std::find_if(case_keys().begin(), case_keys().end(),
-                                          [&](const CaseKey &k) { return kind == k.table && word == k.key; });
-            if (row == case_keys().end())
-                return refuse(key.source(), "unknown key " + word + where);
-            if (!fits(node, row->kind))
-                return refuse(node.source(), word + where + " has to be " + wanted(row->kind));
-        }
-        return true;
-    }
-
     template <class Read> bool each(const toml::table &top, const char *kind, Read read) {
         const toml::array *list = top.get(kind) != nullptr ? top.get(kind)->as_array() : nullptr;
         for (std::size_t n = 0; list != nullptr && n < list->size(); ++n) {
             const toml::table &table = *list->get(n)->as_table();
-            if (!check(table, kind) || !read(table, static_cast<int>(n) + 1))
+            if (!read(table, static_cast<int>(n) + 1))
                 return false;
         }
         return true;
@@ -383,18 +274,10 @@ CaseFile plain_case(const P2fFile &p2f) {
 bool read_case(const std::string &name, const P2fFile &p2f, CaseFile &file, std::string &error) {
     file = plain_case(p2f);
     Reader reader(name, p2f, file);
-    const toml::parse_result parsed = toml::parse_file(name);
-    if (!parsed) {
-        const toml::parse_error &fault = parsed.error();
-        if (fault.source().begin.line == 0)
-            error = name + ": " + std::string(fault.description());
-        else {
-            static_cast<void>(reader.refuse(fault.source(), std::string(fault.description())));
-            error = reader.fault;
-        }
+    toml::table top;
+    if (!parse_case(name, top, error))
         return false;
-    }
-    if (reader.read(parsed.table()))
+    if (reader.read(top))
         return true;
     error = reader.fault;
     return false;

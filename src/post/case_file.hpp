@@ -13,7 +13,9 @@
 // One row of the table of keys, from which the reader takes what it accepts; docs/case.md shows it.
 struct CaseKey {
     // What a value has to be. modes: words that name modes; fractions: a table of mode = number; pairs: an
-    // array of arrays of two numbers.
+    // array of arrays of two numbers; triples: likewise of three; flag: true or false; choice: one of
+    // `choices`; series: an array of numbers or {from, to, count}; sizes: a table of names with numbers,
+    // words or true.
     enum class Kind {
         number,
         positive,
@@ -25,7 +27,12 @@ struct CaseKey {
         word,
         modes,
         fractions,
-        pairs
+        pairs,
+        triples,
+        flag,
+        choice,
+        series,
+        sizes
     };
     const char *table; // "" for the top, else the array of tables it stands in
     const char *key;
@@ -33,10 +40,19 @@ struct CaseKey {
     const char *unit;
     const char *standard; // what holds when it is not given
     const char *meaning;
+    const char *choices = ""; // "auto, on, off"
 };
+// What the bodies are and what moves them; and what vorda-run makes a run of. A case file may hold both: each
+// program takes its own and holds all to these tables.
 const std::vector<CaseKey> &case_keys();
-// The same as rows of a Markdown table, a line each.
+const std::vector<CaseKey> &run_keys();
+// Whether a table stands once, [waves], or as often as there are things of it, [[body]].
+bool stands_once(const std::string &table);
+// What a value has to be, in words.
+std::string wanted(const CaseKey &key);
+// The first as rows of a Markdown table, a line each; and both, with what values have to be.
 std::string case_key_rows();
+std::string run_key_rows();
 
 // Stiffness and damping between two bodies, or a body and the ground, at a place in global axes: forces along
 // x, y, z and moments about them per relative motion there.

@@ -63,12 +63,85 @@ const std::vector<CaseKey> &case_keys() {
     return KEYS;
 }
 
+// What vorda-run makes a run of.
+const std::vector<CaseKey> &run_keys() {
+    using K = CaseKey::Kind;
+    static const std::vector<CaseKey> KEYS = {
+        {"", "depth", K::not_negative, "m", "0, infinite", "depth of the water"},
+        {"", "gravity", K::positive, "m/s^2", "9.80665", "acceleration of gravity"},
+        {"waves", "periods", K::series, "s", "one of the three must be given", "wave periods"},
+        {"waves", "frequencies", K::series, "rad/s", "", "circular frequencies instead"},
+        {"waves", "wave_numbers", K::series, "rad/m", "", "wave numbers at the depth instead"},
+        {"waves", "headings", K::series, "deg", "0", "directions that the waves travel to, from the x axis"},
+        {"waves", "limits", K::flag, "", "false", "zero and infinite frequency as well"},
+        {"body", "mesh", K::word, "", "this or `maker`",
+         "geometry file (.gdf), or a file of another program that `vorda-mesh import` reads"},
+        {"body", "maker", K::word, "", "this or `mesh`", "hull of `vorda-mesh`: box, cylinder, semisub ..."},
+        {"body", "sizes", K::sizes, "m", "as `vorda-mesh MAKER --help` says",
+         "sizes and counts of the maker"},
+        {"body", "scale", K::positive, "", "1", "factor of the lengths of an imported file"},
+        {"body", "draught", K::positive, "m", "as the file lies, z = 0 in the surface",
+         "depth of the lowest point of an imported file"},
+        {"body", "size", K::positive, "m", "a fortieth of its extent", "length of the panels of a CAD model"},
+        {"body", "part", K::choice, "", "`\"auto\"`, as symmetry allows",
+         "part of the body that is panelled, of an import or maker", "auto, full, half-x, half-y, quarter"},
+        {"body", "place", K::three, "m", "0, 0, 0", "its origin in global axes, z = 0 in the free surface"},
+        {"body", "heading", K::number, "deg", "0", "angle of its x axis from the global one"},
+        {"body", "wall", K::choice, "", "none",
+         "a wall in the plane x = 0 or y = 0; a body that stands in the wall is half a body", "x, y"},
+        {"treatment", "irregular", K::choice, "", "`\"auto\"`",
+         "irregular frequencies: auto makes panels inside each body that reaches the surface, given takes "
+         "those "
+         "of the mesh, off does nothing",
+         "auto, given, off"},
+        {"treatment", "sources", K::choice, "", "`\"auto\"`, when an output needs them",
+         "source strengths and velocities, for drift by pressures", "auto, on, off"},
+        {"treatment", "solver", K::choice, "", "`\"auto\"`, direct below 1500 unknowns",
+         "how equations are solved", "auto, direct, iterative"},
+        {"treatment", "memory", K::positive, "GB", "what there is", "memory for the matrix of one period"},
+        {"treatment", "threads", K::count, "", "0, all", "threads at most"},
+        {"outputs", "report", K::flag, "", "true", "`report.html`"},
+        {"outputs", "netcdf", K::flag, "", "false", "`results.nc`"},
+        {"outputs", "hdf5", K::flag, "", "false", "`results.h5`"},
+        {"outputs", "vtu", K::flag, "", "false", "`hull.vtu`"},
+        {"outputs", "csv", K::flag, "", "false", "folder `tables`"},
+        {"outputs", "drift", K::flag, "", "true", "mean drift in the report, by pressures as well"},
+        {"outputs", "impulse", K::flag, "", "false", "impulse responses, `impulse.csv`"},
+        {"outputs", "points", K::triples, "m", "none",
+         "points of the fluid for the waves there, `field.csv`"},
+        {"outputs", "grid", K::six, "m, and counts", "none",
+         "level grid instead: x from, to, number of points, y likewise"},
+        {"outputs", "level", K::number, "m", "0, the surface", "z of the grid"},
+    };
+    return KEYS;
+}
+
+bool stands_once(const std::string &table) {
+    return table == "waves" || table == "treatment" || table == "outputs";
+}
+
+namespace {
+
+std::string row_of(const CaseKey &key, const std::string &value) {
+    const std::string kind(key.table), open = stands_once(kind) ? "`[" : "`[[",
+                                       close = stands_once(kind) ? "]` " : "]]` ";
+    return "| " + (kind.empty() ? "" : open + kind + close) + "`" + key.key + "` | " + value + key.unit +
+           " | " + key.standard + " | " + key.meaning + " |\n";
+}
+
+} // namespace
+
 std::string case_key_rows() {
     std::string rows;
-    for (const CaseKey &key : case_keys()) {
-        const std::string table = *key.table == '\0' ? "" : "`[[" + std::string(key.table) + "]]` ";
-        rows += "| " + table + "`" + key.key + "` | " + key.unit + " | " + key.standard + " | " +
-                key.meaning + " |\n";
-    }
+    for (const CaseKey &key : case_keys())
+        rows += row_of(key, "");
+    return rows;
+}
+
+std::string run_key_rows() {
+    std::string rows;
+    for (const auto *keys : {&run_keys(), &case_keys()})
+        for (const CaseKey &key : *keys)
+            rows += row_of(key, wanted(key) + " | ");
     return rows;
 }

@@ -78,6 +78,18 @@ void add_exact(std::string &line, const Cell &cell) {
 
 } // namespace
 
+std::vector<std::vector<std::string>> shown_rows(const Table &table) {
+    std::vector<std::vector<std::string>> rows;
+    for (const auto &row : table.rows) {
+        if (table.leave_out_zeros && all_zero(row, table.columns))
+            continue;
+        rows.emplace_back();
+        for (std::size_t k = 0; k < table.columns.size(); ++k)
+            rows.back().push_back(shown(row[k], table.columns[k]));
+    }
+    return rows;
+}
+
 void print_table(std::FILE *out, const Table &table) {
     const std::size_t n = table.columns.size();
     std::vector<std::vector<std::string>> lines(2);
@@ -90,16 +102,9 @@ void print_table(std::FILE *out, const Table &table) {
     if (!units)
         lines.pop_back();
     const std::size_t head = lines.size();
-    bool left_out = false;
-    for (const auto &row : table.rows) {
-        if (table.leave_out_zeros && all_zero(row, table.columns)) {
-            left_out = true;
-            continue;
-        }
-        lines.emplace_back();
-        for (std::size_t k = 0; k < n; ++k)
-            lines.back().push_back(shown(row[k], table.columns[k]));
-    }
+    const auto rows = shown_rows(table);
+    const bool left_out = rows.size() < table.rows.size();
+    lines.insert(lines.end(), rows.begin(), rows.end());
     std::vector<std::size_t> width(n, 0);
     std::vector<bool> words(n, false);
     for (const auto &line : lines)

@@ -31,6 +31,9 @@ struct Table {
     std::vector<std::string> notes;      // what a reader has to know beside the numbers, a line each
 };
 
+// The rows as people see them, without those of zeros where the table wants that.
+std::vector<std::vector<std::string>> shown_rows(const Table &table);
+
 // Title, head of two lines (names, units), rows and notes. Columns are as wide as what they hold; "inf" and
 // "-" (no number) stand for values that are not finite; 0 has no sign.
 void print_table(std::FILE *out, const Table &table);

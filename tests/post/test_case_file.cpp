@@ -37,7 +37,7 @@ struct Fault {
 };
 TEST(CaseFileReader, TellsFaultsWithTheirLine) {
     const Fault rows[] = {
-        {"density = 1025\ngravity = 9\n", "line 2: unknown key gravity"},
+        {"density = 1025\ngravty = 9\n", "line 2: unknown key gravty; the nearest one is gravity"},
         {"[[body]]\nmas = 1\n", "line 2: unknown key mas in [[body]]"},
         {"[body]\nmass = 1\n", "line 1: body has to be a table [[body]]"},
         {"[[body]]\nmass = '1'\n", "line 2: mass in [[body]] has to be a number above 0"},
