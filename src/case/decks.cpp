@@ -94,15 +94,9 @@ bool fits_wall(const RunCase &run, const Outline &outline, std::string &error) {
         return true;
     const std::size_t axis = static_cast<std::size_t>(body.wall - 1);
     const char *plane = body.wall == 1 ? "x = 0" : "y = 0";
-    const bool half = outline.index[axis] == 1, beside = body.place[axis] != 0;
     if (body.heading != 0)
         error = "a body at a wall cannot be turned: leave heading out";
-    else if (half == beside)
-        error =
-            std::string(beside ? "a body beside the wall " : "a body in the wall ") + plane +
-            (beside ? " needs all its panels on that side: set part to full"
-                    : " is half a body: set part so that it is halved there, or place it beside the wall");
-    else if (beside && outline.low[axis] < 0 && outline.high[axis] > 0)
+    else if (body.place[axis] != 0 && outline.low[axis] < 0 && outline.high[axis] > 0)
         error = std::string("the body reaches through the wall ") + plane + ": change its place";
     if (error.empty())
         return true;

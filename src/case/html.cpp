@@ -44,8 +44,9 @@ std::string html_of(const Table &table, std::size_t most) {
     for (std::size_t k = 0; k < words.size() && !table.rows.empty(); ++k)
         words[k] = std::holds_alternative<std::string>(table.rows.front()[k]);
     for (const Column &column : table.columns)
-        html += "<th>" + escaped(column.name) +
-                (column.unit.empty() ? "" : "<br>[" + escaped(column.unit) + "]") + "</th>";
+        html += (words[static_cast<std::size_t>(&column - table.columns.data())] ? "<th class=w>" : "<th>") +
+                escaped(column.name) + (column.unit.empty() ? "" : "<br>[" + escaped(column.unit) + "]") +
+                "</th>";
     html += "</tr></thead>\n<tbody>\n";
     const auto rows = shown_rows(table);
     for (std::size_t n = 0; n < std::min(most, rows.size()); ++n) {
@@ -103,7 +104,7 @@ std::string page_of(const std::string &title, const std::string &body) {
            "0;font-size:.87em}caption{text-align:left;font-weight:bold}\n"
            "td,th{border-bottom:1px solid #ddd;padding:.15em "
            ".6em;text-align:right;font-variant-numeric:tabular-nums}\n"
-           "td.w,.facts td,.facts th{text-align:left}th{background:#f3f5f7;vertical-align:bottom}\n"
+           "td.w,th.w,.facts td,.facts th{text-align:left}th{background:#f3f5f7;vertical-align:bottom}\n"
            "details{margin:.6em "
            "0}details>*{max-width:100%;overflow-x:auto}summary{cursor:pointer;color:#124a80}\n"
            ".note{color:#555;font-size:.87em;margin:.2em 0}figure{display:inline-block;margin:.5em 0}\n"

@@ -66,12 +66,22 @@ std::string hashes(const RunCase &run, const RunBody &body) {
 }
 
 // The file with its symmetry indices as the wall has them; otherwise as it is.
-bool copy_with_indices(const std::string &from, const std::string &to, const Outline &outline,
-                       const RunBody &body, std::string &error) {
+bool copy_with_indices(const RunCase &run, const std::string &from, const std::string &to,
+                       const Outline &outline, const RunBody &body, std::string &error) {
     int index[2] = {outline.index[0], outline.index[1]};
     if (body.wall > 0) {
         const std::size_t axis = static_cast<std::size_t>(body.wall - 1);
-        index[axis] = body.place[axis] != 0 ? -2 : -1;
+        const bool beside = body.place[axis] != 0;
+        const std::string plane = body.wall == 1 ? "x = 0" : "y = 0";
+        if (beside == (index[axis] == 1)) {
+            error = run.at(body.line, beside ? "a body beside the wall " + plane +
+                                                   " needs all its panels: set part to full"
+                                             : "a body in the wall " + plane +
+                                                   " is half a body: set part so that it is halved there, "
+                                                   "or place it beside the wall");
+            return false;
+        }
+        index[axis] = beside ? -2 : -1;
     }
     std::istringstream in(text_of(from));
     std::string line, text, rest;
@@ -119,7 +129,7 @@ bool make_mesh(const RunCase &run, std::size_t b, std::string &error) {
             error = run.at(body.mesh_line, error);
             return false;
         }
-        return copy_with_indices(from_here(run, body.mesh), to, outline, body, error);
+        return copy_with_indices(run, from_here(run, body.mesh), to, outline, body, error);
     }
     Ended ended;
     const Start start{maker_command(run, body, folder_there(run) + "/" + name), run.folder, false};
@@ -134,7 +144,7 @@ bool make_mesh(const RunCase &run, std::size_t b, std::string &error) {
     return write_text(run.run_folder() + "/meshes/body" + std::to_string(b + 1) + ".txt", ended.text,
                       error) &&
            (body.wall == 0 ||
-            (read_outline(to, body, outline, error) && copy_with_indices(to, to, outline, body, error)));
+            (read_outline(to, body, outline, error) && copy_with_indices(run, to, to, outline, body, error)));
 }
 
 } // namespace
@@ -165,8 +175,6 @@ bool make_meshes(const RunCase &run, MadeFrom &made, std::vector<Outline> &outli
             error = run.at(body.mesh_line, error);
             return false;
         }
-        if (body.wall > 0) // what the walls made of the indices
-            outlines[b].index[axis] = body.place[axis] != 0 ? 0 : 1;
     }
     return true;
 }

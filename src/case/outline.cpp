@@ -71,7 +71,7 @@ bool same_panels(const Outline &a, const Outline &b) {
 }
 
 bool refuse(std::string &error, const std::string &file, const std::string &why) {
-    error = file + ": " + (why.empty() ? "it is no geometry file" : why);
+    error = why.empty() ? file + ": it is no geometry file" : why;
     return false;
 }
 
@@ -106,7 +106,8 @@ bool read_outline(const std::string &file, const RunBody &body, Outline &outline
     outline.ULEN = static_cast<double>(head[0]);
     outline.GRAV = static_cast<double>(head[1]);
     if (outline.ULEN <= 0)
-        return refuse(error, file, "it is a file of several bodies: give each a [[body]] of its own");
+        return refuse(error, file,
+                      file + ": it is a file of several bodies, give each a [[body]] of its own");
     if (!in.read_array(outline.index, 2) || !in.read(outline.given) || outline.given < 1)
         return refuse(error, file, in.fault());
     std::vector<BodyPanel> panels;

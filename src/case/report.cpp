@@ -19,7 +19,7 @@ using Named = std::vector<std::pair<std::string, std::string>>; // figure: its n
 
 std::string brief(double value) {
     char text[32];
-    std::snprintf(text, sizeof text, "%.5g", value);
+    std::snprintf(text, sizeof text, "%.6g", value);
     return text;
 }
 
