@@ -1,6 +1,8 @@
 // Arrays of rank 1 to 4 with the first index fastest and indices from 1, unless a Range says otherwise.
 #pragma once
 
+#include "base/pages.hpp"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -114,8 +116,9 @@ template <class T, int R> class Array {
     }
     ~Array() { release(); }
 
-    // Makes a zeroed array of the given extents (or Ranges), aligned to 64 bytes; false when memory is
-    // refused. What was held before is released. Pages are touched only when they are used.
+    // Makes a zeroed array of the given extents (or Ranges), aligned to 64 bytes, from LARGE_BLOCK on to
+    // 2 MiB; false when memory is refused. What was held before is released. Pages are touched only when
+    // they are used.
     template <class... N> [[nodiscard]] bool alloc(N... extents) {
         static_assert(sizeof...(N) == R);
         release();
@@ -127,7 +130,11 @@ template <class T, int R> class Array {
                 return false;
             count *= n;
         }
-        block_ = std::calloc(count * sizeof(T) + alignment, 1);
+        const std::size_t bytes = count * sizeof(T);
+        if (bytes >= LARGE_BLOCK)
+            block_ = map_pages(mapped_ = bytes);
+        else
+            block_ = std::calloc(bytes + alignment, 1);
         if (block_ == nullptr)
             return false;
         const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(block_);
@@ -156,8 +163,12 @@ template <class T, int R> class Array {
     }
 
     void release() {
-        std::free(block_);
+        if (mapped_ > 0 && block_ != nullptr)
+            unmap_pages(block_, mapped_);
+        else
+            std::free(block_);
         block_ = nullptr;
+        mapped_ = 0;
         view_ = View<T, R>();
     }
 
@@ -179,9 +190,11 @@ template <class T, int R> class Array {
   private:
     void swap(Array &other) noexcept {
         std::swap(block_, other.block_);
+        std::swap(mapped_, other.mapped_);
         std::swap(view_, other.view_);
     }
     static constexpr std::size_t alignment = 64;
     void *block_ = nullptr;
+    std::size_t mapped_ = 0; // bytes of a block with pages of its own, else 0
     View<T, R> view_;
 };

@@ -173,7 +173,6 @@ void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &
                 write_report_row(run, period, omp_get_thread_num(), counts);
                 progress.step();
             }
-            DEALLOCATE_WA(thread);
         }
     }
 }
