@@ -121,26 +121,12 @@ template <class T, int R> class Array {
     // they are used.
     template <class... N> [[nodiscard]] bool alloc(N... extents) {
         static_assert(sizeof...(N) == R);
-        release();
-        const std::array<Range, R> ranges = {Range(extents)...};
-        std::uint64_t count = 1;
-        for (const Range &r : ranges) {
-            const std::uint64_t n = static_cast<std::uint64_t>(r.size());
-            if (n != 0 && count > (std::uint64_t{1} << 46) / n)
-                return false;
-            count *= n;
-        }
-        const std::size_t bytes = count * sizeof(T);
-        if (bytes >= LARGE_BLOCK)
-            block_ = map_pages(mapped_ = bytes);
-        else
-            block_ = std::calloc(bytes + alignment, 1);
-        if (block_ == nullptr)
-            return false;
-        const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(block_);
-        const std::size_t shift = (alignment - address % alignment) % alignment;
-        view_ = View<T, R>(reinterpret_cast<T *>(static_cast<char *>(block_) + shift), ranges);
-        return true;
+        return make({Range(extents)...}, true);
+    }
+    // The same for an array that is written before it is read: it holds anything.
+    template <class... N> [[nodiscard]] bool alloc_unset(N... extents) {
+        static_assert(sizeof...(N) == R);
+        return make({Range(extents)...}, false);
     }
 
     // Changes the last extent to n and keeps what fits; new elements are 0.
@@ -188,6 +174,27 @@ template <class T, int R> class Array {
     void fill(T value) { view_.fill(value); }
 
   private:
+    bool make(const std::array<Range, R> &ranges, bool zeros) {
+        release();
+        std::uint64_t count = 1;
+        for (const Range &r : ranges) {
+            const std::uint64_t n = static_cast<std::uint64_t>(r.size());
+            if (n != 0 && count > (std::uint64_t{1} << 46) / n)
+                return false;
+            count *= n;
+        }
+        const std::size_t bytes = count * sizeof(T);
+        if (bytes >= LARGE_BLOCK)
+            block_ = map_pages(mapped_ = bytes);
+        else
+            block_ = zeros ? std::calloc(bytes + alignment, 1) : std::malloc(bytes + alignment);
+        if (block_ == nullptr)
+            return false;
+        const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(block_);
+        const std::size_t shift = (alignment - address % alignment) % alignment;
+        view_ = View<T, R>(reinterpret_cast<T *>(static_cast<char *>(block_) + shift), ranges);
+        return true;
+    }
     void swap(Array &other) noexcept {
         std::swap(block_, other.block_);
         std::swap(mapped_, other.mapped_);

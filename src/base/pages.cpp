@@ -1,6 +1,7 @@
 #include "base/pages.hpp"
 
 #include <cstdint>
+#include <malloc.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -17,8 +18,8 @@ std::size_t whole_pages(std::size_t bytes) {
 
 void *map_pages(std::size_t bytes) noexcept {
     const std::size_t length = whole_pages(bytes);
-    void *const mapped = mmap(nullptr, length + HUGE_PAGE, PROT_READ | PROT_WRITE,
-                              MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void *const mapped =
+        mmap(nullptr, length + HUGE_PAGE, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapped == MAP_FAILED)
         return nullptr;
     // What stands in front of the aligned block and behind it goes back at once.
@@ -32,6 +33,14 @@ void *map_pages(std::size_t bytes) noexcept {
     (void)madvise(start + front, length, MADV_HUGEPAGE); // a wish: without it all goes on in small pages
 #endif
     return start + front;
+}
+
+void keep_freed_memory() noexcept {
+#ifdef __GLIBC__
+    mallopt(M_MMAP_THRESHOLD, static_cast<int>(LARGE_BLOCK));
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
+    mallopt(M_TOP_PAD, 1 << 20); // grow in steps that are worth a call
+#endif
 }
 
 void unmap_pages(void *block, std::size_t bytes) noexcept {

@@ -95,6 +95,14 @@ Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR
                              : solve_on_scratch(run, request, PHIR, PHID, thread, ITER);
 }
 
+std::int64_t solve_memory(const RunState &run) {
+    int most = 0; // columns of a class
+    for (int s = 1; s <= run.sym.NSYMR; ++s)
+        most = std::max(most, run.sym.NMCLS[s]);
+    const int n = run.mesh.NEQN, columns = most + run.periods.NBETAM;
+    return method_of(run) == Method::direct ? 8ll * n * columns : iteration_memory(n, columns);
+}
+
 Status SOLVE_R(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,
                ThreadState &thread, int (&ITER)[2]) {
     if (method_of(run) != Method::direct)

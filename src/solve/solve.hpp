@@ -30,6 +30,8 @@ struct SolveRequest {
 // sides); the solution is then void.
 [[nodiscard]] Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR,
                            View<c32, 3> PHID, ThreadState &thread, int (&ITER)[2]);
+// Bytes that a solution takes in memory beside matrices and factors, while it lasts.
+std::int64_t solve_memory(const RunState &run);
 // The same for a fully filled tank, request.IRRX not 0. Failed also: ISOLVE is not 1, " Fully filled tank
 // exists, ISOLVE=1 is expected! ".
 [[nodiscard]] Status SOLVE_R(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR,
