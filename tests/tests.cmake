@@ -6,7 +6,7 @@ add_library(vorda_support INTERFACE)
 target_link_libraries(vorda_support INTERFACE vorda_run vorda_post GTest::gtest)
 target_include_directories(vorda_support INTERFACE tests/support)
 
-foreach(folder base mesh state input results post geometry freesurface rankine green assembly solve boundary cases)
+foreach(folder base mesh state input results post geometry freesurface rankine green assembly solve boundary exchange cases)
   file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
   add_executable(test_${folder} ${sources})
   target_link_libraries(test_${folder} PRIVATE vorda_support GTest::gtest_main)
@@ -16,7 +16,10 @@ foreach(folder base mesh state input results post geometry freesurface rankine g
   gtest_discover_tests(test_${folder} DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
-foreach(folder mesh post cases)
+foreach(folder exchange cases)
+  target_link_libraries(test_${folder} PRIVATE vorda_exchange)
+endforeach()
+foreach(folder mesh post exchange cases)
   add_dependencies(test_${folder} vorda vorda-mesh vorda-p2f)
 endforeach()
 # Allocations are refused by a library in front of the C library; the sanitizers have their own there.

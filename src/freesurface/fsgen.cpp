@@ -266,3 +266,11 @@ Status FSGEN(double PSCALE, const std::vector<std::string> &idf_names, RunState 
     }
     return Status::ok;
 }
+
+Status fill_waterline(const std::vector<WaterSide> &sides, SurfacePlanes planes, double PSCALE,
+                      std::int64_t limit, SurfacePanels &panels) {
+    WaterlineContours line;
+    if (!WLSORT(sides, planes, line))
+        return MSGOUT("Waterline panels do not form a closed contour");
+    return make_front({sides, line, PSCALE, limit}, planes, panels);
+}

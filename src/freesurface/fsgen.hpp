@@ -1,6 +1,7 @@
 // Interior free-surface panels generated from the waterline.
 #pragma once
 
+#include "freesurface/surface_panels.hpp"
 #include "state/state.hpp"
 
 #include <string>
@@ -14,3 +15,9 @@
 // mean sides of the waterline. Failed: the waterline is open, the front makes more than 2 NEQNB panels, no
 // memory, or the file cannot be written.
 [[nodiscard]] Status FSGEN(double PSCALE, const std::vector<std::string> &idf_names, RunState &run);
+
+// Fills the area inside a waterline by the front: `sides` are those of all waterline panels of a body, in the
+// order of their vertices, PSCALE as above, `limit` the most panels. Failed: the waterline is open, too many
+// panels, or less than 95 per cent is covered.
+[[nodiscard]] Status fill_waterline(const std::vector<WaterSide> &sides, SurfacePlanes planes, double PSCALE,
+                                    std::int64_t limit, SurfacePanels &panels);

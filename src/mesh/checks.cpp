@@ -1,6 +1,7 @@
 #include "mesh/checks.hpp"
 
 #include "mesh/edges.hpp"
+#include "mesh/vectors.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -20,11 +21,6 @@ constexpr double BESIDE = 0.25;         // distance of the ends of two sides tha
 constexpr double ON_SIDE = 1.0e-3;      // distance of a point from a side that it lies on, in sides
 constexpr std::size_t MOST_OPEN = 2000; // open sides of which the causes are looked for
 constexpr std::size_t NAMED = 5;        // panels that a line names
-
-double distance(const BodyPoint &a, const BodyPoint &b) {
-    return std::sqrt((a[0] - b[0]) * (a[0] - b[0]) + (a[1] - b[1]) * (a[1] - b[1]) +
-                     (a[2] - b[2]) * (a[2] - b[2]));
-}
 
 std::string number(double value) {
     char text[32];
@@ -80,51 +76,11 @@ struct Check {
     }
 };
 
-// Panels by connected pieces with a sense: +1 as the first panel of the piece, -1 turned against it.
-struct Orientation {
-    std::vector<int> piece, sense;
-    int pieces = 0;
-};
-Orientation orient(const Check &c) {
-    const std::size_t n = c.mesh.panels.size();
-    std::vector<std::vector<std::pair<int, int>>> neighbours(n); // panel and whether it agrees
-    const auto link = [&](const std::vector<std::array<PanelSide, 2>> &sides, int agrees) {
-        for (const auto &[s, t] : sides) {
-            neighbours[static_cast<std::size_t>(s.panel)].push_back({t.panel, agrees});
-            neighbours[static_cast<std::size_t>(t.panel)].push_back({s.panel, agrees});
-        }
-    };
-    link(c.edges.shared, 1);
-    link(c.edges.same_sense, -1);
-    Orientation o{std::vector<int>(n, -1), std::vector<int>(n, 0), 0};
-    for (std::size_t start = 0; start < n; ++start) {
-        if (!c.closes[start] || o.piece[start] >= 0)
-            continue;
-        std::vector<std::size_t> open{start};
-        o.piece[start] = o.pieces;
-        o.sense[start] = 1;
-        while (!open.empty()) {
-            const std::size_t p = open.back();
-            open.pop_back();
-            for (const auto &[q, agrees] : neighbours[p]) {
-                const std::size_t to = static_cast<std::size_t>(q);
-                if (o.piece[to] >= 0)
-                    continue;
-                o.piece[to] = o.pieces;
-                o.sense[to] = agrees * o.sense[p];
-                open.push_back(to);
-            }
-        }
-        ++o.pieces;
-    }
-    return o;
-}
-
 // Panels turned against the others of their piece; and a hull that is turned as a whole.
 void check_orientation(const Check &c, std::vector<MeshFinding> &findings) {
     std::vector<int> turned;
     if (!c.edges.same_sense.empty()) {
-        const Orientation o = orient(c);
+        const MeshPieces o = pieces_of(c.edges, c.closes);
         std::vector<int> sum(static_cast<std::size_t>(o.pieces));
         for (std::size_t p = 0; p < o.piece.size(); ++p)
             if (o.piece[p] >= 0)
@@ -307,6 +263,14 @@ void check_body(const Check &c, std::vector<MeshFinding> &findings) {
                                 ", " + number(m.volume[1]) + ", " + number(m.volume[2]) + " ULEN^3",
                             {},
                             "the surface is open, or panels are turned"});
+    std::vector<int> sunk;
+    for (std::size_t p = 0; p < c.mesh.panels.size() && c.mesh.depth > 0; ++p) {
+        const auto &at = c.mesh.panels[p].at;
+        if (std::any_of(at.begin(), at.end(),
+                        [&](const BodyPoint &v) { return v[2] < -c.mesh.depth - IN_SURFACE * c.size; }))
+            sunk.push_back(static_cast<int>(p));
+    }
+    add(findings, {"panels below the bottom", {}, "check the depth, and the height of the body"}, sunk);
     if (!c.mesh.tank && m.high[2] < 0 && m.high[2] > -NEAR_SURFACE * m.mean && c.limits.treated)
         findings.push_back({"the top of the body lies " + number(-m.high[2]) +
                                 " ULEN below z = 0: it has no waterline, and gets no interior panels",

@@ -1,5 +1,7 @@
 #include "mesh/edges.hpp"
 
+#include "mesh/vectors.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -20,10 +22,8 @@ struct CellHash {
 };
 
 double distance2(const BodyPoint &a, const BodyPoint &b) {
-    double d = 0;
-    for (std::size_t c = 0; c < 3; ++c)
-        d += (a[c] - b[c]) * (a[c] - b[c]);
-    return d;
+    const BodyPoint d = minus(a, b);
+    return dot(d, d);
 }
 
 // The points found so far, by the cell that they lie in.
@@ -81,6 +81,19 @@ MergedVertices merge_vertices(const std::vector<BodyPanel> &panels, double toler
     return merged;
 }
 
+std::vector<int> merge_points(const std::vector<BodyPoint> &points, double tolerance) {
+    std::vector<BodyPoint> kept;
+    std::vector<int> of_kept, merged;
+    PointGrid grid(tolerance, kept);
+    for (const BodyPoint &p : points) {
+        const std::size_t number = static_cast<std::size_t>(grid.number(p));
+        if (number == of_kept.size())
+            of_kept.push_back(static_cast<int>(merged.size()));
+        merged.push_back(of_kept[number]);
+    }
+    return merged;
+}
+
 MeshEdges edges_of(const MergedVertices &vertices, const std::vector<bool> &counts) {
     std::vector<PanelSide> sides;
     for (std::size_t p = 0; p < vertices.of_panel.size(); ++p) {
@@ -109,4 +122,39 @@ MeshEdges edges_of(const MergedVertices &vertices, const std::vector<bool> &coun
         first = last;
     }
     return edges;
+}
+
+MeshPieces pieces_of(const MeshEdges &edges, const std::vector<bool> &counts) {
+    const std::size_t n = counts.size();
+    std::vector<std::vector<std::pair<int, int>>> neighbours(n); // panel and whether it agrees
+    const auto link = [&](const std::vector<std::array<PanelSide, 2>> &sides, int agrees) {
+        for (const auto &[s, t] : sides) {
+            neighbours[static_cast<std::size_t>(s.panel)].push_back({t.panel, agrees});
+            neighbours[static_cast<std::size_t>(t.panel)].push_back({s.panel, agrees});
+        }
+    };
+    link(edges.shared, 1);
+    link(edges.same_sense, -1);
+    MeshPieces o{std::vector<int>(n, -1), std::vector<int>(n, 0), 0};
+    for (std::size_t start = 0; start < n; ++start) {
+        if (!counts[start] || o.piece[start] >= 0)
+            continue;
+        std::vector<std::size_t> open{start};
+        o.piece[start] = o.pieces;
+        o.sense[start] = 1;
+        while (!open.empty()) {
+            const std::size_t p = open.back();
+            open.pop_back();
+            for (const auto &[q, agrees] : neighbours[p]) {
+                const std::size_t to = static_cast<std::size_t>(q);
+                if (o.piece[to] >= 0)
+                    continue;
+                o.piece[to] = o.pieces;
+                o.sense[to] = agrees * o.sense[p];
+                open.push_back(to);
+            }
+        }
+        ++o.pieces;
+    }
+    return o;
 }

@@ -3,13 +3,15 @@
 
 #include "mesh/body_mesh.hpp"
 
-// Vertices nearer to each other than `tolerance` are one: for each vertex of each panel the number of its
-// point, from 0. Method: a spatial hash.
+// Panels by the points that they share: for each vertex of each panel the number of its point, from 0.
 struct MergedVertices {
     std::vector<std::array<int, 4>> of_panel;
     std::vector<BodyPoint> points;
 };
+// Vertices nearer to each other than `tolerance` are one. Method: a spatial hash.
 MergedVertices merge_vertices(const std::vector<BodyPanel> &panels, double tolerance);
+// For each point the number of the first one that it is merged with, itself when there is none.
+std::vector<int> merge_points(const std::vector<BodyPoint> &points, double tolerance);
 
 // A side of panel `panel` (from 0) from point a to point b.
 struct PanelSide {
@@ -26,3 +28,11 @@ struct MeshEdges {
 };
 // Of the panels for which `counts` is true.
 MeshEdges edges_of(const MergedVertices &vertices, const std::vector<bool> &counts);
+
+// The panels by connected pieces, for those that count (else -1 and 0): the number of the piece, from 0, and
+// the sense, 1 as the first panel of the piece, -1 turned against it.
+struct MeshPieces {
+    std::vector<int> piece, sense;
+    int pieces = 0;
+};
+MeshPieces pieces_of(const MeshEdges &edges, const std::vector<bool> &counts);

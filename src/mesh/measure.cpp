@@ -1,22 +1,9 @@
-#include "mesh/body_mesh.hpp"
+#include "mesh/vectors.hpp"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
-
-BodyPoint minus(const BodyPoint &a, const BodyPoint &b) {
-    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
-}
-double dot(const BodyPoint &a, const BodyPoint &b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-BodyPoint cross(const BodyPoint &a, const BodyPoint &b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-double length(const BodyPoint &a) {
-    return std::sqrt(dot(a, a));
-}
 
 // Sums over triangles of a surface: the integral over each of a polynomial of the second degree is a third of
 // the area times the sum of its values at the middles of the sides.

@@ -1,5 +1,7 @@
 #include "mesh/projection.hpp"
 
+#include "mesh/vectors.hpp"
+
 #include <algorithm>
 #include <cmath>
 
@@ -7,10 +9,6 @@ namespace {
 
 constexpr double DEGREES = 0.017453292519943295;
 constexpr double AWAY = 2.5; // distance of the eye, over the diagonal of what is seen
-
-double dot(const BodyPoint &a, const BodyPoint &b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
 
 } // namespace
 

@@ -183,11 +183,15 @@ double NearDrift::total(std::size_t component) const {
 
 bool form_near_drift(const P2fFile &p2f, int t, Motions xi, std::vector<std::vector<NearDrift>> &drift,
                      std::string &error) {
+    return form_near_drift(p2f, t, xi, SurfaceGradient(p2f, PanelKinds(p2f)), drift, error);
+}
+
+bool form_near_drift(const P2fFile &p2f, int t, Motions xi, const SurfaceGradient &gradient,
+                     std::vector<std::vector<NearDrift>> &drift, std::string &error) {
     error = unfit(p2f, xi);
     if (!error.empty())
         return false;
     const PanelKinds kinds(p2f);
-    const SurfaceGradient gradient(p2f, kinds);
     const std::vector<WaterlineSide> sides = waterline_sides(p2f);
     drift.assign(static_cast<std::size_t>(p2f.NBETA), {});
     for (int b = 1; b <= p2f.NBETA; ++b) {

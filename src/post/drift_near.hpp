@@ -13,6 +13,7 @@
 #pragma once
 
 #include "post/hull_state.hpp"
+#include "post/surface_gradient.hpp"
 
 #include <array>
 
@@ -30,4 +31,7 @@ struct NearDrift {
 // with velocities; plates, whose two sides the file does not tell apart; moving extra modes, of which it
 // holds the normal displacement only.
 [[nodiscard]] bool form_near_drift(const P2fFile &p2f, int t, Motions xi,
+                                   std::vector<std::vector<NearDrift>> &drift, std::string &error);
+// The same with the gradient of these panels, for many periods.
+[[nodiscard]] bool form_near_drift(const P2fFile &p2f, int t, Motions xi, const SurfaceGradient &gradient,
                                    std::vector<std::vector<NearDrift>> &drift, std::string &error);

@@ -1,6 +1,5 @@
 #include "check.hpp"
 
-#include "body_files.hpp"
 #include "mesh/report.hpp"
 
 #include <cstdio>
@@ -13,6 +12,7 @@ struct CheckRequest {
     Surroundings around;
     double wave_length = 0; // shortest wave [length], 0: none
     bool lids = false;      // a global file with body types (IFSLID)
+    bool treated = false;   // interior panels may be wanted
 };
 
 // Prints the report of one body; true when something is wrong.
@@ -24,7 +24,7 @@ bool print_body(const CheckRequest &request, const BodyFile &file) {
         std::puts(line.c_str());
     bool wrong = false;
     const std::vector<MeshFinding> findings =
-        check_mesh(mesh, {request.wave_length / L, measures.interior > 0});
+        check_mesh(mesh, {request.wave_length / L, request.treated || measures.interior > 0});
     for (const MeshFinding &finding : findings) {
         std::printf("%s %s\n", finding.wrong ? "WARNING:" : "note:", told(finding).c_str());
         wrong = wrong || finding.wrong;
@@ -34,10 +34,7 @@ bool print_body(const CheckRequest &request, const BodyFile &file) {
     return wrong;
 }
 
-int check(const CheckRequest &request) {
-    std::vector<BodyFile> bodies;
-    if (!read_body_files(request.file, request.lids, bodies))
-        return 1;
+int check(const CheckRequest &request, const std::vector<BodyFile> &bodies) {
     bool wrong = false;
     for (const BodyFile &body : bodies)
         wrong = print_body(request, body) || wrong;
@@ -45,6 +42,12 @@ int check(const CheckRequest &request) {
 }
 
 } // namespace
+
+int check_bodies(const std::vector<BodyFile> &bodies, bool treated) {
+    CheckRequest request;
+    request.treated = treated;
+    return check(request, bodies);
+}
 
 std::function<int()> add_check(CLI::App &app) {
     const auto r = std::make_shared<CheckRequest>();
@@ -54,5 +57,10 @@ std::function<int()> add_check(CLI::App &app) {
     command->add_option("--wave-length", r->wave_length, "shortest wave, to judge the panels by");
     command->add_flag("--tank", r->around.tank, "a filled tank: normals out of the fluid");
     command->add_flag("--lids", r->lids, "the global file holds BDTYP and FSDMP (IFSLID)");
-    return [=] { return command->parsed() ? check(*r) : -1; };
+    return [=] {
+        std::vector<BodyFile> bodies;
+        if (!command->parsed())
+            return -1;
+        return read_body_files(r->file, r->lids, bodies) ? check(*r, bodies) : 1;
+    };
 }

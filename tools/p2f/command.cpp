@@ -56,16 +56,7 @@ std::shared_ptr<CaseRequest> add_case(CLI::App &app) {
 }
 
 bool load_case(const CaseRequest &request, const P2fFile &p2f, LoadedCase &loaded, std::string &error) {
-    loaded.file = plain_case(p2f);
-    if (!request.file.empty() && !read_case(request.file, p2f, loaded.file, error))
-        return false;
-    const double density = request.density > 0 ? request.density : loaded.file.density;
-    if (!dimensional_scales(p2f, density, loaded.scales, error) ||
-        !form_hydrostatics(p2f, loaded.bodies, error))
-        return false;
-    for (std::size_t b = 0; b < loaded.bodies.size(); ++b)
-        loaded.masses.push_back(mass_of(loaded.file.bodies[b], loaded.bodies[b], loaded.scales.density));
-    return true;
+    return load_case(request.file, request.density, p2f, loaded, error);
 }
 
 std::shared_ptr<Convention> add_convention(CLI::App &app) {

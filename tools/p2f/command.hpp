@@ -1,7 +1,7 @@
 // The subcommands of vorda-p2f: each adds its options and returns what it does with a file.
 #pragma once
 
-#include "post/case_file.hpp"
+#include "post/loaded_case.hpp"
 #include "post/table_cells.hpp"
 
 #include <CLI/CLI.hpp>
@@ -27,6 +27,8 @@ Show set_up_impulse(CLI::App &app);
 Show set_up_drift(CLI::App &app);
 Show set_up_field(CLI::App &app);
 Show set_up_panels(CLI::App &app);
+Show set_up_export(CLI::App &app);
+Show set_up_plot(CLI::App &app);
 
 // What a command with tables is asked for.
 struct TableRequest {
@@ -50,14 +52,7 @@ struct CaseRequest {
 };
 std::shared_ptr<CaseRequest> add_case(CLI::App &app);
 
-// The case, the scales with its density, and the bodies with their masses.
-struct LoadedCase {
-    CaseFile file;
-    Scales scales;
-    std::vector<BodyHydrostatics> bodies;
-    std::vector<BodyMass> masses;
-};
-// False, with the reason in `error`.
+// The case that was asked for. False, with the reason in `error`.
 [[nodiscard]] bool load_case(const CaseRequest &request, const P2fFile &p2f, LoadedCase &loaded,
                              std::string &error);
 

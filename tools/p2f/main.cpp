@@ -16,6 +16,8 @@ constexpr Command COMMANDS[] = {
     {"field", "elevation, pressure and velocity at points of the fluid", set_up_field},
     {"panels", "pressures and velocities on the hull, run-up, loads in sections", set_up_panels},
     {"impulse", "impulse responses for the time domain", set_up_impulse},
+    {"export", "all results for other programs: NetCDF, HDF5, VTK, CSV, JSON", set_up_export},
+    {"plot", "pictures of coefficients, forces, motions and drift", set_up_plot},
 };
 
 } // namespace

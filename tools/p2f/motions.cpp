@@ -33,9 +33,7 @@ Show set_up_motions(CLI::App &app) {
             made.push_back(rao_table(p2f, of.scales, xi, *convention));
             made[0].notes.insert(made[0].notes.end(), system.notes.begin(), system.notes.end());
             if (request->file.empty())
-                made[0].notes.emplace_back(
-                    "No case file: each body has the mass of the water it displaces, its centre in the "
-                    "free surface, estimated radii of gyration.");
+                made[0].notes.emplace_back(NO_CASE_NOTE);
             if (!of.file.points.empty())
                 made.push_back(point_table(p2f, of.scales, of.file, xi, *convention));
         }

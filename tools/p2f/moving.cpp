@@ -72,8 +72,6 @@ bool move_bodies(const MovingRequest &request, const P2fFile &p2f, MovingBodies 
     if (!solve_motions(p2f, bodies, error))
         return false;
     if (request.of_case->file.empty())
-        bodies.notes.emplace_back(
-            "No case file: each body has the mass of the water it displaces, its centre in the "
-            "free surface, estimated radii of gyration.");
+        bodies.notes.emplace_back(NO_CASE_NOTE);
     return true;
 }

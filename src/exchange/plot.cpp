@@ -1,0 +1,85 @@
+#include "exchange/plot.hpp"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+bool has_gnuplot() {
+    return std::system("gnuplot --version >/dev/null 2>&1") == 0;
+}
+
+// One process draws all figures.
+bool draw(const std::string &script) {
+    std::FILE *gnuplot = popen("gnuplot >/dev/null 2>&1", "w");
+    if (gnuplot == nullptr)
+        return false;
+    const bool sent = std::fwrite(script.data(), 1, script.size(), gnuplot) == script.size();
+    return pclose(gnuplot) == 0 && sent;
+}
+
+// gnuplot does not tell of a full disk: the end of the picture does.
+bool is_whole(const std::filesystem::path &file, bool png) {
+    std::ifstream in(file, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(in), {}};
+    const std::string end = png ? "IEND" : "</svg>";
+    constexpr std::size_t TAIL = 16;
+    return text.size() > TAIL && text.find(end, text.size() - TAIL) != std::string::npos;
+}
+
+} // namespace
+
+bool write_plots(const DataSet &data, PlotRequest &request, std::string &error) {
+    namespace fs = std::filesystem;
+    for (const int b : request.headings)
+        if (b < 1 || b > data.p2f->NBETA || data.headings.empty()) {
+            error = "the run has no heading " + std::to_string(b) + ", it has " +
+                    std::to_string(data.headings.size());
+            return false;
+        }
+    std::signal(SIGPIPE, SIG_IGN); // what gnuplot does not take is a message, too
+    if (!has_gnuplot()) {
+        error = "pictures are drawn by the program gnuplot: install gnuplot-nox";
+        return false;
+    }
+    fs::path folder = request.folder;
+    if (!folder.has_filename()) // "out/"
+        folder = folder.parent_path();
+    const fs::path made = folder.string() + ".part";
+    std::error_code fault;
+    fs::remove_all(made, fault);
+    if (!fs::create_directory(made, fault)) {
+        error = made.string() + " cannot be made: " + fault.message();
+        return false;
+    }
+    const std::vector<PlotFigure> figures = figures_of(data, request);
+    std::string script;
+    std::vector<std::string> names;
+    for (const PlotFigure &figure : figures) {
+        names.push_back(figure.name + (request.png ? ".png" : ".svg"));
+        script += "reset\n" + gnuplot_script(figure, request, (made / names.back()).string());
+    }
+    bool good = draw(script);
+    for (const std::string &name : names)
+        good = good && is_whole(made / name, request.png);
+    if (!good)
+        error = "the pictures cannot be written to " + made.string() + ": no space left, or gnuplot failed";
+    fs::create_directory(folder, fault);
+    for (const std::string &name : names)
+        if (good && !fault) {
+            fs::rename(made / name, folder / name, fault);
+            request.written.push_back((folder / name).string());
+        }
+    if (good && fault) {
+        error = folder.string() + " cannot be written: " + fault.message();
+        good = false;
+    }
+    std::error_code ignored;
+    fs::remove_all(made, ignored);
+    if (!good)
+        fs::remove(folder, ignored); // when it is empty
+    return good;
+}
