@@ -32,6 +32,8 @@ inline int guarded(int argc, char **argv, const char *name, int (*program)(int, 
         return program(argc, argv);
     } catch (const std::bad_alloc &) {
         std::fprintf(stderr, "%s: RAM too small\n", name);
+    } catch (const std::exception &fault) { // of a library
+        std::fprintf(stderr, "%s: %s\n", name, fault.what());
     }
     return 1;
 }
