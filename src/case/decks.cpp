@@ -176,7 +176,8 @@ bool make_plan(const RunCase &run, const std::vector<Outline> &bodies, CasePlan 
                            "irregular = \"auto\"");
         return false;
     }
-    const bool made = !given && surface && run.irregular == "auto";
+    // The made panels need whole waterlines; at a wall the report tells that irregular frequencies are left.
+    const bool made = !given && surface && run.irregular == "auto" && run.bodies[0].wall == 0;
     plan.IRR = made ? 3 : !given || with == nullptr ? 0 : plan.ISOR == 1 ? 4 : 1;
     plan.periods = static_cast<int>(run.waves.size()) + (run.limits ? 2 : 0);
     const bool keeps = keeps_symmetry(run, bodies);

@@ -97,6 +97,35 @@ TEST(VordaRun, MakesAgainWhatChangedAlone) {
     EXPECT_TRUE(tells(again, "case.p2f")) << again.text;
 }
 
+TEST(VordaRun, WritesWhatIsAskedForInAnyPlace) {
+    struct Row {
+        const char *body, *more; // in [[body]]; other tables
+    };
+    // Beside a wall, cut by it, submerged at a place of its own and turned, and solved by iteration.
+    const Row rows[] = {
+        {"maker = 'box'\npart = 'full'\nwall = 'x'\nplace = [1.5, 0, 0]\n", ""},
+        {"maker = 'box'\nwall = 'y'\n", ""},
+        {"maker = 'closed-box'\nsizes = {depth = 1}\nplace = [3, 1, -0.5]\nheading = 30\n", ""},
+        {"maker = 'cylinder'\nsizes = {lid = true}\n",
+         "[treatment]\nsolver = 'iterative'\nsources = 'off'\n"},
+    };
+    const TemporaryFolder folder;
+    for (const Row &row : rows) {
+        folder.write("case.toml",
+                     std::string("[waves]\nfrequencies = [2, 1.5, 1]\nheadings = [0, 30]\n[[body]]\n") +
+                         row.body + row.more +
+                         "[outputs]\nreport = false\nnetcdf = true\nhdf5 = true\nvtu = true\ncsv = true\n"
+                         "points = [[8, 3, 0], [8, 3, -2]]\n");
+        const Answer answer = command(folder, "vorda-run case.toml");
+        ASSERT_EQ(answer.code, 0) << row.body << answer.text;
+        for (const char *name : {"results.nc", "results.h5", "hull.vtu", "tables/motions_raos.csv"})
+            EXPECT_TRUE(folder.exists(std::string("case.run/") + name)) << row.body << name;
+        const std::string field = folder.read("case.run/field.csv");
+        EXPECT_EQ(std::count(field.begin(), field.end(), '\n'), 1 + 3 * 2 * 2) << row.body << field;
+        EXPECT_FALSE(folder.exists("case.run/report.html"));
+    }
+}
+
 TEST(VordaRun, WritesACaseForAHullThatRuns) {
     const TemporaryFolder folder;
     ASSERT_EQ(command(folder,

@@ -15,9 +15,7 @@ int print(const std::string &text) {
     return std::fflush(stdout) == 0 ? 0 : 1;
 }
 
-} // namespace
-
-int main(int argc, char **argv) {
+int follow(int argc, char **argv) {
     CLI::App app("Makes a run of a case file, solves it and writes a report and other files to CASE.run/.\n"
                  "docs/case-file.md explains case files.",
                  "vorda-run");
@@ -51,4 +49,10 @@ int main(int argc, char **argv) {
         return 1;
     }
     return run_case(request);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    return guarded(argc, argv, "vorda-run", follow);
 }
