@@ -326,6 +326,7 @@ TEST(FiniteDepth, ResultDependsOnThePointAlone) {
         std::vector<int> place(points.size());
         std::iota(place.begin(), place.end(), 0);
         std::shuffle(place.begin(), place.end(), random);
-        expect_result_depends_on_point_alone(points, place, H, state_of(H));
+        for (const GreenPath path : {GreenPath::best, GreenPath::sorted})
+            expect_result_depends_on_point_alone(points, place, H, state_of(H), path);
     }
 }
