@@ -197,16 +197,18 @@ template <bool SECOND, bool WAVES>
         const f32 g = Y < 0.5f ? series : 1 - exy;
         // M = 2 - exp(-Y) 2 J0, the factor that the added logarithm leaves of it; small at small r1.
         const f32 M = g * J - Jm;
-        const f32 L = logf(s), px = X * rinv / s;
-        const f32 G = (apart * r1 * p.B - Q) * (1 - g) + M * L, GZ = 2 * L - G;
-        const f32 GR = M * px + apart * ((((r1 * BX - V) + p.B * X * rinv) + L * W) * (1 - g));
+        const f32 L = logf(s), px = X * rinv / s, h = 1 - g, smooth = apart * r1 * p.B - Q;
+        const f32 inner = apart * ((r1 * BX - V) + p.B * X * rinv + L * W);
+        // G_z = 2 L - G and its like with 2 - M = h J: as differences they would lose their digits.
+        const f32 G = smooth * h + M * L, GZ = (J * L - smooth) * h;
+        const f32 GR = M * px + inner * h;
         b.re[G_][k] = G;
         b.re[G_R][k] = GR;
         b.re[G_Z][k] = GZ;
         b.re[G_ZETA][k] = GZ;
         if constexpr (SECOND) {
-            b.re[G_RZ][k] = 2 * px - GR;
-            b.re[G_RZETA][k] = 2 * px - GR;
+            b.re[G_RZ][k] = (J * px - inner) * h;
+            b.re[G_RZETA][k] = (J * px - inner) * h;
             b.re[G_ZZ][k] = 2 * rinv - GZ;
             b.re[G_ZZETA][k] = 2 * rinv - GZ;
         }

@@ -207,11 +207,13 @@ VORDA_WIDE RealLanes beyond_tail(Lanes X, Lanes Y, Lanes B, Lanes BX, Lanes W, L
     return {-fma(all(2), rinv, FY), fma(all(2) * X, i3, NX), FY, -NX, fma(all(2) - rest, i3, N)};
 }
 
-// G, G_R, G_z and the two of the second order by z of X <= 3, Y < 4 with the logarithm taken out.
+// With the logarithm taken out, X <= 3, Y < 4.
 struct TakenLanes {
-    Lanes G, GR, GZ, px;
+    Lanes G, GR, GZ, GRZ;
 };
 
+// M = 2 - exp(-Y) 2 J0 is what the added logarithm leaves of its factor, small at small r1. 2 - M comes as
+// exp(-Y) 2 J0: in G_z = 2 L - G and its like the digits would go.
 VORDA_WIDE TakenLanes taken_out(Lanes X, Lanes Y, const TableLanes &p, const AxisLanes &axis, Lanes Q,
                                 Lanes V, Lanes BX, Lanes r1, Lanes rinv, Lanes L, Lanes sinv, Lanes exy,
                                 Mask apart) {
@@ -219,13 +221,14 @@ VORDA_WIDE TakenLanes taken_out(Lanes X, Lanes Y, const TableLanes &p, const Axi
                                1 / 120.0f, -1 / 720.0f, 1 / 5040.0f, -1 / 40320.0f};
     const Mask low = _mm512_cmp_ps_mask(Y, all(0.5f), _CMP_LT_OQ);
     const Lanes g = select(low, Y * polynomial(SERIES, Y), all(1) - exy), h = all(1) - g;
-    const Lanes M = fma(g, axis.J, -axis.Jm), px = X * rinv * sinv;
-    const Lanes G = fma(M, L, fma(r1, p.B, -Q) * h);
-    const Lanes inner = fma(L, axis.W, fma(p.B, X * rinv, fma(r1, BX, -V)));
-    return {G, fma(M, px, _mm512_maskz_mul_ps(apart, inner, h)), fma(all(2), L, -G), px};
+    const Lanes M = fma(g, axis.J, -axis.Jm), px = X * rinv * sinv, smooth = fma(r1, p.B, -Q);
+    const Lanes any = fma(L, axis.W, fma(p.B, X * rinv, fma(r1, BX, -V))),
+                inner = _mm512_maskz_mov_ps(apart, any);
+    return {fma(M, L, smooth * h), fma(M, px, inner * h), fma(axis.J, L, -smooth) * h,
+            fma(axis.J, px, -inner) * h};
 }
 
-// Adds s / sqrt(X^2 + D^2) to the lanes of 1/r.
+// Adds 1 / sqrt(X^2 + D^2) to the lanes of 1/r.
 template <bool SECOND> VORDA_WIDE void add_direct(Mask m, Lanes X, Lanes D, Lanes (&re)[GREEN_VALUES]) {
     const Lanes r2 = select(m, fma(X, X, D * D), all(1)), i1 = all(1) / root(r2), i2 = i1 * i1, i3 = i2 * i1;
     re[G_] = _mm512_mask_add_ps(re[G_], m, re[G_], i1);
@@ -243,9 +246,9 @@ template <bool SECOND> VORDA_WIDE void add_direct(Mask m, Lanes X, Lanes D, Lane
 
 // Sixteen points. `re` and `im`: the values that the order asks for.
 template <bool SECOND>
-VORDA_WIDE void deep_lanes(Lanes X, Lanes Z, Lanes ZETA, Integers ISNG, Lanes (&re)[GREEN_VALUES],
+VORDA_WIDE void deep_lanes(Lanes X, Lanes Y, Lanes D, Integers ISNG, Lanes (&re)[GREEN_VALUES],
                            Lanes (&im)[GREEN_VALUES]) {
-    const Lanes zero = _mm512_setzero_ps(), Y = Z + ZETA;
+    const Lanes zero = _mm512_setzero_ps();
     Kinds kind;
     kind.far = _mm512_cmp_ps_mask(X, all(3), _CMP_GT_OQ);
     kind.deep = _mm512_cmp_ps_mask(Y, all(4), _CMP_GE_OQ);
@@ -257,8 +260,9 @@ VORDA_WIDE void deep_lanes(Lanes X, Lanes Z, Lanes ZETA, Integers ISNG, Lanes (&
     const Mask shallow = kind.shallow();
 
     // Row and local variables; a NaN takes the second operand of min and max, and so a valid row.
-    const Lanes xinv = all(1) / _mm512_max_ps(X, all(3)), w = all(15) * xinv, x3 = X * all(1 / 3.0f),
-                a = x3 * x3;
+    const Lanes far_X = _mm512_max_ps(X, all(3)), xinv = all(1) / far_X, w_about = all(15) * xinv;
+    const Lanes w = fma(fnma(w_about, far_X, all(15)), xinv, w_about); // 15/X to its last digit
+    const Lanes x3 = X * all(1 / 3.0f), a = x3 * x3;
     const Lanes over = all(16) / _mm512_max_ps(Y, all(4));
     const Integers band_shallow = whole(_mm512_min_ps(_mm512_max_ps(Y, zero), all(3)));
     const Integers band_deep = whole(_mm512_min_ps(over, all(3))), step = whole(_mm512_min_ps(w, all(4)));
@@ -272,9 +276,11 @@ VORDA_WIDE void deep_lanes(Lanes X, Lanes Z, Lanes ZETA, Integers ISNG, Lanes (&
     const TableLanes p = table(rows, v, t);
     const Lanes BX = p.slope * select(kind.far, all(-15) * xinv * xinv, all(2 / 3.0f) * x3);
 
-    const Lanes r1 = root(fma(X, X, Y * Y));
-    const Mask apart = _mm512_cmp_ps_mask(r1, all(TINY_R1), _CMP_GT_OQ);
-    const Lanes rinv = _mm512_maskz_div_ps(apart, all(1), r1), i2 = rinv * rinv, i3 = i2 * rinv;
+    const Lanes r2 = fma(X, X, Y * Y);
+    const Mask apart = _mm512_cmp_ps_mask(r2, all(TINY_R1 * TINY_R1), _CMP_GT_OQ);
+    const Lanes i2 = _mm512_maskz_div_ps(apart, all(1), r2), rinv = root(i2), i3 = i2 * rinv;
+    // The root of r2, with one step for its last digit.
+    const Lanes r1_about = r2 * rinv, r1 = fma(fnma(r1_about, r1_about, r2), all(0.5f) * rinv, r1_about);
     const Lanes exy = exponential(-_mm512_min_ps(Y, all(MAX_DEPTH)));
 
     // Waves and imaginary parts.
@@ -339,7 +345,7 @@ VORDA_WIDE void deep_lanes(Lanes X, Lanes Z, Lanes ZETA, Integers ISNG, Lanes (&
         re[G_R] = select(m, g.GR, re[G_R]);
         re[G_Z] = select(m, g.GZ, re[G_Z]);
         if constexpr (SECOND) {
-            re[G_RZ] = select(m, fma(all(2), g.px, -g.GR), re[G_RZ]);
+            re[G_RZ] = select(m, g.GRZ, re[G_RZ]);
             re[G_ZZ] = select(m, fma(all(2), rinv, -g.GZ), re[G_ZZ]);
         }
     }
@@ -364,11 +370,13 @@ VORDA_WIDE void deep_lanes(Lanes X, Lanes Z, Lanes ZETA, Integers ISNG, Lanes (&
         im[G_ZZ] = im[G_ZZETA] = -wave.J0;
     }
     if (kind.direct != 0)
-        add_direct<SECOND>(kind.direct, X, Z - ZETA, re);
+        add_direct<SECOND>(kind.direct, X, D, re);
 }
 
+// The values in the order in which they are worked out: four of the first order, four of the second.
+constexpr GreenValue VALUES[GREEN_VALUES] = {G_, G_R, G_Z, G_ZETA, G_RZ, G_ZZ, G_ZZETA, G_RZETA};
+
 template <bool SECOND> VORDA_WIDE void deep_points(const GreenPoints &p, const GreenArrays &result) {
-    constexpr GreenValue VALUES[GREEN_VALUES] = {G_, G_R, G_Z, G_ZETA, G_RZ, G_ZZ, G_ZZETA, G_RZETA};
     for (int i = 0; i < p.n; i += LANES) {
         const int rest = p.n - i;
         const Mask m = rest < LANES ? static_cast<Mask>((1u << rest) - 1) : static_cast<Mask>(0xffff);
@@ -377,7 +385,7 @@ template <bool SECOND> VORDA_WIDE void deep_points(const GreenPoints &p, const G
         const Lanes ZETA = _mm512_maskz_loadu_ps(m, p.ZETA + i);
         const Integers ISNG = _mm512_mask_loadu_epi32(_mm512_set1_epi32(2), m, p.ISNG + i);
         Lanes re[GREEN_VALUES], im[GREEN_VALUES];
-        deep_lanes<SECOND>(X, Z, ZETA, ISNG, re, im);
+        deep_lanes<SECOND>(X, Z + ZETA, Z - ZETA, ISNG, re, im);
 #pragma GCC unroll 8
         for (int j = 0; j < (SECOND ? 8 : 4); ++j) {
             _mm512_mask_storeu_ps(result.re[VALUES[j]] + i, m, re[VALUES[j]]);

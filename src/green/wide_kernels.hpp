@@ -1,5 +1,5 @@
-// The Green function of deep water for processors with AVX-512: points in their order, sixteen at a time,
-// each lane with its own row of the table.
+// The Green function of deep water for processors with AVX-512: points in their order,
+// sixteen at a time, each lane with its own row of the table.
 #pragma once
 
 #include "green/vgrn98.hpp"
