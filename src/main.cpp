@@ -1,6 +1,7 @@
 #include "base/address_space.hpp"
 #include "run/driver.hpp"
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <sched.h>
@@ -36,8 +37,28 @@ void check_address_space(int, char **, char **environment) {
 [[gnu::section(".preinit_array"), gnu::used]] void (*const before_libraries)(int, char **,
                                                                              char **) = check_address_space;
 
+// Help and version touch nothing; other arguments count for nothing, since the files tell all.
+bool told(const char *argument) {
+    if (std::strcmp(argument, "--version") == 0)
+        std::puts("vorda " VORDA_VERSION);
+    else if (std::strcmp(argument, "--help") == 0 || std::strcmp(argument, "-h") == 0)
+        std::puts("Finds the velocity potentials of ships and offshore structures in waves.\n"
+                  "Usage: vorda\n\n"
+                  "It works in the current folder: reads fnames.vrd, or asks, for the names of the\n"
+                  "geometry and the control file and config.vrd for its settings, and leaves NAME.p2f\n"
+                  "and the report vorda.lis. OMP_NUM_THREADS limits the threads. The exit code is\n"
+                  "always 0: the report, and for a failed run standard error, tell how it ended.\n\n"
+                  "  -h,--help    prints this text\n"
+                  "  --version    prints the version");
+    else
+        return false;
+    return true;
+}
+
 } // namespace
 
-int main() {
+int main(int argc, char **argv) {
+    if (argc == 2 && told(argv[1]))
+        return 0;
     run_solver();
 }

@@ -47,10 +47,11 @@ std::vector<NamedTable> tables_of(const DataSet &data) {
         tables.push_back({"forces", added_mass_table(p2f, scales, data.R, {})});
     if (!data.xi.empty()) {
         tables.push_back({"motions", rao_table(p2f, scales, data.xi, plus)});
+        const PointWaves waves = form_point_waves(p2f, of.file, data.xi);
         if (!of.file.points.empty())
-            tables.push_back({"motions", point_table(p2f, scales, of.file, data.xi, plus)});
+            tables.push_back({"motions", point_table(p2f, scales, of.file, {data.xi, waves}, plus)});
         if (!of.file.spectra.empty())
-            tables.push_back({"motions", sea_table(p2f, scales, of.file, data.xi)});
+            tables.push_back({"motions", sea_table(p2f, scales, of.file, {data.xi, waves})});
     }
     if (!data.natural.empty())
         tables.push_back({"motions", natural_table(p2f, data.natural)});

@@ -187,8 +187,9 @@ class Figures {
                         phase{"phase, " + mode_name({body, number}), "deg", {}, PlotPanel::Range::degrees};
                     const double least = NOTHING * largest[turn], unit = turn == 1 ? angle : 1;
                     for (const int b : headings_) {
-                        size.curves.push_back(
-                            curve(heading_name(b), [&](int t) { return unit * std::abs(values(m, b, t)); }));
+                        size.curves.push_back(curve(heading_name(b), [&](int t) {
+                            return unit * without_round_off(std::abs(values(m, b, t)), largest[turn]);
+                        }));
                         phase.curves.push_back(curve(heading_name(b), [&](int t) {
                             return std::abs(values(m, b, t)) > least ? std::arg(values(m, b, t)) * DEGREES
                                                                      : NONE;
@@ -274,6 +275,20 @@ class Figures {
 };
 
 } // namespace
+
+bool has_even_frequencies(const DataSet &data) {
+    constexpr std::size_t FEW = 8; // that may be even by chance
+    constexpr double EVEN = 0.01;
+    if (data.waves.size() < FEW)
+        return false;
+    const auto omega = [&](std::size_t k) { return omega_of(*data.p2f, data.waves[k]); };
+    const double step =
+        (omega(data.waves.size() - 1) - omega(0)) / static_cast<double>(data.waves.size() - 1);
+    for (std::size_t k = 1; k < data.waves.size(); ++k)
+        if (std::abs(omega(k) - omega(k - 1) - step) > EVEN * step)
+            return false;
+    return true;
+}
 
 std::vector<PlotFigure> figures_of(const DataSet &data, const PlotRequest &request) {
     return Figures(data, request).make();

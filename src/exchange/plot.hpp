@@ -31,6 +31,10 @@ struct PlotFigure {
     std::string note; // beneath
 };
 
+// True: the run asks for many frequencies of equal step, which a time-domain program needs; over the period
+// they crowd at one end.
+bool has_even_frequencies(const DataSet &data);
+
 // Added mass and damping of groups of modes with all bodies, the largest couplings; force and motion of each
 // body with the headings as curves; drift.
 std::vector<PlotFigure> figures_of(const DataSet &data, const PlotRequest &request);

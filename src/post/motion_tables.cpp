@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <limits>
 
 namespace {
 
@@ -17,13 +19,18 @@ View<const c64, 1> column(const P2fFile &p2f, const Array<c64, 3> &xi, int headi
     return {&xi(1, heading, period), {Range(p2f.NMODES)}};
 }
 
-// Displacement of a point along x, y, z and against the incident wave.
-std::array<c64, 4> of_point(const P2fFile &p2f, const CasePoint &point, const Array<c64, 3> &xi, int heading,
-                            int period) {
-    const std::array<c64, 3> x = point_motion(p2f, point, column(p2f, xi, heading, period));
-    return {x[0], x[1], x[2], incident_elevation(p2f, point, heading, period) - x[2]};
+constexpr const char *DIRECTIONS[] = {"x", "y", "z", "relative elevation", "relative to the incident wave"};
+
+// Displacement of point k of the case, from 0, in these directions.
+std::array<c64, std::size(DIRECTIONS)> of_point(const P2fFile &p2f, const CaseFile &file, std::size_t k,
+                                                const MovingPoints &moving, int heading, int period) {
+    const std::array<c64, 3> x = point_motion(p2f, file.points[k], column(p2f, moving.xi, heading, period));
+    constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
+    const c64 wave = moving.waves.none.empty()
+                         ? moving.waves.elevation(static_cast<int>(k) + 1, heading, period)
+                         : c64(NONE, NONE);
+    return {x[0], x[1], x[2], wave - x[2], incident_elevation(p2f, file.points[k], heading, period) - x[2]};
 }
-constexpr const char *DIRECTIONS[] = {"x", "y", "z", "relative elevation"};
 
 } // namespace
 
@@ -64,7 +71,7 @@ Table rao_table(const P2fFile &p2f, const Scales &scales, const Array<c64, 3> &x
     return table;
 }
 
-Table point_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, const Array<c64, 3> &xi,
+Table point_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, const MovingPoints &moving,
                   const Convention &convention) {
     Table table;
     table.name = "points";
@@ -79,16 +86,16 @@ Table point_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file
     table.columns.push_back({"acceleration", L + "/s^2/" + L, Look::scientific});
     for (int t = 1; t <= p2f.NPER; ++t)
         for (int b = 1; frequency_kind(p2f, t) == Frequency::wave && b <= p2f.NBETA; ++b)
-            for (const CasePoint &point : file.points) {
-                const std::array<c64, 4> moves = of_point(p2f, point, xi, b, t);
+            for (std::size_t point = 0; point < file.points.size(); ++point) {
+                const auto moves = of_point(p2f, file, point, moving, b, t);
                 double largest = 0;
                 for (const c64 x : moves)
                     largest = std::max(largest, std::abs(x));
-                for (std::size_t k = 0; k < 4; ++k) {
+                for (std::size_t k = 0; k < moves.size(); ++k) {
                     std::vector<Cell> cells;
                     add_period_cells(cells, p2f, scales, t);
                     cells.emplace_back(static_cast<double>(p2f.BETA(b)));
-                    cells.emplace_back(point.name);
+                    cells.emplace_back(file.points[point].name);
                     cells.emplace_back(DIRECTIONS[k]);
                     add_polar_cells(cells, moves[k], ROUND_OFF * largest, convention);
                     const double size = std::abs(moves[k]) <= ROUND_OFF * largest ? 0 : std::abs(moves[k]),
@@ -99,10 +106,12 @@ Table point_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file
                 }
             }
     table.notes.emplace_back(convention.note());
-    table.notes.emplace_back(
-        "Velocity is ahead of displacement by 90, acceleration by 180 degrees. The relative elevation is "
-        "that "
-        "of the incident wave less z; what the bodies scatter and radiate is not in it.");
+    table.notes.emplace_back("Velocity is ahead of displacement by 90, acceleration by 180 degrees.");
+    table.notes.push_back(
+        moving.waves.none.empty()
+            ? "The relative elevation is that of the whole wave less z; there is none where the hull is or "
+              "a panel is nearer than half its size: vorda-p2f panels has the waterline."
+            : "No relative elevation but to the incident wave: " + moving.waves.none + ".");
     for (int b = 1; b <= p2f.NBODY; ++b)
         if (p2f.NEWMDS(b) > 0)
             table.notes.push_back("The file does not tell how extra modes move a point of body " +
@@ -142,7 +151,8 @@ Table natural_table(const P2fFile &p2f, const std::vector<NaturalMode> &modes) {
     return table;
 }
 
-Table sea_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, const Array<c64, 3> &xi) {
+Table sea_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, const MovingPoints &moving) {
+    const Array<c64, 3> &xi = moving.xi;
     Table table;
     table.name = "seas";
     table.title = "Responses in irregular seas: single amplitudes";
@@ -176,12 +186,12 @@ Table sea_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, 
             add(full_mode_name(p2f, m), motion_unit(p2f, scales, m), moments[0], moments[1],
                 is_rotation(p2f, m));
         }
-        for (const CasePoint &point : file.points)
-            for (std::size_t direction = 0; direction < 4; ++direction) {
+        for (std::size_t point = 0; point < file.points.size(); ++point)
+            for (std::size_t direction = 0; direction < std::size(DIRECTIONS); ++direction) {
                 const auto moments = response_moments(p2f, spectrum, shares, [&](int b, int t) {
-                    return std::norm(of_point(p2f, point, xi, b, t)[direction]);
+                    return std::norm(of_point(p2f, file, point, moving, b, t)[direction]);
                 });
-                const std::string name = "point " + point.name + "; " + DIRECTIONS[direction];
+                const std::string name = "point " + file.points[point].name + "; " + DIRECTIONS[direction];
                 add(name, L, moments[0], moments[1], false);
                 add(name + "; velocity", L + "/s", moments[1], moments[2], false);
                 add(name + "; acceleration", L + "/s^2", moments[2], moments[3], false);

@@ -3,6 +3,7 @@
 
 #include "post/impulse.hpp"
 #include "post/natural.hpp"
+#include "post/point_waves.hpp"
 #include "post/spectra.hpp"
 #include "post/table_cells.hpp"
 
@@ -20,13 +21,19 @@ Table force_table(const P2fFile &p2f, const Scales &scales, const ExcitingForces
 Table added_mass_table(const P2fFile &p2f, const Scales &scales, const RadiationForces &R,
                        const Array<double, 3> &far_field);
 
+// The motions (NMODES,NBETA,NPER) of a case and the waves at its points.
+struct MovingPoints {
+    const Array<c64, 3> &xi;
+    const PointWaves &waves;
+};
+
 // "raos", "points", "natural", "seas".
 Table rao_table(const P2fFile &p2f, const Scales &scales, const Array<c64, 3> &xi,
                 const Convention &convention);
-Table point_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, const Array<c64, 3> &xi,
+Table point_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, const MovingPoints &moving,
                   const Convention &convention);
 Table natural_table(const P2fFile &p2f, const std::vector<NaturalMode> &modes);
-Table sea_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, const Array<c64, 3> &xi);
+Table sea_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, const MovingPoints &moving);
 
 // "check": added mass at infinite frequency both ways and what comes back. "radiation": K(t). "exciting":
 // f(t).

@@ -223,28 +223,44 @@ TEST_P(ImportedHulls, HaveTheCoefficientsOfNativePanels) {
 INSTANTIATE_TEST_SUITE_P(Files, ImportedHulls, testing::ValuesIn(IMPORTS),
                          [](const auto &row) { return "number_" + std::to_string(row.index); });
 
-// Interior panels change nothing far below the irregular frequencies: the same coefficients with and without,
-// to the mesh error.
+// The front takes the better of two triangles; where they are equal the last bit of the coordinates decides,
+// which are of single precision in a run: other diagonals here and there. Of what a lid changes near an
+// irregular frequency that is a small part.
+constexpr double OTHER_DIAGONALS = 0.1;
+
+// The lid of an import serves a run as the one that the run makes itself of the same waterline (IRR=3, by a
+// front).
 TEST(ImportedLids, ServeRunsWithInteriorPanels) {
     std::vector<SolvedRun> runs;
-    for (const char *lid : {"", " --lid", " --lid --recombine --part full"}) {
+    const Quads closed = faces_of_cells(
+        {steps({{-2, 0}, {2, 16}}), steps({{-1, 0}, {1, 8}}), steps({{-0.5, 0}, {0, 3}, {0.5, 1}})},
+        [](const BodyPoint &) { return true; });
+    struct Case {
+        const char *options;
+        int IRR, ISOR;
+    };
+    for (const auto &[options, IRR, ISOR] :
+         {Case{"", 3, 0}, Case{"", 0, 0}, Case{"--lid", 1, 0}, Case{"--lid", 1, 1}, Case{"--lid", 4, 1}}) {
         const CaseFolder folder;
         Pot pot;
-        pot.PER = "0.3 0.5";
+        pot.PER = "0.5 2.5"; // the box has an irregular frequency at 2.49
         pot.NPER = 2;
         pot.BETA = "30.0";
         pot.ILOG = 1;
-        pot.IRR = *lid == '\0' ? 0 : 1;
-        pot.ISOR = pot.IRR;
+        pot.IRR = IRR;
+        pot.ISOR = ISOR;
         prepare(folder, pot);
-        folder.write("barge.stl", stl_text(barge(3)));
-        ASSERT_EQ(folder.shell(std::string("vorda-mesh import barge.stl -o run.gdf") + lid), 0)
+        folder.write("box.stl", stl_text(closed));
+        ASSERT_EQ(folder.shell(std::string("vorda-mesh import box.stl -o run.gdf ") + options), 0)
             << folder.read("stderr.txt");
         runs.push_back(solved(folder));
     }
-    for (const std::size_t lid : {1u, 2u})
-        for (const double d : difference(runs[lid], runs[0]))
-            EXPECT_LT(d, NO_SIGN);
+    const auto largest = [&](const SolvedRun &run) {
+        const Differences all = difference(run, runs[0]);
+        return *std::max_element(all.begin(), all.end());
+    };
+    for (const std::size_t lid : {2u, 3u, 4u})
+        EXPECT_LT(largest(runs[lid]), OTHER_DIAGONALS * largest(runs[1]));
 }
 
 // What the import says of the box with a fault of the table in it. Where the code is 0, the fault is mended,

@@ -330,4 +330,35 @@ def json():
     assert set(d.variables) == set(made["variables"])
 
 
+def reader():
+    """The reader for Python users against the tables of the run."""
+    import os
+
+    sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../python"))
+    import vorda
+
+    p = vorda.read("run.p2f")
+    waves = np.flatnonzero(p.PER > 0)
+    omega = 2 * np.pi / p.PER[waves].astype(float)
+    order = np.argsort(omega)
+    A, B, X = p.coefficients()
+    assert p.NBODY == BODIES and p.XVER.shape == (4, 3, p.NEQN)
+    lines = np.unique([float(row["omega"]) for row in rows("forces.csv") if 0 < float(row["omega"]) < np.inf])
+    a, b = pairs(lines)
+    half = [(0.5 * RHO * (v + v.transpose(1, 0, 2)))[..., waves[order]].transpose(2, 0, 1) for v in (A, B)]
+    same(half[0], np.nan_to_num(a), np.nanmax(a), TABLE, "added mass")
+    same(half[1] * omega[order, None, None], np.nan_to_num(b), np.nanmax(b), TABLE, "damping")
+    forces = tables(lines, p.BETA, "forces.csv", "pressure", "pressure phase")
+    same(RHO * G * X[..., waves[order]].transpose(2, 1, 0), forces, np.max(np.abs(forces)), TABLE, "force")
+    with open("run.p2f", "rb") as whole, open("cut.p2f", "wb") as cut:
+        cut.write(whole.read()[:-100])
+    for name in ("cut.p2f", "run.gdf"):
+        try:
+            vorda.read(name)
+        except ValueError as fault:
+            assert name in str(fault)
+        else:
+            raise AssertionError(name)
+
+
 globals()[CHECK]()

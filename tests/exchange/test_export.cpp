@@ -102,7 +102,7 @@ TEST_P(Exported, IsReadByTheProgramsItIsFor) {
             << check << "\n"
             << folder.read("stderr.txt");
     };
-    for (const char *check : {"netcdf", "hdf5", "vtu", "json"})
+    for (const char *check : {"netcdf", "hdf5", "vtu", "json", "reader"})
         read(check);
     if (!animate.empty()) {
         read("points");

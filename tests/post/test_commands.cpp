@@ -59,8 +59,8 @@ TEST(Commands, ShowTheResultsOfTheLibraryInTheConventionAskedFor) {
         EXPECT_NEAR(modulus, unit * std::abs(xi(mode, 1, t)), 1e-6 * unit) << k;
         EXPECT_NEAR(std::stod(raos[k].at("phase [deg]")), -std::stod(turned[k].at("phase [deg]")), 1e-6);
     }
-    EXPECT_EQ(csv(folder, "motions --case case.toml --csv points run.p2f").size(), 3u * 4u);
-    EXPECT_EQ(csv(folder, "motions --case case.toml --csv seas run.p2f").size(), 1u + 6u + 3u * 4u);
+    EXPECT_EQ(csv(folder, "motions --case case.toml --csv points run.p2f").size(), 3u * 5u);
+    EXPECT_EQ(csv(folder, "motions --case case.toml --csv seas run.p2f").size(), 1u + 6u + 3u * 5u);
     EXPECT_EQ(csv(folder, "motions --csv natural run.p2f").size(), 3u);
     const auto exciting = csv(folder, "forces --csv exciting run.p2f");
     EXPECT_NEAR(std::stod(exciting[2].at("pressure [N m^k]")), RHO * 9.80665 * 2.4,

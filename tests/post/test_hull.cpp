@@ -3,6 +3,7 @@
 #include "cylinder_series.hpp"
 #include "free_body.hpp"
 #include "post/panels.hpp"
+#include "post/point_waves.hpp"
 #include "post/section_loads.hpp"
 #include "post/waterline.hpp"
 
@@ -179,6 +180,21 @@ TEST(Waterline, RunsUpACylinderAsTheSeriesHasIt) {
         }
         EXPECT_LT(worst / size, 0.4 * last);
         last = worst / size;
+
+        // Points of the body at any height have the wave beneath them, where there is water.
+        CaseFile file = plain_case(p);
+        file.points = {
+            {"ahead", 1, {-1.6, 0.4, 3}}, {"behind", 1, {1.4, 0.9, -1}}, {"on deck", 1, {0.3, 0.2, 2}}};
+        Array<c64, 3> held;
+        ASSERT_TRUE(held.alloc(p.NMODES, p.NBETA, p.NPER));
+        const PointWaves waves = form_point_waves(p, file, held);
+        EXPECT_EQ(waves.none, "");
+        for (int k = 1; k <= 2; ++k) {
+            const Vec3 &at = file.points[static_cast<std::size_t>(k - 1)].at;
+            const c64 truth = series::wave(K, std::hypot(at[0], at[1]), std::atan2(at[1], at[0]));
+            EXPECT_NEAR(std::abs(waves.elevation(k, 1, 1) - truth), 0, 0.04 * 36 / (n * n)) << k;
+        }
+        EXPECT_TRUE(std::isnan(waves.elevation(3, 1, 1).real()));
     }
     EXPECT_LT(last, 0.02);
 }

@@ -7,7 +7,9 @@
 #include "show.hpp"
 #include "transform.hpp"
 
-int main(int argc, char **argv) {
+namespace {
+
+int run(int argc, char **argv) {
     CLI::App app("Writes the panels of a hull, made or imported, free surface at z = 0, as a GDF file; "
                  "checks, draws,\n"
                  "moves and exports such a file.\n"
@@ -23,4 +25,10 @@ int main(int argc, char **argv) {
         if (const int code = program(); code >= 0)
             return code;
     return 1;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    return guarded(argc, argv, "vorda-mesh", run);
 }

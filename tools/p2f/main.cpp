@@ -20,9 +20,7 @@ constexpr Command COMMANDS[] = {
     {"plot", "pictures of coefficients, forces, motions and drift", set_up_plot},
 };
 
-} // namespace
-
-int main(int argc, char **argv) {
+int run(int argc, char **argv) {
     CLI::App app("Shows the hand-over file of a run and what follows from it", "vorda-p2f");
     set_up_program(app);
     app.require_subcommand(1);
@@ -41,4 +39,10 @@ int main(int argc, char **argv) {
     if (!read_p2f(name, p2f, error))
         return refuse(error);
     return show(p2f);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    return guarded(argc, argv, "vorda-p2f", run);
 }

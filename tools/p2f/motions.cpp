@@ -16,6 +16,7 @@ Show set_up_motions(CLI::App &app) {
         RadiationForces R;
         MotionSystem system;
         Array<c64, 3> xi;
+        PointWaves beneath;
         std::vector<NaturalMode> natural;
         std::vector<std::string> notes;
         if (!load_case(*request, p2f, of, error) || !form_radiation(p2f, of.scales, R, error) ||
@@ -34,8 +35,9 @@ Show set_up_motions(CLI::App &app) {
             made[0].notes.insert(made[0].notes.end(), system.notes.begin(), system.notes.end());
             if (request->file.empty())
                 made[0].notes.emplace_back(NO_CASE_NOTE);
+            beneath = form_point_waves(p2f, of.file, xi);
             if (!of.file.points.empty())
-                made.push_back(point_table(p2f, of.scales, of.file, xi, *convention));
+                made.push_back(point_table(p2f, of.scales, of.file, {xi, beneath}, *convention));
         }
         const bool found = form_natural(p2f, system, R, natural, notes, error);
         if (!found && tables->wanted == "natural")
@@ -47,7 +49,7 @@ Show set_up_motions(CLI::App &app) {
             made.back().notes.insert(made.back().notes.end(), notes.begin(), notes.end());
         }
         if (waves && !of.file.spectra.empty())
-            made.push_back(sea_table(p2f, of.scales, of.file, xi));
+            made.push_back(sea_table(p2f, of.scales, of.file, {xi, beneath}));
         if ((tables->wanted == "points" && of.file.points.empty()) ||
             (tables->wanted == "seas" && of.file.spectra.empty()))
             return refuse("the case file has no [[" +

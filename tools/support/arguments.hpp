@@ -5,6 +5,8 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <new>
 #include <string>
 
 // Option values above 0, or 0 as well, told in words a user can read.
@@ -22,6 +24,18 @@ inline CLI::Validator number_from_0(bool zero_counts) {
 }
 inline CLI::Validator positive_number() {
     return number_from_0(false);
+}
+
+// The program's main, with a message where memory ends. Returns what it returns, 1 then.
+inline int guarded(int argc, char **argv, const char *name, int (*program)(int, char **)) {
+    try {
+        return program(argc, argv);
+    } catch (const std::bad_alloc &) {
+        std::fprintf(stderr, "%s: RAM too small\n", name);
+    } catch (const std::exception &fault) { // of a library
+        std::fprintf(stderr, "%s: %s\n", name, fault.what());
+    }
+    return 1;
 }
 
 // --version, defaults in the help text, and a wide enough help.

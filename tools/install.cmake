@@ -1,0 +1,46 @@
+# What is installed: programs, documents, examples, the reader for Python, and the reader of the hand-over file as a library
+# (find_package(vorda) gives vorda::vorda_post).
+include(GNUInstallDirs)
+install(TARGETS vorda vorda-mesh vorda-p2f RUNTIME)
+install(FILES README.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS)
+install(FILES python/vorda.py DESTINATION lib/python3/dist-packages)
+
+set(VORDA_PUBLIC base mesh state geometry rankine green post)
+foreach(folder ${VORDA_PUBLIC})
+  install(TARGETS vorda_${folder} EXPORT vorda ARCHIVE)
+  install(DIRECTORY src/${folder} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vorda FILES_MATCHING PATTERN "*.hpp")
+endforeach()
+install(TARGETS vorda_flags EXPORT vorda)
+install(EXPORT vorda NAMESPACE vorda:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/vorda FILE vorda-targets.cmake)
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/vorda-config.cmake
+     "include(CMakeFindDependencyMacro)\nfind_dependency(OpenMP)\ninclude(\${CMAKE_CURRENT_LIST_DIR}/vorda-targets.cmake)\n")
+include(CMakePackageConfigHelpers)
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/vorda-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vorda-config.cmake ${CMAKE_CURRENT_BINARY_DIR}/vorda-config-version.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/vorda)
+
+# Manual pages from the help of the programs.
+find_program(VORDA_HELP2MAN help2man)
+if(VORDA_HELP2MAN)
+  foreach(program vorda vorda-mesh vorda-p2f)
+    set(page ${CMAKE_CURRENT_BINARY_DIR}/${program}.1)
+    add_custom_command(OUTPUT ${page} DEPENDS ${program} VERBATIM
+                       COMMAND ${VORDA_HELP2MAN} --no-info --output=${page} $<TARGET_FILE:${program}>)
+    list(APPEND pages ${page})
+  endforeach()
+  add_custom_target(manual ALL DEPENDS ${pages})
+  install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
+
+# cpack makes a Debian package.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME vorda)
+set(CPACK_PACKAGE_CONTACT "The VORDA authors")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "libgmsh4.8, libassimp5, gnuplot-nox, python3-numpy")
+set(CPACK_STRIP_FILES ON)
+include(CPack)
