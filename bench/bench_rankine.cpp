@@ -160,7 +160,8 @@ void whole_RANKIN(benchmark::State &state) {
         std::abort();
     RankineStore store;
     const Range levels{0, ILOG};
-    if (!store.RKDM.alloc(N, N, 1, levels) || !store.ICODM.alloc(N, N) || !store.RHSRAN.alloc(N, 6, levels) ||
+    if (!store.RKDM.alloc(N, N, 1, levels) || !store.ICODM.alloc(pair_place(N + 1)) ||
+        !store.RHSRAN.alloc(N, 6, levels) ||
         (ISOR == 1 && (!store.RKNM.alloc(N, N, 1, levels) || !store.RKVM.alloc(N, N, 3, levels))))
         std::abort();
     const Clock clock;

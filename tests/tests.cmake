@@ -43,3 +43,7 @@ foreach(script ${examples})
   get_filename_component(name ${folder} NAME)
   add_test(NAME examples.${name} COMMAND ${script} ${CMAKE_CURRENT_BINARY_DIR})
 endforeach()
+if(NOT VORDA_SANITIZE)
+  add_test(NAME layout.what_is_installed_serves COMMAND tests/layout/check_install ${CMAKE_CURRENT_BINARY_DIR}
+           WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+endif()

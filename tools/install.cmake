@@ -1,6 +1,7 @@
 # What is installed: programs, documents, examples, the reader for Python, and the reader of the hand-over file as a library
 # (find_package(vorda) gives vorda::vorda_post).
 include(GNUInstallDirs)
+set(CMAKE_INSTALL_DOCDIR ${CMAKE_INSTALL_DATADIR}/doc/vorda)
 install(TARGETS vorda vorda-mesh vorda-p2f RUNTIME)
 install(FILES README.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS)

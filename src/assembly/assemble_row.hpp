@@ -7,11 +7,10 @@
 struct RowWork {
     WaveRow row;
     ClassWork sums;
-    Array<int, 1> code;
     [[nodiscard]] bool alloc(const RunState &run);
 };
 
-// The row with its Rankine part in the tile and the pair codes `stored` gets its finished entries there, and
+// The row with its Rankine part in the tile and the pair codes `code` gets its finished entries there, and
 // its share of the right-hand sides in `sums`. Failed: an image has no value; the message is out.
-[[nodiscard]] Status assemble_row(const AssemblyFrame &frame, const TileRow &at, const int *stored,
+[[nodiscard]] Status assemble_row(const AssemblyFrame &frame, const TileRow &at, const std::uint16_t *code,
                                   RowWork &work, BlockSums &sums);

@@ -10,21 +10,14 @@
 
 namespace {
 
-void clear(int n, const Split &s) {
-    std::fill_n(s.re, n, 0.0f);
-    std::fill_n(s.im, n, 0.0f);
-}
-
-// sum = the images of `coefficient` with the signs of the class; image position m starts at m I.
-void sum_images(const Symmetry &sym, int I, int n, int s, const Split &coefficient, const int *axis_sign,
-                const Split &sum) {
-    clear(n, sum);
+// The images of a coefficient with the signs of the class; image position m starts at m I.
+Images images_of(const Symmetry &sym, int I, int s, const int *axis_sign = nullptr) {
+    Images images{sym.NSYMG, I, {}};
     for (int m = 0; m < sym.NSYMG; ++m) {
         const int g = sym.ISYMG[m + 1];
-        const int sign = SGN[sym.ICLS[s]][g] * (axis_sign == nullptr ? 1 : axis_sign[g]);
-        const std::int64_t o = static_cast<std::int64_t>(m) * I;
-        add_signed(n, static_cast<f32>(sign), ConstSplit(coefficient.re + o, coefficient.im + o), sum);
+        images.sign[m] = static_cast<f32>(SGN[sym.ICLS[s]][g] * (axis_sign == nullptr ? 1 : axis_sign[g]));
     }
+    return images;
 }
 
 // Normal velocity and velocity: the images' velocities with the reflection of each image and the parity of
@@ -33,13 +26,17 @@ void sum_images(const Symmetry &sym, int I, int n, int s, const Split &coefficie
 void velocity_sums(const AssemblyFrame &f, const TileRow &at, int s, const WaveRow &row, ClassWork &w) {
     const int I = at.I;
     const int *const axis_sign[3] = {SGX, SGY, nullptr};
+    const Images all = images_of(f.run.sym, I, s);
+    sum_images(I, all, row.DPR, w.DROW);
+    sum_images(I - 1, all, row.DPC, w.DCOL);
     const Split EROW = at.row(s, PLANE_E);
     const Split ECOL = at.column(s, PLANE_E);
     add_surface_pairs(I, row.EFR.data(), row.EFC.data(), w.DROW, EROW);
     add_surface_pairs(I - 1, row.EFR.data(), row.EFC.data(), w.DCOL, ECOL);
     for (int c = 0; c < 3; ++c) {
-        sum_images(f.run.sym, I, I, s, row.VPR[c], axis_sign[c], w.VROW[c]);
-        sum_images(f.run.sym, I, I - 1, s, row.VPC[c], axis_sign[c], w.VCOL[c]);
+        const Images images = images_of(f.run.sym, I, s, axis_sign[c]);
+        sum_images(I, images, row.VPR[c], w.VROW[c]);
+        sum_images(I - 1, images, row.VPC[c], w.VCOL[c]);
         add_signed(I, f.panels.N(I, c + 1), w.VROW[c], EROW);
         add_weighted(I - 1, &f.panels.N(1, c + 1), w.VCOL[c], ECOL);
         add_signed(I, 1, w.VROW[c], at.row(s, PLANE_V + c));
@@ -108,25 +105,27 @@ bool ClassWork::alloc(int NEQN, bool velocities) {
     return true;
 }
 
-void free_surface_pairs(const AssemblyFrame &f, const TileRow &at, const int *stored, int *code,
-                        WaveRow &row) {
+void free_surface_pairs(const AssemblyFrame &f, const TileRow &at, const std::uint16_t *code, WaveRow &row) {
     const int I = at.I;
+    f32 *EB = row.EB.data(), *EFR = row.EFR.data(), *EFC = row.EFC.data();
+    if (!has_mark(I, CODE_SURFACE, code)) {
+        if (!row.ordinary)
+            row.set_ordinary();
+        return;
+    }
+    row.ordinary = false;
     // At the limit frequencies the free-surface condition has no wave part.
     const bool wave = f.wave.IPLIM == 0;
     const f32 mark = f.panels.IFSP(I);
     const f32 *marks = f.panels.IFSP.data();
-    f32 *EB = row.EB.data(), *EFR = row.EFR.data(), *EFC = row.EFC.data();
-    bool any = false;
     for (int j = 0; j < I; ++j) {
-        const bool surface = stored[j] >= CODE_SURFACE;
-        code[j] = stored[j] & (CODE_SURFACE - 1);
+        const bool surface = code[j] >= CODE_SURFACE;
         EB[j] = surface ? 0.0f : 1.0f;
         EFR[j] = surface && wave ? marks[j] : 0.0f;
         EFC[j] = surface && wave ? mark : 0.0f;
-        any = any || surface;
     }
     const int planes = std::min(at.tile.planes, 2); // dipole influence and normal velocity
-    for (int j = 0; any && j < I; ++j) {
+    for (int j = 0; j < I; ++j) {
         if (EB[j] != 0)
             continue;
         for (int s = 1; s <= f.run.sym.NSYMR; ++s) {
@@ -145,12 +144,11 @@ void free_surface_pairs(const AssemblyFrame &f, const TileRow &at, const int *st
 void class_sums(const AssemblyFrame &f, const TileRow &at, int s, const WaveRow &row, ClassWork &w,
                 BlockSums &sums) {
     const int I = at.I;
-    sum_images(f.run.sym, I, I, s, row.DPR, nullptr, w.DROW);
-    sum_images(f.run.sym, I, I - 1, s, row.DPC, nullptr, w.DCOL);
-    sum_images(f.run.sym, I, I, s, row.SPR, nullptr, w.SROW);
-    sum_images(f.run.sym, I, I - 1, s, row.SPC, nullptr, w.SCOL);
-    add_signed(I, 1, w.DROW, at.row(s));
-    add_signed(I - 1, 1, w.DCOL, at.column(s));
+    const Images images = images_of(f.run.sym, I, s);
+    add_images(I, images, row.DPR, at.row(s));
+    add_images(I - 1, images, row.DPC, at.column(s));
+    sum_images(I, images, row.SPR, w.SROW);
+    sum_images(I - 1, images, row.SPC, w.SCOL);
     if (is_dipole(f.run.dipoles, I)) {
         const c32 term = porosity_term(f.run.dipoles, f.wave, I);
         at.row(s).re[I - 1] += term.real();

@@ -13,10 +13,10 @@ struct ClassWork {
     [[nodiscard]] bool alloc(int NEQN, bool velocities);
 };
 
-// Separates the free-surface mark from the pair codes of the row into code(1..I), EB, EFR and EFC. For pairs
-// in the free surface the store holds the source integral; the free-surface condition turns it into the
-// coefficient of the potential (and, with ISOR=1, of the source).
-void free_surface_pairs(const AssemblyFrame &frame, const TileRow &at, const int *stored, int *code,
+// Takes the free-surface marks of the pair codes of the row to EB, EFR and EFC. For pairs in the free surface
+// the store holds the source integral; the free-surface condition turns it into the coefficient of the
+// potential (and, with ISOR=1, of the source).
+void free_surface_pairs(const AssemblyFrame &frame, const TileRow &at, const std::uint16_t *code,
                         WaveRow &row);
 
 // Adds the image sums of the row to its entries of class s and to the right-hand sides.

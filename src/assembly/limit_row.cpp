@@ -48,7 +48,7 @@ void limit_green(int count, const PeriodWave &wave, const WaveRow &row, const Gr
     }
 }
 
-Status infinite_frequency_images(const RunState &run, int I, const int *code, WaveRow &row) {
+Status infinite_frequency_images(const RunState &run, int I, const std::uint16_t *code, WaveRow &row) {
     Status status = Status::ok;
     for (int m = 0; m < run.sym.NSYMG; ++m) {
         const int g = run.sym.ISYMG[m + 1];

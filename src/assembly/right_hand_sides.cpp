@@ -58,9 +58,9 @@ bool SourceWeights::make(const RunState &run, f32 NUL, const ThreadState &thread
     return true;
 }
 
-bool BlockSums::alloc(int NEQN, const RunState &run) {
+bool BlockSums::alloc(int last, const RunState &run) {
     const int columns = column_count(run);
-    return re.alloc(NEQN, columns) && im.alloc(NEQN, columns);
+    return re.alloc(last, columns) && im.alloc(last, columns);
 }
 
 void add_radiation(const RunState &run, const SourceWeights &weights, const SourceRow &row, BlockSums &sums) {

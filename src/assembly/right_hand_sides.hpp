@@ -20,9 +20,9 @@ struct SourceWeights {
 // Sums of one block of rows over all panels: to its own rows from panels J <= I, to earlier rows J
 // from its panels.
 struct BlockSums {
-    Array<f32, 2> re; // (NEQN, columns): the radiation columns, then heading and class of diffraction
-    Array<f32, 2> im;
-    [[nodiscard]] bool alloc(int NEQN, const RunState &run);
+    // (last row of the block, columns): the radiation columns, then heading and class of diffraction.
+    Array<f32, 2> re, im;
+    [[nodiscard]] bool alloc(int last, const RunState &run);
     void clear();
 };
 

@@ -102,7 +102,44 @@ template <class V> VORDA_INLINE void velocity(int n, const VelocityRow &at, cons
     }
 }
 
+// One real array of the images: all of them in one pass, added in their order to what is there or to 0.
+template <int COUNT, bool ADD>
+VORDA_INLINE void images_pass(int n, const Images &images, const f32 *x, f32 *sum) {
+    const std::int64_t stride = images.stride;
+    const f32 s0 = images.sign[0], s1 = images.sign[1], s2 = images.sign[2], s3 = images.sign[3];
+    const f32 *x1 = COUNT > 1 ? x + stride : x, *x2 = COUNT > 2 ? x + 2 * stride : x;
+    const f32 *x3 = COUNT > 2 ? x + 3 * stride : x;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        f32 all = 0.0f + s0 * x[j];
+        if (COUNT > 1)
+            all += s1 * x1[j];
+        if (COUNT > 2)
+            all = all + s2 * x2[j] + s3 * x3[j];
+        sum[j] = ADD ? sum[j] + all : all;
+    }
+}
+
+template <bool ADD> VORDA_INLINE void images_pass(int n, const Images &images, const f32 *x, f32 *sum) {
+    if (images.count == 1)
+        images_pass<1, ADD>(n, images, x, sum);
+    else if (images.count == 2)
+        images_pass<2, ADD>(n, images, x, sum);
+    else
+        images_pass<4, ADD>(n, images, x, sum);
+}
+
 } // namespace
+
+VORDA_SIMD void sum_images(int n, const Images &images, ConstSplit coefficient, Split sum) {
+    images_pass<false>(n, images, coefficient.re, sum.re);
+    images_pass<false>(n, images, coefficient.im, sum.im);
+}
+
+VORDA_SIMD void add_images(int n, const Images &images, ConstSplit coefficient, Split sum) {
+    images_pass<true>(n, images, coefficient.re, sum.re);
+    images_pass<true>(n, images, coefficient.im, sum.im);
+}
 
 VORDA_SIMD void pair_directions(int n, const FixedPoint &point, const f32 *px, const f32 *py,
                                 const PairDirections &out) {
@@ -122,7 +159,15 @@ VORDA_SIMD void pair_directions(int n, const FixedPoint &point, const f32 *px, c
     }
 }
 
-VORDA_SIMD void decode_pairs(int n, int shift, const int *code, int *ISNG, int *IBOT) {
+VORDA_SIMD bool has_mark(int n, int mark, const std::uint16_t *code) {
+    unsigned all = 0;
+#pragma omp simd reduction(| : all)
+    for (int j = 0; j < n; ++j)
+        all |= code[j];
+    return (all & static_cast<unsigned>(mark)) != 0;
+}
+
+VORDA_SIMD void decode_pairs(int n, int shift, const std::uint16_t *code, int *ISNG, int *IBOT) {
 #pragma omp simd
     for (int j = 0; j < n; ++j) {
         const int group = code[j] >> shift;

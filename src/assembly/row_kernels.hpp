@@ -4,6 +4,8 @@
 
 #include "base/split.hpp"
 
+#include <cstdint>
+
 // Geometry of one point against many: horizontal distances times NU and the unit vectors of both directions.
 // The point is the fixed one (x, y), imaged with signs sx, sy; the many are (px, py).
 struct PairDirections {
@@ -23,7 +25,9 @@ struct FixedPoint {
 void pair_directions(int n, const FixedPoint &point, const f32 *px, const f32 *py, const PairDirections &out);
 
 // The low two bits of the group `shift` of the pair code are ISNG, the third is IBOT.
-void decode_pairs(int n, int shift, const int *code, int *ISNG, int *IBOT);
+void decode_pairs(int n, int shift, const std::uint16_t *code, int *ISNG, int *IBOT);
+// True when a pair code has the bit `mark`.
+bool has_mark(int n, int mark, const std::uint16_t *code);
 
 // value[i] = factor source[i].
 void scale_to(int n, f32 factor, const f32 *source, f32 *value);
@@ -77,5 +81,15 @@ struct VelocityRow {
 void velocity_accumulate(int n, const VelocityRow &at, const f32 *area, const Split *V);
 void velocity_accumulate(int n, const VelocityRow &at, f32 area, const Split *V);
 void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V);
+// Images of a coefficient, 1, 2 or 4 of them: image m from 0 starts m `stride` behind the first and counts
+// with its sign.
+struct Images {
+    int count;
+    std::int64_t stride;
+    f32 sign[4];
+};
+// sum = the images; sum += the images.
+void sum_images(int n, const Images &images, ConstSplit coefficient, Split sum);
+void add_images(int n, const Images &images, ConstSplit coefficient, Split sum);
 // sum += EFR EFC value, the marks of both panels: what pairs in the free surface take.
 void add_surface_pairs(int n, const f32 *EFR, const f32 *EFC, ConstSplit value, Split sum);

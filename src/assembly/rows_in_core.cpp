@@ -16,7 +16,7 @@ Status assemble_tile(const AssemblyFrame &f, int first, int last, RowWork &work,
     start_rows(f.run, f.wave.NUL, first, last, tile);
     for (int I = first; I <= last; ++I) {
         start_column(f.run, f.wave.NUL, I, I - first, tile);
-        if (failed(assemble_row(f, {I, I - first, tile}, &f.run.store.ICODM(1, I), work, sums)))
+        if (failed(assemble_row(f, {I, I - first, tile}, &f.run.store.ICODM(pair_place(I) + 1), work, sums)))
             return Status::failed;
         store_column_of(f.run.sym.NSYMR, I, I - first, tile, thread);
     }
@@ -36,14 +36,28 @@ int block_rows(const RunState &run) {
 
 } // namespace
 
+std::int64_t rows_memory(const RunState &run, int cores) {
+    const std::int64_t n = run.mesh.NEQN, classes = run.sym.NSYMR, velocities = run.opt.ISOR;
+    const std::int64_t headings = run.periods.NBETAM * classes, columns = run.sym.NSYMD + headings;
+    const std::int64_t block = block_rows(run), blocks = (n + block - 1) / block;
+    const std::int64_t points = run.opt.IQUAD == 1 ? 4 : run.sym.NSYMG;
+    // Numbers of 4 bytes, for each panel: of the frame, and of one core.
+    const std::int64_t frame = 27 + run.sym.NSYMD + 2 * headings;
+    const std::int64_t tile = (TILE + 1) * classes * (2 * (1 + 4 * velocities) + 1);
+    const std::int64_t row = points * (11 + (run.dipoles.IDIPOL ? 16 : 8)) +
+                             run.sym.NSYMG * (8 + 12 * velocities) + 3 + 8 + 12 * velocities;
+    // A block has the rows up to its last one: half of all on the average.
+    return 4 * n * (frame + cores * (tile + row)) + 4 * columns * (blocks + 1) * n;
+}
+
 Status rows_in_core(const AssemblyFrame &f, ThreadState &thread) {
     const char *const no_memory = " RAM too small to allocate WAVEGR arrays ";
     const int n = f.run.mesh.NEQN;
     const int rows = block_rows(f.run);
     const int blocks = (n + rows - 1) / rows;
     std::vector<BlockSums> sums(static_cast<std::size_t>(blocks));
-    for (BlockSums &block : sums) {
-        if (!block.alloc(n, f.run))
+    for (int b = 0; b < blocks; ++b) {
+        if (!sums[static_cast<std::size_t>(b)].alloc(std::min(n, (b + 1) * rows), f.run))
             return MSGOUT(no_memory);
     }
     bool memory = true;

@@ -16,7 +16,7 @@ struct ScratchTile {
     int first = 0;
     int last = 0;
     TileRows rows;
-    Array<int, 2> stored; // pair codes as read (NEQN,TILE)
+    Array<std::uint16_t, 2> stored; // pair codes as read (NEQN,TILE)
     BlockSums sums;
     [[nodiscard]] bool alloc(const RunState &run) {
         const int n = run.mesh.NEQN;
@@ -57,7 +57,8 @@ Status read_row(const RunState &run, f32 NUL, RecordFile &unit, int I, int a, Re
                 status = RANVEL(unit, columns, lines, I, level, NUL, record);
         }
     }
-    if (!failed(status) && !unit.read({{&tile.stored(1, a + 1), static_cast<std::size_t>(I) * sizeof(int)}}))
+    const std::size_t codes = static_cast<std::size_t>(I) * sizeof(std::uint16_t);
+    if (!failed(status) && !unit.read({{&tile.stored(1, a + 1), codes}}))
         status = MSGOUT_with(" Error reading scratch file for Rankine LHS, UNIT=", unit.unit(), unit.error());
     return status;
 }

@@ -22,6 +22,19 @@ bool allocate_second_order(const RunState &run, SecondOrder &second) {
     return made;
 }
 
+// An array of these extents that holds zeros: the one that an earlier period left, or a new one.
+template <class T, int R, class... N> bool zeroed(Array<T, R> &array, N... extents) {
+    if (array.empty())
+        return array.alloc(extents...);
+    array.fill(T(0));
+    return true;
+}
+
+// The same with any values.
+template <class T, int R, class... N> bool any_values(Array<T, R> &array, N... extents) {
+    return !array.empty() || array.alloc(extents...);
+}
+
 } // namespace
 
 bool allocate_velocities(const RunState &run, ThreadState &thread, bool flows) {
@@ -29,9 +42,9 @@ bool allocate_velocities(const RunState &run, ThreadState &thread, bool flows) {
     const bool second = run.opt.IWADD == 1;
     bool made = true;
     if (run.opt.IRAD >= 0 || second)
-        made = thread.SRCR.alloc(n, second ? std::max(columns, 3) : columns) &&
-               thread.VELR.alloc(n, 3, flows ? std::max(columns, 3) : columns);
-    return made && (run.opt.IDIFF < 0 || thread.VELD.alloc(n, 3, run.periods.NBETAM, run.sym.NSYMR));
+        made = zeroed(thread.SRCR, n, second ? std::max(columns, 3) : columns) &&
+               zeroed(thread.VELR, n, 3, flows ? std::max(columns, 3) : columns);
+    return made && (run.opt.IDIFF < 0 || zeroed(thread.VELD, n, 3, run.periods.NBETAM, run.sym.NSYMR));
 }
 
 Status allocate_solution(const RunState &run, ThreadState &thread) {
@@ -56,19 +69,10 @@ Status ALLOCATE_WA(const RunState &run, ThreadState &thread, bool flows) {
         return MSGOUT(" RAM too small.or try to set ISOR=0 ");
     if (!run.memory.INCORE)
         return Status::ok;
-    bool made = thread.ACORE.alloc(n, n, run.sym.NSYMR);
+    // The assembly writes every element of these.
+    const int classes = run.sym.NSYMR;
+    bool made = any_values(thread.ACORE, n, n, classes);
     if (run.opt.ISOR == 1)
-        made = made && thread.ECORE.alloc(n, n, run.sym.NSYMR) && thread.VCORE.alloc(n, n, 3 * run.sym.NSYMR);
+        made = made && any_values(thread.ECORE, n, n, classes) && any_values(thread.VCORE, n, n, 3 * classes);
     return made ? Status::ok : MSGOUT(" RAM too small ");
-}
-
-void DEALLOCATE_WA(ThreadState &thread) {
-    thread.ACORE.release();
-    thread.ECORE.release();
-    thread.VCORE.release();
-    thread.APIV.release();
-    thread.EPIV.release();
-    thread.SRCR.release();
-    thread.VELR.release();
-    thread.VELD.release();
 }

@@ -33,7 +33,7 @@ struct ThreadState {
     Array<c32, 3>
         VCORE; // their velocity, axis and class in the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR)
     Array<int, 2> APIV, EPIV; // pivots, when factors have taken the place of ACORE and ECORE (NEQN,NSYMR)
-    Array<c32, 2> ALU; // factors of a class (NEQN,NEQN), or of its diagonal blocks (NBLKSZ,NEQN), in memory
+    Array<c32, 2> ALU;        // factors of the diagonal blocks of a class, in memory (NBLKSZ,NEQN)
     // The matrix, packed rows or block that is in memory while the rest is on scratch (NCORE,NCORE).
     Array<c32, 2> AMAT;
     ScratchStore *scratch =
@@ -51,10 +51,11 @@ struct ThreadState {
 // The solution arrays, those of IWADD=1 too, and, without INCORE, AMAT, for the life of the thread. Failed: "
 // RAM too small for number of panels ", " RAM too small ", " RAM too small.  Reduce MAXSCR ".
 [[nodiscard]] Status allocate_solution(const RunState &run, ThreadState &thread);
-// The velocities and sources of a period, ISOR=1; `flows`: those of the steady flows, which have three
-// columns at least. False when memory is refused.
+// The velocities and sources of a period, ISOR=1, zeroed; `flows`: those of the steady flows, which have
+// three columns at least. False when memory is refused.
 [[nodiscard]] bool allocate_velocities(const RunState &run, ThreadState &thread, bool flows = false);
-// The velocities of a period (ISOR=1) and, with INCORE, its matrices; `flows`: of the steady flows, which
-// have three columns at least. Failed: " RAM too small.or try to set ISOR=0 " or " RAM too small ".
+// The velocities of a period (ISOR=1) and, with INCORE, room for its matrices; `flows`: of the steady flows,
+// which have three columns at least. A thread keeps its arrays from period to period, so that their pages are
+// asked of the system once; the run and `flows` are the same in all its calls. The matrices hold anything:
+// the assembly writes every element. Failed: " RAM too small.or try to set ISOR=0 " or " RAM too small ".
 [[nodiscard]] Status ALLOCATE_WA(const RunState &run, ThreadState &thread, bool flows = false);
-void DEALLOCATE_WA(ThreadState &thread);

@@ -4,8 +4,13 @@
 
 VORDA_SIMD void load_tile(int height, int columns, const f32 *plane0, const f32 *plane1, f32 factor,
                           std::int64_t lead, f32 *const *rows) {
+    constexpr int AHEAD = 24; // columns: no prefetcher follows steps of a whole column
     for (int j = 0; j < columns; ++j) {
         const f32 *from = plane0 + lead * j;
+        const int later = j + AHEAD < columns ? j + AHEAD : columns - 1;
+        __builtin_prefetch(plane0 + lead * later);
+        if (plane1 != nullptr)
+            __builtin_prefetch(plane1 + lead * later);
         f32 value[TILE] = {};
         for (int a = 0; a < height; ++a)
             value[a] = from[a];

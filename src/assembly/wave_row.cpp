@@ -80,7 +80,7 @@ OneSource one_source(const PanelArrays &panels, int I, f32 area) {
     return {panels.N(I, 1), panels.N(I, 2), panels.N(I, 3), area};
 }
 
-void centroid_path(const AssemblyFrame &f, int I, const int *code, WaveRow &row) {
+void centroid_path(const AssemblyFrame &f, int I, const std::uint16_t *code, WaveRow &row) {
     const Symmetry &sym = f.run.sym;
     const PanelArrays &panels = f.panels;
     const PeriodWave &wave = f.wave;
@@ -219,7 +219,7 @@ void gauss_column_pass(const AssemblyFrame &f, const DirectedPairs &pairs, WaveR
     gauss_dipoles(f, pairs, row);
 }
 
-void gauss_path(const AssemblyFrame &f, int I, const int *code, WaveRow &row) {
+void gauss_path(const AssemblyFrame &f, int I, const std::uint16_t *code, WaveRow &row) {
     const Symmetry &sym = f.run.sym;
     for (int m = 0; m < sym.NSYMG; ++m) {
         const std::int64_t o = static_cast<std::int64_t>(m) * I;
@@ -260,6 +260,13 @@ bool WaveRow::alloc(int NEQN, int NSYMG, const Options &opt, bool dipoles) {
     return true;
 }
 
+void WaveRow::set_ordinary() {
+    EB.fill(1);
+    EFR.fill(0);
+    EFC.fill(0);
+    ordinary = true;
+}
+
 void WaveRow::record(std::int64_t p, f32 (&values)[16]) const {
     for (int v = 0; v < GREEN_VALUES; ++v) {
         values[2 * VALUES[v]] = (&green(1, 2 * v + 1))[p];
@@ -267,7 +274,7 @@ void WaveRow::record(std::int64_t p, f32 (&values)[16]) const {
     }
 }
 
-Status wave_coefficients(const AssemblyFrame &f, int I, const int *code, WaveRow &row) {
+Status wave_coefficients(const AssemblyFrame &f, int I, const std::uint16_t *code, WaveRow &row) {
     (f.run.opt.IQUAD == 1 ? gauss_path : centroid_path)(f, I, code, row);
     return f.wave.IPLIM == 2 ? infinite_frequency_images(f.run, I, code, row) : Status::ok;
 }

@@ -15,6 +15,7 @@ struct WaveRow {
     Array<f32, 1> EFR,
         EFC; // mark of the source panel of a pair in the free surface: J for the row, I for the column
     Array<f32, 2> coefficient; // SPR, DPR, SPC, DPC, and with ISOR=1 VPR, VPC, real and imaginary
+    bool ordinary = false;     // EB is 1, EFR and EFC are 0 throughout
     GreenWork work;
     Split SPR, DPR, SPC, DPC;
     bool velocities = false; // VPR and VPC are formed
@@ -23,12 +24,14 @@ struct WaveRow {
     bool second = false;
     bool tank = false; // a filled tank: no wave term
     [[nodiscard]] bool alloc(int NEQN, int NSYMG, const Options &opt, bool dipoles);
+    void set_ordinary();
     // The record of point p, from 0, in the order of GreenValue.
     void record(std::int64_t p, f32 (&values)[16]) const;
 };
 
 // With a dipole panel as field panel S and D are derivatives along its normal, and the velocity of a source
 // on one is that of a dipole. Forms SPR, DPR, with ISOR=1 VPR (J = 1..I), and SPC, DPC, VPC (J = 1..I-1) for
-// all images. `code` holds the pair codes ICODE(1..I) without the free-surface mark; EB, EFR, EFC are set.
+// all images. `code` holds the pair codes ICODE(1..I); EB, EFR, EFC are set.
 // Failed: an image has no value at infinite frequency.
-[[nodiscard]] Status wave_coefficients(const AssemblyFrame &frame, int I, const int *code, WaveRow &row);
+[[nodiscard]] Status wave_coefficients(const AssemblyFrame &frame, int I, const std::uint16_t *code,
+                                       WaveRow &row);

@@ -1,6 +1,8 @@
 // Arrays of rank 1 to 4 with the first index fastest and indices from 1, unless a Range says otherwise.
 #pragma once
 
+#include "base/pages.hpp"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -114,26 +116,17 @@ template <class T, int R> class Array {
     }
     ~Array() { release(); }
 
-    // Makes a zeroed array of the given extents (or Ranges), aligned to 64 bytes; false when memory is
-    // refused. What was held before is released. Pages are touched only when they are used.
+    // Makes a zeroed array of the given extents (or Ranges), aligned to 64 bytes, from LARGE_BLOCK on to
+    // 2 MiB; false when memory is refused. What was held before is released. Pages are touched only when
+    // they are used.
     template <class... N> [[nodiscard]] bool alloc(N... extents) {
         static_assert(sizeof...(N) == R);
-        release();
-        const std::array<Range, R> ranges = {Range(extents)...};
-        std::uint64_t count = 1;
-        for (const Range &r : ranges) {
-            const std::uint64_t n = static_cast<std::uint64_t>(r.size());
-            if (n != 0 && count > (std::uint64_t{1} << 46) / n)
-                return false;
-            count *= n;
-        }
-        block_ = std::calloc(count * sizeof(T) + alignment, 1);
-        if (block_ == nullptr)
-            return false;
-        const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(block_);
-        const std::size_t shift = (alignment - address % alignment) % alignment;
-        view_ = View<T, R>(reinterpret_cast<T *>(static_cast<char *>(block_) + shift), ranges);
-        return true;
+        return make({Range(extents)...}, true);
+    }
+    // The same for an array that is written before it is read: it holds anything.
+    template <class... N> [[nodiscard]] bool alloc_unset(N... extents) {
+        static_assert(sizeof...(N) == R);
+        return make({Range(extents)...}, false);
     }
 
     // Changes the last extent to n and keeps what fits; new elements are 0.
@@ -156,8 +149,12 @@ template <class T, int R> class Array {
     }
 
     void release() {
-        std::free(block_);
+        if (mapped_ > 0 && block_ != nullptr)
+            unmap_pages(block_, mapped_);
+        else
+            std::free(block_);
         block_ = nullptr;
+        mapped_ = 0;
         view_ = View<T, R>();
     }
 
@@ -177,11 +174,34 @@ template <class T, int R> class Array {
     void fill(T value) { view_.fill(value); }
 
   private:
+    bool make(const std::array<Range, R> &ranges, bool zeros) {
+        release();
+        std::uint64_t count = 1;
+        for (const Range &r : ranges) {
+            const std::uint64_t n = static_cast<std::uint64_t>(r.size());
+            if (n != 0 && count > (std::uint64_t{1} << 46) / n)
+                return false;
+            count *= n;
+        }
+        const std::size_t bytes = count * sizeof(T);
+        if (bytes >= LARGE_BLOCK)
+            block_ = map_pages(mapped_ = bytes);
+        else
+            block_ = zeros ? std::calloc(bytes + alignment, 1) : std::malloc(bytes + alignment);
+        if (block_ == nullptr)
+            return false;
+        const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(block_);
+        const std::size_t shift = (alignment - address % alignment) % alignment;
+        view_ = View<T, R>(reinterpret_cast<T *>(static_cast<char *>(block_) + shift), ranges);
+        return true;
+    }
     void swap(Array &other) noexcept {
         std::swap(block_, other.block_);
+        std::swap(mapped_, other.mapped_);
         std::swap(view_, other.view_);
     }
     static constexpr std::size_t alignment = 64;
     void *block_ = nullptr;
+    std::size_t mapped_ = 0; // bytes of a block with pages of its own, else 0
     View<T, R> view_;
 };

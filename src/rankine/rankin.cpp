@@ -102,7 +102,7 @@ class Sweep {
                               right_hand_sides_ ? &b.rhs(1, 0, r) : nullptr);
             }
             if (B <= A)
-                store_.ICODM(B, A) = code;
+                store_.ICODM(pair_place(A) + B) = static_cast<std::uint16_t>(code);
         }
         if ((b.mask(A, r) & PAIR_SURFACE) == 0 && !in_.dipole(A))
             add_half_solid_angle(planes_, element(A, r, b));

@@ -11,9 +11,9 @@ namespace {
 
 // Row and column of one outer panel A in all planes, from panel 1 on.
 struct OuterPanel {
-    Array<f32, 2> row;    // influence on A from B (NEQN, planes)
-    Array<f32, 2> column; // influence on B from A (NEQN, planes)
-    Array<int, 1> code;   // pair codes (NEQN)
+    Array<f32, 2> row;            // influence on A from B (NEQN, planes)
+    Array<f32, 2> column;         // influence on B from A (NEQN, planes)
+    Array<std::uint16_t, 1> code; // pair codes (NEQN)
     Array<std::uint8_t, 1> mask;
     Array<f32, 3> rhs; // right-hand sides of all panels (NSYMD,0:1,NEQN)
     [[nodiscard]] bool alloc(const RankineInput &in, int planes) {
@@ -36,7 +36,7 @@ bool visit(const RankineInput &in, const Planes &planes, int A, OuterPanel &oute
     for (int B = 1; B <= A; ++B) {
         const int bits = outer.mask(B);
         const bool surface = (bits & PAIR_SURFACE) != 0;
-        outer.code(B) = surface ? CODE_SURFACE : 0;
+        int code = surface ? CODE_SURFACE : 0;
         for (int p = 1; p <= in.images.count; ++p) {
             if ((bits & (1 << (p - 1))) == 0)
                 continue;
@@ -44,7 +44,7 @@ bool visit(const RankineInput &in, const Planes &planes, int A, OuterPanel &oute
             RankineTerms terms;
             if (!rankine_pair(in, A, B, p, surface, terms))
                 return false;
-            outer.code(B) += terms.digit << (3 * (p - 1));
+            code += terms.digit << (3 * (p - 1));
             scatter_terms(in, planes, terms, m, {A, B, surface}, {&outer.row(B, 1), n}, rhs_of(A));
             if (A == B)
                 continue;
@@ -52,6 +52,7 @@ bool visit(const RankineInput &in, const Planes &planes, int A, OuterPanel &oute
                 return false;
             scatter_terms(in, planes, terms, m, {B, A, surface}, {&outer.column(B, 1), n}, rhs_of(B));
         }
+        outer.code(B) = static_cast<std::uint16_t>(code);
     }
     if ((outer.mask(A) & PAIR_SURFACE) == 0 && !in.dipole(A))
         add_half_solid_angle(planes, {&outer.row(A, 1), n});

@@ -1,5 +1,6 @@
 #include "run/driver.hpp"
 
+#include "base/pages.hpp"
 #include "base/platform.hpp"
 #include "freesurface/fdf.hpp"
 #include "freesurface/fsmark.hpp"
@@ -10,6 +11,7 @@
 #include "rankine/rankin.hpp"
 #include "rankine/rankin_scratch.hpp"
 #include "results/p2f_writer.hpp"
+#include "run/memory_report.hpp"
 #include "run/mesh_report.hpp"
 #include "run/period_loop.hpp"
 #include "run/wdd_flows.hpp"
@@ -60,6 +62,8 @@ Status rankine_matrices(RunState &run, ScratchStore &scratch) {
 }
 
 [[noreturn]] void run_stages(RunState &run) {
+    Stopwatch watch;
+    PhaseTimes times;
     require(LISOPN(run.files.list));
     require(GETIP1(run));
     limit_threads(run.opt.NTRD);
@@ -97,23 +101,30 @@ Status rankine_matrices(RunState &run, ScratchStore &scratch) {
     if (run.memory.INCORE)
         require(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store));
     const int threads = period_threads(run.memory);
+    report_memory(run, threads);
     write_report_head(run);
+    times.input = watch.lap();
     if (run.periods.NPER > 0) {
         ScratchStore scratch;
         require(rankine_matrices(run, scratch));
         if (drift)
             require(solve_flows(run, scratch));
-        period_loop(run, threads, scratch, RESSCR);
+        times.rankine = watch.lap();
+        period_loop(run, threads, scratch, RESSCR, times);
+        (void)watch.lap();
     }
     require(RESWRT(run, RESSCR));
     results_complete(run.files.FILNAM(3));
     message(" VORDA module run completed");
+    times.output = watch.lap();
+    show_times(times);
     STOPRN(0);
 }
 
 } // namespace
 
 void run_solver() {
+    keep_freed_memory();
     // On the heap: other threads may still read it while the stop routine ends the process.
     RunState *run = nullptr;
     try {

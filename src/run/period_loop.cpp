@@ -98,9 +98,11 @@ void solve_sources(const RunState &run, const PeriodWave &wave, ThreadState &thr
 }
 
 // All of a period but what must come in order. Returns the wave number at the depth of the run.
-f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCounts &counts) {
+f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCounts &counts,
+                 PhaseTimes &times) {
     const Options &opt = run.opt;
     const f32 W = run.periods.WVN0(period);
+    Stopwatch watch;
     require(ALLOCATE_WA(run, thread));
     f32 F = 1;
     if (opt.IRRX == 0) // a tank has no waves
@@ -111,8 +113,10 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCou
     else if (opt.IDIFF >= 0)
         INCWAV(run, W * F, thread);
     require(WAVEGR(run, wave, thread));
+    times.assembly += watch.lap();
     if (opt.IWADD == 1) {
         require(solve_second_order(run, wave, thread, counts));
+        times.solve += watch.lap();
         return W * F;
     }
     SolveRequest request{opt.IRAD, opt.IDIFF};
@@ -127,6 +131,7 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCou
         shift_to_reference(run, thread);
     if (opt.ISOR == 1)
         solve_sources(run, wave, thread, counts.sources);
+    times.solve += watch.lap();
     return W * F;
 }
 
@@ -140,9 +145,11 @@ Status write_period(const Options &opt, ThreadState &thread, RecordFile &RESSCR)
 
 } // namespace
 
-void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &RESSCR) {
+void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &RESSCR, PhaseTimes &times) {
     const int NPER = run.periods.NPER;
     Progress progress("period", NPER);
+    Stopwatch watch;
+    PhaseTimes sum;
     const int side_by_side = std::min(threads, NPER);
     // Each period gets its share of the cores, for rows, field points and strips; with one core
     // it works serially.
@@ -152,13 +159,14 @@ void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &
     {
         omp_set_num_threads(share);
         ThreadState thread;
+        PhaseTimes own;
         thread.scratch = &scratch;
         require(allocate_solution(run, thread));
 #pragma omp for ordered schedule(dynamic, 1)
         for (int period = 1; period <= NPER; ++period) {
             PeriodCounts counts;
             try { // no exception may leave the region
-                run.periods.WVNH(period) = solve_period(run, period, thread, counts);
+                run.periods.WVNH(period) = solve_period(run, period, thread, counts, own);
             } catch (const std::bad_alloc &) {
                 require(MSGOUT(" RAM too small "));
             }
@@ -173,7 +181,14 @@ void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &
                 write_report_row(run, period, omp_get_thread_num(), counts);
                 progress.step();
             }
-            DEALLOCATE_WA(thread);
+        }
+#pragma omp critical
+        {
+            sum.assembly += own.assembly / side_by_side;
+            sum.solve += own.solve / side_by_side;
         }
     }
+    times.assembly += sum.assembly;
+    times.solve += sum.solve;
+    times.waiting += watch.lap() - sum.assembly - sum.solve;
 }

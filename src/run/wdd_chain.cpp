@@ -27,8 +27,7 @@ class Chain {
     Status solve(SolveRequest request, View<c32, 2> radiation, View<c32, 3> diffraction,
                  const ModeLists *modes) {
         request.FACT = prepared_ ? 0 : 1;
-        // In memory the factors take the place of the matrix, also for one solve.
-        request.KEEP = last_ && !run_.memory.INCORE ? 0 : 1;
+        request.KEEP = last_ ? 0 : 1;
         request.ISRC = ISRC_;
         request.modes = modes;
         prepared_ = true;

@@ -44,7 +44,6 @@ Status solve_flows(RunState &run, ScratchStore &scratch) {
     const ModeLists modes{run.sym.WMODC, run.sym.WMODM, run.sym.WMODP};
     normal_velocities(run, modes, thread.SRCR);
     SolveRequest request{0, -1};
-    request.KEEP = run.memory.INCORE ? 1 : 0;
     request.ISRC = 1;
     request.modes = &modes;
     int ITER[2];

@@ -35,8 +35,8 @@ struct Iteration {
 
     [[nodiscard]] bool alloc(int n) {
         N = n;
-        return XR.alloc(n, 2, MAXIT) && WS.alloc(n, 2, MAXIT) && Y.alloc(n, 2) && SCALE.alloc(n) &&
-               GRAM.alloc(MAXIT, MAXIT) && RMAT.alloc(MAXIT, MAXIT) && CW.alloc(MAXIT);
+        return XR.alloc_unset(n, 2, MAXIT) && WS.alloc_unset(n, 2, MAXIT) && Y.alloc(n, 2) &&
+               SCALE.alloc(n) && GRAM.alloc(MAXIT, MAXIT) && RMAT.alloc(MAXIT, MAXIT) && CW.alloc(MAXIT);
     }
     Split residual(int k) { return {&XR(1, 1, k), &XR(1, 2, k)}; }
     Split iterate(int k) { return {&WS(1, 1, k), &WS(1, 2, k)}; }
@@ -209,6 +209,12 @@ bool make_group(int N, std::size_t size, std::vector<Iteration> &group) {
 }
 
 } // namespace
+
+std::int64_t iteration_memory(int N, int columns) {
+    const std::int64_t vectors = 4 * MAXIT + 3, small = 2 * MAXIT * MAXIT + MAXIT;
+    const std::size_t size = group_size(N, static_cast<std::size_t>(std::max(columns, 0)));
+    return static_cast<std::int64_t>(size) * (4 * vectors * N + 8 * small);
+}
 
 Status ITRCC(int N, f32 EPS, const Sweep &sweep, std::vector<IterativeColumn> &columns) {
     std::size_t size = group_size(N, columns.size());

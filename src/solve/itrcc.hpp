@@ -31,3 +31,5 @@ struct IterativeColumn {
 // last iterate, one whose small system is singular no solution; the caller reports both. Failed: memory
 // (" RAM too small. Allocation error in SOLVE "), or the sweep.
 [[nodiscard]] Status ITRCC(int N, f32 EPS, const Sweep &sweep, std::vector<IterativeColumn> &columns);
+// Bytes that it takes for so many columns.
+std::int64_t iteration_memory(int N, int columns);

@@ -9,7 +9,6 @@
 #include "state/method.hpp"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -18,23 +17,15 @@ struct CoreSolve {
     ThreadState &thread;
     Array<c32, 3> &matrices; // dipole or source influence, by class
     Array<int, 2> &pivots;   // of the factors that take the place of the matrices (n,NSYMR)
-    Array<int, 1> IPIV;      // of other factors
+    Array<int, 1> IPIV;      // of the factors of diagonal blocks
     int n;
 };
 
-bool in_place(const SolveRequest &request) {
-    return request.KEEP == 1 || request.FACT == 0;
-}
-
-// The factors go to ALU or, for later calls, to the place of the matrix.
+// The factors take the place of the matrix, which nothing else reads any more.
 Status solve_full_direct(CoreSolve &c, const SolveRequest &request, int s,
                          const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
-    const View<c32, 2> matrix = c.matrices.slice(s);
-    const bool stays = in_place(request);
-    const View<c32, 2> LU = stays ? matrix : c.thread.ALU.view();
-    int *IPIV = stays ? &c.pivots(1, s) : c.IPIV.data();
-    if (!stays)
-        std::memcpy(LU.data(), matrix.data(), static_cast<std::size_t>(LU.size()) * sizeof(c32));
+    const View<c32, 2> LU = c.matrices.slice(s);
+    int *IPIV = &c.pivots(1, s);
     const DirectClass of_class{c.run, s, tank_reference(c.run, request, s)};
     if (request.FACT == 1 && failed(factor_class(of_class, LU, IPIV, columns)))
         return Status::failed;
@@ -70,11 +61,11 @@ Status solve_in_core(const RunState &run, const SolveRequest &request, View<c32,
     const bool sources = request.ISRC == 1;
     CoreSolve c{run, thread,       sources ? thread.ECORE : thread.ACORE, sources ? thread.EPIV : thread.APIV,
                 {},  run.mesh.NEQN};
-    bool made = c.IPIV.alloc(c.n);
-    if (direct && request.KEEP == 1 && request.FACT == 1)
-        made = made && c.pivots.alloc(c.n, run.sym.NSYMR);
-    if (thread.ALU.empty() && (method == Method::blocks || (direct && !in_place(request))))
-        made = made && thread.ALU.alloc(direct ? c.n : run.opt.NBLKSZ, c.n);
+    bool made = true;
+    if (direct && c.pivots.empty())
+        made = c.pivots.alloc(c.n, run.sym.NSYMR);
+    if (method == Method::blocks)
+        made = c.IPIV.alloc(c.n) && (!thread.ALU.empty() || thread.ALU.alloc(run.opt.NBLKSZ, c.n));
     if (!made)
         return MSGOUT(" RAM too small. Allocation error in SOLVE ");
     for (int s = 1; s <= run.sym.NSYMR; ++s) {
@@ -102,6 +93,14 @@ Status SOLVE(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR
         ITER[0] = ITER[1] = 0;
     return run.memory.INCORE ? solve_in_core(run, request, PHIR, PHID, thread, ITER)
                              : solve_on_scratch(run, request, PHIR, PHID, thread, ITER);
+}
+
+std::int64_t solve_memory(const RunState &run) {
+    int most = 0; // columns of a class
+    for (int s = 1; s <= run.sym.NSYMR; ++s)
+        most = std::max(most, run.sym.NMCLS[s]);
+    const int n = run.mesh.NEQN, columns = most + run.periods.NBETAM;
+    return method_of(run) == Method::direct ? 8ll * n * columns : iteration_memory(n, columns);
 }
 
 Status SOLVE_R(const RunState &run, const SolveRequest &request, View<c32, 2> PHIR, View<c32, 3> PHID,

@@ -72,7 +72,7 @@ void MEMPLN(const Options &opt, int NEQN, int NSYMR, Memory &memory) {
 Status allocate_store(const Options &opt, const Symmetry &sym, int NEQN, RankineStore &store) {
     const int n = NEQN;
     const Range planes(0, opt.ILOG);
-    bool made = store.RKDM.alloc(n, n, sym.NSYMR, planes) && store.ICODM.alloc(n, n) &&
+    bool made = store.RKDM.alloc(n, n, sym.NSYMR, planes) && store.ICODM.alloc(pair_place(n + 1)) &&
                 store.RHSRAN.alloc(n, sym.NSYMD, planes);
     if (keeps_source(opt))
         made = made && store.RKSM.alloc(n, n, sym.NSYMR, planes);

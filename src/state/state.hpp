@@ -195,10 +195,16 @@ struct Periods {
     Array<f32, 1> COSBET;
 };
 
+// Pairs in front of those of panel I when the pairs J <= I of all panels stand one after the other.
+constexpr std::int64_t pair_place(std::int64_t I) {
+    return I * (I - 1) / 2;
+}
+
 // The shared store of the Rankine influence, filled once per run; planes 0..ILOG. First index field panel.
 struct RankineStore {
-    Array<f32, 4> RKDM;   // dipole influence (NEQN,NEQN,NSYMR,0:ILOG)
-    Array<int, 2> ICODM;  // pair codes, ICODM(J,I) for J <= I (NEQN,NEQN)
+    Array<f32, 4> RKDM; // dipole influence (NEQN,NEQN,NSYMR,0:ILOG)
+    // Pair codes of 13 bits, that of J <= I at pair_place(I) + J (NEQN (NEQN+1)/2).
+    Array<std::uint16_t, 1> ICODM;
     Array<f32, 3> RHSRAN; // Rankine share of the radiation right-hand sides (NEQN,NSYMD,0:ILOG)
     Array<f32, 4> RKSM;   // source influence, ISCATT=1 (NEQN,NEQN,NSYMR,0:ILOG)
     Array<f32, 4> RKNM;   // normal derivative of the source influence, ISOR=1 (NEQN,NEQN,NSYMR,0:ILOG)

@@ -117,7 +117,7 @@ Influence wave_influence(const Case &c, int source, const Vector &field, int ISN
 Influence coefficient(const Case &c, int I, int J, int s) {
     const RunState &run = c.run;
     const RankineStore &store = run.store;
-    const int code = store.ICODM(std::min(I, J), std::max(I, J));
+    const int code = store.ICODM(pair_place(std::max(I, J)) + std::min(I, J));
     const bool surface = code >= 4096;
     Influence sum{};
     const double NUL = static_cast<double>(c.wave.NUL),

@@ -36,6 +36,27 @@ TEST(Array, IsZeroedAlignedAndRefusesWhatCannotBe) {
     EXPECT_EQ(a.size(), 0);
 }
 
+// Large arrays have pages of their own; what one leaves behind must not show in the next.
+TEST(Array, LargeOnesAreZeroedAndAlignedToLargePages) {
+    constexpr std::int64_t N = (LARGE_BLOCK / sizeof(double)) + 1;
+    for (const std::int64_t n : {N - 2, N, 3 * N}) {
+        for (int round = 0; round < 2; ++round) {
+            Array<double, 1> a;
+            ASSERT_TRUE(a.alloc(n));
+            if (n >= N) {
+                EXPECT_EQ(reinterpret_cast<std::uintptr_t>(a.data()) % (2 << 20), 0u);
+            }
+            for (std::int64_t i = 1; i <= n; ++i)
+                ASSERT_EQ(a(i), 0.0);
+            a.fill(1.5);
+            Array<double, 1> b = std::move(a);
+            EXPECT_EQ(b(n), 1.5);
+            ASSERT_TRUE(b.alloc_unset(5));
+            b.fill(2);
+        }
+    }
+}
+
 TEST(Array, GrowthKeepsWhatWasThere) {
     Array<int, 3> a;
     ASSERT_TRUE(a.alloc(4, 3, 2));

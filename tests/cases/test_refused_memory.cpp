@@ -65,6 +65,25 @@ TEST_P(RefusedMemory, EndsTheRunInOrder) {
     }
     EXPECT_GT(refused, 0);
 }
+// A run of 1156 panels: the Rankine matrix, and one that both periods use.
+TEST(RefusedPages, EndTheRunInOrder) {
+    const CaseFolder folder;
+    Pot pot;
+    pot.PER = "1 2";
+    pot.NPER = 2;
+    prepare(folder, pot);
+    make_mesh(folder, "hemisphere --part full --nu 17 --nv 17");
+    for (int k = 1; k <= 3; ++k) {
+        SCOPED_TRACE(k);
+        EXPECT_EQ(folder.shell("rm -f run.p2f; LD_PRELOAD='" VORDA_REFUSING
+                               "' OMP_NUM_THREADS=1 VORDA_REFUSE_MAPPED=" +
+                               std::to_string(k) + " timeout 60 vorda"),
+                  0);
+        EXPECT_EQ(folder.exists("run.p2f"), k > 2) << folder.list();
+        EXPECT_EQ(folder.read("stderr.txt").find("RAM too small") != std::string::npos, k <= 2);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Runs, RefusedMemory, testing::ValuesIn(ROWS),
                          [](const auto &row) { return std::string(row.param.name); });
 

@@ -1,12 +1,18 @@
 // Loaded in front of the C library (LD_PRELOAD), refuses one allocation of a run: the one of number
 // VORDA_REFUSE, from 1, among those of 4096 bytes and more. Their count so far stands in the file
-// VORDA_COUNT, a text of ten columns: a run ends without its exit handlers.
+// VORDA_COUNT, a text of ten columns: a run ends without its exit handlers. Of the blocks that the program,
+// not a library, maps for itself, VORDA_REFUSE_MAPPED is refused, from 1.
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/auxv.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
@@ -43,6 +49,19 @@ bool refused(std::size_t bytes) {
     return now;
 }
 
+// Whether this address is code of the program.
+bool of_program(const void *address) {
+    Dl_info info;
+    return dladdr(address, &info) != 0 &&
+           reinterpret_cast<std::uintptr_t>(info.dli_fbase) == (getauxval(AT_PHDR) & ~std::uintptr_t{4095});
+}
+
+bool refuse_mapped() {
+    static std::atomic<long> mapped{0};
+    const char *number = std::getenv("VORDA_REFUSE_MAPPED");
+    return ++mapped == (number != nullptr ? std::atol(number) : 0);
+}
+
 } // namespace
 
 extern "C" {
@@ -63,6 +82,13 @@ void *realloc(void *old, std::size_t bytes) {
 }
 void *aligned_alloc(std::size_t alignment, std::size_t bytes) {
     return refused(bytes) ? nullptr : __libc_memalign(alignment, bytes);
+}
+void *mmap(void *where, std::size_t bytes, int access, int flags, int file, off_t offset) {
+    if (started && file == -1 && of_program(__builtin_return_address(0)) && refuse_mapped()) {
+        errno = ENOMEM;
+        return MAP_FAILED;
+    }
+    return reinterpret_cast<void *>(syscall(SYS_mmap, where, bytes, access, flags, file, offset));
 }
 int posix_memalign(void **block, std::size_t alignment, std::size_t bytes) {
     *block = refused(bytes) ? nullptr : __libc_memalign(alignment, bytes);
