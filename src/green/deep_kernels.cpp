@@ -2,25 +2,14 @@
 //   X = R, Y = z + zeta, r1^2 = X^2 + Y^2, F = F2(X, Y). Only F and F_X are evaluated; the free-surface
 //   relation F_Y = -(F + 2/r1) gives the other derivatives.
 #include "green/bessel_fits.hpp"
+#include "green/deep_fits.hpp"
 #include "green/green_block.hpp"
 
 #include <cmath>
 
 namespace {
 
-// The fitted functions of a = (X/3)^2 that go with FTAB, constant first.
-constexpr f32 JA[6] = {1.9999998f,  -4.4999847f, 2.5310714f,
-                       -0.6320438f, 0.08748448f, -0.0066312575f}; // 2 J0(X)
-constexpr f32 WA[6] = {2.9999998f,   -3.3749917f,  1.265558f,
-                       -0.23707318f, 0.026305571f, -0.001680552f}; // times X/3: 2 J1(X)
-constexpr f32 QA[6] = {-0.2318625f, 5.0216532f,   -4.089872f,
-                       1.2315611f,  -0.19187479f, 0.015697394f}; // pi Y0(X) - 2 J0(X) ln(X)
-constexpr f32 VA[6] = {3.3477938f,  -5.4537463f,  2.466858f,
-                       -0.5212723f, 0.062998235f, -0.0042694374f}; // times X/3: slope of Q in X
-constexpr f32 PI_F = 3.14159265f;
 constexpr f32 SQRT_HALF = 0.70710678f;
-constexpr f32 TINY_R1 = 1e-8f;   // below it the image distance counts as zero
-constexpr f32 MAX_DEPTH = 30.0f; // exp(-Y) stops falling there
 
 [[gnu::always_inline]] inline f32 polynomial5(const f32 (&c)[6], f32 a) {
     return ((((c[5] * a + c[4]) * a + c[3]) * a + c[2]) * a + c[1]) * a + c[0];
@@ -208,16 +197,18 @@ template <bool SECOND, bool WAVES>
         const f32 g = Y < 0.5f ? series : 1 - exy;
         // M = 2 - exp(-Y) 2 J0, the factor that the added logarithm leaves of it; small at small r1.
         const f32 M = g * J - Jm;
-        const f32 L = logf(s), px = X * rinv / s;
-        const f32 G = (apart * r1 * p.B - Q) * (1 - g) + M * L, GZ = 2 * L - G;
-        const f32 GR = M * px + apart * ((((r1 * BX - V) + p.B * X * rinv) + L * W) * (1 - g));
+        const f32 L = logf(s), px = X * rinv / s, h = 1 - g, smooth = apart * r1 * p.B - Q;
+        const f32 inner = apart * ((r1 * BX - V) + p.B * X * rinv + L * W);
+        // G_z = 2 L - G and its like with 2 - M = h J: as differences they would lose their digits.
+        const f32 G = smooth * h + M * L, GZ = (J * L - smooth) * h;
+        const f32 GR = M * px + inner * h;
         b.re[G_][k] = G;
         b.re[G_R][k] = GR;
         b.re[G_Z][k] = GZ;
         b.re[G_ZETA][k] = GZ;
         if constexpr (SECOND) {
-            b.re[G_RZ][k] = 2 * px - GR;
-            b.re[G_RZETA][k] = 2 * px - GR;
+            b.re[G_RZ][k] = (J * px - inner) * h;
+            b.re[G_RZETA][k] = (J * px - inner) * h;
             b.re[G_ZZ][k] = 2 * rinv - GZ;
             b.re[G_ZZETA][k] = 2 * rinv - GZ;
         }

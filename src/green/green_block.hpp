@@ -58,8 +58,9 @@ void FINFG(int row, GreenOrder order, GreenBlock &block);
 // parts. GPROPS: k R <= 3, GPROPL: k R > 3.
 void GPROPS(const GSTATE &state, bool far, GreenOrder order, GreenBlock &block);
 void GPROPL(const GSTATE &state, bool far, GreenOrder order, GreenBlock &block);
-// R > H: adds the first five evanescent modes to the real parts, which then hold the complete function.
-void GEVAN(const GSTATE &state, GreenOrder order, GreenBlock &block);
+// R > H: adds the first evanescent modes, `modes` of them (0 to 5), to the real parts, which then hold the
+// complete function.
+void GEVAN(const GSTATE &state, int modes, GreenOrder order, GreenBlock &block);
 
 // Add to the real parts, with rb the distance of the image below the bottom:
 void ADDDIR(GreenOrder order, GreenBlock &block); // +1/r to the lanes of ISNG = 0

@@ -40,6 +40,41 @@ void evanescent_modes(f32 H, GSTATE &state) {
     }
 }
 
+// ln of the most that a derivative of order m of mode n can be at R.
+f32 mode_size(const GSTATE &state, int n, int m, f32 R) {
+    const f32 mu = state.EVK[n], x = mu * R, slack = 1 + 1 / x; // of K1 over its asymptotic form
+    return std::log(2 * state.EVA[n][0] * slack) - 0.5f * std::log(R) + static_cast<f32>(m) * std::log(mu) -
+           x;
+}
+
+// ln of what they are measured by: the larger of the image, r1 <= sqrt(R^2 + 4 H^2), and the propagating mode
+// on the bottom, where it is least. Hankel's |H0(x)| and |H1(x)| are not below sqrt(2 / (pi max(x, 1))) (by 4
+// %).
+f32 whole_size(const GSTATE &state, f32 H, int m, f32 R) {
+    const f32 k = state.RK, order = static_cast<f32>(m), x = k * R > 1 ? k * R : 1.0f;
+    const f32 image = -0.5f * (order + 1) * std::log(R * R + 4 * H * H);
+    const f32 wave =
+        std::log(2 * PI_F * state.CFOUR * std::sqrt(2 / (PI_F * x))) - 2 * k * H + order * std::log(k);
+    return image > wave ? image : wave;
+}
+
+// The distances beyond which a mode is less than DROPPED of the function in value, first and second
+// derivatives.
+void mode_reaches(f32 H, GSTATE &state) {
+    constexpr f32 LN_DROPPED = -17.3f; // 3e-8, half a unit in the last place
+    for (int n = 0; n < 5; ++n) {
+        f32 low = H, high = 64 * H; // exp(-pi/2 64) is nothing to anything
+        for (int step = 0; step < 16; ++step) {
+            const f32 R = 0.5f * (low + high);
+            bool lost = true;
+            for (int m = 0; m <= 2; ++m)
+                lost = lost && mode_size(state, n, m, R) < whole_size(state, H, m, R) + LN_DROPPED;
+            (lost ? high : low) = R;
+        }
+        state.reach[n] = high;
+    }
+}
+
 // The fitted Bessel functions with k and C folded in, so that the evaluation works in R itself.
 void scaled_bessel(f32 k, f32 C, GSTATE &state) {
     const f32 u = k * k / 9, q = 9 / (k * k), s = C / std::sqrt(k);
@@ -90,6 +125,7 @@ int HGRN98(f32 H, f32 &RATIO, GSTATE &state) {
     state.CFOUR = 4 * C;
     scaled_bessel(k, C, state);
     evanescent_modes(H, state);
+    mode_reaches(H, state);
     SCOEF(H, m, state.COEF91);
     PCOEF(H, m, state.COEF57);
     return 0;

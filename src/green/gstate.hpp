@@ -32,6 +32,8 @@ struct GSTATE {
     f32 EVA[5][7] = {}; // (7,5), per mode a polynomial in 1/R for 2 C(n) K0(mu R), without exp(-mu R)/sqrt(R)
     f32 EVB[5][7] = {}; // (7,5), the same for 2 C(n) mu K1(mu R)
 
+    f32 reach[5] = {}; // R beyond which mode n and those above it are lost in the rounding of the function
+
     f32 COEF91[91] = {}; // polynomial S of the near field for this H
     f32 COEF57[57] = {}; // polynomial P of the near field for this H
 };

@@ -119,15 +119,17 @@ template <int TERMS, bool SECOND>
     }
 }
 
-template <bool SECOND> [[gnu::always_inline]] inline void evanescent(const GSTATE &g, GreenBlock &b) {
+template <bool SECOND>
+[[gnu::always_inline]] inline void evanescent(const GSTATE &g, int modes, GreenBlock &b) {
     alignas(64) f32 rinv[GREEN_LANES], root[GREEN_LANES];
 #pragma omp simd
     for (int k = 0; k < GREEN_LANES; ++k) {
         rinv[k] = 1 / b.X[k];
         root[k] = std::sqrt(rinv[k]);
     }
-    add_evanescent<7, SECOND>(g, 0, rinv, root, b);
-    for (int n = 1; n < 5; ++n)
+    if (modes > 0)
+        add_evanescent<7, SECOND>(g, 0, rinv, root, b);
+    for (int n = 1; n < modes; ++n)
         add_evanescent<5, SECOND>(g, n, rinv, root, b);
 }
 
@@ -163,9 +165,9 @@ VORDA_SIMD void GPROPL(const GSTATE &state, bool far, GreenOrder order, GreenBlo
     }
 }
 
-VORDA_SIMD void GEVAN(const GSTATE &state, GreenOrder order, GreenBlock &block) {
+VORDA_SIMD void GEVAN(const GSTATE &state, int modes, GreenOrder order, GreenBlock &block) {
     if (order == GreenOrder::second)
-        evanescent<true>(state, block);
+        evanescent<true>(state, modes, block);
     else
-        evanescent<false>(state, block);
+        evanescent<false>(state, modes, block);
 }

@@ -3,6 +3,7 @@
 
 #include "green/green_block.hpp"
 #include "green/near_kernels.hpp"
+#include "green/wide_kernels.hpp"
 
 #include <cassert>
 
@@ -29,23 +30,32 @@ constexpr int LOGARITHM = FTAB_ROWS, TAKEN_OUT = 2 * FTAB_ROWS - 40, DEEP_METHOD
 // Methods of finite depth:
 //   m                R <= H, Y < H: FINFS, FINFL or FINFG as m tells in deep water, GNEAR, then the terms
 //   DEEPER+1..3      R <= H, Y >= H: GDEEP, then the terms
-//   FAR+1..3         R > H: GEVAN on top of the propagating mode, terms taken off
+//   FAR+3 n+1..3     R > H: the first n modes of GEVAN on top of the propagating one, terms taken off
 // all of them with GPROPS, and again beyond SHORT_WAVES with GPROPL. 1 to 3 by selectors:
 constexpr int PLAIN = 1; // ISNG = 0 and IBOT = 0
 constexpr int TERMS = 2; // others without the logarithm
 constexpr int WITH_LOG = 3;
-constexpr int DEEPER = DEEP_METHODS, FAR = DEEPER + 3, SHORT_WAVES = FAR + 3,
+constexpr int MODES = 5;
+constexpr int DEEPER = DEEP_METHODS, FAR = DEEPER + 3, SHORT_WAVES = FAR + 3 * (MODES + 1),
               FINITE_METHODS = 2 * SHORT_WAVES;
 
-[[gnu::always_inline]] inline int finite_method(f32 R, f32 Y, f32 H, f32 R3, int ISNG, int IBOT) {
-    const int terms = ISNG == 0 && IBOT == 0 ? PLAIN : TERMS, selector = ISNG >= 3 ? WITH_LOG : terms;
-    const int near = deep_method(R, Y, ISNG), inner = Y >= H ? DEEPER + selector : near;
-    return (R > H ? FAR + selector : inner) + (R > R3 ? SHORT_WAVES : 0);
-}
+// Distances at which the methods of finite depth change, held by value for the vector loop.
+struct Borders {
+    f32 H;
+    f32 R3;           // k R = 3
+    f32 reach[MODES]; // of the evanescent modes
+    Borders(f32 depth, const GSTATE &state) : H(depth), R3(3 / state.RK) {
+        for (int n = 0; n < MODES; ++n)
+            reach[n] = state.reach[n];
+    }
+};
 
-// Distance at which k R = 3.
-f32 bessel_border(const GSTATE &state) {
-    return 3 / state.RK;
+[[gnu::always_inline]] inline int finite_method(f32 R, f32 Y, const Borders &b, int ISNG, int IBOT) {
+    const int terms = ISNG == 0 && IBOT == 0 ? PLAIN : TERMS, selector = ISNG >= 3 ? WITH_LOG : terms;
+    const int near = deep_method(R, Y, ISNG), inner = Y >= b.H ? DEEPER + selector : near;
+    const int modes =
+        (R < b.reach[0]) + (R < b.reach[1]) + (R < b.reach[2]) + (R < b.reach[3]) + (R < b.reach[4]);
+    return (R > b.H ? FAR + 3 * modes + selector : inner) + (R > b.R3 ? SHORT_WAVES : 0);
 }
 
 VORDA_SIMD void deep_keys(const GreenPoints &p, int *method) {
@@ -57,13 +67,13 @@ VORDA_SIMD void deep_keys(const GreenPoints &p, int *method) {
         method[i] = deep_method(R[i], Z[i] + ZETA[i], ISNG[i]);
 }
 
-VORDA_SIMD void finite_keys(const GreenPoints &p, f32 H, f32 R3, int *method) {
+VORDA_SIMD void finite_keys(const GreenPoints &p, Borders borders, int *method) {
     const int n = p.n;
     const f32 *R = p.R, *Z = p.Z, *ZETA = p.ZETA;
     const int *ISNG = p.ISNG, *IBOT = p.IBOT;
 #pragma omp simd
     for (int i = 0; i < n; ++i)
-        method[i] = finite_method(R[i], Z[i] + ZETA[i], H, R3, ISNG[i], IBOT[i]);
+        method[i] = finite_method(R[i], Z[i] + ZETA[i], borders, ISNG[i], IBOT[i]);
 }
 
 void set_lane(GreenBlock &block, int lane, f32 R, f32 Z, f32 ZETA, int ISNG) {
@@ -123,8 +133,8 @@ void evaluate_finite(int method, const GSTATE &state, GreenOrder order, GreenBlo
     else
         GPROPS(state, far, order, block);
     if (far) {
-        const int selector = region - FAR;
-        GEVAN(state, order, block);
+        const int modes = (region - FAR - 1) / 3, selector = region - FAR - 3 * modes;
+        GEVAN(state, modes, order, block);
         if (selector != PLAIN) {
             SUBBOT(order, block);
             SUBDIR(order, block);
@@ -173,10 +183,14 @@ void VGRN98(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrder or
         return;
     assert(work.sorted.size() >= n);
     const bool finite = H > 0;
+    if (!finite && work.path != GreenPath::sorted && wide_available()) {
+        deep_wide(points, order, result);
+        return;
+    }
     const int methods = finite ? FINITE_METHODS : DEEP_METHODS;
     int *method = work.method.data(), *sorted = work.sorted.data();
     if (finite)
-        finite_keys(points, H, bessel_border(state), method);
+        finite_keys(points, Borders(H, state), method);
     else
         deep_keys(points, method);
     int first[FINITE_METHODS + 2] = {}; // of each method in `sorted`, then where the next one goes
@@ -208,14 +222,23 @@ void VGRN98(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrder or
 
 void VGRN1P(f32 R, f32 Z, f32 ZETA, f32 H, const GSTATE &state, int ISNG, int IBOT, f32 (&record)[16]) {
     GreenBlock block;
+    if (!(H > 0) && wide_available()) {
+        GreenArrays result;
+        for (int j = 0; j < GREEN_VALUES; ++j) {
+            result.re[j] = record + 2 * j;
+            result.im[j] = record + 2 * j + 1;
+        }
+        deep_wide({1, &R, &Z, &ZETA, &ISNG, &IBOT}, GreenOrder::second, result);
+        return;
+    }
     for (int k = 0; k < GREEN_LANES; ++k) {
         set_lane(block, k, R, Z, ZETA, ISNG);
         if (H > 0)
             set_bottom(block, k, Z, ZETA, H, IBOT);
     }
     if (H > 0)
-        evaluate_finite(finite_method(R, Z + ZETA, H, bessel_border(state), ISNG, IBOT), state,
-                        GreenOrder::second, block);
+        evaluate_finite(finite_method(R, Z + ZETA, Borders(H, state), ISNG, IBOT), state, GreenOrder::second,
+                        block);
     else
         evaluate_deep(deep_method(R, Z + ZETA, ISNG), GreenOrder::second, block);
     for (int j = 0; j < GREEN_VALUES; ++j) {

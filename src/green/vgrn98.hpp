@@ -49,10 +49,17 @@ enum class GreenOrder {
     second // all eight
 };
 
+// How deep water is worked off.
+enum class GreenPath {
+    best,  // points in their order, sixteen at a time, where the processor has AVX-512; else as `sorted`
+    sorted // by boxes of the table, in blocks: every processor
+};
+
 // Work lists, made once per thread for the longest call it makes.
 struct GreenWork {
     Array<int, 1> method; // box and method of a point
     Array<int, 1> sorted; // point numbers from 0, by method, in each in the order of the points
+    GreenPath path = GreenPath::best;
     // False: no memory for n points.
     [[nodiscard]] bool alloc(int n);
 };
@@ -64,5 +71,5 @@ void VGRN98(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrder or
             const GreenArrays &result);
 
 // One pair, all eight values as 16 numbers, each value as real and imaginary part. Equal bit for
-// bit to VGRN98.
+// bit to VGRN98 by its best path.
 void VGRN1P(f32 R, f32 Z, f32 ZETA, f32 H, const GSTATE &state, int ISNG, int IBOT, f32 (&record)[16]);

@@ -40,9 +40,11 @@ struct Results {
     }
 };
 
-inline Results evaluate(const Points &points, GreenOrder order, f32 H = -1, const GSTATE &state = {}) {
+inline Results evaluate(const Points &points, GreenOrder order, f32 H = -1, const GSTATE &state = {},
+                        GreenPath path = GreenPath::best) {
     Results results(points.size());
     GreenWork work;
+    work.path = path;
     EXPECT_TRUE(work.alloc(points.size()));
     VGRN98(points.view(), H, state, order, work, results.arrays);
     return results;
@@ -92,15 +94,15 @@ std::array<Complex, GREEN_VALUES> record_by_differences(F G, double R, double z,
 }
 
 // A point has one result, wherever it stands and whoever its neighbours are; VGRN1P and the first-order call
-// agree with it. `place`: the order of the points in a second call.
+// agree with it (VGRN1P with the best path). `place`: the order of the points in a second call.
 inline void expect_result_depends_on_point_alone(const Points &points, const std::vector<int> &place, f32 H,
-                                                 const GSTATE &state) {
+                                                 const GSTATE &state, GreenPath path) {
     Points shuffled;
     for (const int i : place)
         shuffled.add(points.R[i], points.Z[i], points.ZETA[i], points.ISNG[i], points.IBOT[i]);
-    const Results a = evaluate(points, GreenOrder::second, H, state),
-                  b = evaluate(shuffled, GreenOrder::second, H, state),
-                  first = evaluate(points, GreenOrder::first, H, state);
+    const Results a = evaluate(points, GreenOrder::second, H, state, path),
+                  b = evaluate(shuffled, GreenOrder::second, H, state, path),
+                  first = evaluate(points, GreenOrder::first, H, state, path);
     const auto same = [](const f32 &x, const f32 &y) { return std::memcmp(&x, &y, sizeof(f32)) == 0; };
     for (int i = 0; i < points.size(); ++i) {
         f32 record[16];
@@ -109,8 +111,10 @@ inline void expect_result_depends_on_point_alone(const Points &points, const std
         for (int j = 0; j < GREEN_VALUES; ++j) {
             ASSERT_TRUE(same(a.arrays.re[j][o], b.arrays.re[j][i])) << j << " " << o << " H " << H;
             ASSERT_TRUE(same(a.arrays.im[j][o], b.arrays.im[j][i])) << j << " " << o << " H " << H;
-            ASSERT_TRUE(same(a.arrays.re[j][o], record[2 * j])) << j << " " << o << " H " << H;
-            ASSERT_TRUE(same(a.arrays.im[j][o], record[2 * j + 1])) << j << " " << o << " H " << H;
+            if (path == GreenPath::best) {
+                ASSERT_TRUE(same(a.arrays.re[j][o], record[2 * j])) << j << " " << o << " H " << H;
+                ASSERT_TRUE(same(a.arrays.im[j][o], record[2 * j + 1])) << j << " " << o << " H " << H;
+            }
             if (ORDER[j] < 2) {
                 ASSERT_TRUE(same(a.arrays.re[j][o], first.arrays.re[j][o])) << j << " " << o << " H " << H;
                 ASSERT_TRUE(same(a.arrays.im[j][o], first.arrays.im[j][o])) << j << " " << o << " H " << H;

@@ -304,7 +304,7 @@ int main(int count, char **argument) {
     }
     const F2Definition definition;
     std::string text = head() + "#include \"green/tables/ftab.hpp\"\n\n// clang-format off\n"
-                                "const f32 FTAB[FTAB_ROWS][FTAB_TERMS] = {\n";
+                                "constexpr f32 FTAB[FTAB_ROWS][FTAB_TERMS] = {\n";
     ValueSlope worst;
     bool good = true;
     for (int row = 1; row <= FTAB_ROWS; ++row) {
@@ -349,7 +349,7 @@ int main(int count, char **argument) {
         std::snprintf(buffer, sizeof buffer, ", // row %d: %.1e, %.1e\n", row, error.value, error.slope);
         text += buffer;
     }
-    text += "};\n";
+    text += "};\n\nconstinit const FtabByTerm FTAB_BY_TERM = by_term(FTAB);\n";
     std::fprintf(stderr, "worst: F2 %.1e, slope %.1e\n", worst.value, worst.slope);
     if (check) {
         std::ifstream file(argument[2]);

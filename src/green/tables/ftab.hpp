@@ -12,3 +12,18 @@ constexpr int FTAB_DEGREE[7] = {5, 5, 4, 4, 3, 2, 1};
 // Piecewise polynomials, (31,48) with the first index fastest, counted from 0; src/green/tables/ftab.cpp
 // tells more.
 extern const f32 FTAB[FTAB_ROWS][FTAB_TERMS];
+
+// The same by terms, for processors that pick a coefficient of many points from registers.
+struct FtabByTerm {
+    alignas(64) f32 value[FTAB_TERMS][FTAB_ROWS];
+};
+extern const FtabByTerm FTAB_BY_TERM;
+
+constexpr FtabByTerm by_term(const f32 (&rows)[FTAB_ROWS][FTAB_TERMS]) {
+    FtabByTerm table{};
+    for (int row = 0; row < FTAB_ROWS; ++row) {
+        for (int term = 0; term < FTAB_TERMS; ++term)
+            table.value[term][row] = rows[row][term];
+    }
+    return table;
+}
