@@ -110,7 +110,7 @@ TEST(Hulls, CutsKeepVolumesAndStayClosed) {
             }
 }
 
-TEST(Hulls, FaceOutwardsWhateverTheyWere) {
+TEST(Hulls, TurnOutwardsWhateverTheyWere) {
     std::mt19937 random(3);
     for (const Body &body : BODIES) {
         SCOPED_TRACE(body.name);
