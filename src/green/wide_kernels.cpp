@@ -212,11 +212,17 @@ struct TakenLanes {
     Lanes G, GR, GZ, GRZ;
 };
 
+// What the values of a point are made of beside its coefficients.
+struct PointLanes {
+    Lanes Q, V, BX, r1, rinv, L, sinv, exy;
+    Mask apart; // r1 > 0
+};
+
 // M = 2 - exp(-Y) 2 J0 is what the added logarithm leaves of its factor, small at small r1. 2 - M comes as
 // exp(-Y) 2 J0: in G_z = 2 L - G and its like the digits would go.
-VORDA_WIDE TakenLanes taken_out(Lanes X, Lanes Y, const TableLanes &p, const AxisLanes &axis, Lanes Q,
-                                Lanes V, Lanes BX, Lanes r1, Lanes rinv, Lanes L, Lanes sinv, Lanes exy,
-                                Mask apart) {
+VORDA_WIDE TakenLanes taken_out(Lanes X, Lanes Y, const TableLanes &p, const AxisLanes &axis,
+                                const PointLanes &at) {
+    const auto &[Q, V, BX, r1, rinv, L, sinv, exy, apart] = at;
     constexpr f32 SERIES[8] = {1.0f,       -1 / 2.0f,   1 / 6.0f,    -1 / 24.0f,
                                1 / 120.0f, -1 / 720.0f, 1 / 5040.0f, -1 / 40320.0f};
     const Mask low = _mm512_cmp_ps_mask(Y, all(0.5f), _CMP_LT_OQ);
@@ -340,7 +346,7 @@ VORDA_WIDE void deep_lanes(Lanes X, Lanes Y, Lanes D, Integers ISNG, Lanes (&re)
     if (kind.taken != 0) {
         const Mask m = kind.taken;
         const Lanes near = _mm512_maskz_mov_ps(apart, r1);
-        const TakenLanes g = taken_out(X, Y, p, axis, Q, V, BX, near, rinv, L, sinv, exy, apart);
+        const TakenLanes g = taken_out(X, Y, p, axis, {Q, V, BX, near, rinv, L, sinv, exy, apart});
         re[G_] = select(m, g.G, re[G_]);
         re[G_R] = select(m, g.GR, re[G_R]);
         re[G_Z] = select(m, g.GZ, re[G_Z]);
