@@ -215,7 +215,7 @@ struct TakenLanes {
 // What the values of a point are made of beside its coefficients.
 struct PointLanes {
     Lanes Q, V, BX, r1, rinv, L, sinv, exy;
-    Mask apart; // r1 > 0
+    Mask apart; // r1 above TINY_R1
 };
 
 // M = 2 - exp(-Y) 2 J0 is what the added logarithm leaves of its factor, small at small r1. 2 - M comes as
