@@ -40,12 +40,7 @@ std::string text_of(const std::string &name) {
 bool write_text(const std::string &name, const std::string &text, std::string &error) {
     if (!text.empty() && text_of(name) == text)
         return true;
-    PartFile part(name);
-    std::FILE *out = part.open(error);
-    if (out == nullptr)
-        return false;
-    std::fwrite(text.data(), 1, text.size(), out);
-    return part.keep(error);
+    return write_whole(name, text, error);
 }
 
 MadeFrom::MadeFrom(const std::string &folder) : folder_(folder) {

@@ -88,40 +88,16 @@ bool write_table(const std::string &name, const Table &table, std::string &error
 
 } // namespace
 
-// The files are written in a folder beside the wanted one. When all are there it gets that name; if it exists
-// already, they take their places in it, one by one.
 bool write_csv_folder(const DataSet &data, ExportRequest &request, std::string &error) {
-    namespace fs = std::filesystem;
-    fs::path folder = request.out;
-    if (!folder.has_filename()) // "out/"
-        folder = folder.parent_path();
-    const fs::path made = folder.string() + ".part";
-    std::error_code fault;
-    fs::remove_all(made, fault);
-    if (!fs::create_directory(made, fault)) {
-        error = made.string() + " cannot be made: " + fault.message();
+    PartFolder folder(request.out);
+    if (!folder.make(error))
         return false;
-    }
     std::vector<NamedTable> tables = tables_of(data);
     std::vector<std::string> names = {"about.csv"};
-    bool good = write_table((made / names[0]).string(), about_table(data), error);
+    bool good = write_table((folder.part() / names[0]).string(), about_table(data), error);
     for (std::size_t k = 0; good && k < tables.size(); ++k) {
         names.push_back(std::string(tables[k].command) + "_" + tables[k].table.name + ".csv");
-        good = write_table((made / names.back()).string(), tables[k].table, error);
+        good = write_table((folder.part() / names.back()).string(), tables[k].table, error);
     }
-    if (good && !fs::exists(folder, fault)) {
-        fs::rename(made, folder, fault);
-    } else if (good) {
-        for (const std::string &name : names)
-            if (!fault)
-                fs::rename(made / name, folder / name, fault);
-    }
-    if (good && fault) {
-        error = folder.string() + " cannot be written: " + fault.message();
-        good = false;
-    }
-    fs::remove_all(made, fault);
-    for (const std::string &name : names)
-        request.written.push_back((folder / name).string());
-    return good;
+    return good && folder.keep(names, request.written, error);
 }

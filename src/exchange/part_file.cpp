@@ -40,3 +40,47 @@ bool PartFile::keep(std::string &error) {
     kept_ = good;
     return good;
 }
+
+PartFolder::PartFolder(const std::string &name) : folder_(name) {
+    if (!folder_.has_filename()) // "out/"
+        folder_ = folder_.parent_path();
+    part_ = folder_.string() + ".part";
+}
+
+PartFolder::~PartFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(part_, ignored);
+}
+
+bool PartFolder::make(std::string &error) {
+    std::error_code fault;
+    std::filesystem::remove_all(part_, fault);
+    if (std::filesystem::create_directory(part_, fault))
+        return true;
+    error = part_.string() + " cannot be made: " + fault.message();
+    return false;
+}
+
+bool PartFolder::keep(const std::vector<std::string> &names, std::vector<std::string> &written,
+                      std::string &error) {
+    std::error_code fault;
+    std::filesystem::create_directory(folder_, fault);
+    for (const std::string &name : names)
+        if (!fault) {
+            std::filesystem::rename(part_ / name, folder_ / name, fault);
+            written.push_back((folder_ / name).string());
+        }
+    if (!fault)
+        return true;
+    error = folder_.string() + " cannot be written: " + fault.message();
+    return false;
+}
+
+bool write_whole(const std::string &name, const std::string &text, std::string &error) {
+    PartFile part(name);
+    std::FILE *out = part.open(error);
+    if (out == nullptr)
+        return false;
+    std::fwrite(text.data(), 1, text.size(), out);
+    return part.keep(error);
+}

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
+#include <vector>
 
 class PartFile {
   public:
@@ -26,3 +28,25 @@ class PartFile {
     std::FILE *file_ = nullptr;
     bool kept_ = false;
 };
+
+// The same for the files of a folder: they are written in a folder beside the wanted one and take their
+// places in that, where files of other names stay.
+class PartFolder {
+  public:
+    explicit PartFolder(const std::string &name);
+    PartFolder(const PartFolder &) = delete;
+    PartFolder &operator=(const PartFolder &) = delete;
+    ~PartFolder();
+
+    [[nodiscard]] bool make(std::string &error);
+    const std::filesystem::path &part() const { return part_; }
+    // Moves the files of these names and tells where they are. False, with the reason in `error`.
+    [[nodiscard]] bool keep(const std::vector<std::string> &names, std::vector<std::string> &written,
+                            std::string &error);
+
+  private:
+    std::filesystem::path folder_, part_;
+};
+
+// Writes a text as such a file. False with the reason in `error`.
+[[nodiscard]] bool write_whole(const std::string &name, const std::string &text, std::string &error);

@@ -1,4 +1,5 @@
 #include "exchange/plot.hpp"
+#include "exchange/part_file.hpp"
 
 #include <csignal>
 #include <cstdio>
@@ -33,7 +34,6 @@ bool is_whole(const std::filesystem::path &file, bool png) {
 } // namespace
 
 bool write_plots(const DataSet &data, PlotRequest &request, std::string &error) {
-    namespace fs = std::filesystem;
     for (const int b : request.headings)
         if (b < 1 || b > data.p2f->NBETA || data.headings.empty()) {
             error = "the run has no heading " + std::to_string(b) + ", it has " +
@@ -45,16 +45,10 @@ bool write_plots(const DataSet &data, PlotRequest &request, std::string &error) 
         error = "pictures are drawn by the program gnuplot: install gnuplot-nox";
         return false;
     }
-    fs::path folder = request.folder;
-    if (!folder.has_filename()) // "out/"
-        folder = folder.parent_path();
-    const fs::path made = folder.string() + ".part";
-    std::error_code fault;
-    fs::remove_all(made, fault);
-    if (!fs::create_directory(made, fault)) {
-        error = made.string() + " cannot be made: " + fault.message();
+    PartFolder folder(request.folder);
+    if (!folder.make(error))
         return false;
-    }
+    const std::filesystem::path &made = folder.part();
     const std::vector<PlotFigure> figures = figures_of(data, request);
     std::string script;
     std::vector<std::string> names;
@@ -67,19 +61,5 @@ bool write_plots(const DataSet &data, PlotRequest &request, std::string &error) 
         good = good && is_whole(made / name, request.png);
     if (!good)
         error = "the pictures cannot be written to " + made.string() + ": no space left, or gnuplot failed";
-    fs::create_directory(folder, fault);
-    for (const std::string &name : names)
-        if (good && !fault) {
-            fs::rename(made / name, folder / name, fault);
-            request.written.push_back((folder / name).string());
-        }
-    if (good && fault) {
-        error = folder.string() + " cannot be written: " + fault.message();
-        good = false;
-    }
-    std::error_code ignored;
-    fs::remove_all(made, ignored);
-    if (!good)
-        fs::remove(folder, ignored); // when it is empty
-    return good;
+    return good && folder.keep(names, request.written, error);
 }

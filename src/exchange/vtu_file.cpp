@@ -102,15 +102,6 @@ std::vector<std::uint8_t> types_of(const std::vector<std::int32_t> &ends) {
     return types;
 }
 
-bool write_text(const std::string &name, const std::string &text, std::string &error) {
-    PartFile part(name);
-    std::FILE *out = part.open(error);
-    if (out == nullptr)
-        return false;
-    std::fwrite(text.data(), 1, text.size(), out);
-    return part.keep(error);
-}
-
 } // namespace
 
 bool write_vtu(const std::string &name, const VtuFile &file, std::string &error) {
@@ -147,5 +138,5 @@ bool write_pvd(const std::string &name, const Attributes &attributes, const std:
         text += "    <DataSet timestep=\"" + std::string(time) + "\" part=\"" + std::to_string(step.part) +
                 "\" file=\"" + escaped(step.file) + "\"/>\n";
     }
-    return write_text(name, text + "  </Collection>\n</VTKFile>\n", error);
+    return write_whole(name, text + "  </Collection>\n</VTKFile>\n", error);
 }

@@ -112,7 +112,7 @@ void put_in_place(GdfBody &body) {
     body.heading = 0;
 }
 
-MergedVertices mesh_of(const GdfBody &body) {
+MergedVertices joined(const GdfBody &body, double same) {
     MergedVertices mesh;
     for (const GdfPanel &panel : body.panels) {
         std::array<int, 4> corners;
@@ -122,10 +122,15 @@ MergedVertices mesh_of(const GdfBody &body) {
         }
         mesh.of_panel.push_back(corners);
     }
-    const std::vector<int> to = merge_points(mesh.points, SAME_POINT * std::max(size_of(mesh), 1e-30));
+    const std::vector<int> to = merge_points(mesh.points, same * std::max(size_of(mesh), 1e-30));
     for (std::array<int, 4> &corners : mesh.of_panel)
         for (int &c : corners)
             c = to[static_cast<std::size_t>(c)];
+    return mesh;
+}
+
+MergedVertices mesh_of(const GdfBody &body) {
+    MergedVertices mesh = joined(body, SAME_POINT);
     (void)tidy(mesh);
     return mesh;
 }

@@ -42,4 +42,7 @@ void put_in_place(GdfBody &body);
 void reverse(GdfPanel &panel);
 // The panels as points and numbers, and back.
 MergedVertices mesh_of(const GdfBody &body);
+// The same with all panels by their numbers, also those that tidying leaves out; vertices nearer than `same`
+// over the size are one.
+MergedVertices joined(const GdfBody &body, double same);
 std::vector<GdfPanel> panels_of(const MergedVertices &mesh);

@@ -60,21 +60,8 @@ GdfBody joined(std::vector<GdfBody> &bodies) {
 
 // The bodies of a global file, or the connected pieces of each.
 std::vector<GdfBody> pieces(const GdfBody &body) {
-    std::vector<int> piece;
-    MergedVertices mesh;
-    // Numbers of all panels, those that tidying would leave out included.
-    for (const GdfPanel &panel : body.panels) {
-        std::array<int, 4> corners;
-        for (std::size_t v = 0; v < 4; ++v) {
-            corners[v] = static_cast<int>(mesh.points.size());
-            mesh.points.push_back(panel.at[v]);
-        }
-        mesh.of_panel.push_back(corners);
-    }
-    const std::vector<int> to = merge_points(mesh.points, 1e-6 * size_of(mesh));
-    for (std::array<int, 4> &corners : mesh.of_panel)
-        for (int &c : corners)
-            c = to[static_cast<std::size_t>(c)];
+    constexpr double SAME = 1e-6; // over the size
+    const MergedVertices mesh = joined(body, SAME);
     const std::vector<bool> all(mesh.of_panel.size(), true);
     const MeshPieces found = pieces_of(edges_of(mesh, all), all);
     std::vector<GdfBody> parts(static_cast<std::size_t>(found.pieces), body);
