@@ -86,6 +86,10 @@ void write_head_block() {
 
 } // namespace
 
+std::string program_version() {
+    return trimmed(VERSION) + " " + RELEASE_DATE;
+}
+
 Status LISOPN(const std::string &name) {
     if (access(name.c_str(), F_OK) == 0 && std::rename(name.c_str(), (name + ".bak").c_str()) != 0) {
         ALERT("RENAME FILE as .BAK FAILED: " + name);

@@ -6,6 +6,9 @@
 #include <string>
 #include <string_view>
 
+// Version and release date of the program, as the list file shows them.
+std::string program_version();
+
 // Opens the list file `name` (an old one gets ".bak" behind its name) and writes the head block. Its own
 // failures go to the alert routine.
 [[nodiscard]] Status LISOPN(const std::string &name);
