@@ -8,10 +8,13 @@ namespace {
 
 // How mpirun starts processes on a machine that is too small for them, with these variables; each leaves its
 // number in pid.RANK.
-std::string mpi(int processes, const std::string &variables = "") {
+std::string mpirun(int processes) {
     return "OMPI_ALLOW_RUN_AS_ROOT=1 OMPI_ALLOW_RUN_AS_ROOT_CONFIRM=1 timeout 60 mpirun --oversubscribe "
            "--bind-to none -n " +
-           std::to_string(processes) + " sh -c 'echo $$ >pid.$OMPI_COMM_WORLD_RANK; " + variables +
+           std::to_string(processes);
+}
+std::string mpi(int processes, const std::string &variables = "") {
+    return mpirun(processes) + " sh -c 'echo $$ >pid.$OMPI_COMM_WORLD_RANK; " + variables +
            " exec vorda-mpi'";
 }
 
@@ -199,6 +202,38 @@ TEST_F(Death, OfOneThatOnlyStaysSilentIsNoticed) {
     expect_a_fault(folder_, code, "A process of the run does not answer any more");
     EXPECT_TRUE(folder_.lists("(process 1 of 3, on "));
     expect_that_it_goes_on();
+}
+
+// Cases of a study, of which one cannot be solved; then nothing, one case, or all cases are changed.
+TEST_F(Processes, SolveTheCasesOfAStudyThatAreNotDone) {
+    CaseFolder &study = folder_;
+    prepare(study, few_waves());
+    make_mesh(study, "hemisphere --nu 4 --nv 4");
+    study.shell(
+        "mkdir all && mv run.gdf all && for c in a b c d; do mkdir all/$c; cp *.vrd run.pot all/$c; "
+        "echo ../run.gdf >all/$c/fnames.vrd; echo run.pot >>all/$c/fnames.vrd; done; rm all/c/run.pot");
+    study.write("study.csv", "folder, draught\nall/b, 1\n# all/a\nall/d, 2\n");
+    const struct {
+        const char *before, *arguments;
+        int processes, code;
+        const char *summary;
+    } rows[] = {
+        {"true", "study.csv", 1, 0, "2 solved, 0 done before, 0 failed"},
+        {"true", "all", 3, 1, "1 solved, 2 done before, 1 failed"},
+        {"cp run.pot all/c", "all", 2, 0, "1 solved, 3 done before, 0 failed"},
+        {"echo NTRD=1 >>all/b/config.vrd; rm all/c/run.p2f", "all", 2, 0,
+         "2 solved, 2 done before, 0 failed"},
+        {"echo >>all/run.gdf", "all", 2, 0, "4 solved, 0 done before, 0 failed"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.summary);
+        EXPECT_EQ(study.shell(std::string(row.before) + " && " + mpirun(row.processes) + " vorda-study " +
+                              row.arguments + " >table.txt"),
+                  row.code)
+            << study.read("stderr.txt");
+        EXPECT_NE(study.read("table.txt").find(row.summary), std::string::npos) << study.read("table.txt");
+    }
+    EXPECT_TRUE(study.exists("all/c/run.p2f"));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "mpi_crew.hpp"
 
 #include "base/platform.hpp"
+#include "cores.hpp"
 #include "transfer.hpp"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <omp.h>
-#include <sched.h>
 #include <unistd.h>
 
 namespace {
@@ -18,14 +18,6 @@ double number_of(const char *variable, double otherwise) {
     const char *const text = std::getenv(variable);
     const double value = text == nullptr ? 0 : std::atof(text);
     return value > 0 ? value : otherwise;
-}
-
-int all_of(int value, MPI_Op operation, MPI_Comm comm) {
-    int result = 0;
-    MPI_Request request = MPI_REQUEST_NULL;
-    MPI_Iallreduce(&value, &result, 1, MPI_INT, operation, comm, &request);
-    wait_for(request);
-    return result;
 }
 
 MPI_Comm processes_of_this_computer(int rank) {
@@ -63,7 +55,9 @@ MpiCrew::MpiCrew() {
     MPI_Comm_rank(MPI_COMM_WORLD, &rank_);
     MPI_Comm_size(MPI_COMM_WORLD, &size_);
     MPI_Comm computer = processes_of_this_computer(rank_);
-    divide_cores(computer);
+    const int threads = threads_of_process(computer);
+    if (std::getenv("OMP_NUM_THREADS") == nullptr)
+        omp_set_num_threads(threads);
     MPI_Comm_rank(computer, &node_rank_);
     // A test takes parts of a computer for computers.
     const int part = node_rank_ / static_cast<int>(number_of("VORDA_MPI_NODE_SIZE", size_));
@@ -84,19 +78,6 @@ MpiCrew::MpiCrew() {
         keep_lines();
     end_by([this](const ListReport &report) { end(report); });
     pulse_->start(places_of_all(rank_, size_));
-}
-
-// Without OMP_NUM_THREADS: processes that may use the same cores share them.
-void MpiCrew::divide_cores(MPI_Comm node) const {
-    if (std::getenv("OMP_NUM_THREADS") != nullptr)
-        return;
-    cpu_set_t own, all;
-    CPU_ZERO(&own);
-    if (sched_getaffinity(0, sizeof own, &own) != 0)
-        return;
-    MPI_Allreduce(&own, &all, sizeof own, MPI_BYTE, MPI_BOR, node);
-    const int wanted = all_of(CPU_COUNT(&own), MPI_SUM, node);
-    omp_set_num_threads(std::max(1, CPU_COUNT(&own) * CPU_COUNT(&all) / wanted));
 }
 
 void MpiCrew::share_input(RunState &run) {

@@ -26,7 +26,6 @@ class MpiCrew final : public Crew {
     void close_exchange() override;
 
   private:
-    void divide_cores(MPI_Comm node) const;
     void end(const ListReport &report);
     void enter_own_folder() const;
 
