@@ -38,6 +38,7 @@ add_test(NAME layout.includes_follow_the_links
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_includes ${VORDA_EDGES})
 add_test(NAME layout.messages_are_explained COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_messages)
 add_test(NAME layout.links_have_targets COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_links)
+add_test(NAME layout.job_scripts_are_sound COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tests/layout/check_jobs)
 add_test(NAME layout.picture_is_current COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/scripts/draw_links --check)
 add_test(NAME layout.glossary_is_current COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/scripts/glossary --check)
 
