@@ -84,12 +84,14 @@ void Pulse::look_for_the_dead(Clock::time_point now) {
     for (int r = leads() ? 1 : 0; r < (leads() ? size_ : 1); ++r) {
         if (now - heard_[static_cast<std::size_t>(r)] < patience_)
             continue;
-        if (leads()) {
+        if (leads() && !end_wanted_) {
             MSGOUT_with("A process of the run does not answer any more", 0,
                         places_[static_cast<std::size_t>(r)]);
             STOPRN(0);
         }
-        std::fprintf(stderr, "vorda-mpi: process %d hears nothing of process 0 any more, it ends\n", rank_);
+        // The report is closed, or somewhere else.
+        std::fprintf(stderr, "vorda-mpi: process %d hears nothing of process %d any more, it ends\n", rank_,
+                     r);
         MPI_Abort(MPI_COMM_WORLD, 1);
     }
 }

@@ -15,9 +15,13 @@ Status SharedStore::allocate(RunState &run) {
     constexpr std::int64_t ALIGNMENT = 64;
     const std::int64_t bytes = lay_out_store(run.opt, run.sym, run.mesh.NEQN, nullptr, run.store);
     void *base = nullptr;
+    MPI_Errhandler before = MPI_ERRHANDLER_NULL;
+    MPI_Comm_get_errhandler(node_, &before);
     MPI_Comm_set_errhandler(node_, MPI_ERRORS_RETURN); // a refusal is told as any other
     const int made =
         MPI_Win_allocate_shared(rank_ == 0 ? bytes + ALIGNMENT : 0, 1, MPI_INFO_NULL, node_, &base, &window_);
+    MPI_Comm_set_errhandler(node_, before);
+    MPI_Errhandler_free(&before);
     if (made != MPI_SUCCESS)
         return MSGOUT_with(" RAM too small ", 0,
                            "no " + std::to_string(bytes >> 20) +
