@@ -84,11 +84,12 @@ void MpiCrew::share_input(RunState &run) {
     const int computers = all_of(node_rank_ == 0 ? 1 : 0, MPI_SUM, MPI_COMM_WORLD);
     line_at_signal(
         "  The run was ended by a signal: from outside, or since another of its processes has died");
-    list_line("  " + std::to_string(size_) + " processes on " + std::to_string(computers) +
-              " computers share the periods");
     Image image;
     if (leads())
         image = image_of(run);
+    list_line("  " + std::to_string(size_) + " processes on " + std::to_string(computers) +
+              " computers share the periods; the input goes to them as " +
+              std::to_string((image.size() >> 10) + 1) + " KB");
     broadcast(image, MPI_COMM_WORLD);
     if (!leads() && !from_image(image, run)) {
         (void)MSGOUT(" RAM too small ");
