@@ -26,16 +26,15 @@ MPI_Comm processes_of_this_computer(int rank) {
     return node;
 }
 
-// Where each process runs, for messages; at process 0.
-std::vector<std::string> places_of_all(int rank, int size) {
-    char own[256] = {};
+// Where each process runs, at process 0. The number of a computer is the rank of its first process.
+std::vector<Place> places_of_all(int rank, int size, MPI_Comm computer) {
+    Place own;
     ("process " + std::to_string(rank) + " of " + std::to_string(size) + ", on " + computer_name())
-        .copy(own, sizeof own - 1);
-    std::vector<char> all(sizeof own * static_cast<std::size_t>(size));
-    MPI_Gather(own, sizeof own, MPI_CHAR, all.data(), sizeof own, MPI_CHAR, 0, MPI_COMM_WORLD);
-    std::vector<std::string> places;
-    for (std::size_t r = 0; r < static_cast<std::size_t>(size); ++r)
-        places.emplace_back(all.data() + r * sizeof own);
+        .copy(own.text, sizeof own.text - 1);
+    own.pid = getpid();
+    own.computer = all_of(rank, MPI_MIN, computer);
+    std::vector<Place> places(static_cast<std::size_t>(size));
+    MPI_Gather(&own, sizeof own, MPI_BYTE, places.data(), sizeof own, MPI_BYTE, 0, MPI_COMM_WORLD);
     return places;
 }
 
@@ -64,7 +63,6 @@ MpiCrew::MpiCrew() {
     MPI_Comm_split(computer, part, rank_, &node_);
     MPI_Comm_rank(node_, &node_rank_);
     MPI_Comm_size(node_, &node_size_);
-    MPI_Comm_free(&computer);
     MPI_Comm signs = MPI_COMM_NULL;
     MPI_Comm_dup(MPI_COMM_WORLD, &signs);
     MPI_Comm_dup(MPI_COMM_WORLD, &periods_);
@@ -77,7 +75,8 @@ MpiCrew::MpiCrew() {
     if (!leads())
         keep_lines();
     end_by([this](const ListReport &report) { end(report); });
-    pulse_->start(places_of_all(rank_, size_));
+    pulse_->start(places_of_all(rank_, size_, computer));
+    MPI_Comm_free(&computer);
 }
 
 void MpiCrew::share_input(RunState &run) {

@@ -2,6 +2,8 @@
 
 #include "transfer.hpp"
 
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 
 namespace {
@@ -22,7 +24,7 @@ Pulse::Pulse(MPI_Comm comm, double patience) : comm_(comm), patience_(patience) 
     MPI_Comm_size(comm_, &size_);
 }
 
-void Pulse::start(std::vector<std::string> places) {
+void Pulse::start(std::vector<Place> places) {
     places_ = std::move(places);
     heard_.assign(static_cast<std::size_t>(size_), Clock::now());
     thread_ = std::thread([this] { beat(); });
@@ -41,7 +43,9 @@ void Pulse::beat() {
             sent = now;
         }
         receive();
-        look_for_the_dead(now);
+        if (leads() && !end_wanted_)
+            look_for_the_dead();
+        look_for_the_silent(now);
         std::this_thread::sleep_for(PAUSE);
     }
 }
@@ -70,7 +74,7 @@ void Pulse::take(const MPI_Status &status) {
     heard_[source] = Clock::now();
     if (status.MPI_TAG == FAULT) {
         add_report(unpacked(std::move(text)));
-        message_detail(places_[source]);
+        message_detail(places_[source].text);
         STOPRN(0);
     } else if (status.MPI_TAG == FAREWELL) {
         ++farewells_;
@@ -80,13 +84,22 @@ void Pulse::take(const MPI_Status &status) {
     }
 }
 
-void Pulse::look_for_the_dead(Clock::time_point now) {
+void Pulse::look_for_the_dead() {
+    for (const Place &place : places_) {
+        if (place.computer != places_[0].computer || kill(place.pid, 0) == 0 || errno != ESRCH)
+            continue;
+        MSGOUT_with("A process of the run has died", 0, place.text);
+        STOPRN(0);
+    }
+}
+
+void Pulse::look_for_the_silent(Clock::time_point now) {
     for (int r = leads() ? 1 : 0; r < (leads() ? size_ : 1); ++r) {
         if (now - heard_[static_cast<std::size_t>(r)] < patience_)
             continue;
         if (leads() && !end_wanted_) {
             MSGOUT_with("A process of the run does not answer any more", 0,
-                        places_[static_cast<std::size_t>(r)]);
+                        places_[static_cast<std::size_t>(r)].text);
             STOPRN(0);
         }
         // The report is closed, or somewhere else.
