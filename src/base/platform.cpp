@@ -221,6 +221,14 @@ DateTime DATTIM() {
     return {date, time};
 }
 
+bool process_has_ended(int pid) {
+    // pid (name) state: the name may hold anything.
+    std::ifstream in("/proc/" + std::to_string(pid) + "/stat");
+    const std::string text(std::istreambuf_iterator<char>(in), {});
+    const std::size_t name_end = text.rfind(") ");
+    return name_end == std::string::npos ? kill(pid, 0) != 0 && errno == ESRCH : text[name_end + 2] == 'Z';
+}
+
 std::string user_name() {
     passwd entry{};
     passwd *found = nullptr;

@@ -39,6 +39,9 @@ struct DateTime {
 };
 DateTime DATTIM();
 
+// A process of this computer has ended; its parent may not know yet.
+bool process_has_ended(int pid);
+
 std::string user_name();
 std::string computer_name();
 std::string system_name();

@@ -49,24 +49,28 @@ void prepare_box(const CaseFolder &folder, const Pot &pot, const std::string &co
 // A run of each kind: its folder is prepared by `make`.
 struct Kind {
     const char *name;
+    std::array<int, 2> processes;
     void (*make)(const CaseFolder &);
 };
 const Kind KINDS[] = {
-    {"ordinary", [](const CaseFolder &f) { prepare_box(f, few_waves(), "MAXSCR=5000\nISOLVE=1\n"); }},
-    {"sources of finite depth by iteration",
+    {"ordinary", {1, 2}, [](const CaseFolder &f) { prepare_box(f, few_waves(), "MAXSCR=5000\nISOLVE=1\n"); }},
+    {"sources_of_finite_depth_by_iteration",
+     {2, 5},
      [](const CaseFolder &f) {
          Pot pot = few_waves();
          pot.ISOR = 1;
          pot.HBOT = "1.5";
          prepare_box(f, pot, "MAXSCR=5000\nISCATT=1\n");
      }},
-    {"interior panels",
+    {"interior_panels",
+     {2, 3},
      [](const CaseFolder &f) {
          Pot pot = few_waves();
          pot.ISOR = pot.IRR = pot.ILOG = pot.IQUAD = 1;
          prepare_box(f, pot, "MAXSCR=5000\nISOLVE=1\n", true);
      }},
-    {"lid body",
+    {"lid_body",
+     {2, 5},
      [](const CaseFolder &f) {
          Pot pot = few_waves();
          pot.ILOG = 1;
@@ -78,6 +82,7 @@ const Kind KINDS[] = {
                  "0 1\n0 0 0 0 0 0\n3 0.1\n");
      }},
     {"drift",
+     {2, 3},
      [](const CaseFolder &f) {
          Pot pot = drift::drift_pot();
          pot.NPER = 4;
@@ -86,6 +91,7 @@ const Kind KINDS[] = {
          f.solve(); // makes the file of the free surface
      }},
     {"tank",
+     {2, 5},
      [](const CaseFolder &f) {
          Pot pot = few_waves();
          pot.IRR = 11;
@@ -96,34 +102,36 @@ const Kind KINDS[] = {
          make_mesh(f, "tank --length 1.6 --beam 1 --height 0.8 --nu 4 --nv 3 --nw 3 --part quarter");
      }},
     {"scratch",
+     {2, 3},
      [](const CaseFolder &f) { prepare_box(f, few_waves(), "MAXSCR=5000\nISOLVE=1\nIUSESCR=1\n"); }},
-    {"blocks on scratch", [](const CaseFolder &f) { prepare_box(f, few_waves(), "MAXSCR=20\nISOLVE=3\n"); }},
+    {"blocks_on_scratch",
+     {2, 5},
+     [](const CaseFolder &f) { prepare_box(f, few_waves(), "MAXSCR=20\nISOLVE=3\n"); }},
 };
 
-TEST_F(Processes, AnyNumberGivesTheSameBytes) {
-    int k = 0;
-    for (const Kind &kind : KINDS) {
-        const CaseFolder folder;
-        kind.make(folder);
-        folder.solve();
-        const std::string alone = folder.read("run.p2f");
-        std::filesystem::remove(folder.path() / "vorda.lis.bak");
-        const std::vector<std::string> files = folder.files();
-        ASSERT_FALSE(alone.empty()) << kind.name << folder.list();
-        // Each kind by one store for all, and by a store for each process as on a cluster of small computers.
-        for (const int n : ++k % 2 == 0 ? std::array{1, 3} : std::array{2, 5}) {
-            const bool cluster = n >= 3;
-            SCOPED_TRACE(std::string(kind.name) + " by " + std::to_string(n));
-            EXPECT_EQ(
-                folder.shell(mpi(n, cluster ? "VORDA_MPI_NODE_SIZE=1" : "") + " && rm pid.* vorda.lis.bak"),
-                0)
-                << folder.read("stderr.txt");
-            EXPECT_TRUE(equal_results(alone, folder.read("run.p2f")));
-            EXPECT_TRUE(folder.lists(std::to_string(n) + " processes on " + std::to_string(cluster ? n : 1)));
-            EXPECT_EQ(folder.files(), files);
-        }
+class Kinds : public Processes, public testing::WithParamInterface<Kind> {};
+
+TEST_P(Kinds, AnyNumberGivesTheSameBytes) {
+    GetParam().make(folder_);
+    folder_.solve();
+    const std::string alone = folder_.read("run.p2f");
+    std::filesystem::remove(folder_.path() / "vorda.lis.bak");
+    const std::vector<std::string> files = folder_.files();
+    ASSERT_FALSE(alone.empty()) << folder_.list();
+    // By one store for all, and by a store for each process as on a cluster of small computers.
+    for (const int n : GetParam().processes) {
+        const bool cluster = n >= 3;
+        SCOPED_TRACE(n);
+        EXPECT_EQ(
+            folder_.shell(mpi(n, cluster ? "VORDA_MPI_NODE_SIZE=1" : "") + " && rm pid.* vorda.lis.bak"), 0)
+            << folder_.read("stderr.txt");
+        EXPECT_TRUE(equal_results(alone, folder_.read("run.p2f")));
+        EXPECT_TRUE(folder_.lists(std::to_string(n) + " processes on " + std::to_string(cluster ? n : 1)));
+        EXPECT_EQ(folder_.files(), files);
     }
 }
+INSTANTIATE_TEST_SUITE_P(All, Kinds, testing::ValuesIn(KINDS),
+                         [](const auto &kind) { return std::string(kind.param.name); });
 
 // What a failed run leaves: the message in the report, an exit code, no result.
 void expect_a_fault(const CaseFolder &folder, int code, const std::string &message) {

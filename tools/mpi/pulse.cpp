@@ -1,9 +1,8 @@
 #include "pulse.hpp"
 
+#include "base/platform.hpp"
 #include "transfer.hpp"
 
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
 
 namespace {
@@ -40,11 +39,10 @@ void Pulse::beat() {
         last = now;
         if (now - sent > BETWEEN_SIGNS && !end_wanted_) {
             send_signs();
+            look_for_the_dead();
             sent = now;
         }
         receive();
-        if (leads() && !end_wanted_)
-            look_for_the_dead();
         look_for_the_silent(now);
         std::this_thread::sleep_for(PAUSE);
     }
@@ -85,8 +83,10 @@ void Pulse::take(const MPI_Status &status) {
 }
 
 void Pulse::look_for_the_dead() {
+    if (!leads())
+        return;
     for (const Place &place : places_) {
-        if (place.computer != places_[0].computer || kill(place.pid, 0) == 0 || errno != ESRCH)
+        if (place.computer != places_[0].computer || !process_has_ended(place.pid))
             continue;
         MSGOUT_with("A process of the run has died", 0, place.text);
         STOPRN(0);
