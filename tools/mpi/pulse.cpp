@@ -26,7 +26,8 @@ Pulse::Pulse(MPI_Comm comm, double patience) : comm_(comm), patience_(patience) 
 void Pulse::start(std::vector<Place> places) {
     places_ = std::move(places);
     heard_.assign(static_cast<std::size_t>(size_), Clock::now());
-    thread_ = std::thread([this] { beat(); });
+    if (size_ > 1)
+        thread_ = std::thread([this] { beat(); });
 }
 
 void Pulse::beat() {
@@ -113,7 +114,8 @@ void Pulse::end_run() {
     end_wanted_ = true;
     for (int r = 1; r < size_; ++r)
         send_empty(r, END, comm_);
-    thread_.join();
+    if (thread_.joinable())
+        thread_.join();
 }
 
 void Pulse::wait_for_end() {

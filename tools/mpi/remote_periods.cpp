@@ -3,6 +3,7 @@
 #include "state/messages.hpp"
 #include "transfer.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <new>
 #include <omp.h>
@@ -19,7 +20,7 @@ struct Arrival {
     std::uint64_t length[64] = {}; // of each record [bytes]
 };
 constexpr int ARRIVAL = 1, FIRST_TAG = 2;
-constexpr std::chrono::microseconds PAUSE(500); // between two looks for arrivals
+constexpr std::chrono::microseconds SHORT(100), LONG(5000); // between two looks for arrivals
 
 void send_arrival(Arrival &arrival, const PeriodRecords &records, MPI_Comm comm) {
     const Image text = packed(take_report());
@@ -70,14 +71,17 @@ PeriodService::PeriodService(MPI_Comm comm, PeriodBook &book, int clients)
       }) {}
 
 void PeriodService::serve() {
-    while (clients_ > 0) {
+    for (std::chrono::microseconds pause = SHORT; clients_ > 0;) {
         int there = 0;
         MPI_Status status;
         MPI_Iprobe(MPI_ANY_SOURCE, ARRIVAL, comm_, &there, &status);
-        if (there != 0)
+        if (there != 0) {
             take(status.MPI_SOURCE);
-        else
-            std::this_thread::sleep_for(PAUSE);
+            pause = SHORT;
+        } else {
+            std::this_thread::sleep_for(pause);
+            pause = std::min(2 * pause, LONG);
+        }
     }
 }
 
