@@ -2,7 +2,7 @@
 # (find_package(vorda) gives vorda::vorda_post).
 include(GNUInstallDirs)
 set(CMAKE_INSTALL_DOCDIR ${CMAKE_INSTALL_DATADIR}/doc/vorda)
-install(TARGETS vorda vorda-run vorda-mesh vorda-p2f RUNTIME)
+install(TARGETS vorda vorda-run vorda-mesh vorda-modes vorda-p2f RUNTIME)
 install(FILES README.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS)
 install(FILES python/vorda.py DESTINATION lib/python3/dist-packages)
@@ -25,7 +25,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vorda-config.cmake ${CMAKE_CURRENT_BIN
 # Manual pages from the help of the programs.
 find_program(VORDA_HELP2MAN help2man)
 if(VORDA_HELP2MAN)
-  foreach(program vorda vorda-run vorda-mesh vorda-p2f)
+  foreach(program vorda vorda-run vorda-mesh vorda-modes vorda-p2f)
     set(page ${CMAKE_CURRENT_BINARY_DIR}/${program}.1)
     add_custom_command(OUTPUT ${page} DEPENDS ${program} VERBATIM
                        COMMAND ${VORDA_HELP2MAN} --no-info --output=${page} $<TARGET_FILE:${program}>)

@@ -35,7 +35,7 @@ int follow(int argc, char **argv) {
     CLI11_PARSE(app, argc, argv);
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow has its message, as a full disk has
     if (keys)
-        return print("| Key | Value | Unit | Default | Meaning |\n|---|---|---|---|---|\n" + run_key_rows());
+        return print(KEY_HEAD + run_key_rows());
     std::string text, error;
     if (!hull.empty()) {
         if (new_case(hull, text, error))
