@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::size_t RIGID = 6;
+constexpr double LARGEST = 1e18; // normal velocity of which the solver can form the square
 
 std::string number_text(const char *form, double value) {
     char text[40];
@@ -160,10 +161,10 @@ bool make_modes(const ModesRequest &request, std::vector<ModeSummary> &told, std
         for (const PrePanel &panel : pre.panels)
             summary.largest =
                 std::max(summary.largest, std::fabs(dot(panel.normal, modes.shapes[m].at(panel.at).u)));
-        if (!std::isfinite(summary.largest) || summary.largest == 0) {
+        if (!(summary.largest > 0 && summary.largest < LARGEST)) {
             error = file.at(file.modes[k].line, summary.largest == 0
                                                     ? "the mode moves no panel of the body"
-                                                    : "the mode is no number somewhere on the body");
+                                                    : "the displacement is too large somewhere on the body");
             return false;
         }
         told.push_back(summary);

@@ -6,10 +6,10 @@
 
 using Rows = std::vector<std::vector<double>>;
 
-// The modes of a body, from 0: shapes of all, and of the extra ones the rigid mode with the same symmetry.
+// The modes of a body, from 0.
 struct BodyModes {
     std::vector<ModeShape> shapes;
-    std::vector<int> ISYM; // of all
+    std::vector<int> ISYM; // for each mode the rigid mode, 1 to 6, that has its symmetry
 };
 // The number of the rigid mode that has the symmetry of a shape about the planes of symmetry of the run, 0
 // when it is neither even nor odd about one of them; `plane` names that.

@@ -12,7 +12,7 @@ struct Fault {
 std::vector<Fault> faults() {
     const std::string mode = "[[mode]]\n", heave = "[[mode]]\ntype = 'polynomial'\ndz = [[1, 0, 0, 0]]\n";
     return {
-        {"hight = 3\n" + heave, {"line 1", "unknown key hight", "nearest one is heading"}},
+        {"gravty = 9\n" + heave, {"line 1", "unknown key gravty", "nearest one is gravity"}},
         {"title = 'none'\n", {"there is no mode", "[[mode]]"}},
         {mode + "from = 1\n", {"line 1", "type in [[mode]] must be given"}},
         {mode + "type = 'free'\n", {"line 2", "free-free, cantilever, polynomial, hinge, points"}},
@@ -28,7 +28,7 @@ std::vector<Fault> faults() {
         {mode + "type = 'points'\nfile = 'short.csv'\n", {"short.csv, line 3", "three displacements"}},
         {mode + "type = 'points'\nfile = 'few.csv'\n", {"few.csv has 2 points", "four"}},
         {"place = [1, 0, 0]\n" + heave, {"panel", "place and heading", "XBODY"}},
-        {mode + "type = 'polynomial'\ndx = [[1e300, 20, 0, 0]]\n", {"line 1", "no number"}},
+        {mode + "type = 'polynomial'\ndx = [[1e33, 20, 0, 0]]\n", {"line 1", "too large"}},
         {mode + "type = 'polynomial'\ndx = [[0, 1, 0, 0]]\n", {"line 1", "moves no panel"}},
         {heave + "[[part]]\nmass = 3\n", {"line 4", "from in [[part]] must be given"}},
         {heave + "[[beam]]\nfrom = 3\nto = 2\n", {"line 6", "behind from"}},
