@@ -26,6 +26,8 @@ int follow(int argc, char **argv) {
     bool keys = false;
     CLI::Option *file = app.add_option("CASE", request.file, "case file (.toml)");
     app.add_flag("--dry", request.dry, "meshes, decks and the plan alone");
+    app.add_flag("--refine", request.refine,
+                 "solves it once more with each panel in four; the report tells errors by both");
     app.add_flag("--force", request.force, "goes on with meshes that make numbers wrong");
     app.add_flag("--keys", keys, "lists the keys of case files with values, units and defaults")
         ->excludes(file);
