@@ -48,7 +48,7 @@ TEST_P(Refinement, EstimatesWhatAMuchFinerMeshShows) {
     const std::string maker = GetParam();
     folder.write("case.toml",
                  "[waves]\nperiods = [2.6, 5]\n[[body]]\nmesh = 'm0.gdf'\n[treatment]\nirregular = 'off'\n"
-                 "[outputs]\ndrift = false\nreport = false\n");
+                 "[outputs]\ndrift = false\n");
     ASSERT_EQ(command(folder, "vorda-mesh " + maker + " -o m0.gdf && vorda-run case.toml --refine").code, 0);
     folder.write("far/fnames.vrd", "m3.gdf\nm.pot\n");
     folder.write("far/config.vrd", "MAXSCR=2000\nISOLVE=1\n");
@@ -81,6 +81,8 @@ TEST_P(Refinement, EstimatesWhatAMuchFinerMeshShows) {
     compare("radiation", "refinement_radiation.csv", "damping", "damping");
     compare("exciting", "refinement_exciting.csv", "modulus", "modulus");
     EXPECT_GE(compared, 11); // of 16 with waves along x
+    EXPECT_NE(folder.read("case.run/report.html").find("Largest errors by a run with each panel in four"),
+              std::string::npos);
     // Once more nothing is left to do.
     EXPECT_NE(command(folder, "vorda-run case.toml --refine").text.find("fine/case.p2f stays"),
               std::string::npos);
