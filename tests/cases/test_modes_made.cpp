@@ -163,3 +163,39 @@ TEST(ModesMade, MoveWithMassAndStiffness) {
                     CENTROIDS * moved[1][t]); // told in degrees
     }
 }
+
+// The same barge with lengths in units of one and of ten metres: all results are those of the one body.
+TEST(ModesMade, AreThoseOfTheBodyInAnyUnitOfLength) {
+    const std::string modes = "[[mode]]\ntype = 'free-free'\nfrom = -20\nto = 20\nz = -3\n"
+                              "[[mode]]\ntype = 'hinge'\nat = [0, 0, -1]\naft = -1\n";
+    SolvedRun run[2];
+    for (const int k : {0, 1}) {
+        const CaseFolder folder;
+        Pot pot;
+        pot.NPER = 2;
+        pot.PER = "6 9";
+        prepare(folder, pot, "NEWMDS=2\n");
+        folder.write("config.vrd", "MAXSCR=1000\nISOLVE=1\nNEWMDS=2\n");
+        make_mesh(
+            folder,
+            std::string("box --length 40 --beam 12 --draft 5 --nu 5 --nv 3 --nw 3 --part half-y --ulen ") +
+                (k == 0 ? "1" : "10"));
+        run[k] = both_passes(folder, (k == 0 ? "" : "unit_length = 10\n") + modes);
+        ASSERT_EQ(run[k].p2f.NMODES, 8);
+    }
+    const auto arm = [](int mode) { return mode >= 4 && mode <= 6 ? 1 : 0; };
+    const auto A = [&](int i, int j) { return static_cast<double>(run[0].c.A(i, j, 1)); };
+    for (int i = 1; i <= 8; ++i)
+        for (int j = 1; j <= 8; ++j) {
+            const double units = std::pow(10, arm(i) + arm(j)),
+                         size = std::sqrt(std::fabs(A(i, i) * A(j, j)));
+            for (const int t : {1, 2})
+                EXPECT_NEAR(run[0].c.A(i, j, t), 1000 * units * static_cast<double>(run[1].c.A(i, j, t)),
+                            1e-4 * size)
+                    << i << j;
+            EXPECT_NEAR(run[0].p2f.CHYD(i, j), 100 * units * static_cast<double>(run[1].p2f.CHYD(i, j)),
+                        1e-4 * units * 500)
+                << i << j;
+        }
+    EXPECT_GT(A(8, 8), 0.01 * A(5, 5));
+}
