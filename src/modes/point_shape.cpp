@@ -8,7 +8,6 @@
 #include <cmath>
 #include <fstream>
 #include <memory>
-#include <numeric>
 
 namespace {
 
@@ -24,28 +23,41 @@ struct Near {
 
 std::vector<Near> nearest(const std::vector<GivenPoint> &points, const Vec3 &r, std::size_t count) {
     std::vector<Near> near;
+    near.reserve(points.size());
     for (const GivenPoint &point : points) {
         const Vec3 apart = plus(point.at, times(-1.0, r));
-        near.push_back({std::sqrt(dot(apart, apart)), &point});
+        near.push_back({dot(apart, apart), &point});
     }
     count = std::min(count, near.size());
     std::partial_sort(near.begin(), near.begin() + static_cast<std::ptrdiff_t>(count), near.end(),
                       [](const Near &a, const Near &b) { return a.distance < b.distance; });
     near.resize(count);
+    for (Near &n : near)
+        n.distance = std::sqrt(n.distance);
     return near;
 }
 
-Vec3 inverse_distance(const std::vector<Near> &near) {
-    Vec3 sum{};
+// Mean with the weights 1 / d^2 and its slopes; at a point its own displacement, level there.
+Displacement inverse_distance(const std::vector<Near> &near, const Vec3 &r) {
+    Displacement d;
     double weights = 0;
     for (const Near &n : near) {
-        if (n.distance == 0)
-            return n.point->u;
+        if (n.distance == 0) {
+            d.u = n.point->u;
+            return d;
+        }
         const double weight = 1 / (n.distance * n.distance);
-        sum = plus(sum, times(weight, n.point->u));
+        d.u = plus(d.u, times(weight, n.point->u));
         weights += weight;
     }
-    return times(1 / weights, sum);
+    d.u = times(1 / weights, d.u);
+    for (const Near &n : near) {
+        const double steep = -2 / std::pow(n.distance, 4) / weights;
+        for (std::size_t k = 0; k < 3; ++k)
+            for (std::size_t l = 0; l < 3; ++l)
+                d.slope[k][l] += steep * (r[l] - n.point->at[l]) * (n.point->u[k] - d.u[k]);
+    }
+    return d;
 }
 
 // The fit's value and slopes at r. Points in one line or plane leave slopes open: those of least norm count.
@@ -118,30 +130,9 @@ bool make_point_shape(const ModeFile &file, const ModeEntry &entry, ModeShape &s
     if (!read_points(name, static_cast<std::size_t>(entry.number), *points, error))
         return false;
     const std::size_t count = static_cast<std::size_t>(entry.neighbours);
-    if (entry.method != "inverse-distance") {
+    if (entry.method == "inverse-distance")
+        shape.at = [=](const Vec3 &r) { return inverse_distance(nearest(*points, r, count), r); };
+    else
         shape.at = [=](const Vec3 &r) { return least_squares(nearest(*points, r, count), r); };
-        return true;
-    }
-    Vec3 low = points->front().at, high = low;
-    for (const GivenPoint &point : *points)
-        for (std::size_t c = 0; c < 3; ++c) {
-            low[c] = std::min(low[c], point.at[c]);
-            high[c] = std::max(high[c], point.at[c]);
-        }
-    const double step = 1e-4 * (high[0] - low[0] + high[1] - low[1] + high[2] - low[2]);
-    shape.at = [=](const Vec3 &r) {
-        Displacement d;
-        d.u = inverse_distance(nearest(*points, r, count));
-        for (std::size_t l = 0; l < 3; ++l) {
-            Vec3 ahead = r, behind = r;
-            ahead[l] += step;
-            behind[l] -= step;
-            const Vec3 up = inverse_distance(nearest(*points, ahead, count)),
-                       down = inverse_distance(nearest(*points, behind, count));
-            for (std::size_t k = 0; k < 3; ++k)
-                d.slope[k][l] = (up[k] - down[k]) / (2 * step);
-        }
-        return d;
-    };
     return true;
 }

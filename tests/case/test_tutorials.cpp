@@ -76,6 +76,8 @@ INSTANTIATE_TEST_SUITE_P(Pages, Tutorial, testing::ValuesIn(pages()),
 
 TEST_P(Tutorial, KeepsItsPromises) {
     const TemporaryFolder folder;
+    if (command(folder, "gnuplot --version").code != 0)
+        GTEST_SKIP() << "no gnuplot";
     std::ifstream in(VORDA_SOURCE_DIR "/docs/tutorials/" + GetParam() + ".md");
     std::string line, head, block, printed;
     std::vector<std::string> pictures;
@@ -101,6 +103,8 @@ TEST_P(Tutorial, KeepsItsPromises) {
             folder.write(head.substr(blank + 1), block);
         } else if (head == "sh") {
             const Answer answer = command(folder, "set -e\n" + block);
+            if (answer.text.find("install it and build again") != std::string::npos)
+                GTEST_SKIP() << answer.text;
             ASSERT_EQ(answer.code, 0) << answer.text;
             printed = answer.text;
         } else {

@@ -68,7 +68,7 @@ TEST(Shapes, HaveTheirSlopes) {
     const BodyModes modes = folder.modes_of(ALL_KINDS, file, pre);
     ASSERT_EQ(modes.shapes.size(), 13u);
     constexpr double H = 1e-5;
-    for (std::size_t m = 0; m < 12; ++m) // of the last one they are differences
+    for (std::size_t m = 0; m < 13; ++m)
         for (const Vec3 &r : {Vec3{0.7, 0.3, -0.6}, Vec3{-1.2, -0.9, -0.1}, Vec3{2.5, 0.4, -0.4}})
             for (std::size_t l = 0; l < 3; ++l) {
                 Vec3 ahead = r, behind = r;
@@ -79,6 +79,27 @@ TEST(Shapes, HaveTheirSlopes) {
                                 modes.shapes[m].at(r).slope[k][l], 2e-5)
                         << "mode " << m + 1 << ", " << k << l;
             }
+}
+
+// An Euler beam has no shear; at the tip of torsion the section turns by 1 about x, right-handed.
+TEST(Shapes, OfBeamsHaveNoShear) {
+    const ModeFolder folder;
+    folder.write("turn.csv", turning_points());
+    ModeFile file;
+    PreFile pre;
+    const BodyModes modes = folder.modes_of(ALL_KINDS, file, pre);
+    for (const Vec3 &r : {Vec3{0.7, 0.3, -0.6}, Vec3{-1.2, -0.9, -0.1}, Vec3{2.5, 0.4, -0.4}})
+        for (const auto &[m, k, l] : {std::array{6, 0, 2}, std::array{6, 0, 1}, std::array{7, 0, 1},
+                                      std::array{7, 1, 2}, std::array{8, 1, 2}}) {
+            const Matrix3 slope = modes.shapes[static_cast<std::size_t>(m)].at(r).slope;
+            const std::size_t a = static_cast<std::size_t>(k), b = static_cast<std::size_t>(l);
+            EXPECT_NEAR(slope[a][b] + slope[b][a], 0, 1e-12) << m << k << l;
+        }
+    EXPECT_NEAR(modes.shapes[6].at({2, 0.5, -0.3}).u[2], 1, 1e-12);
+    EXPECT_NEAR(modes.shapes[7].at({3, 0.2, -0.3}).u[1], 1, 1e-12);
+    const Vec3 tip = modes.shapes[8].at({2, 0.5, 0.6}).u;
+    EXPECT_NEAR(tip[1], -0.2, 1e-12);
+    EXPECT_NEAR(tip[2], 0.5, 1e-12);
 }
 
 TEST(PointShape, TurnsAsItsPointsDo) {
