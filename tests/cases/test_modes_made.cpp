@@ -199,3 +199,27 @@ TEST(ModesMade, AreThoseOfTheBodyInAnyUnitOfLength) {
         }
     EXPECT_GT(A(8, 8), 0.01 * A(5, 5));
 }
+
+// On a half along x a hinge with the symmetry of heave turns both ends: on the whole body these are two
+// modes.
+TEST(ModesMade, AreMirroredAsTheyAreLike) {
+    SolvedRun run[2];
+    for (const int k : {0, 1}) {
+        const CaseFolder folder;
+        prepare(folder, two_waves(), k == 0 ? "NEWMDS=1\n" : "NEWMDS=2\n");
+        make_mesh(folder, std::string("box --length 4 --beam 1 --draft 0.5 --nu 6 --nv 3 --nw 2 --part ") +
+                              (k == 0 ? "quarter" : "full"));
+        const std::string hinge = "[[mode]]\ntype = 'hinge'\nat = [0.7, 0, 0]\n";
+        run[k] = both_passes(
+            folder, hinge + (k == 0 ? "like = 'heave'\n"
+                                    : "[[mode]]\ntype = 'hinge'\nat = [-0.7, 0, 0]\nfore = 0\naft = -1\n"));
+    }
+    for (const int t : {1, 2}) {
+        const auto &c = run[1].c;
+        const double A = static_cast<double>(c.A(7, 7, t) + c.A(7, 8, t) + c.A(8, 7, t) + c.A(8, 8, t)),
+                     B = static_cast<double>(c.B(7, 7, t) + c.B(7, 8, t) + c.B(8, 7, t) + c.B(8, 8, t));
+        EXPECT_NEAR(run[0].c.A(7, 7, t), A, 10 * TOLERANCE * A);
+        EXPECT_NEAR(run[0].c.B(7, 7, t), B, 10 * TOLERANCE * A);
+        EXPECT_GT(std::fabs(c.A(7, 8, t)), 100 * TOLERANCE * A);
+    }
+}
