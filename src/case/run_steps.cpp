@@ -4,6 +4,7 @@
 #include "case/meshes.hpp"
 #include "case/outputs.hpp"
 #include "case/programs.hpp"
+#include "case/trial.hpp"
 #include "post/case_file.hpp"
 
 #include <chrono>
@@ -35,12 +36,6 @@ bool check_results_part(const RunCase &run, std::string &error) {
     return read_case(run.name, bodies, file, error);
 }
 
-// Work of a run, to which its time is about proportional.
-double work_of(const CasePlan &plan) {
-    return static_cast<double>(plan.unknowns) * plan.unknowns * plan.classes * plan.periods *
-           (plan.ISOR == 1 ? 2 : 1);
-}
-
 void tell_plan(const RunCase &run, const CasePlan &plan, const MadeFrom &made) {
     std::printf("plan       %zu %s, %d panels given, %d with images\n", run.bodies.size(),
                 run.bodies.size() == 1 ? "body" : "bodies", plan.panels, plan.with_images);
@@ -60,6 +55,16 @@ void tell_plan(const RunCase &run, const CasePlan &plan, const MadeFrom &made) {
     if (last >> seconds >> work && work > 0)
         std::printf("           about %.0f s, by the last run of this case\n",
                     seconds * work_of(plan) / work);
+    std::fflush(stdout);
+}
+
+// Before the first run of a case a trial tells the time; a run itself tells it soon enough.
+void tell_time_of_trial(const RunCase &run, const CasePlan &plan, const MadeFrom &made) {
+    if (!made.note("last solution").empty())
+        return;
+    const double seconds = seconds_by_trial(run, plan);
+    if (seconds >= 0)
+        std::printf("           about %.2g s, by a trial of this machine\n", seconds);
     else
         std::printf("           time: not known before the first run of this case\n");
     std::fflush(stdout);
@@ -184,9 +189,13 @@ bool all_steps(const RunRequest &request, std::string &error) {
     tell_plan(run, findings.plan, made);
     if (!write_decks(run, decks, error) || !judge(run, request, findings.plan, findings, error))
         return false;
-    if (request.dry)
+    if (request.dry) {
+        tell_time_of_trial(run, findings.plan, made);
         return true;
-    std::string lines = request.version + "\n";
+    }
+    // Another build of the solver solves again, the same one in another place does not.
+    const std::string solver = program_beside("vorda");
+    std::string lines = request.version + "\nsolver" + hash_line(solver).substr(solver.size());
     for (const DeckFile &deck : decks)
         lines += hash_line(run.run_folder() + "/" + deck.name);
     for (std::size_t b = 0; b < run.bodies.size(); ++b)
