@@ -1,10 +1,12 @@
 #include "case/programs.hpp"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
+#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,7 +33,15 @@ constexpr int PAUSE = 250; // [ms] between two looks
 std::string program_beside(const std::string &name) {
     std::error_code fault;
     const std::filesystem::path own = std::filesystem::read_symlink("/proc/self/exe", fault);
-    return fault ? name : (own.parent_path() / name).string();
+    if (!fault)
+        return (own.parent_path() / name).string();
+    // Without /proc, as in some containers: where a shell would find it.
+    const char *path = std::getenv("PATH");
+    std::istringstream folders(path == nullptr ? "" : path);
+    for (std::string folder; std::getline(folders, folder, ':');)
+        if (const std::string there = folder + "/" + name; access(there.c_str(), X_OK) == 0)
+            return there;
+    return name;
 }
 
 bool on_terminal() {
