@@ -233,5 +233,6 @@ Table sea_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, 
         warn_of_share(frequencies_covered(p2f, WaveSpectrum(sea)), "frequencies", k + 1, table);
         warn_of_share(headings, "headings", k + 1, table);
     }
+    add_wall_note(table, p2f, "the response is");
     return table;
 }
