@@ -30,7 +30,7 @@ def run(build, m, part, direct, depth):
         with open(f"{folder}/fnames.vrd", "w") as f:
             f.write("run.gdf\nrun.pot\n")
         with open(f"{folder}/config.vrd", "w") as f:
-            f.write(f"MAXSCR=20000\nISOLVE={1 if direct else 0}\n")
+            f.write(f"MAXSCR=30000\nISOLVE={1 if direct else 0}\n")
         waves = " ".join(f"{2 + 0.4 * k:.1f}" for k in range(PERIODS))
         with open(f"{folder}/run.pot", "w") as f:
             f.write(f"growth\n0\n0\n0\n{depth} 0 0 0 0\n0 0 0\n1 1\n1 1 1 1 1 1\n{PERIODS}\n{waves}\n1\n0.0\n")
