@@ -1,4 +1,5 @@
 // Truth: the same run by a deck written by hand; what a user changes and what follows from it.
+#include "optional.hpp"
 #include "program.hpp"
 
 #include "post/case_file.hpp"
@@ -98,6 +99,7 @@ TEST(VordaRun, MakesAgainWhatChangedAlone) {
 }
 
 TEST(VordaRun, WritesWhatIsAskedForInAnyPlace) {
+    VORDA_NEEDS(WITH_NETCDF && WITH_HDF5);
     struct Row {
         const char *body, *more, *planned, *volume; // in [[body]]; other tables; what the plan tells; [m^3]
     };
@@ -133,6 +135,7 @@ TEST(VordaRun, WritesWhatIsAskedForInAnyPlace) {
 }
 
 TEST(VordaRun, WritesACaseForAHullThatRuns) {
+    VORDA_NEEDS(WITH_ASSIMP);
     const TemporaryFolder folder;
     ASSERT_EQ(command(folder,
                       "vorda-mesh box --length 40 --beam 10 --draft 4 --nu 8 --nv 3 --nw 3 --part full -o "
