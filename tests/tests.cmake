@@ -13,7 +13,7 @@ foreach(folder base mesh state input results post geometry freesurface rankine g
   target_compile_definitions(test_${folder} PRIVATE VORDA_SOURCE_DIR="${CMAKE_CURRENT_SOURCE_DIR}"
                              VORDA_BINARY_DIR="${CMAKE_CURRENT_BINARY_DIR}")
   # A refused allocation is to come back as a null pointer under the sanitizers, too.
-  gtest_discover_tests(test_${folder} DISCOVERY_TIMEOUT 60
+  gtest_discover_tests(test_${folder} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300 ENVIRONMENT ASAN_OPTIONS=allocator_may_return_null=1)
 endforeach()
 foreach(folder exchange cases)
