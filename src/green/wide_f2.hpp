@@ -117,6 +117,19 @@ struct Distance {
     Mask apart;             // r1 above TINY_R1
 };
 
+VORDA_WIDE Distance distance(Lanes X, Lanes Y) {
+    Distance to;
+    const Lanes r2 = fma(X, X, Y * Y);
+    to.apart = _mm512_cmp_ps_mask(r2, all(TINY_R1 * TINY_R1), _CMP_GT_OQ);
+    to.i2 = _mm512_maskz_div_ps(to.apart, all(1), r2);
+    to.rinv = root(to.i2);
+    to.i3 = to.i2 * to.rinv;
+    // The root of r2, with one step for its last digit.
+    const Lanes about = r2 * to.rinv;
+    to.r1 = fma(fnma(about, about, r2), all(0.5f) * to.rinv, about);
+    return to;
+}
+
 // What the values of a point are made of beside its coefficients.
 struct PointLanes {
     Lanes Q, V, BX, L, sinv, exy;
@@ -167,6 +180,18 @@ VORDA_WIDE void add_logarithm(Mask m, Lanes X, Lanes Y, const Distance &to, Lane
     }
 }
 
+// The same for both derivatives by depths, r1 > 0.
+template <bool SECOND> VORDA_WIDE void add_logarithm(Mask m, Lanes X, Lanes Y, Lanes (&re)[GREEN_VALUES]) {
+    const Distance to = distance(X, Y);
+    const Lanes s = select(m, to.r1 + Y, all(1));
+    add_logarithm<SECOND>(m, X, Y, to, logarithm(s), all(1) / s, re);
+    re[G_ZETA] = _mm512_mask3_fmadd_ps(all(2), to.rinv, re[G_ZETA], m);
+    if constexpr (SECOND) {
+        re[G_RZETA] = _mm512_mask3_fnmadd_ps(all(2) * X, to.i3, re[G_RZETA], m);
+        re[G_ZZETA] = _mm512_mask3_fnmadd_ps(all(2) * Y, to.i3, re[G_ZZETA], m);
+    }
+}
+
 // Row and local variables of each lane; a NaN takes the second operand of min and max, and so a valid row.
 struct Place {
     Kinds kind;
@@ -208,19 +233,6 @@ VORDA_WIDE Place place_of(Lanes X, Lanes Y, const Kinds &kind) {
             xinv,
             x3,
             a};
-}
-
-VORDA_WIDE Distance distance(Lanes X, Lanes Y) {
-    Distance to;
-    const Lanes r2 = fma(X, X, Y * Y);
-    to.apart = _mm512_cmp_ps_mask(r2, all(TINY_R1 * TINY_R1), _CMP_GT_OQ);
-    to.i2 = _mm512_maskz_div_ps(to.apart, all(1), r2);
-    to.rinv = root(to.i2);
-    to.i3 = to.i2 * to.rinv;
-    // The root of r2, with one step for its last digit.
-    const Lanes about = r2 * to.rinv;
-    to.r1 = fma(fnma(about, about, r2), all(0.5f) * to.rinv, about);
-    return to;
 }
 
 // Waves and imaginary parts, and the functions of X <= 3.

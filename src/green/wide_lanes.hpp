@@ -48,8 +48,8 @@ VORDA_WIDE Lanes real(Integers n) {
     return _mm512_cvtepi32_ps(n);
 }
 
-// N coefficients, constant first.
-template <int N> VORDA_WIDE Lanes polynomial(const f32 *c, Lanes x) {
+// The first N coefficients of a polynomial, constant first.
+template <int N> VORDA_WIDE Lanes first_terms(const f32 *c, Lanes x) {
     Lanes p = all(c[N - 1]);
 #pragma GCC unroll 16
     for (int i = N - 2; i >= 0; --i)
@@ -57,7 +57,7 @@ template <int N> VORDA_WIDE Lanes polynomial(const f32 *c, Lanes x) {
     return p;
 }
 template <int N> VORDA_WIDE Lanes polynomial(const f32 (&c)[N], Lanes x) {
-    return polynomial<N>(&c[0], x);
+    return first_terms<N>(&c[0], x);
 }
 
 constexpr f32 LN2_HEAD = 0.693359375f, LN2_TAIL = -2.12194440e-4f;
