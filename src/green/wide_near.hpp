@@ -25,6 +25,28 @@ struct SameForAll {
     VORDA_WIDE Lanes operator[](int term) const { return all(c[term]); }
 };
 
+// Those of the box of each lane.
+struct ByBoxes {
+    const f32 (*c)[BOXES];
+    Integers box;
+    VORDA_WIDE Lanes operator[](int term) const {
+        return _mm512_permutexvar_ps(box, _mm512_load_ps(c[term]));
+    }
+};
+
+// The box in one variable z, 0 to 1, and the local variable.
+struct BoxPlace {
+    Integers box;
+    Lanes local;
+};
+VORDA_WIDE BoxPlace box_place(Lanes z) {
+    const Integers box = whole(_mm512_min_ps(all(4) * z, all(3)));
+    return {box, fma(all(8), z, -fma(all(2), real(box), all(1)))};
+}
+VORDA_WIDE Integers box_of(const BoxPlace &t, const BoxPlace &v) {
+    return _mm512_add_epi32(t.box, _mm512_slli_epi32(v.box, 2));
+}
+
 template <int DEGREE, class C> VORDA_WIDE Row nested_row(const C &c, int start, Lanes t) {
     Row row{c[start], _mm512_setzero_ps()};
 #pragma GCC unroll 16
@@ -80,12 +102,15 @@ VORDA_WIDE void sums(const C &c, Lanes t, Lanes v1, Lanes v2, Sums &s1, Sums &s2
     next_rows<Shape, SECOND, 1>(c, t, v1, v2, s1, s2);
 }
 
-// R <= H, Y < H: adds to the real parts what the bottom brings to F2.
+// R <= H, Y < H: adds to the real parts what the bottom brings to F2. Slopes in local variables count 8
+// times.
 template <bool SECOND>
 VORDA_WIDE void depth_and_surface(const GSTATE &g, Lanes R, Lanes D, Lanes Y, Lanes (&re)[GREEN_VALUES]) {
-    const Lanes i2 = all(g.HINV2), t = R * R * i2, w = D * D * i2, twice = all(g.HINV2X2), inv = all(g.HINV);
-    const Sums s = sums<ShapeS, SECOND>(SameForAll{g.COEF91}, t, w);
-    const Sums p = sums<ShapeP, SECOND>(SameForAll{g.COEF57}, t, Y * inv);
+    const Lanes i2 = all(g.HINV2), w = D * D * i2;
+    const BoxPlace t = box_place(R * R * i2), d = box_place(w), y = box_place(Y * all(g.HINV));
+    const Sums s = sums<BoxS, SECOND>(ByBoxes{g.boxes.S, box_of(t, d)}, t.local, d.local);
+    const Sums p = sums<BoxP, SECOND>(ByBoxes{g.boxes.P, box_of(t, y)}, t.local, y.local);
+    const Lanes twice = all(8 * g.HINV2X2), inv = all(8 * g.HINV);
     const Lanes R2 = twice * R, D2 = twice * D, bD = D2 * s.v, bP = inv * p.v;
     re[G_] = re[G_] + (s.f + p.f);
     re[G_R] = fma(R2, s.t + p.t, re[G_R]);
@@ -93,7 +118,8 @@ VORDA_WIDE void depth_and_surface(const GSTATE &g, Lanes R, Lanes D, Lanes Y, La
     re[G_ZETA] = re[G_ZETA] + (bP - bD);
     if constexpr (SECOND) {
         const Lanes cD = R2 * D2 * s.tv, cP = R2 * inv * p.tv;
-        const Lanes dD = fma(twice, s.v, all(g.HINV2X8) * w * s.half_vv), dP = twice * p.half_vv;
+        const Lanes dD = fma(twice, s.v, all(64 * g.HINV2X8) * w * s.half_vv),
+                    dP = all(8) * twice * p.half_vv;
         re[G_RZ] = re[G_RZ] + (cP + cD);
         re[G_RZETA] = re[G_RZETA] + (cP - cD);
         re[G_ZZ] = re[G_ZZ] + (dP + dD);
