@@ -9,8 +9,8 @@
 // (i+1)/4 and v from j/4. Local variables: x = 8 t - (2 i + 1), u = 8 v - (2 j + 1), from -1 to 1.
 constexpr int BOX_SIDE = 4, BOXES = BOX_SIDE * BOX_SIDE;
 
-// As ShapeS and ShapeP: row by row, the highest power of u first. What is left out of S is at most a fifth, of P
-// errors of S and P that docs/numerics.md lists, at any depth.
+// As ShapeS and ShapeP: row by row, the highest power of u first. What is left out of S is at most a
+// fifth, of P half of their errors that docs/numerics.md lists, at any depth.
 struct BoxS {
     static constexpr int ROWS = 7, TERMS = 44;
     static constexpr int DEGREE[ROWS] = {2, 4, 5, 6, 6, 7, 7};
