@@ -14,14 +14,23 @@
 
 namespace wide {
 
-// The row of each lane, from 0.
+// The row of each lane, from 0; rows 32 to 47 lie apart. Where all lanes are in one part its registers do.
+enum class Part { first, last, both };
 struct Rows {
     Integers at;
     Mask last; // rows 32 to 47
+};
+
+template <Part PART> struct Coefficients {
+    const Rows &rows;
     VORDA_WIDE Lanes operator[](int term) const {
         const f32 *c = FTAB_BY_TERM.value[term];
-        const Lanes any = _mm512_permutex2var_ps(_mm512_load_ps(c), at, _mm512_load_ps(c + LANES));
-        return _mm512_mask_permutexvar_ps(any, last, at, _mm512_load_ps(c + 2 * LANES));
+        if constexpr (PART == Part::last)
+            return _mm512_permutexvar_ps(rows.at, _mm512_load_ps(c + 2 * LANES));
+        const Lanes any = _mm512_permutex2var_ps(_mm512_load_ps(c), rows.at, _mm512_load_ps(c + LANES));
+        if constexpr (PART == Part::first)
+            return any;
+        return _mm512_mask_permutexvar_ps(any, rows.last, rows.at, _mm512_load_ps(c + 2 * LANES));
     }
 };
 
@@ -29,7 +38,7 @@ struct TableLanes {
     Lanes B, slope; // slope in v
 };
 
-template <int N> VORDA_WIDE Lanes table_row(const Rows &c, Lanes t) {
+template <int N, class C> VORDA_WIDE Lanes table_row(const C &c, Lanes t) {
     Lanes p = c[FTAB_FIRST[N] + FTAB_DEGREE[N]];
 #pragma GCC unroll 8
     for (int k = FTAB_DEGREE[N] - 1; k >= 0; --k)
@@ -37,12 +46,13 @@ template <int N> VORDA_WIDE Lanes table_row(const Rows &c, Lanes t) {
     return p;
 }
 
-template <int N> VORDA_WIDE void add_table_row(const Rows &c, Lanes v, Lanes t, TableLanes &p) {
+template <int N, class C> VORDA_WIDE void add_table_row(const C &c, Lanes v, Lanes t, TableLanes &p) {
     p.slope = fma(p.slope, v, p.B);
     p.B = fma(p.B, v, table_row<N>(c, t));
 }
 
-VORDA_WIDE TableLanes table(const Rows &c, Lanes v, Lanes t) {
+template <Part PART> VORDA_WIDE TableLanes table(const Rows &rows, Lanes v, Lanes t) {
+    const Coefficients<PART> c{rows};
     const Lanes p6 = table_row<6>(c, t);
     TableLanes p{fma(p6, v, table_row<5>(c, t)), p6};
     add_table_row<4>(c, v, t, p);
@@ -51,6 +61,14 @@ VORDA_WIDE TableLanes table(const Rows &c, Lanes v, Lanes t) {
     add_table_row<1>(c, v, t, p);
     add_table_row<0>(c, v, t, p);
     return p;
+}
+
+VORDA_WIDE TableLanes table(const Rows &rows, Lanes v, Lanes t) {
+    if (rows.last == 0xffff)
+        return table<Part::last>(rows, v, t);
+    if (rows.last == 0)
+        return table<Part::first>(rows, v, t);
+    return table<Part::both>(rows, v, t);
 }
 
 // Kinds of lanes.
@@ -214,25 +232,29 @@ VORDA_WIDE Kinds kinds_of(Lanes X, Lanes Y, Integers ISNG) {
 }
 
 VORDA_WIDE Place place_of(Lanes X, Lanes Y, const Kinds &kind) {
-    const Lanes zero = _mm512_setzero_ps();
-    const Lanes far_X = _mm512_max_ps(X, all(3)), xinv = all(1) / far_X, w_about = all(15) * xinv;
-    const Lanes w = fma(fnma(w_about, far_X, all(15)), xinv, w_about); // 15/X to its last digit
     const Lanes x3 = X * all(1 / 3.0f), a = x3 * x3;
-    const Lanes over = all(16) / _mm512_max_ps(Y, all(4));
-    const Integers band_shallow = whole(_mm512_min_ps(_mm512_max_ps(Y, zero), all(3)));
-    const Integers band_deep = whole(_mm512_min_ps(over, all(3))), step = whole(_mm512_min_ps(w, all(4)));
-    const Integers band = _mm512_mask_sub_epi32(band_shallow, kind.deep, _mm512_set1_epi32(7), band_deep);
-    const Integers five = _mm512_add_epi32(_mm512_slli_epi32(band, 2), band);
-    const Integers row = _mm512_mask_sub_epi32(_mm512_add_epi32(band, _mm512_set1_epi32(40)), kind.far,
-                                               _mm512_add_epi32(five, _mm512_set1_epi32(4)), step);
-    return {kind,
-            {row, _mm512_cmpge_epi32_mask(row, _mm512_set1_epi32(2 * LANES))},
-            select(kind.deep, over - real(band_deep), Y - real(band_shallow)),
-            select(kind.far, w - real(step), a),
-            select(kind.far, all(-15) * xinv * xinv, all(2 / 3.0f) * x3),
-            xinv,
-            x3,
-            a};
+    const Integers band_shallow = whole(_mm512_min_ps(_mm512_max_ps(Y, _mm512_setzero_ps()), all(3)));
+    Integers band = band_shallow;
+    Place at{kind, {}, Y - real(band_shallow), a, all(2 / 3.0f) * x3, all(0), x3, a};
+    if (kind.deep != 0) {
+        const Lanes over = all(16) / _mm512_max_ps(Y, all(4));
+        const Integers band_deep = whole(_mm512_min_ps(over, all(3)));
+        band = _mm512_mask_sub_epi32(band, kind.deep, _mm512_set1_epi32(7), band_deep);
+        at.t = select(kind.deep, over - real(band_deep), at.t);
+    }
+    Integers row = _mm512_add_epi32(band, _mm512_set1_epi32(40));
+    if (kind.far != 0) {
+        const Lanes far_X = _mm512_max_ps(X, all(3)), xinv = all(1) / far_X, w_about = all(15) * xinv;
+        const Lanes w = fma(fnma(w_about, far_X, all(15)), xinv, w_about); // 15/X to its last digit
+        const Integers step = whole(_mm512_min_ps(w, all(4)));
+        const Integers five = _mm512_add_epi32(_mm512_slli_epi32(band, 2), band);
+        row = _mm512_mask_sub_epi32(row, kind.far, _mm512_add_epi32(five, _mm512_set1_epi32(4)), step);
+        at.v = select(kind.far, w - real(step), at.v);
+        at.slope = select(kind.far, all(-15) * xinv * xinv, at.slope);
+        at.xinv = xinv;
+    }
+    at.rows = {row, _mm512_cmpge_epi32_mask(row, _mm512_set1_epi32(2 * LANES))};
+    return at;
 }
 
 // Waves and imaginary parts, and the functions of X <= 3.

@@ -78,7 +78,8 @@ VORDA_WIDE Lanes rest_of_decay(Lanes x, Lanes e) {
     constexpr f32 SERIES[8] = {1.0f,       -1 / 2.0f,   1 / 6.0f,    -1 / 24.0f,
                                1 / 120.0f, -1 / 720.0f, 1 / 5040.0f, -1 / 40320.0f};
     const Mask low = _mm512_cmp_ps_mask(x, all(0.5f), _CMP_LT_OQ);
-    return select(low, x * polynomial(SERIES, x), all(1) - e);
+    const Lanes rest = all(1) - e;
+    return low != 0 ? select(low, x * polynomial(SERIES, x), rest) : rest;
 }
 
 // To 1e-7, x > 0: the mantissa is taken from sqrt(1/2) to sqrt(2).
