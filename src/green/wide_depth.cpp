@@ -72,9 +72,18 @@ VORDA_WIDE void depth_lanes(const GSTATE &g, const DepthPoint &p, const Height &
     propagating<false, SECOND>(g, p.R, p.Y, z, zeta, re, im);
 }
 
+// Where the selectors of a point stand: each in an array of its own, or both in one number.
+struct Selectors {
+    int ISNG_bits, IBOT_shift;
+};
+constexpr Selectors APART{-1, 0}, JOINED{0xff, 8};
+
 // All points, of one region. Lanes that are missing in the last block take the first point of it.
 template <Kernel KERNEL, bool SECOND>
-VORDA_WIDE_TARGET void work(const GreenPoints &p, f32 H, const GSTATE &g, const GreenArrays &result) {
+VORDA_WIDE_TARGET void work(const GreenPoints &p, Selectors selectors, f32 H, const GSTATE &g,
+                            const GreenArrays &result) {
+    const Integers ISNG_bits = _mm512_set1_epi32(selectors.ISNG_bits);
+    const __m128i IBOT_shift = _mm_cvtsi32_si128(selectors.IBOT_shift);
     const Lanes mu = _mm512_maskz_loadu_ps(first_lanes(MODES), g.EVK);
     Height z, zeta;
     for (int i = 0; i < p.n; i += LANES) {
@@ -82,12 +91,14 @@ VORDA_WIDE_TARGET void work(const GreenPoints &p, f32 H, const GSTATE &g, const 
         const Lanes Z = _mm512_mask_loadu_ps(all(p.Z[i]), m, p.Z + i),
                     ZETA = _mm512_mask_loadu_ps(all(p.ZETA[i]), m, p.ZETA + i);
         const Lanes ZB = all(H) - Z, ZETAB = all(H) - ZETA;
-        const Integers IBOT = _mm512_mask_loadu_epi32(_mm512_set1_epi32(p.IBOT[i]), m, p.IBOT + i);
+        const Integers ISNG = _mm512_mask_loadu_epi32(_mm512_set1_epi32(p.ISNG[i]), m, p.ISNG + i),
+                       marks = _mm512_mask_loadu_epi32(_mm512_set1_epi32(p.IBOT[i]), m, p.IBOT + i),
+                       IBOT = _mm512_srl_epi32(marks, IBOT_shift);
         const DepthPoint at{_mm512_mask_loadu_ps(all(p.R[i]), m, p.R + i),
                             Z + ZETA,
                             Z - ZETA,
                             ZB + ZETAB,
-                            _mm512_mask_loadu_epi32(_mm512_set1_epi32(p.ISNG[i]), m, p.ISNG + i),
+                            _mm512_and_si512(ISNG, ISNG_bits),
                             _mm512_testn_epi32_mask(IBOT, IBOT)};
         set_height<KERNEL == FAR>(g, mu, ZB, z);
         set_height<KERNEL == FAR>(g, mu, ZETAB, zeta);
@@ -113,13 +124,14 @@ enum Group {
 };
 
 template <bool SECOND>
-void work(int group, const GreenPoints &p, f32 H, const GSTATE &g, const GreenArrays &result) {
+void work(int group, const GreenPoints &p, Selectors selectors, f32 H, const GSTATE &g,
+          const GreenArrays &result) {
     if (group <= NEAR_BEYOND)
-        work<NEAR, SECOND>(p, H, g, result);
+        work<NEAR, SECOND>(p, selectors, H, g, result);
     else if (group == DEEPER_GROUP)
-        work<DEEPER, SECOND>(p, H, g, result);
+        work<DEEPER, SECOND>(p, selectors, H, g, result);
     else
-        work<FAR, SECOND>(p, H, g, result);
+        work<FAR, SECOND>(p, selectors, H, g, result);
 }
 
 constexpr int CHUNK = 256, BLOCKS = CHUNK / LANES;
@@ -173,9 +185,9 @@ void join(Groups &groups, int n, int from, int to) {
 struct Pack {
     static constexpr int LENGTH = CHUNK + LANES; // a block is stored whole
     alignas(64) f32 R[LENGTH], Z[LENGTH], ZETA[LENGTH];
-    alignas(64) int ISNG[LENGTH], IBOT[LENGTH];
+    alignas(64) int selectors[LENGTH];
     alignas(64) f32 value[2 * GREEN_VALUES][LENGTH];
-    GreenPoints points(int n) const { return {n, R, Z, ZETA, ISNG, IBOT}; }
+    GreenPoints points(int n) const { return {n, R, Z, ZETA, selectors, selectors}; }
     GreenArrays arrays() {
         GreenArrays a;
         for (int j = 0; j < GREEN_VALUES; ++j) {
@@ -195,15 +207,12 @@ VORDA_WIDE_TARGET void pack(const GreenPoints &p, const Groups &groups, int grou
         const auto lanes = [&](const f32 *from, f32 *store) VORDA_WIDE_TARGET {
             _mm512_storeu_ps(store + at, _mm512_maskz_compress_ps(m, _mm512_maskz_loadu_ps(any, from + i)));
         };
-        const auto integers = [&](const int *from, int *store) VORDA_WIDE_TARGET {
-            _mm512_storeu_si512(store + at,
-                                _mm512_maskz_compress_epi32(m, _mm512_maskz_loadu_epi32(any, from + i)));
-        };
         lanes(p.R, to.R);
         lanes(p.Z, to.Z);
         lanes(p.ZETA, to.ZETA);
-        integers(p.ISNG, to.ISNG);
-        integers(p.IBOT, to.IBOT);
+        const Integers ISNG = _mm512_maskz_loadu_epi32(any, p.ISNG + i),
+                       IBOT = _mm512_slli_epi32(_mm512_maskz_loadu_epi32(any, p.IBOT + i), 8);
+        _mm512_storeu_si512(to.selectors + at, _mm512_maskz_compress_epi32(m, _mm512_or_si512(ISNG, IBOT)));
         at += __builtin_popcount(m);
     }
 }
@@ -246,13 +255,13 @@ void depth_chunk(const GreenPoints &p, f32 H, const GSTATE &g, Pack (&packs)[GRO
     join(groups, p.n, FEW_MODES, MANY_MODES);
     for (int c = 0; c < GROUPS; ++c) {
         if (groups.count[c] == p.n)
-            return work<SECOND>(c, p, H, g, result);
+            return work<SECOND>(c, p, APART, H, g, result);
     }
     for (int c = 0; c < GROUPS; ++c) {
         if (groups.count[c] == 0)
             continue;
         pack(p, groups, c, packs[c]);
-        work<SECOND>(c, packs[c].points(groups.count[c]), H, g, packs[c].arrays());
+        work<SECOND>(c, packs[c].points(groups.count[c]), JOINED, H, g, packs[c].arrays());
     }
     unpack<SECOND>(groups, packs, p.n, result);
 }
