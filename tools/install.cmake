@@ -2,7 +2,7 @@
 # (find_package(vorda) gives vorda::vorda_post).
 include(GNUInstallDirs)
 set(CMAKE_INSTALL_DOCDIR ${CMAKE_INSTALL_DATADIR}/doc/vorda)
-set(VORDA_PROGRAMS vorda vorda-run vorda-mesh vorda-p2f)
+set(VORDA_PROGRAMS vorda vorda-run vorda-mesh vorda-modes vorda-p2f)
 # Debian chooses among several builds of OpenBLAS under one name: ours has to be that for OpenMP.
 get_filename_component(openblas_folder ${VORDA_OPENBLAS} DIRECTORY)
 if(openblas_folder MATCHES openblas-openmp)

@@ -513,6 +513,7 @@ TEST(Transforms, MoveAndKeepTheBody) {
         {"--shift 0 3 0", {"-2 to 2, 2 to 4, -1 to 0", "ISX, ISY = 1, 0"}, 8},
         {"--turn 90", {"-1 to 1, -2 to 2, -1 to 0", "ISX, ISY = 0, 0"}, 8},
         {"--turn 90 --shift 5 0 0 --mirror x", {"-6 to -4, -2 to 2, -1 to 0", "ISX, ISY = 0, 0"}, 8},
+        {"--divide", {"-2 to 2, -1 to 1, -1 to 0", "panels 80, ISX, ISY = 1, 1"}, 8},
         {"--full", {"-2 to 2, -1 to 1, -1 to 0", "panels 80, ISX, ISY = 0, 0"}, 8},
         {"--shift 0 3 0 --join c.gdf", {"-2 to 2, 2 to 9, -1 to 0", "ISX, ISY = 1, 0"}, 16},
     };
@@ -539,6 +540,21 @@ TEST(Transforms, MoveAndKeepTheBody) {
             << folder.read("stdout.txt");
         EXPECT_FALSE(folder.exists("e_3.gdf"));
     }
+}
+
+// The triangles at the bottom of a hemisphere become triangles: the body stays as it is, and sound.
+TEST(Transforms, DivideTrianglesInFour) {
+    const CaseFolder folder;
+    make_mesh(folder, "hemisphere --nu 4 --nv 3", "d.gdf");
+    ASSERT_EQ(folder.shell("vorda-mesh check d.gdf"), 0);
+    const auto before = reported(folder.read("stdout.txt"), "volume by x, y, z");
+    ASSERT_EQ(folder.shell("vorda-mesh transform d.gdf -o e.gdf --divide && vorda-mesh check e.gdf"), 0)
+        << folder.read("stdout.txt");
+    EXPECT_NE(folder.read("stdout.txt").find("panels 48, ISX"), std::string::npos)
+        << folder.read("stdout.txt");
+    const auto after = reported(folder.read("stdout.txt"), "volume by x, y, z");
+    for (std::size_t k = 0; k < 3; ++k)
+        EXPECT_NEAR(after[k], before[k], PRINTED * before[k]);
 }
 
 // The head of the panels of plates keeps their records.
