@@ -165,6 +165,8 @@ bool write_report(const ReportOf &of, std::string &error) {
     std::vector<std::string> warnings = warnings_of(of);
     if (!draw(of, figures, why))
         warnings.push_back("No figures: " + why + ".");
+    for (const std::string &warning : warnings)
+        std::printf("warning    %s\n", warning.c_str());
     const Sections of_results(of, std::move(figures));
     const DataSet &data = *of.data;
     std::string body, links;

@@ -4,6 +4,7 @@
 #include "case/outputs.hpp"
 #include "case/refinement.hpp"
 #include "case/solution.hpp"
+#include "case/trial.hpp"
 #include "post/case_file.hpp"
 
 #include <cmath>
@@ -48,6 +49,16 @@ void tell_plan(const RunCase &run, const CasePlan &plan, const MadeFrom &made) {
     if (last >> seconds >> work && work > 0)
         std::printf("           about %.0f s, by the last run of this case\n",
                     seconds * work_of(plan) / work);
+    std::fflush(stdout);
+}
+
+// Before the first run of a case a trial tells the time; a run itself tells it soon enough.
+void tell_time_of_trial(const RunCase &run, const CasePlan &plan, const MadeFrom &made) {
+    if (!made.note("last solution").empty())
+        return;
+    const double seconds = seconds_by_trial(run, plan);
+    if (seconds >= 0)
+        std::printf("           about %.2g s, by a trial of this machine\n", seconds);
     else
         std::printf("           time: not known before the first run of this case\n");
     std::fflush(stdout);
@@ -88,8 +99,10 @@ bool all_steps(const RunRequest &request, std::string &error) {
     Refinement refinement;
     if (request.refine && !prepare_refinement(run, made, refinement, error))
         return false;
-    if (request.dry)
+    if (request.dry) {
+        tell_time_of_trial(run, findings.plan, made);
         return true;
+    }
     if (!solve(run, solution, made, error))
         return false;
     const Solution fine{FINE, &refinement.plan, request.version};

@@ -1,6 +1,7 @@
 #include "case/solution.hpp"
 
 #include "case/programs.hpp"
+#include "case/trial.hpp"
 
 #include <chrono>
 #include <cstdio>
@@ -66,7 +67,9 @@ std::string end_of(const std::string &list) {
 // What a solution is made from: decks and meshes.
 std::string lines_of(const RunCase &run, const Solution &solution) {
     const std::string there = run.run_folder() + "/" + solution.folder;
-    std::string lines = solution.version + "\n";
+    // Another build of the solver solves again, the same one in another place does not.
+    const std::string solver = program_beside("vorda");
+    std::string lines = solution.version + "\nsolver" + hash_line(solver).substr(solver.size());
     for (const DeckFile &deck : decks_of(run, *solution.plan))
         lines += hash_line(there + deck.name);
     for (std::size_t b = 0; b < run.bodies.size(); ++b)
@@ -75,11 +78,6 @@ std::string lines_of(const RunCase &run, const Solution &solution) {
 }
 
 } // namespace
-
-double work_of(const CasePlan &plan) {
-    return static_cast<double>(plan.unknowns) * plan.unknowns * plan.classes * plan.periods *
-           (plan.ISOR == 1 ? 2 : 1);
-}
 
 bool write_decks(const RunCase &run, const Solution &solution, std::string &error) {
     for (const DeckFile &deck : decks_of(run, *solution.plan))

@@ -13,8 +13,6 @@ struct Solution {
     std::string version; // of the program
     std::string p2f() const { return folder + "case.p2f"; }
 };
-// Work of a run, to which its time is about proportional.
-double work_of(const CasePlan &plan);
 // Writes the decks and runs the solver when something changed since the last time; tells both. False with the
 // reason in `error`.
 [[nodiscard]] bool write_decks(const RunCase &run, const Solution &solution, std::string &error);
