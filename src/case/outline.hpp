@@ -26,8 +26,8 @@ struct Outline {
 // Area that the hull covers, seen from above: the inside of the waterline of a body that reaches the surface.
 double waterplane(const Outline &outline);
 
-// About how many panels the solver makes inside the waterline, images counted: rings where sources are solved,
-// else an advancing front.
+// About how many panels the solver makes inside the waterline, images counted: rings where sources are
+// solved, else an advancing front.
 double panels_made(const Outline &outline, int ISOR);
 
 // Whether a panel of one body lies inside the other, or both have panels in the same place.
