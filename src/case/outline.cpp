@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr double IN_SURFACE = 1e-5; // of the body's size: such a height is z = 0
-
 BodyPoint minus(const BodyPoint &a, const BodyPoint &b) {
     return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
 }
