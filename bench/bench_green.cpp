@@ -154,15 +154,46 @@ void depth_state(benchmark::State &bench) {
     }
 }
 
-// One pair at a limit frequency, near and far.
-void limit_frequency(benchmark::State &bench) {
-    const float H = 2;
-    float record[16], R = bench.range(0) == 0 ? 0.5f : 3.0f, sum = 0;
-    for (auto _ : bench) {
-        VGRN0(R, 0.3f, 0.4f, H, 0, 0, 1, record);
-        sum += record[0];
-        benchmark::DoNotOptimize(sum);
+// Limit frequencies: R <= H, R > H, both.
+void limit_frequency(benchmark::State &bench, float R0, float R1, GreenOrder order) {
+    constexpr float H = 2;
+    const int n = static_cast<int>(bench.range(0));
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> R(R0, R1), depth(0, H);
+    std::vector<float> r(n), z(n), zeta(n), out(16 * n);
+    std::vector<int> ISNG(n), IBOT(n);
+    for (int i = 0; i < n; ++i) {
+        r[i] = R(random);
+        z[i] = depth(random);
+        zeta[i] = depth(random);
+        ISNG[i] = i % 20 == 0;
     }
+    GreenArrays result;
+    for (int j = 0; j < GREEN_VALUES; ++j) {
+        result.re[j] = out.data() + 2 * j * n;
+        result.im[j] = out.data() + (2 * j + 1) * n;
+    }
+    const double one_exp = exp_time();
+    const double start = cpu_time();
+    for (auto _ : bench) {
+        limit_points({n, r.data(), z.data(), zeta.data(), ISNG.data(), IBOT.data()}, H, 1, order, result);
+        benchmark::ClobberMemory();
+    }
+    const double each = (cpu_time() - start) / (static_cast<double>(bench.iterations()) * n);
+    bench.counters["ns_per_point"] = 1e9 * each;
+    bench.counters["expf_per_point"] = each / one_exp;
+}
+void limit_near(benchmark::State &bench) {
+    limit_frequency(bench, 0, 2, GreenOrder::first);
+}
+void limit_far(benchmark::State &bench) {
+    limit_frequency(bench, 2, 10, GreenOrder::first);
+}
+void limit_mixed(benchmark::State &bench) {
+    limit_frequency(bench, 0, 4, GreenOrder::first);
+}
+void limit_mixed_second(benchmark::State &bench) {
+    limit_frequency(bench, 0, 4, GreenOrder::second);
 }
 
 // The wave-number derivative of one field point against many source points at the distances R0 to R1.
@@ -236,5 +267,8 @@ BENCHMARK(wave_number_near_deep)->Arg(2000);
 BENCHMARK(wave_number_beside)->Arg(2000);
 BENCHMARK(wave_number_far)->Arg(2000);
 BENCHMARK(depth_state)->Arg(3)->Arg(25)->Arg(300);
-BENCHMARK(limit_frequency)->Arg(0)->Arg(1);
+BENCHMARK(limit_near)->Arg(2000);
+BENCHMARK(limit_far)->Arg(2000);
+BENCHMARK(limit_mixed)->Arg(64)->Arg(2000);
+BENCHMARK(limit_mixed_second)->Arg(2000);
 BENCHMARK_MAIN();

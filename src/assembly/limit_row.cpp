@@ -1,7 +1,6 @@
 #include "assembly/limit_row.hpp"
 
 #include "geometry/panel.hpp"
-#include "green/vgrn0.hpp"
 #include "rankine/panint.hpp"
 #include "state/messages.hpp"
 #include "state/symmetry.hpp"
@@ -33,20 +32,6 @@ Status remove_image(const RunState &run, int field, int g, int source, std::int6
 }
 
 } // namespace
-
-void limit_green(int count, const PeriodWave &wave, const WaveRow &row, const GreenArrays &values) {
-    for (int p = 0; p < count; ++p) {
-        f32 record[16];
-        VGRN0(row.RR.data()[p], row.ZS.data()[p], row.ZF.data()[p], wave.HNU, row.ISNG.data()[p],
-              row.IBOT.data()[p], wave.IPLIM, record);
-        for (int v = 0; v < GREEN_VALUES; ++v) {
-            if (values.re[v] == nullptr)
-                continue;
-            values.re[v][p] = record[2 * v];
-            values.im[v][p] = record[2 * v + 1];
-        }
-    }
-}
 
 Status infinite_frequency_images(const RunState &run, int I, const std::uint16_t *code, WaveRow &row) {
     Status status = Status::ok;

@@ -3,6 +3,7 @@
 #include "assembly/dipole_row.hpp"
 #include "assembly/limit_row.hpp"
 #include "assembly/row_kernels.hpp"
+#include "green/vgrn0.hpp"
 #include "state/symmetry.hpp"
 
 #include <cmath>
@@ -65,11 +66,11 @@ void evaluate(const AssemblyFrame &f, int count, WaveRow &row) {
         values.re[VALUES[v]] = &row.green(1, 2 * v + 1);
         values.im[VALUES[v]] = &row.green(1, 2 * v + 2);
     }
+    const GreenOrder order = row.second ? GreenOrder::second : GreenOrder::first;
     if (f.wave.IPLIM == 0)
-        VGRN98(points, f.wave.HNU, f.gstate, row.second ? GreenOrder::second : GreenOrder::first, row.work,
-               values);
+        VGRN98(points, f.wave.HNU, f.gstate, order, row.work, values);
     else
-        limit_green(count, f.wave, row, values);
+        limit_points(points, f.wave.HNU, f.wave.IPLIM, order, values);
 }
 
 FixedPoint fixed_point(const PanelArrays &panels, int I, int image, f32 NU) {

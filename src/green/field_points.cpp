@@ -54,29 +54,31 @@ void place_points(FieldPoint P, f32 K, const FieldPanels &panels, FieldWork &wor
     }
 }
 
-void evaluate_wave(const FieldPanels &panels, const FieldWave &wave, GreenOrder order, FieldWork &work) {
-    const GreenPoints points{panels.padded * panels.NG, work.R.data(),    work.Z.data(),
-                             work.ZETA.data(),          work.ISNG.data(), work.IBOT.data()};
+namespace {
+
+GreenPoints points_of(const FieldPanels &panels, const FieldWork &work) {
+    return {panels.padded * panels.NG, work.R.data(),    work.Z.data(),
+            work.ZETA.data(),          work.ISNG.data(), work.IBOT.data()};
+}
+
+GreenArrays values_of(FieldWork &work) {
     GreenArrays values;
     for (int v = 0; v < GREEN_VALUES; ++v) {
         values.re[v] = &work.green(1, 1, 2 * v + 1);
         values.im[v] = &work.green(1, 1, 2 * v + 2);
     }
-    VGRN98(points, wave.NU * wave.HBOT, *wave.gstate, order, work.vgrn, values);
+    return values;
+}
+
+} // namespace
+
+void evaluate_wave(const FieldPanels &panels, const FieldWave &wave, GreenOrder order, FieldWork &work) {
+    VGRN98(points_of(panels, work), wave.NU * wave.HBOT, *wave.gstate, order, work.vgrn, values_of(work));
 }
 
 void evaluate_lid(const FieldPanels &panels, f32 HBOT, FieldWork &work) {
     constexpr int ZERO_FREQUENCY = 1;
-    for (int k = 1; k <= panels.NG; ++k)
-        for (int j = 1; j <= panels.n; ++j) {
-            const LimitValues g = VGRN0G(work.R(j, k), work.Z(j, k), work.ZETA(j, k), HBOT, work.ISNG(j, k),
-                                         work.IBOT(j, k), ZERO_FREQUENCY);
-            for (const auto &[value, is] :
-                 {std::pair{G_, g.V}, {G_R, g.VR}, {G_Z, g.VZ}, {G_ZETA, g.VZETA}}) {
-                work.green(j, k, 2 * value + 1) = is;
-                work.green(j, k, 2 * value + 2) = 0;
-            }
-        }
+    limit_points(points_of(panels, work), HBOT, ZERO_FREQUENCY, GreenOrder::first, values_of(work));
 }
 
 void sum_value(const FieldPanels &panels, f32 factor, int value, const FieldWork &work, KernelValues &result,

@@ -128,5 +128,6 @@ int HGRN98(f32 H, f32 &RATIO, GSTATE &state) {
     mode_reaches(H, state);
     SCOEF(H, m, state.COEF91);
     PCOEF(H, m, state.COEF57);
+    depth_boxes(state.COEF91, state.COEF57, state.boxes);
     return 0;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "base/types.hpp"
+#include "green/depth_boxes.hpp"
 
 struct GSTATE {
     f32 HINV = 0;             // 1 / H, H the depth times nu
@@ -36,6 +37,7 @@ struct GSTATE {
 
     f32 COEF91[91] = {}; // polynomial S of the near field for this H
     f32 COEF57[57] = {}; // polynomial P of the near field for this H
+    DepthBoxes boxes;    // both, by boxes
 };
 
 // Zeroes the 13 arrays (and the scalars); directly before HGRN98, once per period.

@@ -1,7 +1,7 @@
 // The Green function at the two limit frequencies. It is real.
 #pragma once
 
-#include "base/types.hpp"
+#include "green/vgrn98.hpp"
 
 // One pair, all eight values in the order of VGRN1P, with imaginary parts of 0; lengths in any one unit.
 // IPLIM: 1 zero frequency (the surface z = 0 is a rigid lid), 2 infinite frequency (G = 0 there). H: depth,
@@ -17,3 +17,7 @@ struct LimitValues {
     f32 V, VR, VZ, VZETA;
 };
 LimitValues VGRN0G(f32 R, f32 Z, f32 ZETA, f32 H, int ISNG, int IBOT, int IPLIM);
+
+// Many pairs: VGRN0 of each, bit for bit, wherever it stands. The order tells which values are stored,
+// imaginary parts of 0 among them; the others may be null.
+void limit_points(const GreenPoints &points, f32 H, int IPLIM, GreenOrder order, const GreenArrays &result);

@@ -3,6 +3,7 @@
 
 #include "green/green_block.hpp"
 #include "green/near_kernels.hpp"
+#include "green/wide_depth.hpp"
 #include "green/wide_kernels.hpp"
 
 #include <cassert>
@@ -183,8 +184,11 @@ void VGRN98(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrder or
         return;
     assert(work.sorted.size() >= n);
     const bool finite = H > 0;
-    if (!finite && work.path != GreenPath::sorted && wide_available()) {
-        deep_wide(points, order, result);
+    if (work.path != GreenPath::sorted && wide_available()) {
+        if (finite)
+            depth_wide(points, H, state, order, result);
+        else
+            deep_wide(points, order, result);
         return;
     }
     const int methods = finite ? FINITE_METHODS : DEEP_METHODS;
@@ -222,13 +226,17 @@ void VGRN98(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrder or
 
 void VGRN1P(f32 R, f32 Z, f32 ZETA, f32 H, const GSTATE &state, int ISNG, int IBOT, f32 (&record)[16]) {
     GreenBlock block;
-    if (!(H > 0) && wide_available()) {
+    if (wide_available()) {
         GreenArrays result;
         for (int j = 0; j < GREEN_VALUES; ++j) {
             result.re[j] = record + 2 * j;
             result.im[j] = record + 2 * j + 1;
         }
-        deep_wide({1, &R, &Z, &ZETA, &ISNG, &IBOT}, GreenOrder::second, result);
+        const GreenPoints point{1, &R, &Z, &ZETA, &ISNG, &IBOT};
+        if (H > 0)
+            depth_wide(point, H, state, GreenOrder::second, result);
+        else
+            deep_wide(point, GreenOrder::second, result);
         return;
     }
     for (int k = 0; k < GREEN_LANES; ++k) {

@@ -83,6 +83,8 @@ const std::vector<CaseKey> &run_keys() {
         {"body", "draught", K::positive, "m", "as the file lies, z = 0 in the surface",
          "depth of the lowest point of an imported file"},
         {"body", "size", K::positive, "m", "a fortieth of its extent", "length of the panels of a CAD model"},
+        {"body", "recombine", K::flag, "", "false",
+         "joins triangles of an imported file to quadrilaterals: half as many panels"},
         {"body", "part", K::choice, "", "`\"auto\"`, as symmetry allows",
          "part of the body that is panelled, of an import or maker", "auto, full, half-x, half-y, quarter"},
         {"body", "place", K::three, "m", "0, 0, 0", "its origin in global axes, z = 0 in the free surface"},
@@ -138,10 +140,15 @@ std::string case_key_rows() {
     return rows;
 }
 
-std::string run_key_rows() {
+const char *const KEY_HEAD = "| Key | Value | Unit | Default | Meaning |\n|---|---|---|---|---|\n";
+
+std::string key_rows(const std::vector<CaseKey> &keys) {
     std::string rows;
-    for (const auto *keys : {&run_keys(), &case_keys()})
-        for (const CaseKey &key : *keys)
-            rows += row_of(key, wanted(key) + " | ");
+    for (const CaseKey &key : keys)
+        rows += row_of(key, wanted(key) + " | ");
     return rows;
+}
+
+std::string run_key_rows() {
+    return key_rows(run_keys()) + key_rows(case_keys());
 }

@@ -4,6 +4,7 @@
 #include "green_points.hpp"
 
 #include <algorithm>
+#include <random>
 
 namespace {
 
@@ -114,6 +115,35 @@ TEST(Vgrn0, DeepWater) {
             for (int j = 0; j < GREEN_VALUES; ++j)
                 EXPECT_NEAR(record[2 * j], exact[j].real(), 2e-6 * (1 + std::abs(exact[j])))
                     << ISNG << " " << j;
+        }
+    }
+}
+
+// Many pairs together: each has the value that it has alone, wherever it stands.
+TEST(Vgrn0, ResultDependsOnThePairAlone) {
+    std::mt19937 random(3);
+    std::uniform_real_distribution<f32> part(0, 1);
+    for (const f32 H : {-1.0f, 0.3f, 5.0f}) {
+        const f32 depth = H > 0 ? H : 1.0f;
+        Points points;
+        for (int i = 0; i < 601; ++i)
+            points.add(2.5f * depth * part(random), depth * part(random), depth * part(random), i % 4,
+                       i / 4 % 2);
+        for (const int IPLIM : {1, 2}) {
+            Results first(points.size()), second(points.size());
+            limit_points(points.view(), H, IPLIM, GreenOrder::first, first.arrays);
+            limit_points(points.view(), H, IPLIM, GreenOrder::second, second.arrays);
+            for (int i = 0; i < points.size(); ++i) {
+                f32 record[16];
+                VGRN0(points.R[i], points.Z[i], points.ZETA[i], H, points.ISNG[i], points.IBOT[i], IPLIM,
+                      record);
+                for (int j = 0; j < GREEN_VALUES; ++j) {
+                    ASSERT_EQ(second.arrays.re[j][i], record[2 * j]) << j << " " << i << " H " << H;
+                    ASSERT_EQ(second.arrays.im[j][i], 0);
+                    ASSERT_EQ(first.arrays.re[j][i], ORDER[j] < 2 ? record[2 * j] : -77.0f)
+                        << j << " " << i << " H " << H;
+                }
+            }
         }
     }
 }
