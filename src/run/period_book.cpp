@@ -73,16 +73,10 @@ Status PeriodBook::keep(const PeriodHead &head, const PeriodRecords &records) {
     if (failed(PERWRT(records, RESSCR_)))
         return Status::failed;
     run_.periods.WVNH(head.period) = head.WVNH;
-    ++solved_;
     progress_.step();
     without_a_row_.emplace(head.period, head);
     for (auto row = without_a_row_.begin(); row != without_a_row_.end() && row->first == rows_ + 1;
          row = without_a_row_.erase(row), ++rows_)
         write_report_row(run_, row->second);
     return Status::ok;
-}
-
-bool PeriodBook::complete() {
-    const std::lock_guard hold(lock_);
-    return solved_ == run_.periods.NPER;
 }

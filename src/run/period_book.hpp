@@ -33,7 +33,6 @@ class PeriodBook final : public PeriodExchange {
     // Writes it to the scratch file and the checkpoint and, when its turn comes, its row to the list file and
     // the text echo. Sets WVNH.
     [[nodiscard]] Status finished(const PeriodHead &head, const PeriodRecords &records) override;
-    bool complete();
     // Where the periods stand in the scratch file (NPER).
     const std::vector<std::int64_t> &places() const { return places_; }
     // The result is complete: the checkpoint goes.
@@ -50,5 +49,4 @@ class PeriodBook final : public PeriodExchange {
     std::map<int, PeriodHead> without_a_row_; // periods whose row waits for those before
     int given_ = 0;                           // last period that was looked at for handing out
     int rows_ = 0;                            // periods whose row is written
-    int solved_ = 0;
 };

@@ -1,4 +1,5 @@
 // Truth: the result of the run that nothing stopped.
+#include "drift_fields.hpp"
 #include "equal_results.hpp"
 
 namespace {
@@ -15,6 +16,26 @@ Pot twelve_waves() {
     return pot;
 }
 
+// Runs what is in the folder with CHECKP=1. Returns the checkpoint as it stood behind the first `taken`
+// periods of `all`, each of `records` records.
+std::string checkpoint_behind(int taken, int all, int records, const CaseFolder &folder) {
+    folder.write("kept.vck", ""); // a second name of the file, which outlives the run
+    EXPECT_EQ(folder.shell("ln kept.vck run.vck && vorda"), 0);
+    const std::string bytes = folder.read("kept.vck");
+    const std::vector<std::string> found = framed_records(bytes);
+    EXPECT_EQ(static_cast<int>(found.size()), 1 + all * records);
+    std::size_t length = 0;
+    for (int r = 0; r < 1 + taken * records && r < static_cast<int>(found.size()); ++r)
+        length += found[static_cast<std::size_t>(r)].size() + 8;
+    return bytes.substr(0, length);
+}
+
+int taken_over(const CaseFolder &folder) {
+    const std::string list = folder.list(), text = "taken over from the checkpoint: ";
+    const std::size_t at = list.find(text);
+    return at == std::string::npos ? -1 : std::atoi(list.c_str() + at + text.size());
+}
+
 // A folder with that run, and the result of a run without a checkpoint.
 class Restart : public testing::Test {
   protected:
@@ -26,30 +47,15 @@ class Restart : public testing::Test {
         ASSERT_FALSE(whole_.empty()) << folder_.list();
         prepare(folder_, twelve_waves(), "CHECKP=1\n");
     }
-    // The checkpoint of a run that was ended behind that many periods.
-    std::string checkpoint_of(int periods) {
-        folder_.write("kept.vck", ""); // a second name of the file, which outlives the run
-        EXPECT_EQ(folder_.shell("ln kept.vck run.vck && vorda"), 0);
-        const std::string all = folder_.read("kept.vck");
-        const std::vector<std::string> records = framed_records(all);
-        const std::size_t of_period = (records.size() - 1) / PERIODS; // head, radiation, diffraction
-        EXPECT_EQ(of_period, 3u);
-        std::size_t length = 0;
-        for (std::size_t r = 0; r < 1 + of_period * static_cast<std::size_t>(periods); ++r)
-            length += records[r].size() + 8;
-        return all.substr(0, length);
-    }
+    // Head, radiation, diffraction of each.
+    std::string checkpoint_of(int periods) { return checkpoint_behind(periods, PERIODS, 3, folder_); }
     // The run goes on, ends with the same bytes and takes the checkpoint away.
     void expect_the_whole_result() {
         folder_.solve();
         EXPECT_TRUE(equal_results(whole_, folder_.read("run.p2f"))) << folder_.list();
         EXPECT_FALSE(folder_.exists("run.vck"));
     }
-    int taken() const {
-        const std::string list = folder_.list(), text = "taken over from the checkpoint: ";
-        const std::size_t at = list.find(text);
-        return at == std::string::npos ? -1 : std::atoi(list.c_str() + at + text.size());
-    }
+    int taken() const { return taken_over(folder_); }
     CaseFolder folder_;
     std::string whole_;
 };
@@ -103,6 +109,23 @@ TEST_F(Restart, StartsAnewWithOtherInputAndSaysWhy) {
     folder_.write("run.vck", checkpoint);
     folder_.solve();
     EXPECT_EQ(taken(), 2) << "the number of threads does not matter";
+}
+
+TEST(Checkpoint, HoldsAllThatAPeriodOfADriftRunLeaves) {
+    CaseFolder folder;
+    Pot pot = drift::drift_pot();
+    pot.NPER = 2;
+    pot.PER = "0.9 1.4";
+    drift::prepare_drift(folder, pot, drift::BOX + "quarter");
+    folder.solve(); // makes the panels of the free surface
+    folder.solve();
+    const std::string whole = folder.read("run.p2f");
+    folder.write("config.vrd", folder.read("config.vrd") + "CHECKP=1\n");
+    const std::string checkpoint = checkpoint_behind(1, 2, 27, folder);
+    folder.write("run.vck", checkpoint);
+    folder.solve();
+    EXPECT_EQ(taken_over(folder), 1);
+    EXPECT_TRUE(equal_results(whole, folder.read("run.p2f")));
 }
 
 TEST(Checkpoint, AFullDiskUnderItDoesNotEndTheRun) {
