@@ -14,14 +14,22 @@ namespace wide {
 constexpr int MODES = 5; // that die out
 
 // What one of the two points of a pair brings to the vertical factors. In a row of the assembly one of them
-// is the same throughout: its factors are worked out once.
+// is the same throughout: its factors are worked out once. Those of the other may be given.
 struct Height {
-    Lanes above;         // H - z
-    bool common = false; // one height for all lanes
-    f32 known = -1;      // the last one
-    Lanes one, rest;     // 1 + e and 1 - e, e = exp(-2 k above)
-    f32 c[16], s[16];    // with `common`: cosine and sine of mu(n) above
+    Lanes above;                // H - z
+    bool common = false;        // one height for all lanes
+    f32 known = -1;             // the last one
+    Lanes one, rest;            // 1 + e and 1 - e, e = exp(-2 k above)
+    f32 c[LANES], s[LANES];     // with `common`: cosine and sine of mu(n) above
+    const f32 *given = nullptr; // columns of HeightFactors, `stride` apart
+    std::int64_t stride = 0;
 };
+
+VORDA_WIDE void set_propagating(const GSTATE &g, Height &h) {
+    const Lanes x = all(g.RKTWO) * h.above, e = exponential(-_mm512_min_ps(x, all(MAX_EXPONENT)));
+    h.one = all(1) + e;
+    h.rest = rest_of_decay(x, e);
+}
 
 template <bool FAR> VORDA_WIDE void set_height(const GSTATE &g, Lanes mu, Lanes above, Height &h) {
     const f32 first = _mm512_cvtss_f32(above);
@@ -29,9 +37,7 @@ template <bool FAR> VORDA_WIDE void set_height(const GSTATE &g, Lanes mu, Lanes 
     h.common = _mm512_cmpeq_ps_mask(above, all(first)) == 0xffff;
     if (h.common && first == h.known)
         return;
-    const Lanes x = all(g.RKTWO) * above, e = exponential(-_mm512_min_ps(x, all(MAX_EXPONENT)));
-    h.one = all(1) + e;
-    h.rest = rest_of_decay(x, e);
+    set_propagating(g, h);
     h.known = h.common ? first : -1.0f;
     if (FAR && h.common) {
         const Turns t = turns(mu * above);
@@ -40,7 +46,23 @@ template <bool FAR> VORDA_WIDE void set_height(const GSTATE &g, Lanes mu, Lanes 
     }
 }
 
+VORDA_WIDE void take_height(const f32 *given, std::int64_t stride, Height &h) {
+    h.given = given;
+    h.stride = stride;
+    h.one = _mm512_loadu_ps(given);
+    h.rest = _mm512_loadu_ps(given + stride);
+}
+
+// Columns of the cosine and the sine of mode n, from 0.
+constexpr int cosine_column(int n) {
+    return 2 + 2 * n;
+}
+
 VORDA_WIDE Turns mode_turns(const Height &h, f32 mu, int n) {
+    if (h.given != nullptr) {
+        const f32 *c = h.given + cosine_column(n) * h.stride;
+        return {_mm512_loadu_ps(c), _mm512_loadu_ps(c + h.stride)};
+    }
     if (h.common)
         return {all(h.c[n]), all(h.s[n])};
     return turns(all(mu) * h.above);
