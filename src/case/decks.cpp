@@ -176,8 +176,11 @@ bool make_plan(const RunCase &run, const std::vector<Outline> &bodies, CasePlan 
                            "irregular = \"auto\"");
         return false;
     }
-    // The made panels need whole waterlines; at a wall the report tells that irregular frequencies are left.
-    const bool made = !given && surface && run.irregular == "auto" && run.bodies[0].wall == 0;
+    // The made panels need whole waterlines; of a body that a wall cuts the report tells that irregular
+    // frequencies are left.
+    const RunBody &first = run.bodies[0];
+    const bool cut = first.wall > 0 && first.place[static_cast<std::size_t>(first.wall - 1)] == 0;
+    const bool made = !given && surface && run.irregular == "auto" && !cut;
     plan.IRR = made ? 3 : !given || with == nullptr ? 0 : plan.ISOR == 1 ? 4 : 1;
     plan.periods = static_cast<int>(run.waves.size()) + (run.limits ? 2 : 0);
     const bool keeps = keeps_symmetry(run, bodies);
@@ -188,7 +191,7 @@ bool make_plan(const RunCase &run, const std::vector<Outline> &bodies, CasePlan 
         const double images = static_cast<double>(outline.with_images) / outline.given;
         plan.panels += outline.given;
         plan.with_images += outline.with_images;
-        const double inside = made ? waterplane(outline) / outline.mean_area : 0;
+        const double inside = made ? panels_made(outline, plan.ISOR) : 0;
         unknowns += keeps ? outline.given + inside / images : outline.with_images + inside;
         area = std::max(area, outline.mean_area);
     }

@@ -81,7 +81,7 @@ bool copy_with_indices(const RunCase &run, const std::string &from, const std::s
                                                    "or place it beside the wall");
             return false;
         }
-        index[axis] = beside ? -2 : -1;
+        index[axis] = -1;
     }
     std::istringstream in(text_of(from));
     std::string line, text, rest;

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr double IN_SURFACE = 1e-5; // of the body's size: such a height is z = 0
-
 BodyPoint minus(const BodyPoint &a, const BodyPoint &b) {
     return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
 }
@@ -132,16 +130,23 @@ bool read_outline(const std::string &file, const RunBody &body, Outline &outline
             outline.has_interior = true;
             continue;
         }
-        for (std::size_t k = 0; k < 4; ++k)
-            outline.reaches_surface =
-                outline.reaches_surface || (in_surface(panel.at[k]) && in_surface(panel.at[(k + 1) % 4]) &&
-                                            panel.at[k] != panel.at[(k + 1) % 4]);
+        for (std::size_t k = 0; k < 4; ++k) {
+            const BodyPoint along = minus(panel.at[(k + 1) % 4], panel.at[k]);
+            if (in_surface(panel.at[k]) && in_surface(panel.at[(k + 1) % 4]) && dot(along, along) > 0) {
+                ++outline.wet_sides;
+                outline.mean_side += std::sqrt(dot(along, along));
+            }
+        }
         outline.mean_area += shape_of(panel).area;
         ++hull;
         add_placed(panel, body, outline);
     }
+    const int images = (outline.index[0] == 1 ? 2 : 1) * (outline.index[1] == 1 ? 2 : 1);
     outline.mean_area /= std::max(1, hull);
-    outline.with_images = outline.given * (outline.index[0] == 1 ? 2 : 1) * (outline.index[1] == 1 ? 2 : 1);
+    outline.mean_side /= std::max(1, outline.wet_sides);
+    outline.reaches_surface = outline.wet_sides > 0;
+    outline.wet_sides *= images;
+    outline.with_images = outline.given * images;
     outline.low = {1e30, 1e30, 1e30};
     outline.high = {-1e30, -1e30, -1e30};
     for (const BodyPanel &panel : outline.panels)
@@ -160,6 +165,15 @@ double waterplane(const Outline &outline) {
         area += shape.area * shape.normal[2];
     }
     return outline.reaches_surface ? std::fabs(area) : 0;
+}
+
+double panels_made(const Outline &outline, int ISOR) {
+    constexpr double FRONT = 1.16; // panels of an advancing front in a square of the mean side, as measured
+    if (!outline.reaches_surface)
+        return 0;
+    const double squares = waterplane(outline) / (outline.mean_side * outline.mean_side);
+    return ISOR == 0 ? FRONT * squares
+                     : outline.wet_sides * (1 + std::floor(2 * squares / outline.wet_sides));
 }
 
 bool overlap(const Outline &a, const Outline &b) {

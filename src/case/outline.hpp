@@ -13,6 +13,8 @@ struct Outline {
     bool reaches_surface = false;
     BodyPoint low{}, high{};       // with images, global axes [m]
     double mean_area = 0;          // of the hull's panels [m^2]
+    int wet_sides = 0;             // sides in the waterline, with images
+    double mean_side = 0;          // their mean length [m]
     std::vector<BodyPanel> panels; // of the hull with images, global axes [m]
     std::string title;
 };
@@ -23,6 +25,10 @@ struct Outline {
 
 // Area that the hull covers, seen from above: the inside of the waterline of a body that reaches the surface.
 double waterplane(const Outline &outline);
+
+// About how many panels the solver makes inside the waterline, images counted: rings where sources are
+// solved, else an advancing front.
+double panels_made(const Outline &outline, int ISOR);
 
 // Whether a panel of one body lies inside the other, or both have panels in the same place.
 bool overlap(const Outline &a, const Outline &b);

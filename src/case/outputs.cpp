@@ -1,7 +1,9 @@
 #include "case/outputs.hpp"
 
 #include "case/programs.hpp"
+#include "case/refinement.hpp"
 #include "case/report.hpp"
+#include "case/solution.hpp"
 #include "exchange/export.hpp"
 #include "exchange/part_file.hpp"
 #include "post/result_tables.hpp"
@@ -28,6 +30,14 @@ std::string plain(double value) {
     return text;
 }
 
+bool write_csv(const ReportOf &of, const std::string &name, const Table &table, std::string &error) {
+    PartFile part(of.run->run_folder() + "/" + name);
+    std::FILE *out = part.open(error);
+    if (out == nullptr)
+        return false;
+    print_csv(out, table);
+    return part.keep(error);
+}
 bool write_impulse(const ReportOf &of, std::string &error) {
     if (of.data->impulse.times.empty()) {
         error = "there are no impulse responses";
@@ -36,15 +46,18 @@ bool write_impulse(const ReportOf &of, std::string &error) {
                 error = note;
         return false;
     }
-    PartFile part(of.run->run_folder() + "/impulse.csv");
-    std::FILE *out = part.open(error);
-    if (out == nullptr)
-        return false;
-    print_csv(out, radiation_response_table(*of.data->p2f, of.data->of_case.scales, of.data->impulse));
-    return part.keep(error);
+    return write_csv(of, "impulse.csv",
+                     radiation_response_table(*of.data->p2f, of.data->of_case.scales, of.data->impulse),
+                     error);
+}
+bool write_refined_radiation(const ReportOf &of, std::string &error) {
+    return write_csv(of, "refinement_radiation.csv", refined_radiation_table(*of.data, *of.fine), error);
+}
+bool write_refined_forces(const ReportOf &of, std::string &error) {
+    return write_csv(of, "refinement_exciting.csv", refined_exciting_table(*of.data, *of.fine), error);
 }
 
-std::vector<Output> outputs_of(const RunCase &run) {
+std::vector<Output> outputs_of(const RunCase &run, bool refined) {
     const std::string file = fs::path(run.name).filename().string(),
                       there = fs::path(run.run_folder()).filename().string(), p2f = there + "/case.p2f";
     const auto exported = [&](const char *name) {
@@ -66,6 +79,8 @@ std::vector<Output> outputs_of(const RunCase &run) {
         {"tables", run.csv, exported("tables")},
         {"field.csv", !run.grid.empty() || !run.points.empty(), field, nullptr, true},
         {"impulse.csv", run.impulse, {}, write_impulse},
+        {"refinement_radiation.csv", refined, {}, write_refined_radiation},
+        {"refinement_exciting.csv", refined, {}, write_refined_forces},
         {"report.html", run.report, {}, write_report},
     };
 }
@@ -81,14 +96,20 @@ bool make_by_program(const RunCase &run, const Output &output, std::string &erro
     return !output.keeps_text || write_text(run.run_folder() + "/" + output.thing, ended.text, error);
 }
 
-// The results, formed once for all that is made here.
-bool form(const RunCase &run, const std::string &version, P2fFile &p2f, DataSet &data, std::string &error) {
-    const std::string file = run.run_folder() + "/case.p2f";
-    data.p2f = &p2f;
-    data.provenance = provenance_of(version, file, "vorda-run " + run.name);
-    return read_p2f(file, p2f, error) && load_case(run.name, 0, p2f, data.of_case, error) &&
-           form_data_set({run.drift, run.impulse}, data, error);
-}
+// Results of a solution, formed once for all that is made here.
+struct Formed {
+    P2fFile p2f;
+    DataSet data;
+    bool there() const { return data.p2f != nullptr; }
+    bool form(const RunCase &run, const std::string &version, const Solution &of, const DataWants &wants,
+              std::string &error) {
+        const std::string file = run.run_folder() + "/" + of.p2f();
+        data.p2f = &p2f;
+        data.provenance = provenance_of(version, file, "vorda-run " + run.name);
+        return read_p2f(file, p2f, error) && load_case(run.name, 0, p2f, data.of_case, error) &&
+               form_data_set(wants, data, error);
+    }
+};
 
 bool write_points(const RunCase &run, std::string &error) {
     std::string text;
@@ -101,15 +122,20 @@ bool write_points(const RunCase &run, std::string &error) {
 
 bool make_outputs(const RunCase &run, const std::string &version, const CaseFindings &findings,
                   MadeFrom &made, std::string &error) {
-    P2fFile p2f;
-    DataSet data;
-    const ReportOf of{&run, &findings, &data};
+    Formed coarse, fine;
+    const ReportOf of{&run, &findings, &coarse.data, findings.refined ? &fine.data : nullptr};
+    const auto form = [&] {
+        return coarse.there() ||
+               (coarse.form(run, version, {"", nullptr, version}, {run.drift, run.impulse}, error) &&
+                (!findings.refined || fine.form(run, version, {FINE, nullptr, version}, {}, error)));
+    };
     if (!write_points(run, error))
         return false;
     int stay = 0;
-    for (const Output &output : outputs_of(run)) {
+    for (const Output &output : outputs_of(run, findings.refined)) {
         const std::string lines = version + "\n" + typed(output.words) + "\n" + hash_line(run.name) +
-                                  made.note("case.p2f") + findings.mesh_faults;
+                                  made.note("case.p2f") + findings.mesh_faults +
+                                  (findings.refined ? made.note(std::string(FINE) + "case.p2f") : "");
         const std::string name = run.run_folder() + "/" + output.thing;
         std::error_code fault;
         if (!output.wanted) {
@@ -123,8 +149,7 @@ bool make_outputs(const RunCase &run, const std::string &version, const CaseFind
             ++stay;
             continue;
         }
-        if (!made.forget(output.thing, error) ||
-            (output.make != nullptr && data.p2f == nullptr && !form(run, version, p2f, data, error)) ||
+        if (!made.forget(output.thing, error) || (output.make != nullptr && !form()) ||
             !(output.make != nullptr ? output.make(of, error) : make_by_program(run, output, error)) ||
             !made.set(output.thing, lines, error))
             return false;

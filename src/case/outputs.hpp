@@ -9,6 +9,7 @@ struct CaseFindings {
     CasePlan plan;
     std::string mesh_report, mesh_faults; // as vorda-mesh check tells
     std::string solver_list;              // the report of the solver
+    bool refined = false;                 // there is a solution with finer meshes
 };
 // Makes the outputs that the case wants and that are not there or changed; those it no longer wants go. False
 // with the reason in `error`.

@@ -1,22 +1,18 @@
 #include "case/programs.hpp"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
+#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int PAUSE = 250; // [ms] between two looks
-
-std::string beside(const std::string &name) {
-    std::error_code fault;
-    const std::filesystem::path own = std::filesystem::read_symlink("/proc/self/exe", fault);
-    return fault ? name : (own.parent_path() / name).string();
-}
 
 // What the child does between fork and the new program: only calls that are allowed there.
 [[noreturn]] void become(const char *program, char *const *words, const char *folder, int out,
@@ -34,6 +30,20 @@ std::string beside(const std::string &name) {
 
 } // namespace
 
+std::string program_beside(const std::string &name) {
+    std::error_code fault;
+    const std::filesystem::path own = std::filesystem::read_symlink("/proc/self/exe", fault);
+    if (!fault)
+        return (own.parent_path() / name).string();
+    // Without /proc, as in some containers: where a shell would find it.
+    const char *path = std::getenv("PATH");
+    std::istringstream folders(path == nullptr ? "" : path);
+    for (std::string folder; std::getline(folders, folder, ':');)
+        if (const std::string there = folder + "/" + name; access(there.c_str(), X_OK) == 0)
+            return there;
+    return name;
+}
+
 bool on_terminal() {
     return isatty(STDERR_FILENO) == 1;
 }
@@ -49,7 +59,7 @@ std::string typed(const std::vector<std::string> &words) {
 
 bool run_program(const Start &start, const std::function<void()> &watch, Ended &ended, std::string &error) {
     ended = {};
-    const std::string program = beside(start.words[0]);
+    const std::string program = program_beside(start.words[0]);
     if (access(program.c_str(), X_OK) != 0) {
         error = program + " is missing: it belongs beside vorda-run";
         return false;

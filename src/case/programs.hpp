@@ -18,6 +18,8 @@ struct Start {
 // the reason in `error`: it is not there, or no process can be made.
 [[nodiscard]] bool run_program(const Start &start, const std::function<void()> &watch, Ended &ended,
                                std::string &error);
+// Name of a program with the folder of the one that runs.
+std::string program_beside(const std::string &name);
 // As a user types it.
 std::string typed(const std::vector<std::string> &words);
 

@@ -3,6 +3,7 @@
 #include "case/html.hpp"
 #include "case/judgement.hpp"
 #include "case/mesh_view.hpp"
+#include "case/refinement.hpp"
 #include "exchange/export.hpp"
 #include "exchange/plot.hpp"
 #include "post/result_tables.hpp"
@@ -97,6 +98,18 @@ bool draw(const ReportOf &of, Named &figures, std::string &why) {
     return good;
 }
 
+// What the run with finer meshes tells.
+std::string refinement(const ReportOf &of) {
+    if (of.fine == nullptr)
+        return "";
+    std::string html = html_of(refinement_table(*of.data, *of.fine), MOST_ROWS);
+    for (const Table &table :
+         {refined_radiation_table(*of.data, *of.fine), refined_exciting_table(*of.data, *of.fine)})
+        if (!table.rows.empty())
+            html += folded("Table: " + table.title, html_of(table, MOST_ROWS));
+    return html;
+}
+
 // Figures whose names begin so, and the tables of a command, folded or open.
 class Sections {
   public:
@@ -152,6 +165,8 @@ bool write_report(const ReportOf &of, std::string &error) {
     std::vector<std::string> warnings = warnings_of(of);
     if (!draw(of, figures, why))
         warnings.push_back("No figures: " + why + ".");
+    for (const std::string &warning : warnings)
+        std::printf("warning    %s\n", warning.c_str());
     const Sections of_results(of, std::move(figures));
     const DataSet &data = *of.data;
     std::string body, links;
@@ -177,7 +192,7 @@ bool write_report(const ReportOf &of, std::string &error) {
     add_section(body, links, "Impulse responses", of_results.folded_up("impulse", "check"));
     add_section(body, links, "Treatment", treatment(of));
     add_section(body, links, "How good it is",
-                list_of(convergence_hints(of)) + html_of(difference_table(data), MOST_ROWS));
+                list_of(convergence_hints(of)) + html_of(difference_table(data), MOST_ROWS) + refinement(of));
     add_section(body, links, "Where it comes from", provenance(of));
     const std::string title = "Report of " + fs::path(of.run->name).filename().string();
     return write_text(of.run->run_folder() + "/report.html",

@@ -1,12 +1,12 @@
 #include "case/run_steps.hpp"
 
-#include "case/decks.hpp"
 #include "case/meshes.hpp"
 #include "case/outputs.hpp"
-#include "case/programs.hpp"
+#include "case/refinement.hpp"
+#include "case/solution.hpp"
+#include "case/trial.hpp"
 #include "post/case_file.hpp"
 
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -15,13 +15,8 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 constexpr double GIGABYTE = 1e9;
-
-double since(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 // Masses, springs and seas are read with the results; a fault in them is told before anything is computed.
 bool check_results_part(const RunCase &run, std::string &error) {
@@ -33,12 +28,6 @@ bool check_results_part(const RunCase &run, std::string &error) {
         return false;
     }
     return read_case(run.name, bodies, file, error);
-}
-
-// Work of a run, to which its time is about proportional.
-double work_of(const CasePlan &plan) {
-    return static_cast<double>(plan.unknowns) * plan.unknowns * plan.classes * plan.periods *
-           (plan.ISOR == 1 ? 2 : 1);
 }
 
 void tell_plan(const RunCase &run, const CasePlan &plan, const MadeFrom &made) {
@@ -60,96 +49,19 @@ void tell_plan(const RunCase &run, const CasePlan &plan, const MadeFrom &made) {
     if (last >> seconds >> work && work > 0)
         std::printf("           about %.0f s, by the last run of this case\n",
                     seconds * work_of(plan) / work);
+    std::fflush(stdout);
+}
+
+// Before the first run of a case a trial tells the time; a run itself tells it soon enough.
+void tell_time_of_trial(const RunCase &run, const CasePlan &plan, const MadeFrom &made) {
+    if (!made.note("last solution").empty())
+        return;
+    const double seconds = seconds_by_trial(run, plan);
+    if (seconds >= 0)
+        std::printf("           about %.2g s, by a trial of this machine\n", seconds);
     else
         std::printf("           time: not known before the first run of this case\n");
     std::fflush(stdout);
-}
-
-// Lines of the list of periods in the solver's report.
-int periods_done(const std::string &list) {
-    std::istringstream in(list);
-    int done = 0;
-    bool behind_head = false;
-    for (std::string line; std::getline(in, line);) {
-        int index = 0, thread = 0;
-        behind_head = behind_head || line.find("Index Thread") != std::string::npos;
-        if (behind_head && std::sscanf(line.c_str(), "%d %d", &index, &thread) == 2)
-            ++done;
-    }
-    return done;
-}
-
-// Plain lines on standard output, a tenth of the periods each; the solver itself tells a terminal.
-class Watch {
-  public:
-    Watch(std::string list, int count) : list_(std::move(list)), count_(count) {}
-    void operator()() {
-        const int done = periods_done(text_of(list_));
-        if (10 * done / count_ <= told_)
-            return;
-        told_ = 10 * done / count_;
-        std::printf("solve      %d of %d periods, %.0f s left\n", done, count_,
-                    since(start_) / done * (count_ - done));
-        std::fflush(stdout);
-    }
-
-  private:
-    std::string list_;
-    int count_, told_ = 0;
-    Clock::time_point start_ = Clock::now();
-};
-
-// The end of the report, where the fault stands.
-std::string end_of(const std::string &list) {
-    std::istringstream in(list);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);)
-        if (line.find_first_not_of(' ') != std::string::npos)
-            lines.push_back(line);
-    std::string text;
-    for (std::size_t k = lines.size() > 6 ? lines.size() - 6 : 0; k < lines.size(); ++k)
-        text += "\n " + lines[k];
-    return text;
-}
-
-bool solve(const RunCase &run, const CasePlan &plan, const std::string &lines, MadeFrom &made,
-           std::string &error) {
-    const std::string folder = run.run_folder(), list = folder + "/vorda.lis";
-    if (made.holds("case.p2f", lines)) {
-        std::printf("solve      unchanged, case.p2f stays\n");
-        return true;
-    }
-    std::error_code ignored;
-    fs::remove(folder + "/case.p2f", ignored);
-    fs::remove(list, ignored);
-    if (!made.forget("case.p2f", error))
-        return false;
-    std::printf("solve      vorda in %s\n", folder.c_str());
-    std::fflush(stdout);
-    const Clock::time_point start = Clock::now();
-    Watch watch(list, plan.periods);
-    Ended ended;
-    const bool terminal = on_terminal();
-    if (!run_program({{"vorda"}, folder, terminal}, terminal ? std::function<void()>() : std::ref(watch),
-                     ended, error))
-        return false;
-    if (ended.code != 0 || !fs::exists(folder + "/case.p2f")) {
-        error = "the solver ended without results (code " + std::to_string(ended.code) + "); " + list +
-                " tells:" + end_of(text_of(list));
-        return false;
-    }
-    char note[64];
-    std::snprintf(note, sizeof note, "%.3f %.6g\n", since(start), work_of(plan));
-    std::printf("solve      done in %.1f s\n", since(start));
-    std::fflush(stdout);
-    return made.set_note("last solution", note, error) && made.set("case.p2f", lines, error);
-}
-
-bool write_decks(const RunCase &run, const std::vector<DeckFile> &decks, std::string &error) {
-    for (const DeckFile &deck : decks)
-        if (!write_text(run.run_folder() + "/" + deck.name, deck.text, error))
-            return false;
-    return true;
 }
 
 bool judge(const RunCase &run, const RunRequest &request, const CasePlan &plan, CaseFindings &findings,
@@ -180,19 +92,23 @@ bool all_steps(const RunRequest &request, std::string &error) {
     if (!make_meshes(run, made, outlines, error) || !check_places(run, outlines, error) ||
         !make_plan(run, outlines, findings.plan, error))
         return false;
-    const std::vector<DeckFile> decks = decks_of(run, findings.plan);
+    const Solution solution{"", &findings.plan, request.version};
     tell_plan(run, findings.plan, made);
-    if (!write_decks(run, decks, error) || !judge(run, request, findings.plan, findings, error))
+    if (!write_decks(run, solution, error) || !judge(run, request, findings.plan, findings, error))
         return false;
-    if (request.dry)
+    Refinement refinement;
+    if (request.refine && !prepare_refinement(run, made, refinement, error))
+        return false;
+    if (request.dry) {
+        tell_time_of_trial(run, findings.plan, made);
         return true;
-    std::string lines = request.version + "\n";
-    for (const DeckFile &deck : decks)
-        lines += hash_line(run.run_folder() + "/" + deck.name);
-    for (std::size_t b = 0; b < run.bodies.size(); ++b)
-        lines += hash_line(run.run_folder() + "/" + mesh_name(b));
-    if (!solve(run, findings.plan, lines, made, error))
+    }
+    if (!solve(run, solution, made, error))
         return false;
+    const Solution fine{FINE, &refinement.plan, request.version};
+    if (request.refine && !(write_decks(run, fine, error) && solve(run, fine, made, error)))
+        return false;
+    findings.refined = request.refine;
     findings.solver_list = text_of(run.run_folder() + "/vorda.lis");
     return make_outputs(run, request.version, findings, made, error);
 }

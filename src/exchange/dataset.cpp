@@ -34,7 +34,7 @@ bool form_matrices(DataSet &data, MotionSystem &system, std::string &error) {
     std::string why;
     if (p2f.IRAD < 0 || !form_system(p2f, of.file, of.bodies, data.R, of.scales, system, why)) {
         if (!why.empty())
-            data.notes.push_back("Without masses and springs of the case: " + why + ".");
+            data.notes.push_back("No motions: " + why + (why.back() == '?' ? "" : "."));
         return true;
     }
     for (int j = 1; j <= p2f.NMODES; ++j)

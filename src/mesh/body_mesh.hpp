@@ -39,6 +39,9 @@ struct PanelShape {
 };
 PanelShape shape_of(const BodyPanel &panel);
 
+// Height that counts as z = 0, over the size of the body.
+constexpr double IN_SURFACE = 1.0e-5;
+
 // What the mesh of a body measures, images included.
 struct MeshMeasures {
     int given = 0, with_images = 0, interior = 0, made = 0, plates = 0, waterline = 0; // panels

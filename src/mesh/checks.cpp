@@ -16,7 +16,6 @@ constexpr double PER_WAVE = 1.0 / 6;    // longest side, in wave lengths
 constexpr double SLENDER = 20;          // aspect
 constexpr double WARPED = 0.05;         // warp
 constexpr double NEAR_SURFACE = 0.05;   // depth of a top row that was to reach the surface, in mean sides
-constexpr double IN_SURFACE = 1.0e-5;   // height that counts as z = 0, over the size
 constexpr double BESIDE = 0.25;         // distance of the ends of two sides that were to be one, in sides
 constexpr double ON_SIDE = 1.0e-3;      // distance of a point from a side that it lies on, in sides
 constexpr std::size_t MOST_OPEN = 2000; // open sides of which the causes are looked for

@@ -49,6 +49,22 @@ void add_panel(const BodyPanel &panel, MeshMeasures &m, int &sides, double &tota
     }
 }
 
+// Panels of the hull with a side in z = 0.
+int waterline_panels(const BodyMesh &mesh, const MeshMeasures &m) {
+    const double size = std::max({m.high[0] - m.low[0], m.high[1] - m.low[1], m.high[2] - m.low[2]});
+    int count = 0;
+    for (const BodyPanel &panel : mesh.panels) {
+        bool found = false;
+        for (std::size_t v = 0; v < 4; ++v) {
+            const BodyPoint &a = panel.at[v], &b = panel.at[(v + 1) % 4];
+            found = found ||
+                    (a != b && std::fabs(a[2]) <= IN_SURFACE * size && std::fabs(b[2]) <= IN_SURFACE * size);
+        }
+        count += found && panel.kind == PanelKind::hull ? 1 : 0;
+    }
+    return count;
+}
+
 } // namespace
 
 PanelShape shape_of(const BodyPanel &panel) {
@@ -110,6 +126,7 @@ MeshMeasures measure(const BodyMesh &mesh) {
         m.high[c] = std::max(std::fabs(m.high[c]), std::fabs(m.low[c]));
         m.low[c] = -m.high[c];
     }
+    m.waterline = waterline_panels(mesh, m);
     for (std::size_t c = 0; c < 3; ++c)
         m.volume[c] = images * sums.volume[c];
     m.mean_volume = median(m.volume[0], m.volume[1], m.volume[2]);

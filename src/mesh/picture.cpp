@@ -13,7 +13,6 @@ namespace {
 // Sizes of the page, in its units (points of a screen).
 constexpr double PAGE = 1000, RIM = 30, GAP = 44, HIGHEST = 520, PERSPECTIVE_HEIGHT = 520, LINE = 17;
 constexpr double CELLS = 1.0;          // cells of the order of painting, over the units of the page
-constexpr double IN_SURFACE = 1.0e-5;  // height that counts as z = 0, over the size
 constexpr double LEAST = 1.0e-3;       // extent of a view that is drawn to scale, over the size
 constexpr std::size_t LINES_TOLD = 12; // findings below the picture
 

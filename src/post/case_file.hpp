@@ -13,9 +13,9 @@
 // One row of the table of keys, from which the reader takes what it accepts; docs/case.md shows it.
 struct CaseKey {
     // What a value has to be. modes: words that name modes; fractions: a table of mode = number; pairs: an
-    // array of arrays of two numbers; triples: likewise of three; flag: true or false; choice: one of
-    // `choices`; series: an array of numbers or {from, to, count}; sizes: a table of names with numbers,
-    // words or true.
+    // array of arrays of two numbers; triples: likewise of three; terms: likewise of a factor and three
+    // powers; flag: true or false; choice: one of `choices`; series: an array of numbers or {from, to,
+    // count}; sizes: a table of names with numbers, words or true.
     enum class Kind {
         number,
         positive,
@@ -29,6 +29,7 @@ struct CaseKey {
         fractions,
         pairs,
         triples,
+        terms,
         flag,
         choice,
         series,
@@ -53,6 +54,10 @@ std::string wanted(const CaseKey &key);
 // The first as rows of a Markdown table, a line each; and both, with what values have to be.
 std::string case_key_rows();
 std::string run_key_rows();
+// The rows of any keys, with what values have to be.
+std::string key_rows(const std::vector<CaseKey> &keys);
+// The line over them.
+extern const char *const KEY_HEAD;
 
 // Stiffness and damping between two bodies, or a body and the ground, at a place in global axes: forces along
 // x, y, z and moments about them per relative motion there.

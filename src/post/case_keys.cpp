@@ -138,10 +138,15 @@ std::string case_key_rows() {
     return rows;
 }
 
-std::string run_key_rows() {
+const char *const KEY_HEAD = "| Key | Value | Unit | Default | Meaning |\n|---|---|---|---|---|\n";
+
+std::string key_rows(const std::vector<CaseKey> &keys) {
     std::string rows;
-    for (const auto *keys : {&run_keys(), &case_keys()})
-        for (const CaseKey &key : *keys)
-            rows += row_of(key, wanted(key) + " | ");
+    for (const CaseKey &key : keys)
+        rows += row_of(key, wanted(key) + " | ");
     return rows;
+}
+
+std::string run_key_rows() {
+    return key_rows(run_keys()) + key_rows(case_keys());
 }

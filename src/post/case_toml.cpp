@@ -21,6 +21,14 @@ bool are_numbers(const toml::node &node, std::size_t n) {
     return list != nullptr && list->size() == n && std::all_of(list->begin(), list->end(), is_number);
 }
 
+// The last three of the four numbers of a term are small whole numbers.
+bool are_powers(const toml::array &term) {
+    for (std::size_t k = 1; k < 4; ++k)
+        if (!term.get(k)->is_integer() || number(*term.get(k)) < 0 || number(*term.get(k)) > 20)
+            return false;
+    return true;
+}
+
 // {from, to} with a count, a whole number of two at least, and even steps or equal ratios.
 bool is_range(const toml::table &table) {
     for (const auto &[key, node] : table) {
@@ -80,6 +88,9 @@ bool fits(const toml::node &node, const CaseKey &key) {
         return all([](const toml::node &pair) { return are_numbers(pair, 2); });
     case Kind::triples:
         return all([](const toml::node &triple) { return are_numbers(triple, 3); });
+    case Kind::terms:
+        return all(
+            [](const toml::node &term) { return are_numbers(term, 4) && are_powers(*term.as_array()); });
     case Kind::flag:
         return node.is_boolean();
     case Kind::choice:
@@ -122,7 +133,8 @@ std::vector<CaseKey> all_keys() {
 // Holds the tables of a file to the keys; the first fault ends it.
 class Check {
   public:
-    explicit Check(const std::string &name) : name_(name), keys_(all_keys()) {}
+    Check(const std::string &name, const std::vector<CaseKey> &keys, const char *listed)
+        : name_(name), keys_(keys), listed_(listed) {}
     std::string fault;
 
     bool file(const toml::table &top) {
@@ -169,7 +181,7 @@ class Check {
         for (const CaseKey &key : keys_)
             if (word == key.key)
                 return "; it belongs to " + (*key.table == '\0' ? "the top of the file" : named(key.table));
-        return "; see vorda-run --keys";
+        return std::string("; see ") + listed_;
     }
     static std::string named(const std::string &kind) {
         return stands_once(kind) ? "[" + kind + "]" : "[[" + kind + "]]";
@@ -196,7 +208,8 @@ class Check {
     }
 
     const std::string &name_;
-    const std::vector<CaseKey> keys_;
+    const std::vector<CaseKey> &keys_;
+    const char *listed_;
 };
 
 } // namespace
@@ -227,6 +240,8 @@ std::string wanted(const CaseKey &key) {
         return "pairs of numbers in brackets";
     case Kind::triples:
         return "triples of numbers in brackets";
+    case Kind::terms:
+        return "terms of a factor and the powers of x, y, z, as [[0.5, 2, 0, 0], [-1, 0, 0, 1]]";
     case Kind::flag:
         return "true or false";
     case Kind::choice:
@@ -245,6 +260,11 @@ std::string at_line(const std::string &name, const toml::source_region &where, c
 }
 
 bool parse_case(const std::string &name, toml::table &top, std::string &error) {
+    return parse_keyed(name, all_keys(), "vorda-run --keys", top, error);
+}
+
+bool parse_keyed(const std::string &name, const std::vector<CaseKey> &keys, const char *listed,
+                 toml::table &top, std::string &error) {
     toml::parse_result parsed = toml::parse_file(name);
     if (!parsed) {
         const toml::parse_error &fault = parsed.error();
@@ -253,7 +273,7 @@ bool parse_case(const std::string &name, toml::table &top, std::string &error) {
         return false;
     }
     top = std::move(parsed).table();
-    Check check(name);
+    Check check(name, keys, listed);
     if (check.file(top))
         return true;
     error = check.fault;

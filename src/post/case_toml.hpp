@@ -10,6 +10,10 @@
 // fault of TOML, an unknown key, a value that is not what its key wants.
 [[nodiscard]] bool parse_case(const std::string &name, toml::table &top, std::string &error);
 
+// The same for a file of other keys; `listed` tells of unknown ones where all keys are listed.
+[[nodiscard]] bool parse_keyed(const std::string &name, const std::vector<CaseKey> &keys, const char *listed,
+                               toml::table &top, std::string &error);
+
 // "file, line n: why".
 std::string at_line(const std::string &name, const toml::source_region &where, const std::string &why);
 

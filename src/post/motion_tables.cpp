@@ -151,8 +151,67 @@ Table natural_table(const P2fFile &p2f, const std::vector<NaturalMode> &modes) {
     return table;
 }
 
+namespace {
+
+// Responses of a sea in the order of the table; `angle`: those of rotations.
+struct SeaRow {
+    std::string name, unit;
+    SeaStatistics of;
+    bool angle;
+};
+
+std::vector<SeaRow> sea_rows(const P2fFile &p2f, const Scales &scales, const CaseFile &file,
+                             const CaseSpectrum &sea, const MovingPoints &moving) {
+    const WaveSpectrum spectrum(sea);
+    const std::vector<double> shares = heading_shares(p2f, sea);
+    std::vector<SeaRow> rows;
+    const auto add = [&](const std::string &name, const std::string &unit, double m0, double m2, bool angle) {
+        rows.push_back({name, unit, sea_statistics(m0, m2, sea.hours), angle});
+    };
+    const std::string L = scales.names.length;
+    const auto all = response_moments(p2f, spectrum, shares, [](int, int) { return 1.0; });
+    add("wave elevation", L, all[0], all[1], false);
+    for (const int m : solved_modes(p2f)) {
+        const auto moments = response_moments(p2f, spectrum, shares, [&](int b, int t) {
+            return std::norm(shown(p2f, m) * moving.xi(m, b, t));
+        });
+        add(full_mode_name(p2f, m), motion_unit(p2f, scales, m), moments[0], moments[1], is_rotation(p2f, m));
+    }
+    for (std::size_t point = 0; point < file.points.size(); ++point)
+        for (std::size_t direction = 0; direction < std::size(DIRECTIONS); ++direction) {
+            const auto moments = response_moments(p2f, spectrum, shares, [&](int b, int t) {
+                return std::norm(of_point(p2f, file, point, moving, b, t)[direction]);
+            });
+            const std::string name = "point " + file.points[point].name + "; " + DIRECTIONS[direction];
+            add(name, L, moments[0], moments[1], false);
+            add(name + "; velocity", L + "/s", moments[1], moments[2], false);
+            add(name + "; acceleration", L + "/s^2", moments[2], moments[3], false);
+        }
+    // What is round-off of the largest of its kind is nothing.
+    double largest[2] = {};
+    for (const SeaRow &row : rows)
+        largest[row.angle ? 1 : 0] = std::max(largest[row.angle ? 1 : 0], row.of.significant);
+    for (SeaRow &row : rows)
+        if (row.of.significant < ROUND_OFF * largest[row.angle ? 1 : 0])
+            row.of = {};
+    return rows;
+}
+
+// Tells when the run holds too little of a sea.
+void warn_of_share(double share, const char *what, std::size_t sea, Table &table) {
+    constexpr double COVERED = 0.99;
+    char text[160];
+    std::snprintf(
+        text, sizeof text,
+        "WARNING: the %s of the run hold %.1f %% of the energy of sea %zu; the rest does not count.", what,
+        100 * share, sea);
+    if (share < COVERED)
+        table.notes.emplace_back(text);
+}
+
+} // namespace
+
 Table sea_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, const MovingPoints &moving) {
-    const Array<c64, 3> &xi = moving.xi;
     Table table;
     table.name = "seas";
     table.title = "Responses in irregular seas: single amplitudes";
@@ -163,55 +222,16 @@ Table sea_table(const P2fFile &p2f, const Scales &scales, const CaseFile &file, 
                      {"significant", "", Look::scientific},
                      {"zero crossing", "s", Look::fixed, 3},
                      {"most probable largest", "", Look::scientific}};
-    const std::string L = scales.names.length;
     for (std::size_t k = 0; k < file.spectra.size(); ++k) {
         const CaseSpectrum &sea = file.spectra[k];
-        const WaveSpectrum spectrum(sea);
-        const std::vector<double> shares = heading_shares(p2f, sea);
-        double largest[2] = {}; // significant values of lengths and angles
-        const auto add = [&](const std::string &name, const std::string &unit, double m0, double m2,
-                             bool angle) {
-            SeaStatistics s = sea_statistics(m0, m2, sea.hours);
-            largest[angle ? 1 : 0] = std::max(largest[angle ? 1 : 0], s.significant);
-            if (s.significant < ROUND_OFF * largest[angle ? 1 : 0])
-                s = {};
-            table.rows.push_back(
-                {static_cast<double>(k + 1), name, unit, s.significant, s.zero_crossing, s.largest});
-        };
-        const auto all = response_moments(p2f, spectrum, shares, [](int, int) { return 1.0; });
-        add("wave elevation", L, all[0], all[1], false);
-        for (const int m : solved_modes(p2f)) {
-            const auto moments = response_moments(
-                p2f, spectrum, shares, [&](int b, int t) { return std::norm(shown(p2f, m) * xi(m, b, t)); });
-            add(full_mode_name(p2f, m), motion_unit(p2f, scales, m), moments[0], moments[1],
-                is_rotation(p2f, m));
-        }
-        for (std::size_t point = 0; point < file.points.size(); ++point)
-            for (std::size_t direction = 0; direction < std::size(DIRECTIONS); ++direction) {
-                const auto moments = response_moments(p2f, spectrum, shares, [&](int b, int t) {
-                    return std::norm(of_point(p2f, file, point, moving, b, t)[direction]);
-                });
-                const std::string name = "point " + file.points[point].name + "; " + DIRECTIONS[direction];
-                add(name, L, moments[0], moments[1], false);
-                add(name + "; velocity", L + "/s", moments[1], moments[2], false);
-                add(name + "; acceleration", L + "/s^2", moments[2], moments[3], false);
-            }
-        constexpr double COVERED = 0.99;
-        const double frequencies = frequencies_covered(p2f, spectrum);
+        for (const SeaRow &row : sea_rows(p2f, scales, file, sea, moving))
+            table.rows.push_back({static_cast<double>(k + 1), row.name, row.unit, row.of.significant,
+                                  row.of.zero_crossing, row.of.largest});
         double headings = 0;
-        for (const double share : shares)
+        for (const double share : heading_shares(p2f, sea))
             headings += share;
-        const auto warn = [&](double share, const char *what) {
-            char text[160];
-            std::snprintf(
-                text, sizeof text,
-                "WARNING: the %s of the run hold %.1f %% of the energy of sea %d; the rest does not count.",
-                what, 100 * share, static_cast<int>(k + 1));
-            if (share < COVERED)
-                table.notes.emplace_back(text);
-        };
-        warn(frequencies, "frequencies");
-        warn(headings, "headings");
+        warn_of_share(frequencies_covered(p2f, WaveSpectrum(sea)), "frequencies", k + 1, table);
+        warn_of_share(headings, "headings", k + 1, table);
     }
     add_wall_note(table, p2f, "the response is");
     return table;

@@ -160,8 +160,10 @@ bool form_system(const P2fFile &p2f, const CaseFile &file, const std::vector<Bod
     for (const CaseBody &body : file.bodies)
         for (const auto &[mode, fraction] : body.critical)
             if (!add_critical(p2f, R, mode, fraction, system)) {
-                error =
-                    full_mode_name(p2f, mode) + " has no stiffness of its own, so it has no critical damping";
+                error = full_mode_name(p2f, mode) +
+                        (system.C(mode, mode) < 0
+                             ? " is unstable, its stiffness is negative: is the centre of gravity too high?"
+                             : " has no stiffness of its own, so it has no critical damping");
                 return false;
             }
     choose_free(p2f, file, system);

@@ -38,8 +38,19 @@ RunMemory memory_of(const RunState &run, int cores) {
 }
 
 void report_memory(const RunState &run, int threads) {
-    if (!run.memory.INCORE || run.periods.NPER < 1)
+    if (run.periods.NPER < 1)
         return;
+    if (!run.memory.INCORE) {
+        // The plan tells when memory is short; what the settings ask for it passes over.
+        const std::string by_settings = run.opt.IUSESCR == 1             ? "IUSESCR=1"
+                                        : run.mesh.NEQN > run.opt.MAXSCR ? "NEQN is above MAXSCR"
+                                        : run.opt.ISOLVN == 1            ? "ISOLVE=-1"
+                                                                         : "";
+        if (!by_settings.empty())
+            list_line("  Influence coefficient matrices go to scratch files, one period at a time: " +
+                      by_settings);
+        return;
+    }
     const int periods = std::min(threads, run.periods.NPER);
     const RunMemory memory = memory_of(run, std::max(1, omp_get_max_threads() / periods));
     const auto megabytes = [](std::int64_t bytes) { return std::to_string((bytes >> 20) + 1) + " MB"; };

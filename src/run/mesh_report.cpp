@@ -119,8 +119,7 @@ void report_mesh(const RunState &run) {
         const int last = first + run.bodies.NEQNB(b) - 1;
         const BodyMesh mesh = mesh_of(run, b, first, last);
         first = last + 1;
-        MeshMeasures measures = measure(mesh);
-        measures.waterline = run.bodies.NWLB(b);
+        const MeshMeasures measures = measure(mesh);
         const std::string name = "body " + std::to_string(b);
         for (const std::string &line :
              mesh_report(name, measures, mesh, static_cast<double>(run.bodies.ULEN(1))))

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr f32 NOTHING = 1.0e-12f; // largest squared scaled right-hand side that is taken for zero
-constexpr f32 TINY = 1.0e-37f;    // what has no reciprocal in single precision
+constexpr double TINY = 1.0e-300; // what has no reciprocal
 constexpr std::int64_t GROUP_LIMIT = 512ll
                                      << 20; // bytes of the vectors of all columns that are worked together
 
@@ -25,11 +25,13 @@ struct Iteration {
     Array<f32, 3> WS;    // the iterates; the first is zero and not stored (N,2,MAXIT)
     Array<f32, 2> Y;     // solution of the sweep (N,2)
     Array<f32, 1> SCALE; // what the residual is measured against (N)
-    Array<c32, 2> GRAM;  // products of the residuals (MAXIT,MAXIT)
-    Array<c32, 2> RMAT;  // residual matrix
-    Array<c32, 1> CW;    // its right-hand side, then the weights of the residuals (MAXIT)
-    double size = 1;     // largest modulus of the right-hand side, which is worked in units of it
-    f32 BMAX = 0;        // largest squared right-hand side
+    // Differences of products of residuals are small where a sweep makes the residual many times larger: in
+    // single precision nothing would be left of them.
+    Array<c64, 2> GRAM; // products of the residuals (MAXIT,MAXIT)
+    Array<c64, 2> RMAT; // residual matrix
+    Array<c64, 1> CW;   // its right-hand side, then the weights of the residuals (MAXIT)
+    double size = 1;    // largest modulus of the right-hand side, which is worked in units of it
+    f32 BMAX = 0;       // largest squared right-hand side
     bool active = true;
     IterativeColumn *column = nullptr;
 
@@ -52,7 +54,6 @@ void start(Iteration &it) {
     for (int i = 0; i < it.N; ++i)
         largest = std::max(largest, std::abs(std::complex<double>(it.column->B[i])));
     it.size = largest > 0 ? largest : 1;
-    f32 sum = 0;
     for (int i = 0; i < it.N; ++i) {
         const std::complex<double> b = std::complex<double>(it.column->B[i]) / it.size;
         const f32 size = static_cast<f32>(std::abs(b));
@@ -60,9 +61,8 @@ void start(Iteration &it) {
         x.im[i] = static_cast<f32>(b.imag());
         it.SCALE(i + 1) = std::max(size, 1.0f);
         it.BMAX = std::max(it.BMAX, size * size);
-        sum += size * size;
     }
-    it.GRAM(1, 1) = sum;
+    it.GRAM(1, 1) = squared_norm(it.N, x);
 }
 
 void finish(Iteration &it, int k, Outcome outcome, ConstSplit solution) {
@@ -90,7 +90,7 @@ bool find_weights(Iteration &it, int j) {
     const int k = j - 1;
     if (!std::isfinite(it.GRAM(j, j).real()))
         return false;
-    f32 largest = 0;
+    double largest = 0;
     for (int l = 1; l <= k; ++l) {
         for (int i = 1; i <= k; ++i) {
             it.RMAT(i, l) = it.GRAM(i, l) - it.GRAM(j, l) - it.GRAM(i, j) + it.GRAM(j, j);
@@ -100,24 +100,18 @@ bool find_weights(Iteration &it, int j) {
     }
     if (largest < TINY) {
         // The sweep left every residual as it was: no combination is better than the new iterate.
-        std::fill_n(it.CW.data(), k, c32(0));
+        std::fill_n(it.CW.data(), k, c64(0));
         return true;
-    }
-    const f32 factor = static_cast<f32>(1.0 / static_cast<double>(largest));
-    for (int l = 1; l <= k; ++l) {
-        for (int i = 1; i <= k; ++i)
-            it.RMAT(i, l) *= factor;
-        it.CW(l) *= factor;
     }
     int IPS[MAXIT];
     const int lead = MAXIT;
     const int one = 1;
     int info = 0;
-    cgetrf_(&k, &k, it.RMAT.data(), &lead, IPS, &info);
+    zgetrf_(&k, &k, it.RMAT.data(), &lead, IPS, &info);
     if (info != 0)
         return false;
-    cgetrs_("N", &k, &one, it.RMAT.data(), &lead, IPS, it.CW.data(), &lead, &info, 1);
-    return std::all_of(it.CW.data(), it.CW.data() + k, [](c32 w) { return std::isfinite(std::abs(w)); });
+    zgetrs_("N", &k, &one, it.RMAT.data(), &lead, IPS, it.CW.data(), &lead, &info, 1);
+    return std::all_of(it.CW.data(), it.CW.data() + k, [](c64 w) { return std::isfinite(std::abs(w)); });
 }
 
 // Iteration k of one column after its sweep.
@@ -134,25 +128,25 @@ void advance(Iteration &it, int k, f32 EPS) {
         it.active = false;
         return;
     }
-    c32 c0 = 1;
+    c64 c0 = 1;
     for (int l = 1; l <= k; ++l)
         c0 -= it.CW(l);
     // The Gauss-Seidel step is added to the last iterate; the first iterate is zero.
     if (k > 1)
         add_vector(N, it.iterate(k), it.y());
-    scale_vector(N, c0, it.y(), it.iterate(j));
-    scale_vector(N, c0, it.residual(j), it.residual(j));
+    scale_vector(N, c32(c0), it.y(), it.iterate(j));
+    scale_vector(N, c32(c0), it.residual(j), it.residual(j));
     for (int l = 1; l <= k; ++l) {
         if (l > 1)
-            add_scaled(N, it.CW(l), it.iterate(l), it.iterate(j));
-        add_scaled(N, it.CW(l), it.residual(l), it.residual(j));
+            add_scaled(N, c32(it.CW(l)), it.iterate(l), it.iterate(j));
+        add_scaled(N, c32(it.CW(l)), it.residual(l), it.residual(j));
     }
     if (largest_ratio(N, it.residual(j), it.SCALE.data()) < EPS)
         return finish(it, k, Outcome::converged, it.iterate(j));
     if (j == MAXIT)
         return finish(it, k, Outcome::not_converged, it.iterate(j));
     // The smallest residual has the same product with every residual it was combined from: no new products.
-    c32 v = c0 * it.GRAM(j, j);
+    c64 v = c0 * it.GRAM(j, j);
     for (int l = 1; l <= k; ++l)
         v += it.GRAM(j, l) * it.CW(l);
     for (int l = 1; l <= k; ++l) {

@@ -69,33 +69,25 @@ VORDA_SIMD void add_four_products(int n, const c32 *const (&row)[4], ConstSplit 
         sum[k] += total[k];
 }
 
-VORDA_SIMD c32 hermitian_product(int n, ConstSplit a, ConstSplit b) {
-    f32 sum_re = 0, sum_im = 0;
-    for (int first = 0; first < n; first += RUN) {
-        const int count = n - first < RUN ? n - first : RUN;
-        const f32 *ar = a.re + first, *ai = a.im + first, *br = b.re + first, *bi = b.im + first;
-        f32 re = 0, im = 0;
+VORDA_SIMD c64 hermitian_product(int n, ConstSplit a, ConstSplit b) {
+    const f32 *ar = a.re, *ai = a.im, *br = b.re, *bi = b.im;
+    double re = 0, im = 0;
 #pragma omp simd reduction(+ : re, im)
-        for (int i = 0; i < count; ++i) {
-            re += ar[i] * br[i] + ai[i] * bi[i];
-            im += ar[i] * bi[i] - ai[i] * br[i];
-        }
-        sum_re += re;
-        sum_im += im;
+    for (int i = 0; i < n; ++i) {
+        const double x = ar[i], y = ai[i], u = br[i], v = bi[i];
+        re += x * u + y * v;
+        im += x * v - y * u;
     }
-    return {sum_re, sum_im};
+    return {re, im};
 }
 
-VORDA_SIMD f32 squared_norm(int n, ConstSplit a) {
-    f32 sum = 0;
-    for (int first = 0; first < n; first += RUN) {
-        const int count = n - first < RUN ? n - first : RUN;
-        const f32 *ar = a.re + first, *ai = a.im + first;
-        f32 part = 0;
-#pragma omp simd reduction(+ : part)
-        for (int i = 0; i < count; ++i)
-            part += ar[i] * ar[i] + ai[i] * ai[i];
-        sum += part;
+VORDA_SIMD double squared_norm(int n, ConstSplit a) {
+    const f32 *ar = a.re, *ai = a.im;
+    double sum = 0;
+#pragma omp simd reduction(+ : sum)
+    for (int i = 0; i < n; ++i) {
+        const double x = ar[i], y = ai[i];
+        sum += x * x + y * y;
     }
     return sum;
 }

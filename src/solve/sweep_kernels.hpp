@@ -5,6 +5,8 @@
 
 #include "base/split.hpp"
 
+using c64 = std::complex<double>;
+
 // v[i] -= y column[i]; y is a real part and an imaginary part.
 void subtract_column(int n, const c32 *column, const f32 (&y)[2], Split v);
 // v[i] -= sum of y_c column_c[i] over four columns; y holds the real parts, then the imaginary ones.
@@ -12,10 +14,10 @@ void subtract_four_columns(int n, const c32 *const (&column)[4], const f32 (&y)[
 // sum_c += sum over i of row_c[i] y[i] for four rows; sum holds the real parts, then the imaginary ones.
 void add_four_products(int n, const c32 *const (&row)[4], ConstSplit y, f32 (&sum)[8]);
 
-// Sum of conj(a[i]) b[i].
-c32 hermitian_product(int n, ConstSplit a, ConstSplit b);
-// Sum of abs(a[i])^2.
-f32 squared_norm(int n, ConstSplit a);
+// Sum of conj(a[i]) b[i], in double.
+c64 hermitian_product(int n, ConstSplit a, ConstSplit b);
+// Sum of abs(a[i])^2, in double.
+double squared_norm(int n, ConstSplit a);
 // out[i] = factor a[i].
 void scale_vector(int n, c32 factor, ConstSplit a, Split out);
 // out[i] += a[i].

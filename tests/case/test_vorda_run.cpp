@@ -1,4 +1,5 @@
 // Truth: the same run by a deck written by hand; what a user changes and what follows from it.
+#include "optional.hpp"
 #include "program.hpp"
 
 #include "post/case_file.hpp"
@@ -98,16 +99,18 @@ TEST(VordaRun, MakesAgainWhatChangedAlone) {
 }
 
 TEST(VordaRun, WritesWhatIsAskedForInAnyPlace) {
+    VORDA_NEEDS(WITH_NETCDF && WITH_HDF5);
     struct Row {
-        const char *body, *more; // in [[body]]; other tables
+        const char *body, *more, *planned, *volume; // in [[body]]; other tables; what the plan tells; [m^3]
     };
     // Beside a wall, cut by it, submerged at a place of its own and turned, and solved by iteration.
     const Row rows[] = {
-        {"maker = 'box'\npart = 'full'\nwall = 'x'\nplace = [1.5, 0, 0]\n", ""},
-        {"maker = 'box'\nwall = 'y'\n", ""},
-        {"maker = 'closed-box'\nsizes = {depth = 1}\nplace = [3, 1, -0.5]\nheading = 30\n", ""},
-        {"maker = 'cylinder'\nsizes = {lid = true}\n",
-         "[treatment]\nsolver = 'iterative'\nsources = 'off'\n"},
+        {"maker = 'box'\npart = 'full'\nwall = 'x'\nplace = [1.5, 0, 0]\n", "", "about 1088 unknowns", "1"},
+        {"maker = 'box'\nwall = 'y'\n", "", "frequencies: left", "0.5"},
+        {"maker = 'closed-box'\nsizes = {depth = 1}\nplace = [3, 1, -0.5]\nheading = 30\n", "",
+         "frequencies: left", "1"},
+        {"maker = 'cylinder'\nsizes = {lid = true}\n", "[treatment]\nsolver = 'iterative'\nsources = 'off'\n",
+         "panels of the mesh", "3.1"},
     };
     const TemporaryFolder folder;
     for (const Row &row : rows) {
@@ -118,8 +121,13 @@ TEST(VordaRun, WritesWhatIsAskedForInAnyPlace) {
                          "points = [[8, 3, 0], [8, 3, -2]]\n");
         const Answer answer = command(folder, "vorda-run case.toml");
         ASSERT_EQ(answer.code, 0) << row.body << answer.text;
+        EXPECT_TRUE(tells(answer, row.planned)) << row.body << answer.text;
         for (const char *name : {"results.nc", "results.h5", "hull.vtu", "tables/motions_raos.csv"})
             EXPECT_TRUE(folder.exists(std::string("case.run/") + name)) << row.body << name;
+        EXPECT_NE(folder.read("case.run/tables/hydrostatics_particulars.csv")
+                      .find(std::string("1,volume,m^3,") + row.volume),
+                  std::string::npos)
+            << row.body;
         const std::string field = folder.read("case.run/field.csv");
         EXPECT_EQ(std::count(field.begin(), field.end(), '\n'), 1 + 3 * 2 * 2) << row.body << field;
         EXPECT_FALSE(folder.exists("case.run/report.html"));
@@ -127,6 +135,7 @@ TEST(VordaRun, WritesWhatIsAskedForInAnyPlace) {
 }
 
 TEST(VordaRun, WritesACaseForAHullThatRuns) {
+    VORDA_NEEDS(WITH_ASSIMP);
     const TemporaryFolder folder;
     ASSERT_EQ(command(folder,
                       "vorda-mesh box --length 40 --beam 10 --draft 4 --nu 8 --nv 3 --nw 3 --part full -o "
@@ -137,7 +146,9 @@ TEST(VordaRun, WritesACaseForAHullThatRuns) {
     EXPECT_NE(folder.read("case.toml").find("40 m long, 10 m wide, 4 m deep"), std::string::npos);
     const Answer dry = command(folder, "vorda-run case.toml --dry");
     EXPECT_EQ(dry.code, 0) << dry.text;
-    EXPECT_TRUE(tells(dry, "panels made inside") && !folder.exists("case.run/case.p2f")) << dry.text;
+    EXPECT_TRUE(tells(dry, "panels made inside") && tells(dry, "s, by a trial of this machine") &&
+                !folder.exists("case.run/case.p2f"))
+        << dry.text;
     EXPECT_EQ(command(folder, "vorda-run --new nothing.stl").code, 1);
     EXPECT_EQ(command(folder, "vorda-run").code, 1);
 }

@@ -53,9 +53,10 @@ TEST(Settings, GiveThePotentialsOfTheDirectSolution) {
         const char *in_list; // what the report must hold
     } rows[] = {{"ISOLVE=1\nMAXSCR=1000\nIUSESCR=1\n", "-1      -1"},
                 {"ISOLVE=0\nMAXSCR=1000\n", "stored in physical memory"},
-                {"ISOLVE=0\nMAXSCR=28\n", "run completed"}, // half of the rows
+                {"ISOLVE=0\nMAXSCR=28\n",
+                 "scratch files, one period at a time: NEQN is above MAXSCR"}, // half of the rows
                 {"", "run completed"},
-                {"ISOLVE=3\nMAXSCR=100\nIUSESCR=1\n", "run completed"},
+                {"ISOLVE=3\nMAXSCR=100\nIUSESCR=1\n", "at a time: IUSESCR=1"},
                 {"ISOLVE=1\nMAXSCR=40\n", "Switched from direct solver to block-iterative solver"}};
     for (const char *part : {"quarter", "full"}) {
         const P2fFile direct = solve_with("ISOLVE=1\nMAXSCR=1000\n", part);

@@ -2,6 +2,7 @@
 // pressures; motions as the solution of the equations that the file holds.
 #include "../cases/case_folder.hpp"
 #include "exchange/export.hpp"
+#include "optional.hpp"
 
 namespace {
 
@@ -67,6 +68,7 @@ INSTANTIATE_TEST_SUITE_P(Runs, Exported, testing::ValuesIn(CASES),
                          [](const auto &row) { return std::string(row.param.name); });
 
 TEST_P(Exported, IsReadByTheProgramsItIsFor) {
+    VORDA_NEEDS(WITH_NETCDF && WITH_HDF5);
     const CaseFolder folder;
     const ExportCase row = GetParam();
     const std::string python = python_with(folder, "numpy, xarray, netCDF4, h5py, meshio");
@@ -166,6 +168,7 @@ TEST(ExportedFiles, FolderHasTheTablesOfTheCommands) {
 
 // What a run does not have is told and left out.
 TEST(ExportedFiles, LacksWhatTheRunLacks) {
+    VORDA_NEEDS(WITH_NETCDF && WITH_HDF5);
     for (const bool radiation : {true, false}) {
         const CaseFolder folder;
         Pot pot;
@@ -208,6 +211,7 @@ TEST(ExportedFiles, HaveFormatsThatAreDocumented) {
 }
 
 TEST(ExportedFiles, IsNotThereAfterAFault) {
+    VORDA_NEEDS(WITH_NETCDF && WITH_HDF5);
     const CaseFolder folder;
     solve_case(folder, CASES[0]);
     folder.write("short.p2f", folder.read("run.p2f").substr(0, 3000));
@@ -251,6 +255,7 @@ TEST(ExportedFiles, IsNotThereAfterAFault) {
 }
 
 TEST(ExportedFiles, LeavesNothingOnAFullDisk) {
+    VORDA_NEEDS(WITH_NETCDF && WITH_HDF5);
     SmallDisk folder("12k");
     if (!folder.mounted)
         GTEST_SKIP() << "a small file system cannot be mounted here";

@@ -57,6 +57,7 @@ TEST(Meshes, HaveTheMeasuresOfTheirBody) {
     for (std::size_t c = 0; c < 3; ++c)
         EXPECT_NEAR(m.volume[c], 8, 1e-12);
     EXPECT_NEAR(m.waterplane, 8, 1e-12);
+    EXPECT_EQ(m.waterline, 24);
     EXPECT_NEAR(m.buoyancy[2], -0.5, 1e-12);
     EXPECT_NEAR(m.aspect, 2, 1e-12); // 0.5 by 0.25
     mesh.panels = {{{BodyPoint{0, 0, -1}, {0, 2, -1}, {2, 0, -1}, {2, 0, -1}}}};

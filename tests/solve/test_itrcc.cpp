@@ -48,6 +48,35 @@ TEST(Itrcc, ColumnsBeyondTheMemoryLimitAreWorkedInGroups) {
     }
 }
 
+// A diagonal system whose sweep makes two parts of the residual many times larger, as panels on the free
+// surface in short waves do: the combination of the iterates takes them out.
+TEST(Itrcc, SweepsThatGrowAreCombinedToTheSolution) {
+    constexpr int N = 50;
+    std::vector<c32> a(N), b(N);
+    for (int i = 0; i < N; ++i) {
+        a[static_cast<std::size_t>(i)] = {1 + 0.4f * std::sin(static_cast<f32>(i)), 0.1f};
+        b[static_cast<std::size_t>(i)] = {std::cos(3 * static_cast<f32>(i)), 0.5f};
+    }
+    a[10] = -300;
+    a[20] = {0, 200};
+    const Sweep sweep = [&](const std::vector<SweepColumn> &work) {
+        for (int i = 0; i < N; ++i) {
+            const c32 y(work[0].r.re[i], work[0].r.im[i]), left = y - a[static_cast<std::size_t>(i)] * y;
+            work[0].y.re[i] = y.real();
+            work[0].y.im[i] = y.imag();
+            work[0].r.re[i] = left.real();
+            work[0].r.im[i] = left.imag();
+        }
+        return Status::ok;
+    };
+    std::vector<c32> x = b;
+    const IterativeColumn column = iterate(N, 1e-5f, sweep, x.data());
+    EXPECT_EQ(column.outcome, Outcome::converged);
+    EXPECT_LT(column.ITER, 15);
+    for (std::size_t i = 0; i < N; ++i)
+        EXPECT_LT(std::abs(x[i] - b[i] / a[i]), 3e-5f) << i;
+}
+
 // The raw residual of the first sweep is given in units of the largest right-hand side and at right angles to
 // it: the first combination is the Gauss-Seidel step but for the square of their ratio.
 struct Residual {

@@ -112,6 +112,37 @@ void put_in_place(GdfBody &body) {
     body.heading = 0;
 }
 
+void divide(GdfBody &body) {
+    const auto middle = [](const BodyPoint &a, const BodyPoint &b) {
+        return BodyPoint{(a[0] + b[0]) / 2, (a[1] + b[1]) / 2, (a[2] + b[2]) / 2};
+    };
+    std::vector<GdfPanel> parts;
+    for (const GdfPanel &panel : body.panels) {
+        std::array<BodyPoint, 4> p = panel.at;
+        std::size_t twice = 0; // a triangle has a vertex that the next one repeats
+        while (twice < 4 && p[twice] != p[(twice + 1) % 4])
+            ++twice;
+        if (twice < 4)
+            std::rotate(p.begin(), p.begin() + static_cast<std::ptrdiff_t>((twice + 1) % 4), p.end());
+        const std::size_t corners = twice < 4 ? 3 : 4;
+        std::array<BodyPoint, 4> side;
+        for (std::size_t k = 0; k < corners; ++k)
+            side[k] = middle(p[k], p[(k + 1) % corners]);
+        GdfPanel part = panel;
+        const BodyPoint centre = middle(side[0], side[2]);
+        for (std::size_t k = 0; k < corners; ++k) {
+            const BodyPoint &before = side[(k + corners - 1) % corners];
+            part.at = {p[k], side[k], corners == 3 ? before : centre, before};
+            parts.push_back(part);
+        }
+        if (corners == 3) {
+            part.at = {side[0], side[1], side[2], side[2]};
+            parts.push_back(part);
+        }
+    }
+    body.panels = std::move(parts);
+}
+
 MergedVertices joined(const GdfBody &body, double same) {
     MergedVertices mesh;
     for (const GdfPanel &panel : body.panels) {

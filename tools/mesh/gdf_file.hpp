@@ -40,6 +40,9 @@ void move_body(GdfBody &body, double degrees, const BodyPoint &shift);
 void put_in_place(GdfBody &body);
 // The other order of vertices; a triangle keeps its form.
 void reverse(GdfPanel &panel);
+// Divides each panel in four by the middles of its sides; a triangle in four triangles. The panels stay in
+// their faces: a curved surface is not followed any closer.
+void divide(GdfBody &body);
 // The panels as points and numbers, and back.
 MergedVertices mesh_of(const GdfBody &body);
 // The same with all panels by their numbers, also those that tidying leaves out; vertices nearer than `same`

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <memory>
 
@@ -17,7 +18,7 @@ namespace {
 // is the default of this shape.
 struct Option {
     const char *name, *text;
-    double value = std::nan("");
+    double value = std::numeric_limits<double>::quiet_NaN();
     Option is(double v) const { return {name, text, v}; }
 };
 enum class Kind { hull, half, plates }; // `half`: made for y >= 0, no symmetry about x = 0

@@ -15,7 +15,7 @@ struct TransformRequest {
     std::vector<std::string> join;
     double scale = 1, turn = 0;
     std::vector<double> shift = {0, 0, 0};
-    bool full = false, split = false, lids = false;
+    bool full = false, divide = false, split = false, lids = false;
 };
 
 int fail(const std::string &error) {
@@ -98,6 +98,8 @@ int run_transform(const TransformRequest &r) {
         for (const int axis : {0, 1})
             if (r.full && is_mirrored(body, axis))
                 add_images(body, axis);
+        if (r.divide)
+            divide(body);
     }
     if (!r.split)
         return write_one(r.output, bodies.size() == 1 ? bodies.front() : joined(bodies));
@@ -115,9 +117,9 @@ int run_transform(const TransformRequest &r) {
 
 std::function<int()> add_transform(CLI::App &app) {
     const auto r = std::make_shared<TransformRequest>();
-    CLI::App *command = app.add_subcommand(
-        "transform",
-        "scales, turns, shifts, mirrors, joins and splits geometry files; bodies of a global file in place");
+    CLI::App *command =
+        app.add_subcommand("transform", "scales, turns, shifts, mirrors, divides, joins and splits geometry "
+                                        "files; bodies of a global file in place");
     command->add_option("FILE", r->file, "geometry file, or global geometry file")->required();
     command->add_option("-o,--output", r->output, "name of the GDF file")->required();
     command->add_option("--scale", r->scale, "factor of all lengths, of ULEN too, first of all")
@@ -127,6 +129,7 @@ std::function<int()> add_transform(CLI::App &app) {
     command->add_option("--mirror", r->mirror, "then: x turns the sign of x, y that of y")
         ->check(CLI::IsMember({"none", "x", "y"}));
     command->add_flag("--full", r->full, "writes the images of symmetry as panels");
+    command->add_flag("--divide", r->divide, "each panel in four, within its face");
     command->add_option("--join", r->join, "geometry files whose panels are added, treated alike");
     command->add_flag("--split", r->split,
                       "one file NAME_1.gdf ... for each body of a global file, or connected piece");

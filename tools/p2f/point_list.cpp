@@ -1,29 +1,11 @@
 #include "point_list.hpp"
 
-#include <charconv>
+#include "post/number_line.hpp"
+
 #include <cmath>
 #include <fstream>
 
 namespace {
-
-// The numbers of a line; false where something else stands.
-bool numbers_of(std::string line, std::vector<double> &values) {
-    line.resize(std::min(line.find('#'), line.size()));
-    const char *at = line.data(), *const end = at + line.size();
-    const auto skip = [&] {
-        while (at < end && (*at == ' ' || *at == '\t' || *at == ',' || *at == '\r' || *at == '+'))
-            ++at;
-    };
-    for (skip(); at < end; skip()) {
-        double value = 0;
-        const auto [next, fault] = std::from_chars(at, end, value);
-        if (fault != std::errc() || !std::isfinite(value))
-            return false;
-        values.push_back(value);
-        at = next;
-    }
-    return true;
-}
 
 constexpr double MOST = 1e7; // points of a request
 

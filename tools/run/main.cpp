@@ -26,6 +26,8 @@ int follow(int argc, char **argv) {
     bool keys = false;
     CLI::Option *file = app.add_option("CASE", request.file, "case file (.toml)");
     app.add_flag("--dry", request.dry, "meshes, decks and the plan alone");
+    app.add_flag("--refine", request.refine,
+                 "solves it once more with each panel in four; the report tells errors by both");
     app.add_flag("--force", request.force, "goes on with meshes that make numbers wrong");
     app.add_flag("--keys", keys, "lists the keys of case files with values, units and defaults")
         ->excludes(file);
@@ -35,7 +37,7 @@ int follow(int argc, char **argv) {
     CLI11_PARSE(app, argc, argv);
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow has its message, as a full disk has
     if (keys)
-        return print("| Key | Value | Unit | Default | Meaning |\n|---|---|---|---|---|\n" + run_key_rows());
+        return print(KEY_HEAD + run_key_rows());
     std::string text, error;
     if (!hull.empty()) {
         if (new_case(hull, text, error))
