@@ -151,14 +151,20 @@ VORDA_WIDE void propagating(const GSTATE &g, Lanes R, Lanes Y, const Height &z, 
         store_mode<SECOND>(w.Y0, w.Y1, v, all(g.RKSQ), re);
 }
 
+// R, 1/R and its root.
+struct Distances {
+    Lanes R, inverse, root;
+};
+
 // One mode that dies out, added to the lanes within its reach. The sums of the expansion, cos(mu D) +
 // cos(mu A) and the like, stand as products of the factors of either point.
 template <int TERMS, bool SECOND>
-VORDA_WIDE void add_evanescent(const GSTATE &g, int n, Mask m, Lanes R, Lanes rinv, Lanes r, const Height &z,
+VORDA_WIDE void add_evanescent(const GSTATE &g, int n, Mask m, const Distances &at, const Height &z,
                                const Height &zeta, Lanes (&re)[GREEN_VALUES]) {
     const f32 mu = g.EVK[n];
-    const Lanes e = all(2) * r * exponential(-_mm512_min_ps(all(mu) * R, all(MAX_DECAY)));
-    const Lanes T0 = e * first_terms<TERMS>(g.EVA[n], rinv), T1 = e * first_terms<TERMS>(g.EVB[n], rinv);
+    const Lanes e = all(2) * at.root * exponential(-_mm512_min_ps(all(mu) * at.R, all(MAX_DECAY)));
+    const Lanes T0 = e * first_terms<TERMS>(g.EVA[n], at.inverse),
+                T1 = e * first_terms<TERMS>(g.EVB[n], at.inverse);
     const Turns u = mode_turns(z, mu, n), v = mode_turns(zeta, mu, n);
     const Lanes mus = all(mu) * u.s, cc = u.c * v.c, sc = mus * v.c, cs = all(mu) * u.c * v.s;
     re[G_] = _mm512_mask3_fmadd_ps(T0, cc, re[G_], m);
@@ -176,14 +182,15 @@ VORDA_WIDE void add_evanescent(const GSTATE &g, int n, Mask m, Lanes R, Lanes ri
 template <bool SECOND>
 VORDA_WIDE void evanescent(const GSTATE &g, Lanes R, const Height &z, const Height &zeta,
                            Lanes (&re)[GREEN_VALUES]) {
-    const Lanes rinv = all(1) / R, r = root(rinv);
+    const Lanes inverse = all(1) / R;
+    const Distances at{R, inverse, root(inverse)};
     const auto within = [&](int n)
                             VORDA_WIDE_TARGET { return _mm512_cmp_ps_mask(R, all(g.reach[n]), _CMP_LT_OQ); };
     Mask m = within(0);
     if (m != 0)
-        add_evanescent<7, SECOND>(g, 0, m, R, rinv, r, z, zeta, re);
+        add_evanescent<7, SECOND>(g, 0, m, at, z, zeta, re);
     for (int n = 1; n < MODES && (m = within(n)) != 0; ++n)
-        add_evanescent<5, SECOND>(g, n, m, R, rinv, r, z, zeta, re);
+        add_evanescent<5, SECOND>(g, n, m, at, z, zeta, re);
 }
 
 } // namespace wide
