@@ -114,7 +114,8 @@ template <bool FAR> VORDA_WIDE Radial near_axis(const GSTATE &g, Lanes R) {
 
 template <bool FAR> VORDA_WIDE Radial far_from_axis(const GSTATE &g, Lanes R) {
     const Lanes rinv = all(1) / R, T = rinv * rinv, r = root(rinv);
-    const Turns phase = wave_phase(R, g.quarter_turns);
+    constexpr double PI_HALF = 1.57079632679489661923;
+    const Turns phase = wave_phase(WaveNumber(g.quarter_turns * PI_HALF), R);
     const Lanes cs = r * phase.c, sn = r * phase.s;
     const Lanes p0 = polynomial(g.QP0, T), q0 = rinv * polynomial(g.QQ0, T);
     const Lanes p1 = polynomial(g.QP1, T), q1 = rinv * polynomial(g.QQ1, T);
