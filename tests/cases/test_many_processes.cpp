@@ -6,13 +6,13 @@
 
 namespace {
 
-// How mpirun starts processes on a machine that is too small for them, with these variables; each leaves its
-// number in pid.RANK.
+// How mpirun starts processes on a machine that is too small for them.
 std::string mpirun(int processes) {
     return "OMPI_ALLOW_RUN_AS_ROOT=1 OMPI_ALLOW_RUN_AS_ROOT_CONFIRM=1 timeout 60 mpirun --oversubscribe "
            "--bind-to none -n " +
            std::to_string(processes);
 }
+// The same for a run with these variables; each process leaves its number in pid.RANK.
 std::string mpi(int processes, const std::string &variables = "") {
     return mpirun(processes) + " sh -c 'echo $$ >pid.$OMPI_COMM_WORLD_RANK; " + variables +
            " exec vorda-mpi'";
