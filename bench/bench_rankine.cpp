@@ -2,6 +2,7 @@
 #include "base/simd.hpp"
 #include "rankine/panint.hpp"
 #include "rankine/rankin.hpp"
+#include "state/memory_plan.hpp"
 #include "state/symmetry.hpp"
 
 #include <benchmark/benchmark.h>
@@ -159,11 +160,9 @@ void whole_RANKIN(benchmark::State &state) {
     if (failed(SYMSET(6, 0, 0, MODE.view(), 1, sym)))
         std::abort();
     RankineStore store;
-    const Range levels{0, ILOG};
-    if (!store.RKDM.alloc(N, N, 1, levels) || !store.ICODM.alloc(pair_place(N + 1)) ||
-        !store.RHSRAN.alloc(N, 6, levels) ||
-        (ISOR == 1 && (!store.RKNM.alloc(N, N, 1, levels) || !store.RKVM.alloc(N, N, 3, levels))))
+    if (!store.block.alloc(lay_out_store(opt, sym, N, nullptr, store)))
         std::abort();
+    (void)lay_out_store(opt, sym, N, store.block.data(), store);
     const Clock clock;
     for (auto _ : state)
         if (failed(RANKIN(opt, bodies, mesh, dipoles, sym, store)))

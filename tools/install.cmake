@@ -3,6 +3,9 @@
 include(GNUInstallDirs)
 set(CMAKE_INSTALL_DOCDIR ${CMAKE_INSTALL_DATADIR}/doc/vorda)
 set(VORDA_PROGRAMS vorda vorda-run vorda-mesh vorda-modes vorda-p2f)
+if(TARGET vorda-mpi)
+  list(APPEND VORDA_PROGRAMS vorda-mpi vorda-study)
+endif()
 # Debian chooses among several builds of OpenBLAS under one name: ours has to be that for OpenMP.
 get_filename_component(openblas_folder ${VORDA_OPENBLAS} DIRECTORY)
 if(openblas_folder MATCHES openblas-openmp)

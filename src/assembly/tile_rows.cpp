@@ -6,7 +6,7 @@ namespace {
 
 // A Rankine matrix of the store, with the third index of its class s.
 struct StoredPlane {
-    const Array<f32, 4> &matrix;
+    View<const f32, 4> matrix;
     int third;
 };
 StoredPlane stored_plane(const RankineStore &store, int plane, int s) {

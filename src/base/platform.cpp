@@ -3,6 +3,7 @@
 #include "base/address_space.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -119,7 +120,15 @@ struct RegisteredFile {
 RegisteredFile registered[32];
 std::mutex registering;
 
+struct LastWords {
+    volatile std::sig_atomic_t descriptor = -1;
+    char text[256] = {};
+};
+LastWords words;
+
 void remove_and_die(int signal_number) {
+    if (words.descriptor >= 0 && write(words.descriptor, words.text, std::strlen(words.text)) < 0)
+        words.descriptor = -1; // nobody left to tell
     remove_registered_files();
     raise(signal_number); // now with its default action
 }
@@ -159,6 +168,17 @@ bool remove_at_end(const std::string &name) {
     return true;
 }
 
+void last_words(int descriptor, const std::string &text) {
+    const std::lock_guard hold(registering);
+    words.descriptor = -1; // no text that is half another
+    if (descriptor < 0)
+        return;
+    watch_signals();
+    text.copy(words.text, sizeof words.text - 1);
+    words.text[std::min(text.size(), sizeof words.text - 1)] = '\0';
+    words.descriptor = descriptor;
+}
+
 void forget_at_end(const std::string &name) {
     const std::lock_guard hold(registering);
     for (RegisteredFile &entry : registered) {
@@ -168,11 +188,14 @@ void forget_at_end(const std::string &name) {
 }
 
 void remove_registered_files() noexcept {
-    for (RegisteredFile &entry : registered) {
-        if (entry.used != 0) {
-            entry.used = 0;
-            unlink(entry.name);
-        }
+    // From the last one on: a folder was registered before the files in it.
+    for (std::size_t k = std::size(registered); k-- > 0;) {
+        RegisteredFile &entry = registered[k];
+        if (entry.used == 0)
+            continue;
+        entry.used = 0;
+        if (unlink(entry.name) != 0 && (errno == EISDIR || errno == EPERM))
+            rmdir(entry.name);
     }
 }
 
@@ -196,6 +219,14 @@ DateTime DATTIM() {
                   local.tm_year + 1900);
     std::snprintf(time, sizeof time, "%02d:%02d:%02d", local.tm_hour, local.tm_min, local.tm_sec);
     return {date, time};
+}
+
+bool process_has_ended(int pid) {
+    // pid (name) state: the name may hold anything.
+    std::ifstream in("/proc/" + std::to_string(pid) + "/stat");
+    const std::string text(std::istreambuf_iterator<char>(in), {});
+    const std::size_t name_end = text.rfind(") ");
+    return name_end == std::string::npos ? kill(pid, 0) != 0 && errno == ESRCH : text[name_end + 2] == 'Z';
 }
 
 std::string user_name() {

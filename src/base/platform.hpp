@@ -18,11 +18,16 @@ struct MemorySizes {
 // count; the page cache that the kernel would give back first is not held against the group.
 void apply_control_groups(const std::string &groups, const std::string &root, MemorySizes &sizes);
 
-// Files that must not outlive the process, by name in the folder of the run: the table has 32 entries of up
-// to 511 characters. A signal that ends the process removes them; the stop routine does so itself.
+// Files that must not outlive the process, by name in the folder of the run, and empty folders by their whole
+// name, each before the files in it: the table has 32 entries of up to 511 characters. A signal that ends the
+// process removes them; the stop routine does so itself.
 [[nodiscard]] bool remove_at_end(const std::string &name);
 void forget_at_end(const std::string &name);
 void remove_registered_files() noexcept; // may be called from a signal handler
+
+// A text of up to 255 characters that such a signal leaves in a file that is open under this descriptor; -1:
+// none any more.
+void last_words(int descriptor, const std::string &text);
 
 // True when both names lead to one file on the disk, or are the same.
 bool same_file(const std::string &a, const std::string &b);
@@ -33,6 +38,9 @@ struct DateTime {
     std::string time;
 };
 DateTime DATTIM();
+
+// A process of this computer has ended; its parent may not know yet.
+bool process_has_ended(int pid);
 
 std::string user_name();
 std::string computer_name();

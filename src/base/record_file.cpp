@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <new>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -137,6 +138,24 @@ bool RecordFile::read(std::initializer_list<Target> parts) {
 bool RecordFile::rewind() {
     errno = 0;
     if (file_ == nullptr || std::fflush(file_) != 0 || std::fseek(file_, 0, SEEK_SET) != 0)
+        return complain();
+    writing_ = false;
+    return true;
+}
+
+std::int64_t RecordFile::place() {
+    return file_ == nullptr ? -1 : ftello(file_);
+}
+
+std::int64_t RecordFile::bytes_left() {
+    struct stat found;
+    const std::int64_t here = place();
+    return here < 0 || fstat(fileno(file_), &found) != 0 ? -1 : found.st_size - here;
+}
+
+bool RecordFile::go_to(std::int64_t place) {
+    errno = 0;
+    if (file_ == nullptr || place < 0 || std::fflush(file_) != 0 || fseeko(file_, place, SEEK_SET) != 0)
         return complain();
     writing_ = false;
     return true;

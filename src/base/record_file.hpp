@@ -52,6 +52,12 @@ class RecordFile {
     // Length of the next record without reading it; -1 at the end of the file or for a broken frame.
     [[nodiscard]] std::int64_t next_length();
     [[nodiscard]] bool rewind();
+    // Where the next record starts [bytes from the front], -1 when the system refuses; and back to such a
+    // place, to read from there or to write over what follows.
+    [[nodiscard]] std::int64_t place();
+    [[nodiscard]] bool go_to(std::int64_t place);
+    // Bytes from there to the end of the file; -1 when the system does not tell.
+    [[nodiscard]] std::int64_t bytes_left();
     // Writes out what is buffered; false when the disk has no room for it.
     [[nodiscard]] bool flush();
     // False when the last buffered bytes could not be written.

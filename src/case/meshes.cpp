@@ -46,6 +46,8 @@ std::vector<std::string> maker_command(const RunCase &run, const RunBody &body, 
         for (const auto &[option, value] : options)
             if (value > 0)
                 words.insert(words.end(), {option, plain(value)});
+        if (body.recombine)
+            words.push_back("--recombine");
     }
     if (body.part != "auto")
         words.insert(words.end(), {"--part", body.part});
@@ -114,8 +116,9 @@ bool make_mesh(const RunCase &run, std::size_t b, std::string &error) {
         return false;
     }
     if (body.maker.empty() && is_geometry_file(body)) {
-        if (body.part != "auto" || body.scale != 1 || body.draught > 0 || body.size > 0)
-            error = "part, scale, draught and size are for imports: change a geometry file by vorda-mesh "
+        if (body.part != "auto" || body.scale != 1 || body.draught > 0 || body.size > 0 || body.recombine)
+            error = "part, scale, draught, size and recombine are for imports: change a geometry file by "
+                    "vorda-mesh "
                     "transform";
         else if (!read_outline(from_here(run, body.mesh), body, outline, error))
             error += "; vorda-mesh check tells more";

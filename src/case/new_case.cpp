@@ -82,6 +82,7 @@ bool new_case(const std::string &mesh, std::string &text, std::string &error) {
         "[[body]]\n"
         "mesh = \"%s\"\n"
         "%s"
+        "# recombine = true     # joins the triangles of an import: half as many panels\n"
         "# mass = 1e6           # [kg]; without it that of the displaced water\n"
         "# centre = [0, 0, 1]   # of gravity [m]; without it in the free surface\n"
         "# radii = [4, 10, 10]  # of gyration [m]; without them 0.4 beam, 0.25 length, 0.25 length\n"

@@ -143,6 +143,7 @@ class Reader {
         body.scale = real(t, "scale", 1);
         body.draught = real(t, "draught", 0);
         body.size = real(t, "size", 0);
+        body.recombine = t["recombine"].value_or(false);
         body.heading = real(t, "heading", 0);
         three(t, "place", body.place);
         if (static_cast<int>(real(t, "number", place)) != place)
@@ -154,13 +155,14 @@ class Reader {
                                                : "[[body]] has mesh and maker: give one of them");
         const toml::node &source = *t.get(body.mesh.empty() ? "maker" : "mesh");
         body.mesh_line = static_cast<int>(source.source().begin.line);
-        for (const char *key : {"scale", "draught", "size"})
+        for (const char *key : {"scale", "draught", "size", "recombine"})
             if (!body.maker.empty() && t.get(key) != nullptr)
                 return refuse(*t.get(key),
                               std::string(key) + " in [[body]] is for an imported mesh: a maker takes sizes");
         if (body.maker.empty() && t.get("sizes") != nullptr)
-            return refuse(*t.get("sizes"),
-                          "sizes in [[body]] are for a maker: take scale, draught, size for a mesh");
+            return refuse(
+                *t.get("sizes"),
+                "sizes in [[body]] are for a maker: take scale, draught, size, recombine for a mesh");
         if (t.get("place") != nullptr)
             body.place_line = static_cast<int>(t.get("place")->source().begin.line);
         if (const std::string wall = t["wall"].value_or(std::string()); !wall.empty()) {

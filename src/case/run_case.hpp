@@ -10,6 +10,7 @@ struct RunBody {
     std::string mesh, maker;        // one of them
     std::vector<std::string> sizes; // of the maker, as options
     double scale = 1, draught = 0, size = 0;
+    bool recombine = false;
     std::string part = "auto";
     std::array<double, 3> place{};
     double heading = 0; // [deg]

@@ -27,7 +27,7 @@ constexpr Keyword KEYWORDS[] = {
     {"ILOG", 8, &Options::ILOG},      {"IDIAG", 9, &Options::IDIAG},   {"NEWMDS", 10, nullptr},
     {"ISCATT", 11, &Options::ISCATT}, {"IPERIO", 0, &Options::IPERIO}, {"I2ND", 13, &Options::I2ND},
     {"IWADD", 0, &Options::IWADD},    {"IFSLID", 0, &Options::IFSLID}, {"IUSESCR", 0, &Options::IUSESCR},
-    {"NTRD", 0, &Options::NTRD},
+    {"NTRD", 0, &Options::NTRD},      {"CHECKP", 0, &Options::CHECKP},
 };
 
 // The text before the first "=" without the blanks in front, the letters a to z in capitals; empty when the

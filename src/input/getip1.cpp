@@ -25,6 +25,8 @@ bool make_head_arrays(Files &files, Bodies &bodies, TypedInput &typed) {
 Status check_configuration(const Options &opt, const std::map<int, int> &NEWMDS) {
     if (opt.IWADD != 0 && opt.IWADD != 1)
         return MSGOUT("Illegal value of IWADD=", opt.IWADD);
+    if (opt.CHECKP != 0 && opt.CHECKP != 1)
+        return MSGOUT("Illegal value of CHECKP=", opt.CHECKP);
     if (opt.ISCATT != 0 && opt.ISCATT != 1)
         return MSGOUT("Illegal value of ISCATT=", opt.ISCATT);
     const auto of_body_1 = NEWMDS.find(1);

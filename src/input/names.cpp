@@ -116,12 +116,18 @@ Status RDNAMS(Files &files, const Options &opt) {
     files.FILNAM(2) = pot;
     SETEXT(files.FILNAM, 2, 3, 3);
     const std::string &p2f = files.FILNAM(3);
+    if (opt.CHECKP == 1)
+        files.checkpoint = p2f.substr(0, p2f.rfind('.')) + ".vck";
     std::vector<std::string> inputs = files_of(gdf, opt);
     inputs.insert(inputs.end(), {pot, files.config, files.names});
     for (const std::string &input : inputs) {
         if (same_file(p2f, input))
             return MSGOUT_with("The P2F file would replace an input file", 0,
                                p2f + " and " + input + ": give the GDF and the POT file another extension");
+        if (opt.CHECKP == 1 && same_file(files.checkpoint, input))
+            return MSGOUT_with("The checkpoint would replace an input file", 0,
+                               files.checkpoint + " and " + input +
+                                   ": give the input file another extension");
         if (same_file(files.list, input))
             return MSGOUT_with("The list file would replace an input file", 0,
                                input + ": give it another name");

@@ -83,6 +83,8 @@ const std::vector<CaseKey> &run_keys() {
         {"body", "draught", K::positive, "m", "as the file lies, z = 0 in the surface",
          "depth of the lowest point of an imported file"},
         {"body", "size", K::positive, "m", "a fortieth of its extent", "length of the panels of a CAD model"},
+        {"body", "recombine", K::flag, "", "false",
+         "joins triangles of an imported file to quadrilaterals: half as many panels"},
         {"body", "part", K::choice, "", "`\"auto\"`, as symmetry allows",
          "part of the body that is panelled, of an import or maker", "auto, full, half-x, half-y, quarter"},
         {"body", "place", K::three, "m", "0, 0, 0", "its origin in global axes, z = 0 in the free surface"},

@@ -149,7 +149,7 @@ class Sweep {
 } // namespace
 
 Status RANKIN(const Options &opt, const Bodies & /*bodies*/, const Mesh &mesh, const Dipoles &dipoles,
-              const Symmetry &sym, RankineStore &store) {
+              const Symmetry &sym, RankineStore &store, RowShare share) {
     Faults faults;
     try {
         const RankineInput in(opt, mesh, dipoles, sym);
@@ -162,7 +162,7 @@ Status RANKIN(const Options &opt, const Bodies & /*bodies*/, const Mesh &mesh, c
             if (!block.alloc(in))
                 faults.memory = true;
 #pragma omp for schedule(dynamic)
-            for (int first = 1; first <= mesh.NEQN; first += ROWS)
+            for (int first = 1 + share.part * ROWS; first <= mesh.NEQN; first += share.parts * ROWS)
                 if (!faults.any())
                     sweep.block(first, block);
         }

@@ -137,6 +137,8 @@ bool write_text(const RunState &run, RecordFile &file) {
     return good && file.write({{end.data(), end.size()}});
 }
 
+// What stands together in the scratch file: potentials, then sources and velocities.
+enum class PeriodPart { potentials, sources };
 // A record of an ordinary period: problem and part that it belongs to, and its array.
 struct PeriodRecord {
     bool radiation;
@@ -162,7 +164,8 @@ bool is_written(const Options &opt, const PeriodRecord &record) {
 }
 
 // From the order of the scratch file to that of the hand-over file.
-bool copy_periods(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
+bool copy_periods(const RunState &run, RecordFile &RESSCR, const std::vector<std::int64_t> &places,
+                  RecordFile &file) {
     Array<c32, 1> values[PERIOD_RECORD_COUNT];
     for (std::size_t r = 0; r < PERIOD_RECORD_COUNT; ++r) {
         const PeriodRecord &record = PERIOD_RECORDS[r];
@@ -171,8 +174,9 @@ bool copy_periods(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
         if (is_written(run.opt, record) && !values[r].alloc(record.per_column * run.mesh.NEQN * columns))
             return false;
     }
-    bool good = RESSCR.rewind();
-    for (int period = 1; good && period <= run.periods.NPER; ++period) {
+    bool good = true;
+    for (const std::int64_t place : places) {
+        good = good && RESSCR.go_to(place);
         for (const PeriodPart part : {PeriodPart::potentials, PeriodPart::sources})
             for (std::size_t r = 0; r < PERIOD_RECORD_COUNT; ++r)
                 if (PERIOD_RECORDS[r].part == part && is_written(run.opt, PERIOD_RECORDS[r]))
@@ -186,8 +190,8 @@ bool copy_periods(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
 
 // Calls action(array) for each array of the block of a period with IWADD=1, in order, until
 // one returns false.
-template <class Action> bool each_of_block(const Options &opt, ThreadState &thread, Action action) {
-    SecondOrder &w = thread.second;
+template <class Thread, class Action> bool each_of_block(const Options &opt, Thread &thread, Action action) {
+    auto &w = thread.second;
     const auto all = [&](auto &...array) { return (action(array) && ...); };
     const bool good = opt.IRAD < 0 || all(thread.PHIR, thread.SRCR, thread.VELR, w.W2R0, w.W2R1, w.W2R2,
                                           w.W2R3, w.FSR1, w.FSR2, w.FSR3);
@@ -201,12 +205,13 @@ Status period_not_written(const RecordFile &file) {
 }
 
 // The blocks of a run with IWADD=1.
-bool copy_blocks(const RunState &run, RecordFile &RESSCR, RecordFile &file) {
+bool copy_blocks(const RunState &run, RecordFile &RESSCR, const std::vector<std::int64_t> &places,
+                 RecordFile &file) {
     ThreadState thread;
-    bool good =
-        !failed(allocate_solution(run, thread)) && allocate_velocities(run, thread) && RESSCR.rewind();
-    for (int period = 1; good && period <= run.periods.NPER; ++period)
-        good = !failed(RWDPOT(run.opt, RESSCR, thread)) && !failed(WDDWRT(run.opt, thread, file));
+    bool good = !failed(allocate_solution(run, thread)) && allocate_velocities(run, thread);
+    for (const std::int64_t place : places)
+        good = good && RESSCR.go_to(place) && !failed(RWDPOT(run.opt, RESSCR, thread)) &&
+               !failed(WDDWRT(run.opt, thread, file));
     return good;
 }
 
@@ -225,22 +230,38 @@ Status RWDPOT(const Options &opt, RecordFile &file, ThreadState &thread) {
     return good ? Status::ok : MSGOUT_with("Unable to read potentials in RWDPOT", 0, file.error());
 }
 
-Status PERWRT(const Options &opt, const ThreadState &thread, RecordFile &RESSCR, PeriodPart part) {
+PeriodRecords period_records(const Options &opt, const ThreadState &thread) {
+    PeriodRecords records;
+    if (opt.IWADD == 1) {
+        (void)each_of_block(opt, thread, [&](const auto &array) {
+            records.push_back(whole(array));
+            return true;
+        });
+        return records;
+    }
+    for (const PeriodPart part : {PeriodPart::potentials, PeriodPart::sources})
+        for (const PeriodRecord &record : PERIOD_RECORDS)
+            if (record.part == part && is_written(opt, record))
+                records.push_back(record.bytes(thread));
+    return records;
+}
+
+Status PERWRT(const PeriodRecords &records, RecordFile &RESSCR) {
     bool good = true;
-    for (const PeriodRecord &record : PERIOD_RECORDS)
-        if (record.part == part && is_written(opt, record))
-            good = good && RESSCR.write({record.bytes(thread)});
+    for (const Bytes &record : records)
+        good = good && RESSCR.write({record});
     return good ? Status::ok : period_not_written(RESSCR);
 }
 
-Status RESWRT(RunState &run, RecordFile &RESSCR) {
+Status RESWRT(RunState &run, RecordFile &RESSCR, const std::vector<std::int64_t> &places) {
     const std::string &name = run.files.FILNAM(3);
     const std::string unfinished = name + ".part";
     RecordFile file(3);
     (void)remove_at_end(unfinished); // a longer name is at the mercy of signals
     bool good = file.create(unfinished) && write_sizes(run, file) && write_geometry(run, file) &&
                 write_options(run, file) && write_text(run, file) &&
-                (run.opt.IWADD == 1 ? copy_blocks(run, RESSCR, file) : copy_periods(run, RESSCR, file));
+                (run.opt.IWADD == 1 ? copy_blocks(run, RESSCR, places, file)
+                                    : copy_periods(run, RESSCR, places, file));
     good = file.close() && good;
     good = good && std::rename(unfinished.c_str(), name.c_str()) == 0;
     if (!good)

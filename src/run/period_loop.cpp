@@ -2,19 +2,17 @@
 
 #include "assembly/wavegr.hpp"
 #include "base/platform.hpp"
-#include "base/text.hpp"
 #include "boundary/bvel.hpp"
 #include "boundary/incident_derivatives.hpp"
 #include "boundary/incident_wave.hpp"
 #include "boundary/source_rhs.hpp"
-#include "results/p2f_writer.hpp"
-#include "run/progress.hpp"
 #include "run/wdd_chain.hpp"
 #include "solve/solve.hpp"
 #include "state/messages.hpp"
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <new>
 #include <omp.h>
 
@@ -23,35 +21,6 @@ namespace {
 void require(Status status) {
     if (failed(status))
         STOPRN(0);
-}
-
-// The counts of potentials that are not 0, in their columns; those of the sources stand behind
-// them in parentheses.
-std::string report_counts(bool sources, const PeriodCounts &counts) {
-    const int radiation = counts.potentials[0], diffraction = counts.potentials[1];
-    const auto pair = [&](int k) {
-        return int_in(3, counts.potentials[k]) + " (" + int_in(2, counts.sources[k]) + ")";
-    };
-    if (sources && radiation != 0)
-        return std::string(5, ' ') + pair(0) + (diffraction != 0 ? " " + pair(1) : "");
-    if (sources)
-        return std::string(13, ' ') + pair(1);
-    if (radiation != 0)
-        return " " + int_in(8, radiation) + (diffraction != 0 ? int_in(8, diffraction) : "");
-    return std::string(9, ' ') + int_in(8, diffraction);
-}
-
-void write_report_row(RunState &run, int period, int thread_number, const PeriodCounts &counts) {
-    if (counts.potentials[0] == 0 && counts.potentials[1] == 0)
-        return;
-    const std::string row = int_in(7, period) + int_in(7, thread_number) +
-                            fixed(10, 4, run.periods.PER(period)) + "  " + DATTIM().time +
-                            report_counts(run.opt.ISOR == 1, counts);
-    run.HDRSCR.push_back(row);
-    list_line(row);
-    const auto last_step = [](const int(&n)[2]) { return std::max(n[0], n[1]) >= MAXIT - 1; };
-    if (last_step(counts.potentials) || last_step(counts.sources))
-        run.HDRSCR.push_back("        No convergence: a solution stopped at the last iteration allowed");
 }
 
 bool is_finite(c32 v) {
@@ -87,7 +56,8 @@ Status check_period(const RunState &run, int period, const ThreadState &thread) 
 }
 
 // The sources of a period and the velocities that they make, from its potentials.
-void solve_sources(const RunState &run, const PeriodWave &wave, ThreadState &thread, int (&ITER)[2]) {
+void solve_sources(const RunState &run, const PeriodWave &wave, ThreadState &thread,
+                   std::int32_t (&ITER)[2]) {
     const Options &opt = run.opt;
     if (opt.IRAD >= 0)
         std::copy_n(thread.PHIR.data(), thread.PHIR.size(), thread.SRCR.data());
@@ -135,57 +105,46 @@ f32 solve_period(const RunState &run, int period, ThreadState &thread, PeriodCou
     return W * F;
 }
 
-Status write_period(const Options &opt, ThreadState &thread, RecordFile &RESSCR) {
-    if (opt.IWADD == 1)
-        return WDDWRT(opt, thread, RESSCR);
-    if (failed(PERWRT(opt, thread, RESSCR)))
-        return Status::failed;
-    return opt.ISOR == 1 ? PERWRT(opt, thread, RESSCR, PeriodPart::sources) : Status::ok;
+// A period from its number to its records. The thread keeps its arrays for the next one.
+void work_on(const RunState &run, PeriodHead &head, ThreadState &thread, PeriodExchange &periods,
+             PhaseTimes &times) {
+    try { // no exception may leave the region
+        head.WVNH = solve_period(run, head.period, thread, head.counts, times);
+        require(check_period(run, head.period, thread));
+        std::strncpy(head.time, DATTIM().time.c_str(), sizeof head.time - 1);
+        require(periods.finished(head, period_records(run.opt, thread)));
+    } catch (const std::bad_alloc &) {
+        require(MSGOUT(" RAM too small "));
+    }
 }
 
 } // namespace
 
-void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &RESSCR, PhaseTimes &times) {
-    const int NPER = run.periods.NPER;
-    Progress progress("period", NPER);
+void period_loop(const RunState &run, LoopTeam team, ScratchStore &scratch, PeriodExchange &periods,
+                 PhaseTimes &times) {
+    if (team.threads < 1)
+        return;
     Stopwatch watch;
     PhaseTimes sum;
-    const int side_by_side = std::min(threads, NPER);
     // Each period gets its share of the cores, for rows, field points and strips; with one core
     // it works serially.
-    const int share = std::max(1, omp_get_max_threads() / std::max(1, side_by_side));
+    const int share = std::max(1, omp_get_max_threads() / team.threads);
     omp_set_max_active_levels(share > 1 ? 2 : 1);
-#pragma omp parallel num_threads(side_by_side) if (side_by_side > 1)
+#pragma omp parallel num_threads(team.threads) if (team.threads > 1)
     {
         omp_set_num_threads(share);
         ThreadState thread;
         PhaseTimes own;
         thread.scratch = &scratch;
         require(allocate_solution(run, thread));
-#pragma omp for ordered schedule(dynamic, 1)
-        for (int period = 1; period <= NPER; ++period) {
-            PeriodCounts counts;
-            try { // no exception may leave the region
-                run.periods.WVNH(period) = solve_period(run, period, thread, counts, own);
-            } catch (const std::bad_alloc &) {
-                require(MSGOUT(" RAM too small "));
-            }
-            require(check_period(run, period, thread));
-#pragma omp ordered
-            {
-#pragma omp critical
-                require(write_period(run.opt, thread, RESSCR));
-            }
-#pragma omp critical
-            {
-                write_report_row(run, period, omp_get_thread_num(), counts);
-                progress.step();
-            }
+        for (PeriodHead head; (head.period = periods.next()) > 0; head = {}) {
+            head.thread = team.first_thread + omp_get_thread_num();
+            work_on(run, head, thread, periods, own);
         }
 #pragma omp critical
         {
-            sum.assembly += own.assembly / side_by_side;
-            sum.solve += own.solve / side_by_side;
+            sum.assembly += own.assembly / team.threads;
+            sum.solve += own.solve / team.threads;
         }
     }
     times.assembly += sum.assembly;

@@ -3,18 +3,19 @@
 
 #include "assembly/scratch_store.hpp"
 #include "assembly/thread_state.hpp"
-#include "base/record_file.hpp"
+#include "results/period_records.hpp"
+#include "run/period_book.hpp"
 #include "run/phase_times.hpp"
 #include "state/state.hpp"
 
-// Iteration counts of a period, radiation and diffraction; -1 after a direct solution.
-struct PeriodCounts {
-    int potentials[2] = {0, 0};
-    int sources[2] = {0, 0};
+// Who works in the loop.
+struct LoopTeam {
+    int threads = 1;      // periods side by side; 0: this process has no room for one
+    int first_thread = 0; // number of the first of them in the report
 };
 
-// Solves all periods on `threads` threads, in order, and leaves their solutions on RESSCR in period order.
-// Writes the report rows to the list file and the text echo. WVNH(period) is the one element of shared data
-// that a period writes. Without the in-core store the matrices go through `scratch`. A failure ends the
-// process through the stop routine. Adds the time of the loop to `times`.
-void period_loop(RunState &run, int threads, ScratchStore &scratch, RecordFile &RESSCR, PhaseTimes &times);
+// Solves periods until `periods` has no more, and gives them away there. Without the in-core store the
+// matrices go through `scratch`. A failure ends the process through the stop routine. Adds the time of the
+// loop to `times`.
+void period_loop(const RunState &run, LoopTeam team, ScratchStore &scratch, PeriodExchange &periods,
+                 PhaseTimes &times);

@@ -9,7 +9,7 @@ struct PhaseTimes {
     double rankine = 0;  // these, and the steady flows of a second-order run
     double assembly = 0; // incident wave and rows of the periods
     double solve = 0;    // solutions, sources and velocities of the periods
-    double waiting = 0;  // for the periods before, to write in order, and for the last ones
+    double waiting = 0;  // of threads, and of other processes, for the last periods
     double output = 0;   // hand-over file
 };
 

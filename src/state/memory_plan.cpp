@@ -69,18 +69,33 @@ void MEMPLN(const Options &opt, int NEQN, int NSYMR, Memory &memory) {
     list_line(" ");
 }
 
-Status allocate_store(const Options &opt, const Symmetry &sym, int NEQN, RankineStore &store) {
-    const int n = NEQN;
-    const Range planes(0, opt.ILOG);
-    bool made = store.RKDM.alloc(n, n, sym.NSYMR, planes) && store.ICODM.alloc(pair_place(n + 1)) &&
-                store.RHSRAN.alloc(n, sym.NSYMD, planes);
+std::int64_t lay_out_store(const Options &opt, const Symmetry &sym, int NEQN, std::byte *block,
+                           RankineStore &store) {
+    constexpr std::int64_t ALIGNMENT = 64; // of each array [bytes]
+    std::int64_t used = 0;
+    const auto place = [&]<class T, int R>(View<T, R> &array, const std::array<Range, R> &ranges) {
+        array = View<T, R>(block == nullptr ? nullptr : reinterpret_cast<T *>(block + used), ranges);
+        const std::int64_t bytes = array.size() * static_cast<std::int64_t>(sizeof(T));
+        used += (bytes + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+    };
+    const Range n(NEQN), planes(0, opt.ILOG);
+    place(store.RKDM, {n, n, sym.NSYMR, planes});
+    place(store.ICODM, {pair_place(NEQN + 1)});
+    place(store.RHSRAN, {n, sym.NSYMD, planes});
     if (keeps_source(opt))
-        made = made && store.RKSM.alloc(n, n, sym.NSYMR, planes);
-    if (opt.ISOR == 1)
-        made = made && store.RKNM.alloc(n, n, sym.NSYMR, planes) &&
-               store.RKVM.alloc(n, n, 3 * sym.NSYMR, planes);
-    if (!made)
+        place(store.RKSM, {n, n, sym.NSYMR, planes});
+    if (opt.ISOR == 1) {
+        place(store.RKNM, {n, n, sym.NSYMR, planes});
+        place(store.RKVM, {n, n, 3 * sym.NSYMR, planes});
+    }
+    return used;
+}
+
+Status allocate_store(const Options &opt, const Symmetry &sym, int NEQN, RankineStore &store) {
+    const std::int64_t bytes = lay_out_store(opt, sym, NEQN, nullptr, store);
+    if (!store.block.alloc(bytes))
         return MSGOUT(" RAM too small ");
+    (void)lay_out_store(opt, sym, NEQN, store.block.data(), store);
     list_line("  Memory allocation is done for influence coeff. matrices");
     list_line(" ");
     return Status::ok;

@@ -14,6 +14,11 @@ int core_order(const Options &opt, int NEQN);
 // only if NEQN <= MAXSCR and neither IUSESCR=1 nor ISOLVN=1.
 void MEMPLN(const Options &opt, int NEQN, int NSYMR, Memory &memory);
 
+// Lays the arrays of the store out in a block of zeros, aligned to 64 bytes, and returns its size [bytes];
+// with a null block it only tells the size.
+std::int64_t lay_out_store(const Options &opt, const Symmetry &sym, int NEQN, std::byte *block,
+                           RankineStore &store);
+
 // Makes and clears the shared store when INCORE. Failed: " RAM too small ".
 [[nodiscard]] Status allocate_store(const Options &opt, const Symmetry &sym, int NEQN, RankineStore &store);
 

@@ -25,6 +25,9 @@ struct ListFile {
     std::vector<std::string> end_warnings;
     std::string results;
     bool write_failed = false;
+    bool keeps = false; // lines go to the list file of another process
+    std::vector<std::string> kept;
+    std::function<void(const ListReport &)> end;
     std::mutex lock;
 };
 ListFile list;
@@ -51,10 +54,17 @@ std::string with_value(std::string_view text, int value) {
     return value == 0 ? std::string(text) : std::string(text) + int_in(value_width(value), value);
 }
 
+// What another process may have to write.
+void tell_locked(const std::string &line) {
+    if (list.keeps)
+        list.kept.push_back(line);
+    write_locked(line);
+}
+
 void write_message(const std::string &text) {
-    write_locked(" ");
-    write_locked(" " + text);
-    write_locked(" ");
+    tell_locked(" ");
+    tell_locked(" " + text);
+    tell_locked(" ");
 }
 
 std::string trimmed_front(const std::string &text) {
@@ -85,6 +95,10 @@ void write_head_block() {
 }
 
 } // namespace
+
+std::string program_version() {
+    return trimmed(VERSION) + " " + RELEASE_DATE;
+}
 
 Status LISOPN(const std::string &name) {
     if (access(name.c_str(), F_OK) == 0 && std::rename(name.c_str(), (name + ".bak").c_str()) != 0) {
@@ -136,8 +150,8 @@ void message(std::string_view text, int value) {
 void message_detail(std::string_view text) {
     if (text.empty())
         return;
-    list_line(" (" + std::string(text) + ")");
     const std::lock_guard hold(list.lock);
+    tell_locked(" (" + std::string(text) + ")");
     if (list.first_is_last)
         list.first_detail = text;
     list.first_is_last = false;
@@ -169,9 +183,51 @@ void results_complete(const std::string &name) {
     list.results = name;
 }
 
+void keep_lines() {
+    const std::lock_guard hold(list.lock);
+    list.keeps = true;
+}
+
+ListReport take_report() {
+    const std::lock_guard hold(list.lock);
+    ListReport report;
+    report.lines.swap(list.kept);
+    report.end_warnings.swap(list.end_warnings);
+    return report;
+}
+
+void add_report(const ListReport &report) {
+    for (const std::string &warning : report.end_warnings)
+        warn_at_end(warning);
+    const std::lock_guard hold(list.lock);
+    for (const std::string &line : report.lines)
+        write_locked(line);
+    if (!list.first_fault.empty())
+        return;
+    list.first_fault = report.first_fault;
+    list.first_detail = report.first_detail;
+}
+
+void end_by(std::function<void(const ListReport &)> end) {
+    const std::lock_guard hold(list.lock);
+    list.end = std::move(end);
+}
+
+void line_at_signal(std::string_view line) {
+    const std::lock_guard hold(list.lock);
+    if (list.file != nullptr)
+        last_words(fileno(list.file), std::string(line) + "\n");
+}
+
 void STOPRN(int code) {
     // Held to the end: no other thread writes any more.
     list.lock.lock();
+    last_words(-1, {});
+    if (list.keeps) {
+        remove_registered_files();
+        list.end({list.kept, list.end_warnings, list.first_fault, list.first_detail, false});
+        std::_Exit(code);
+    }
     const bool terminal = isatty(STDERR_FILENO) == 1;
     const char *const clear = terminal ? "\r\033[K" : "";
     for (const std::string &warning : list.end_warnings) {
@@ -192,6 +248,8 @@ void STOPRN(int code) {
     list.file = nullptr;
     remove_registered_files();
     std::fflush(nullptr);
+    if (list.end)
+        list.end({{}, {}, list.first_fault, list.first_detail, !list.results.empty()});
     // No destructors: other threads may still be working on what they would destroy.
     std::_Exit(code);
 }

@@ -3,8 +3,13 @@
 
 #include "base/types.hpp"
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+// Version and release date of the program, as the list file shows them.
+std::string program_version();
 
 // Opens the list file `name` (an old one gets ".bak" behind its name) and writes the head block. Its own
 // failures go to the alert routine.
@@ -37,6 +42,24 @@ std::string first_fault();
 
 // Tells the stop routine that the results are complete in this file.
 void results_complete(const std::string &name);
+
+// What a process of a run tells, for the list file of another one.
+struct ListReport {
+    std::vector<std::string> lines, end_warnings;
+    std::string first_fault, first_detail;
+    bool complete = false; // results_complete was called
+};
+// From here on messages are kept for the list file of another process: this one has none, and shows nothing.
+void keep_lines();
+// Hands the lines of the messages and the warnings out, and forgets them.
+ListReport take_report();
+// Adds the report of another process to this list file; its first fault is that of the run if there was none.
+void add_report(const ListReport &report);
+
+// The stop routine calls `end` last, with what the process has to tell, and lets it end the process.
+void end_by(std::function<void(const ListReport &)> end);
+// A line that the list file gets when a signal ends the process.
+void line_at_signal(std::string_view line);
 
 // Closes all, removes the named scratch files and ends the process. It does not return. Standard error shows
 // the first fault with its detail; on a terminal also where the results are.

@@ -39,6 +39,7 @@ struct Options {
     int IFSLID = 0;  // not 0: the global GDF holds BDTYP, FSDMP of each body
     int IUSESCR = 0; // 1: influence matrices go to scratch files whatever the memory
     int NTRD = 0;    // upper limit of the thread count; 0 none
+    int CHECKP = 0;  // 1: finished periods are kept in a checkpoint until the result is complete
     int IRAD = 0;    // radiation: -1 none, 0 the modes of MODE, 1 all modes
     int IDIFF = 0;   // diffraction: -1 none, 0 only the classes of the wanted modes, 1 all
     int ISX = 0; // symmetry about x = 0: 0 none, 1 symmetric, -1 wall (-2 on input: wall, mirror the panels)
@@ -70,6 +71,7 @@ struct Files {
     std::string config = "config.vrd";
     std::string names = "fnames.vrd";
     std::string list = "vorda.lis";
+    std::string checkpoint; // beside the P2F file, CHECKP=1; else empty
     NameTable HEADER; // titles: 1 GDF or global GDF, 2 POT, N+2 GDF of body N, 5 FDF in the single-body form
     NameTable FILNAM; // 1 GDF or global GDF, 2 POT, 3 P2F, 4 generated geometry, 5 FDF; N+4 GDF of body N
 };
@@ -201,15 +203,17 @@ constexpr std::int64_t pair_place(std::int64_t I) {
 }
 
 // The shared store of the Rankine influence, filled once per run; planes 0..ILOG. First index field panel.
+// The arrays lie in one block, so that the processes of a computer can share it.
 struct RankineStore {
-    Array<f32, 4> RKDM; // dipole influence (NEQN,NEQN,NSYMR,0:ILOG)
+    View<f32, 4> RKDM; // dipole influence (NEQN,NEQN,NSYMR,0:ILOG)
     // Pair codes of 13 bits, that of J <= I at pair_place(I) + J (NEQN (NEQN+1)/2).
-    Array<std::uint16_t, 1> ICODM;
-    Array<f32, 3> RHSRAN; // Rankine share of the radiation right-hand sides (NEQN,NSYMD,0:ILOG)
-    Array<f32, 4> RKSM;   // source influence, ISCATT=1 (NEQN,NEQN,NSYMR,0:ILOG)
-    Array<f32, 4> RKNM;   // normal derivative of the source influence, ISOR=1 (NEQN,NEQN,NSYMR,0:ILOG)
+    View<std::uint16_t, 1> ICODM;
+    View<f32, 3> RHSRAN; // Rankine share of the radiation right-hand sides (NEQN,NSYMD,0:ILOG)
+    View<f32, 4> RKSM;   // source influence, ISCATT=1 (NEQN,NEQN,NSYMR,0:ILOG)
+    View<f32, 4> RKNM;   // normal derivative of the source influence, ISOR=1 (NEQN,NEQN,NSYMR,0:ILOG)
     // Its gradient, ISOR=1: axis and class share the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR,0:ILOG).
-    Array<f32, 4> RKVM;
+    View<f32, 4> RKVM;
+    Array<std::byte, 1> block; // what the arrays lie in; empty when it belongs to somebody else
 };
 
 // Panels on the free surface around the body, IWADD=1. NFSP counts them, 1 in other runs, which

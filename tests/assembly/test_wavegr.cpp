@@ -14,7 +14,6 @@
 
 namespace {
 
-using c64 = std::complex<double>;
 using Vector = std::array<double, 3>;
 
 struct Setting {
@@ -62,7 +61,7 @@ void make_case(const Setting &setting, Case &c) {
 }
 
 // Value of a Rankine matrix at the frequency: its two planes together.
-double rankine(const Case &c, const Array<f32, 4> &matrix, int I, int J, int third) {
+double rankine(const Case &c, View<const f32, 4> matrix, int I, int J, int third) {
     const double logarithm =
         c.run.opt.ILOG == 1 ? static_cast<double>(c.wave.NUL) * matrix(I, J, third, 1) : 0;
     return matrix(I, J, third, 0) + logarithm;

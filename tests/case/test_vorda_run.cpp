@@ -149,6 +149,10 @@ TEST(VordaRun, WritesACaseForAHullThatRuns) {
     EXPECT_TRUE(tells(dry, "panels made inside") && tells(dry, "s, by a trial of this machine") &&
                 !folder.exists("case.run/case.p2f"))
         << dry.text;
+    const Answer joined =
+        command(folder, "sed -i 's/^# recombine/recombine/' case.toml && vorda-run case.toml --dry");
+    EXPECT_TRUE(tells(dry, ", 114 panels given") && tells(joined, ", 57 panels given"))
+        << dry.text << joined.text;
     EXPECT_EQ(command(folder, "vorda-run --new nothing.stl").code, 1);
     EXPECT_EQ(command(folder, "vorda-run").code, 1);
 }
