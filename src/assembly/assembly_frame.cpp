@@ -1,5 +1,6 @@
 #include "assembly/assembly_frame.hpp"
 
+#include "assembly/row_kernels.hpp"
 #include "geometry/lid.hpp"
 
 bool PanelArrays::make(const RunState &run) {
@@ -30,4 +31,16 @@ bool PanelArrays::make(const RunState &run) {
         DIAG(i) = overhang ? 1 : IFSP(i);
     }
     return true;
+}
+
+bool make_heights(const RunState &run, const PeriodWave &wave, const PanelArrays &panels,
+                  const GSTATE &gstate, HeightFactors &heights) {
+    if (wave.IPLIM != 0 || !(wave.HNU > 0) || run.opt.IQUAD == 1 || run.opt.IRRX != 0)
+        return true;
+    const int n = run.mesh.NEQN;
+    Array<f32, 1> Z;
+    if (!Z.alloc(n))
+        return false;
+    scale_to(n, -wave.NU, &panels.X(1, 3), Z.data());
+    return heights.make(n, Z.data(), wave.HNU, gstate);
 }

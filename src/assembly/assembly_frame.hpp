@@ -3,6 +3,7 @@
 
 #include "assembly/period_wave.hpp"
 #include "assembly/right_hand_sides.hpp"
+#include "green/depth_heights.hpp"
 
 // Panel data of the assembly, one contiguous array per quantity; XG and GW have a column per Gauss point.
 struct PanelArrays {
@@ -19,10 +20,16 @@ struct PanelArrays {
     [[nodiscard]] bool make(const RunState &run);
 };
 
+// For the centroid path; false: no memory.
+[[nodiscard]] bool make_heights(const RunState &run, const PeriodWave &wave, const PanelArrays &panels,
+                                const GSTATE &gstate, HeightFactors &heights);
+
 struct AssemblyFrame {
     const RunState &run;
     const PeriodWave &wave;
     const PanelArrays &panels;
     const SourceWeights &weights;
     const GSTATE &gstate;
+    const HeightFactors
+        &heights; // of the centroids, for the panels as sources; empty but for waves in finite depth
 };

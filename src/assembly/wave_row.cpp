@@ -56,21 +56,40 @@ void clear_points(int count, WaveRow &row) {
         std::fill_n(&row.green(1, column), count, 0.0f);
 }
 
-void evaluate(const AssemblyFrame &f, int count, WaveRow &row) {
-    if (row.tank)
-        return clear_points(count, row);
-    const GreenPoints points{count,         row.RR.data(),   row.ZS.data(),
-                             row.ZF.data(), row.ISNG.data(), row.IBOT.data()};
+void evaluate(const AssemblyFrame &f, std::int64_t first, int count, const f32 *heights, WaveRow &row) {
+    const GreenPoints points{count,
+                             row.RR.data() + first,
+                             row.ZS.data() + first,
+                             row.ZF.data() + first,
+                             row.ISNG.data() + first,
+                             row.IBOT.data() + first,
+                             heights,
+                             f.heights.value.dim(1)};
     GreenArrays values{};
     for (int v = 0; v < (row.second ? 8 : 4); ++v) {
-        values.re[VALUES[v]] = &row.green(1, 2 * v + 1);
-        values.im[VALUES[v]] = &row.green(1, 2 * v + 2);
+        values.re[VALUES[v]] = &row.green(1, 2 * v + 1) + first;
+        values.im[VALUES[v]] = &row.green(1, 2 * v + 2) + first;
     }
     const GreenOrder order = row.second ? GreenOrder::second : GreenOrder::first;
     if (f.wave.IPLIM == 0)
         VGRN98(points, f.wave.HNU, f.gstate, order, row.work, values);
     else
         limit_points(points, f.wave.HNU, f.wave.IPLIM, order, values);
+}
+
+void evaluate(const AssemblyFrame &f, int count, WaveRow &row) {
+    if (row.tank)
+        return clear_points(count, row);
+    evaluate(f, 0, count, nullptr, row);
+}
+
+// Image by image, as all images of a panel have its factors of the height.
+void evaluate_images(const AssemblyFrame &f, int I, WaveRow &row) {
+    const int images = f.run.sym.NSYMG;
+    if (f.heights.points == 0)
+        return evaluate(f, images * I, row);
+    for (int m = 0; m < images; ++m)
+        evaluate(f, static_cast<std::int64_t>(m) * I, I, f.heights.value.data(), row);
 }
 
 FixedPoint fixed_point(const PanelArrays &panels, int I, int image, f32 NU) {
@@ -94,7 +113,7 @@ void centroid_path(const AssemblyFrame &f, int I, const std::uint16_t *code, Wav
         scale_to(I, -wave.NU, &panels.X(1, 3), row.ZS.data() + o);
         std::fill_n(row.ZF.data() + o, I, -wave.NU * panels.X(I, 3));
     }
-    evaluate(f, sym.NSYMG * I, row);
+    evaluate_images(f, I, row);
     for (int m = 0; m < sym.NSYMG; ++m) {
         const std::int64_t o = static_cast<std::int64_t>(m) * I;
         const int *ISNG = row.ISNG.data() + o;

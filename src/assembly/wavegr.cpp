@@ -6,13 +6,15 @@
 Status WAVEGR(const RunState &run, const PeriodWave &wave, ThreadState &thread) {
     PanelArrays panels;
     SourceWeights weights;
-    if (!panels.make(run) || !weights.make(run, wave.NUL, thread))
+    HeightFactors heights;
+    if (!panels.make(run) || !weights.make(run, wave.NUL, thread) ||
+        !make_heights(run, wave, panels, thread.gstate, heights))
         return MSGOUT(" RAM too small to allocate WAVEGR arrays ");
     if (failed(start_right_hand_sides(run, wave.NUL, thread)))
         return Status::failed;
     if (run.dipoles.IDIPOL)
         add_dipole_rows(run, thread);
-    const AssemblyFrame frame{run, wave, panels, weights, thread.gstate};
+    const AssemblyFrame frame{run, wave, panels, weights, thread.gstate, heights};
     if (failed(run.memory.INCORE ? rows_in_core(frame, thread) : rows_on_scratch(frame, thread)))
         return Status::failed;
     if (run.dipoles.IDIPOL && wave.IPLIM == 2)

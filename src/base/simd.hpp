@@ -19,6 +19,10 @@ float logf(float) noexcept;
 float sinf(float) noexcept;
 #pragma omp declare simd notinbranch
 float cosf(float) noexcept;
+#pragma omp declare simd notinbranch
+double log(double) noexcept;
+#pragma omp declare simd notinbranch
+double atan2(double, double) noexcept;
 }
 
 // Kernels run on full batches, the last one padded: a value then never depends on its place in the list,

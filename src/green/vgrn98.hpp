@@ -19,6 +19,8 @@
 #include "base/types.hpp"
 #include "green/gstate.hpp"
 
+#include <cstdint>
+
 // The eight complex values of a record, in its order. z and zeta are depths: a derivative by the upward
 // coordinate has the other sign.
 enum GreenValue { G_ = 0, G_R, G_Z, G_RZ, G_ZZ, G_ZZETA, G_ZETA, G_RZETA };
@@ -35,6 +37,10 @@ struct GreenPoints {
     const int *ISNG = nullptr;
     const int *IBOT =
         nullptr; // finite depth: 0 the bottom image 1/rb stays, 1 it is left out. Not read in deep water.
+    // Finite depth: the factors of the heights of Z where they are known (depth_heights.hpp), columns
+    // `stride` apart; they change no bit.
+    const f32 *heights = nullptr;
+    std::int64_t stride = 0;
 };
 
 // Results, one array of n for each value; those that the order does not ask for are not touched and

@@ -1,5 +1,8 @@
 #include "green/wide_depth.hpp"
 
+#include "green/depth_heights.hpp"
+#include "green/green_block.hpp"
+#include "green/wide_kernels.hpp"
 #include "green/wide_modes.hpp"
 #include "green/wide_near.hpp"
 
@@ -100,7 +103,10 @@ VORDA_WIDE_TARGET void work(const GreenPoints &p, Selectors selectors, f32 H, co
                             ZB + ZETAB,
                             _mm512_and_si512(ISNG, ISNG_bits),
                             _mm512_testn_epi32_mask(IBOT, IBOT)};
-        set_height<KERNEL == FAR>(g, mu, ZB, z);
+        if (p.heights != nullptr)
+            take_height(p.heights + i, p.stride, z);
+        else
+            set_height<KERNEL == FAR>(g, mu, ZB, z);
         set_height<KERNEL == FAR>(g, mu, ZETAB, zeta);
         Lanes re[GREEN_VALUES], im[GREEN_VALUES];
         depth_lanes<KERNEL, SECOND>(g, at, z, zeta, re, im);
@@ -276,11 +282,39 @@ void depth_points(const GreenPoints &p, f32 H, const GSTATE &g, const GreenArray
             to.re[VALUES[j]] = result.re[VALUES[j]] + i;
             to.im[VALUES[j]] = result.im[VALUES[j]] + i;
         }
-        depth_chunk<SECOND>({n, p.R + i, p.Z + i, p.ZETA + i, p.ISNG + i, p.IBOT + i}, H, g, packs, to);
+        depth_chunk<SECOND>({n, p.R + i, p.Z + i, p.ZETA + i, p.ISNG + i, p.IBOT + i,
+                             p.heights != nullptr ? p.heights + i : nullptr, p.stride},
+                            H, g, packs, to);
+    }
+}
+
+VORDA_WIDE_TARGET void store_heights(int n, const f32 *Z, f32 H, const GSTATE &g, std::int64_t stride,
+                                     f32 *value) {
+    for (int i = 0; i < n; i += LANES) {
+        Height h;
+        h.above = all(H) - _mm512_maskz_loadu_ps(first_lanes(n - i), Z + i);
+        set_propagating(g, h);
+        _mm512_storeu_ps(value + i, h.one);
+        _mm512_storeu_ps(value + stride + i, h.rest);
+        for (int mode = 0; mode < MODES; ++mode) {
+            const Turns t = turns(all(g.EVK[mode]) * h.above);
+            _mm512_storeu_ps(value + cosine_column(mode) * stride + i, t.c);
+            _mm512_storeu_ps(value + (cosine_column(mode) + 1) * stride + i, t.s);
+        }
     }
 }
 
 } // namespace
+
+bool HeightFactors::make(int n, const f32 *Z, f32 H, const GSTATE &state) {
+    if (!wide_available())
+        return true;
+    if (!value.alloc(padded(n), HEIGHT_FACTORS))
+        return false;
+    points = n;
+    store_heights(n, Z, H, state, value.dim(1), value.data());
+    return true;
+}
 
 void depth_wide(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrder order,
                 const GreenArrays &result) {
@@ -291,6 +325,10 @@ void depth_wide(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrde
 }
 
 #else
+
+bool HeightFactors::make(int, const f32 *, f32, const GSTATE &) {
+    return true;
+}
 
 void depth_wide(const GreenPoints &, f32, const GSTATE &, GreenOrder, const GreenArrays &) {}
 

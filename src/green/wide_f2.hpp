@@ -105,8 +105,7 @@ VORDA_WIDE AxisLanes axis_lanes(Lanes x3, Lanes a) {
 // X > 3.
 VORDA_WIDE WaveLanes wave_lanes(Lanes X, Lanes xinv, Lanes exy) {
     const Lanes x3 = all(3) * xinv, v = x3 * x3, ex = exy * root(xinv);
-    constexpr double TWO_BY_PI = 0.63661977236758134308;
-    const Turns turn = wave_phase(X, TWO_BY_PI);
+    const Turns turn = wave_phase(X, _mm512_setzero_ps());
     const Lanes ca = ex * turn.c, sa = ex * turn.s;
     const Lanes P0 = polynomial(P0C, v), Q0 = polynomial(Q0C, v) * x3;
     const Lanes P1 = polynomial(P1C, v), Q1 = polynomial(Q1C, v) * x3;

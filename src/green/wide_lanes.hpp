@@ -122,19 +122,26 @@ VORDA_WIDE Turns turns(Lanes x) {
     return turns(q, fnma(n, all(PI_HALF_TAIL), fnma(n, all(PI_HALF_HEAD), x)));
 }
 
-// Of x quarter turns less half a quarter, x = R quarter_turns, R >= 0: reduced in double precision.
-VORDA_WIDE Turns wave_phase(Lanes R, double quarter_turns) {
-    constexpr double QUARTER = 1.57079632679489661923, LAST = 1e9;
-    const __m512d each = _mm512_set1_pd(quarter_turns), last = _mm512_set1_pd(LAST),
-                  half = _mm512_set1_pd(0.5);
-    const __m512d low = _mm512_min_pd(_mm512_cvtps_pd(_mm512_castps512_ps256(R)) * each, last);
-    const __m512d high = _mm512_min_pd(_mm512_cvtps_pd(_mm512_extractf32x8_ps(R, 1)) * each, last);
-    const __m256i q_low = _mm512_cvttpd_epi32(low), q_high = _mm512_cvttpd_epi32(high);
-    const __m512d rest_low = (low - half - _mm512_cvtepi32_pd(q_low)) * _mm512_set1_pd(QUARTER);
-    const __m512d rest_high = (high - half - _mm512_cvtepi32_pd(q_high)) * _mm512_set1_pd(QUARTER);
-    const Integers q = _mm512_inserti64x4(_mm512_castsi256_si512(q_low), q_high, 1);
-    return turns(q, _mm512_insertf32x8(_mm512_castps256_ps512(_mm512_cvtpd_ps(rest_low)),
-                                       _mm512_cvtpd_ps(rest_high), 1));
+// Of x + rest - pi/4, x >= 0, |rest| a few roundings of x. The fused products are exact but for their last
+// rounding, so that pi/2 in two parts serves any distance at which x has digits for a phase.
+VORDA_WIDE Turns wave_phase(Lanes x, Lanes rest) {
+    constexpr f32 PI_HALF_HEAD = 1.57079637f, PI_HALF_TAIL = -4.37113883e-8f, LAST = 4e6f;
+    const Lanes near = _mm512_min_ps(x, all(LAST));
+    const Integers q = whole(near * all(0.63661977f));
+    const Lanes n = real(q) + all(0.5f);
+    return turns(q, fnma(n, all(PI_HALF_TAIL), fnma(n, all(PI_HALF_HEAD), near)) + rest);
+}
+
+// A wave number that is more than one single-precision number.
+struct WaveNumber {
+    f32 head, tail;
+    explicit WaveNumber(double k) : head(static_cast<f32>(k)), tail(static_cast<f32>(k - head)) {}
+};
+
+// Of k R - pi/4.
+VORDA_WIDE Turns wave_phase(const WaveNumber &k, Lanes R) {
+    const Lanes x = all(k.head) * R;
+    return wave_phase(x, fma(all(k.tail), R, _mm512_fmsub_ps(all(k.head), R, x)));
 }
 
 // The first lanes of a call whose last block is not full.

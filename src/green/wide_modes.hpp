@@ -14,14 +14,22 @@ namespace wide {
 constexpr int MODES = 5; // that die out
 
 // What one of the two points of a pair brings to the vertical factors. In a row of the assembly one of them
-// is the same throughout: its factors are worked out once.
+// is the same throughout: its factors are worked out once. Those of the other may be given.
 struct Height {
-    Lanes above;         // H - z
-    bool common = false; // one height for all lanes
-    f32 known = -1;      // the last one
-    Lanes one, rest;     // 1 + e and 1 - e, e = exp(-2 k above)
-    f32 c[16], s[16];    // with `common`: cosine and sine of mu(n) above
+    Lanes above;                // H - z
+    bool common = false;        // one height for all lanes
+    f32 known = -1;             // the last one
+    Lanes one, rest;            // 1 + e and 1 - e, e = exp(-2 k above)
+    f32 c[LANES], s[LANES];     // with `common`: cosine and sine of mu(n) above
+    const f32 *given = nullptr; // columns of HeightFactors, `stride` apart
+    std::int64_t stride = 0;
 };
+
+VORDA_WIDE void set_propagating(const GSTATE &g, Height &h) {
+    const Lanes x = all(g.RKTWO) * h.above, e = exponential(-_mm512_min_ps(x, all(MAX_EXPONENT)));
+    h.one = all(1) + e;
+    h.rest = rest_of_decay(x, e);
+}
 
 template <bool FAR> VORDA_WIDE void set_height(const GSTATE &g, Lanes mu, Lanes above, Height &h) {
     const f32 first = _mm512_cvtss_f32(above);
@@ -29,9 +37,7 @@ template <bool FAR> VORDA_WIDE void set_height(const GSTATE &g, Lanes mu, Lanes 
     h.common = _mm512_cmpeq_ps_mask(above, all(first)) == 0xffff;
     if (h.common && first == h.known)
         return;
-    const Lanes x = all(g.RKTWO) * above, e = exponential(-_mm512_min_ps(x, all(MAX_EXPONENT)));
-    h.one = all(1) + e;
-    h.rest = rest_of_decay(x, e);
+    set_propagating(g, h);
     h.known = h.common ? first : -1.0f;
     if (FAR && h.common) {
         const Turns t = turns(mu * above);
@@ -40,7 +46,23 @@ template <bool FAR> VORDA_WIDE void set_height(const GSTATE &g, Lanes mu, Lanes 
     }
 }
 
+VORDA_WIDE void take_height(const f32 *given, std::int64_t stride, Height &h) {
+    h.given = given;
+    h.stride = stride;
+    h.one = _mm512_loadu_ps(given);
+    h.rest = _mm512_loadu_ps(given + stride);
+}
+
+// Columns of the cosine and the sine of mode n, from 0.
+constexpr int cosine_column(int n) {
+    return 2 + 2 * n;
+}
+
 VORDA_WIDE Turns mode_turns(const Height &h, f32 mu, int n) {
+    if (h.given != nullptr) {
+        const f32 *c = h.given + cosine_column(n) * h.stride;
+        return {_mm512_loadu_ps(c), _mm512_loadu_ps(c + h.stride)};
+    }
     if (h.common)
         return {all(h.c[n]), all(h.s[n])};
     return turns(all(mu) * h.above);
@@ -92,7 +114,8 @@ template <bool FAR> VORDA_WIDE Radial near_axis(const GSTATE &g, Lanes R) {
 
 template <bool FAR> VORDA_WIDE Radial far_from_axis(const GSTATE &g, Lanes R) {
     const Lanes rinv = all(1) / R, T = rinv * rinv, r = root(rinv);
-    const Turns phase = wave_phase(R, g.quarter_turns);
+    constexpr double PI_HALF = 1.57079632679489661923;
+    const Turns phase = wave_phase(WaveNumber(g.quarter_turns * PI_HALF), R);
     const Lanes cs = r * phase.c, sn = r * phase.s;
     const Lanes p0 = polynomial(g.QP0, T), q0 = rinv * polynomial(g.QQ0, T);
     const Lanes p1 = polynomial(g.QP1, T), q1 = rinv * polynomial(g.QQ1, T);
@@ -129,14 +152,20 @@ VORDA_WIDE void propagating(const GSTATE &g, Lanes R, Lanes Y, const Height &z, 
         store_mode<SECOND>(w.Y0, w.Y1, v, all(g.RKSQ), re);
 }
 
+// R, 1/R and its root.
+struct Distances {
+    Lanes R, inverse, root;
+};
+
 // One mode that dies out, added to the lanes within its reach. The sums of the expansion, cos(mu D) +
 // cos(mu A) and the like, stand as products of the factors of either point.
 template <int TERMS, bool SECOND>
-VORDA_WIDE void add_evanescent(const GSTATE &g, int n, Mask m, Lanes R, Lanes rinv, Lanes r, const Height &z,
+VORDA_WIDE void add_evanescent(const GSTATE &g, int n, Mask m, const Distances &at, const Height &z,
                                const Height &zeta, Lanes (&re)[GREEN_VALUES]) {
     const f32 mu = g.EVK[n];
-    const Lanes e = all(2) * r * exponential(-_mm512_min_ps(all(mu) * R, all(MAX_DECAY)));
-    const Lanes T0 = e * first_terms<TERMS>(g.EVA[n], rinv), T1 = e * first_terms<TERMS>(g.EVB[n], rinv);
+    const Lanes e = all(2) * at.root * exponential(-_mm512_min_ps(all(mu) * at.R, all(MAX_DECAY)));
+    const Lanes T0 = e * first_terms<TERMS>(g.EVA[n], at.inverse),
+                T1 = e * first_terms<TERMS>(g.EVB[n], at.inverse);
     const Turns u = mode_turns(z, mu, n), v = mode_turns(zeta, mu, n);
     const Lanes mus = all(mu) * u.s, cc = u.c * v.c, sc = mus * v.c, cs = all(mu) * u.c * v.s;
     re[G_] = _mm512_mask3_fmadd_ps(T0, cc, re[G_], m);
@@ -154,14 +183,15 @@ VORDA_WIDE void add_evanescent(const GSTATE &g, int n, Mask m, Lanes R, Lanes ri
 template <bool SECOND>
 VORDA_WIDE void evanescent(const GSTATE &g, Lanes R, const Height &z, const Height &zeta,
                            Lanes (&re)[GREEN_VALUES]) {
-    const Lanes rinv = all(1) / R, r = root(rinv);
+    const Lanes inverse = all(1) / R;
+    const Distances at{R, inverse, root(inverse)};
     const auto within = [&](int n)
                             VORDA_WIDE_TARGET { return _mm512_cmp_ps_mask(R, all(g.reach[n]), _CMP_LT_OQ); };
     Mask m = within(0);
     if (m != 0)
-        add_evanescent<7, SECOND>(g, 0, m, R, rinv, r, z, zeta, re);
+        add_evanescent<7, SECOND>(g, 0, m, at, z, zeta, re);
     for (int n = 1; n < MODES && (m = within(n)) != 0; ++n)
-        add_evanescent<5, SECOND>(g, n, m, R, rinv, r, z, zeta, re);
+        add_evanescent<5, SECOND>(g, n, m, at, z, zeta, re);
 }
 
 } // namespace wide

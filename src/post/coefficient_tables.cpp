@@ -7,8 +7,6 @@
 
 namespace {
 
-using c64 = std::complex<double>;
-
 // Density times powers of the length and a factor, 1 where the values stay non-dimensional.
 double factor(const Scales &scales, int power, double more) {
     return scales.dimensional() ? scales.density * std::pow(scales.length, power) * more : 1;

@@ -5,8 +5,6 @@
 
 namespace {
 
-using c64 = std::complex<double>;
-
 // Class of a mode, 0 for a mode that was not solved.
 int class_of(const P2fFile &p2f, int mode) {
     for (int s = 1; s <= p2f.NSYMR; ++s) {

@@ -6,8 +6,6 @@
 #include <complex>
 #include <vector>
 
-using c64 = std::complex<double>;
-
 // A mirror image: x and y of the file's panels times sx, sy.
 struct Image {
     double sx, sy;

@@ -1,5 +1,7 @@
 #include "post/spline.hpp"
 
+#include "base/types.hpp"
+
 #include <cmath>
 #include <cstddef>
 
@@ -24,7 +26,6 @@ CubicSpline::CubicSpline(std::vector<double> x, std::vector<double> y, bool leve
 }
 
 std::complex<double> CubicSpline::transform(double t) const {
-    using c64 = std::complex<double>;
     constexpr double FEW = 3; // radians over a piece
     constexpr double POINT[4] = {0.1834346424956498, 0.5255324099163290, 0.7966664774136267,
                                  0.9602898564975363};

@@ -5,8 +5,6 @@
 
 #include "base/split.hpp"
 
-using c64 = std::complex<double>;
-
 // v[i] -= y column[i]; y is a real part and an imaginary part.
 void subtract_column(int n, const c32 *column, const f32 (&y)[2], Split v);
 // v[i] -= sum of y_c column_c[i] over four columns; y holds the real parts, then the imaginary ones.

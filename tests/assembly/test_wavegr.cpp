@@ -14,7 +14,6 @@
 
 namespace {
 
-using c64 = std::complex<double>;
 using Vector = std::array<double, 3>;
 
 struct Setting {

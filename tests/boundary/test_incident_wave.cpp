@@ -8,8 +8,6 @@
 
 namespace {
 
-using c64 = std::complex<double>;
-
 struct Sea {
     double depth; // negative: deep water
     double K;

@@ -14,7 +14,6 @@
 
 namespace {
 
-using c64 = std::complex<double>;
 constexpr int HEADINGS = 2;
 constexpr f32 NU = 1.1f;
 struct Case {

@@ -11,7 +11,6 @@
 
 namespace fields {
 
-using c64 = std::complex<double>;
 using Vector = std::array<c64, 3>;
 
 // One radiation column, or one heading of a class.

@@ -30,11 +30,10 @@ double surface_condition_error(const P2fFile &p2f) {
     for (const fields::Field &f : fields::all_fields(p2f)) {
         const double K = static_cast<double>(p2f.WVNH(f.t)); // deep water
         for (int ip = 1; ip <= p2f.NEQN; ++ip) {
-            const fields::c64 wanted = fields::boundary_value(p2f, ip, f);
-            const fields::c64 source(f.radiation ? p2f.SRCR(ip, f.column, f.t)
-                                                 : p2f.SRCD(ip, f.column, f.s, f.t));
+            const c64 wanted = fields::boundary_value(p2f, ip, f);
+            const c64 source(f.radiation ? p2f.SRCR(ip, f.column, f.t) : p2f.SRCD(ip, f.column, f.s, f.t));
             // At z = 0 in deep water the normal velocity of the incident wave is K times its potential.
-            const fields::c64 incident = f.radiation ? 0.0 : -wanted / K;
+            const c64 incident = f.radiation ? 0.0 : -wanted / K;
             worst = std::max(
                 worst, std::abs(FOUR_PI * source + K * (fields::potential(p2f, ip, f) - incident) - wanted));
         }
@@ -194,14 +193,14 @@ struct Budget {
 };
 Budget heave_budget(const P2fFile &p2f, double e, int t) {
     const double K = static_cast<double>(p2f.WVNH(t));
-    fields::c64 H = 0;
+    c64 H = 0;
     double lid = 0;
     for (int ip = 1; ip <= p2f.NEQN; ++ip) {
         const double area = 4 * static_cast<double>(p2f.PMOM(1, ip));
         const double x = K * static_cast<double>(p2f.XCT(1, ip)), z = K * static_cast<double>(p2f.XCT(3, ip));
-        const fields::c64 phi(p2f.PHIR(ip, p2f.MODPOS(3), t));
+        const c64 phi(p2f.PHIR(ip, p2f.MODPOS(3), t));
         if (ip > p2f.NEQNB(1)) {
-            H += area * K * fields::c64(-e * e, -2 * e) * phi * std::cos(x);
+            H += area * K * c64(-e * e, -2 * e) * phi * std::cos(x);
             lid += area * 2 * e * K * std::norm(phi);
             continue;
         }

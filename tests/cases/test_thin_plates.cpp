@@ -10,7 +10,6 @@
 
 namespace {
 
-using c64 = std::complex<double>;
 using panel_lists::made, panel_lists::gdf, panel_lists::solve_gdf;
 
 Pot waves(const std::string &PER, const std::string &depth = "0") {

@@ -11,8 +11,6 @@
 
 namespace whole_fields {
 
-using c64 = std::complex<double>;
-
 // Potential, source and velocity, in global axes.
 using Values = std::array<c64, 5>;
 enum Kind { POTENTIAL, SOURCE, VELOCITY, KINDS };

@@ -2,13 +2,14 @@
 // A. Fuchs, 1954), for the wave exp(-i K x) that travels along x.
 #pragma once
 
+#include "base/types.hpp"
+
 #include <cmath>
 #include <complex>
 #include <numbers>
 
 namespace series {
 
-using c64 = std::complex<double>;
 constexpr int TERMS = 30;
 constexpr double PI = std::numbers::pi;
 
