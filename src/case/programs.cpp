@@ -39,7 +39,7 @@ std::string program_beside(const std::string &name) {
     const char *path = std::getenv("PATH");
     std::istringstream folders(path == nullptr ? "" : path);
     for (std::string folder; std::getline(folders, folder, ':');)
-        if (const std::string there = folder + "/" + name; access(there.c_str(), X_OK) == 0)
+        if (std::string there = folder + "/" + name; access(there.c_str(), X_OK) == 0)
             return there;
     return name;
 }

@@ -14,8 +14,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr double GIGABYTE = 1e9;
 
 // Masses, springs and seas are read with the results; a fault in them is told before anything is computed.

@@ -7,13 +7,6 @@
 #include <cmath>
 #include <cstdint>
 
-namespace {
-
-// Sums are taken over runs of this length, then over the runs: the rounding errors of a long sum stay small.
-constexpr int RUN = 1024;
-
-} // namespace
-
 VORDA_SIMD void subtract_column(int n, const c32 *column, const f32 (&y)[2], Split v) {
     const f32 *a = reinterpret_cast<const f32 *>(column);
     const f32 yr = y[0], yi = y[1];
