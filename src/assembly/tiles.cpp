@@ -2,12 +2,12 @@
 
 #include "base/simd.hpp"
 
-VORDA_SIMD void load_tile(int height, int columns, const f32 *plane0, const f32 *plane1, f32 factor,
-                          std::int64_t lead, f32 *const *rows) {
+VORDA_SIMD void load_tile(int height, int count, const int *columns, const f32 *plane0, const f32 *plane1,
+                          f32 factor, std::int64_t lead, f32 *const *rows) {
     constexpr int AHEAD = 24; // columns: no prefetcher follows steps of a whole column
-    for (int j = 0; j < columns; ++j) {
+    for (int k = 0; k < count; ++k) {
+        const int j = columns[k], later = columns[k + AHEAD < count ? k + AHEAD : count - 1];
         const f32 *from = plane0 + lead * j;
-        const int later = j + AHEAD < columns ? j + AHEAD : columns - 1;
         __builtin_prefetch(plane0 + lead * later);
         if (plane1 != nullptr)
             __builtin_prefetch(plane1 + lead * later);

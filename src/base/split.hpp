@@ -16,6 +16,11 @@ struct ConstSplit {
     ConstSplit(const Split &s) : re(s.re), im(s.im) {}
 };
 
+// The elements behind the first n.
+inline Split behind(Split s, std::int64_t n) {
+    return {s.re + n, s.im + n};
+}
+
 // sum += weight value, real weights.
 void add_weighted(int n, const f32 *weight, ConstSplit value, Split sum);
 

@@ -7,8 +7,10 @@
 
 // v[i] -= y column[i]; y is a real part and an imaginary part.
 void subtract_column(int n, const c32 *column, const f32 (&y)[2], Split v);
-// v[i] -= sum of y_c column_c[i] over four columns; y holds the real parts, then the imaginary ones.
-void subtract_four_columns(int n, const c32 *const (&column)[4], const f32 (&y)[8], Split v);
+// v_k[i] -= sum of y_kc column_c[i] over four columns, for `vectors` vectors; y_k holds the real parts, then
+// the imaginary ones.
+void subtract_four_columns(int n, const c32 *const (&column)[4], int vectors, const f32 (*y)[8],
+                           const Split *v);
 // sum_c += sum over i of row_c[i] y[i] for four rows; sum holds the real parts, then the imaginary ones.
 void add_four_products(int n, const c32 *const (&row)[4], ConstSplit y, f32 (&sum)[8]);
 

@@ -88,6 +88,7 @@ std::int64_t lay_out_store(const Options &opt, const Symmetry &sym, int NEQN, st
         place(store.RKNM, {n, n, sym.NSYMR, planes});
         place(store.RKVM, {n, n, 3 * sym.NSYMR, planes});
     }
+    place(store.near_rows, {n, (NEQN + NEAR_GROUP - 1) / NEAR_GROUP});
     return used;
 }
 
