@@ -13,9 +13,9 @@ struct ClassWork {
     [[nodiscard]] bool alloc(int NEQN, bool velocities);
 };
 
-// Takes the free-surface marks of the pair codes of a part of the row to EB, EFR and EFC. For pairs in the free surface
-// the store holds the source integral; the free-surface condition turns it into the coefficient of the
-// potential (and, with ISOR=1, of the source).
+// Takes the free-surface marks of the pair codes of a part of the row to EB, EFR and EFC. For pairs in the
+// free surface the store holds the source integral; the free-surface condition turns it into the coefficient
+// of the potential (and, with ISOR=1, of the source).
 void free_surface_pairs(const AssemblyFrame &frame, const TileRow &at, const RowPart &part,
                         const std::uint16_t *code, WaveRow &row);
 

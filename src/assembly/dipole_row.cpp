@@ -22,8 +22,8 @@ template <class V> c32 along(const f32 (&M)[3], const V &vector) {
     return M[0] * vector[0] + M[1] * vector[1] + M[2] * vector[2];
 }
 
-// Calls action(j, e, field is a dipole panel, source is one) for the pairs with a dipole panel, j the place of J
-// in the part, from 0, e their entry.
+// Calls action(j, e, field is a dipole panel, source is one) for the pairs with a dipole panel, j the place
+// of J in the part, from 0, e their entry.
 template <class Action>
 void each_dipole_pair(const Dipoles &dipoles, const DirectedPairs &pairs, Action action) {
     const RowPart &part = pairs.part;

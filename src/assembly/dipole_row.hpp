@@ -18,9 +18,9 @@ struct DirectedPairs {
 // one as source.
 void start_dipole_pairs(const Dipoles &dipoles, const DirectedPairs &pairs, WaveRow &row);
 
-// Adds the points of which that of the first J stands at `point`, from 0, one for each J, to the pairs that were
-// cleared. weight(J - from) (column: weight(1) for all) is the area of the source panel that the point stands
-// for.
+// Adds the points of which that of the first J stands at `point`, from 0, one for each J, to the pairs that
+// were cleared. weight(J - from) (column: weight(1) for all) is the area of the source panel that the point
+// stands for.
 void add_dipole_points(const AssemblyFrame &frame, const DirectedPairs &pairs, std::int64_t point,
                        const f32 *weight, WaveRow &row);
 

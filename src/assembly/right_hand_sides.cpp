@@ -4,6 +4,8 @@
 #include "geometry/lid.hpp"
 #include "state/messages.hpp"
 
+#include <algorithm>
+
 namespace {
 
 int column_count(const RunState &run) {
@@ -66,13 +68,23 @@ bool BlockSums::alloc(int last, const RunState &run) {
 void add_radiation(const RunState &run, const SourceWeights &weights, const SourceRow &row, BlockSums &sums) {
     const auto &[part, s, SROW, SCOL] = row;
     const int I = part.I, J = part.from + 1;
-    for (int k = 1; k <= run.sym.NMCLS[s]; ++k) {
-        const int column = run.sym.MODPOS(run.sym.MODCLS(k, s));
-        const c32 own = weighted_sum(part.n, &weights.velocity(J, column), SROW);
-        sums.re(I, column) += own.real();
-        sums.im(I, column) += own.imag();
-        add_signed(part.columns(), weights.velocity(I, column), SCOL,
-                   {&sums.re(J, column), &sums.im(J, column)});
+    constexpr int TOGETHER = 8; // sums of a call
+    for (int first = 1; first <= run.sym.NMCLS[s]; first += TOGETHER) {
+        const int count = std::min(TOGETHER, run.sym.NMCLS[s] - first + 1);
+        int column[TOGETHER];
+        const f32 *velocity[TOGETHER];
+        c32 own[TOGETHER];
+        for (int k = 0; k < count; ++k) {
+            column[k] = run.sym.MODPOS(run.sym.MODCLS(first + k, s));
+            velocity[k] = &weights.velocity(J, column[k]);
+        }
+        weighted_sums(part.n, count, velocity, SROW, own);
+        for (int k = 0; k < count; ++k) {
+            sums.re(I, column[k]) += own[k].real();
+            sums.im(I, column[k]) += own[k].imag();
+            add_signed(part.columns(), weights.velocity(I, column[k]), SCOL,
+                       {&sums.re(J, column[k]), &sums.im(J, column[k])});
+        }
     }
 }
 

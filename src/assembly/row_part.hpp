@@ -1,8 +1,8 @@
 // A part of a row of the wave assembly.
 #pragma once
 
-// Panels that are worked together: a row is worked part by part, so that what is between the Green function and
-// the matrices stays in the first caches.
+// Panels that are worked together: a row is worked part by part, so that what is between the Green function
+// and the matrices stays in the first caches.
 constexpr int PART = 512;
 
 // The panels J = from+1..from+n of row I, J <= I.

@@ -31,8 +31,8 @@ int find_columns(const RankineStore &store, int first, int last, int *columns) {
 }
 
 // Rows first..last of a Rankine matrix, its levels together, with what `count` columns hold.
-void load_rows(const RunState &run, f32 NUL, const StoredPlane &p, int first, int last, TileRows &tile, int count,
-               f32 *const *rows) {
+void load_rows(const RunState &run, f32 NUL, const StoredPlane &p, int first, int last, TileRows &tile,
+               int count, f32 *const *rows) {
     for (int a = 0; a <= last - first; ++a)
         std::fill_n(rows[a], last, 0.0f);
     const f32 *logarithm = run.opt.ILOG == 1 ? &p.matrix(first, 1, p.third, 1) : nullptr;

@@ -292,7 +292,8 @@ bool WaveRow::alloc(int NEQN, int NSYMG, const Options &opt, bool dipoles) {
     if (!RR.alloc(points) || !ZS.alloc(points) || !ZF.alloc(points) || !CR.alloc(points) ||
         !SR.alloc(points) || !CC.alloc(points) || !SC.alloc(points) || !ISNG.alloc(points) ||
         !IBOT.alloc(points) || !green.alloc(points, second ? 16 : 8) || !EB.alloc(panels) ||
-        !EFR.alloc(panels) || !EFC.alloc(panels) || !coefficient.alloc(entries, velocities ? 20 : 8) || !work.alloc(points))
+        !EFR.alloc(panels) || !EFC.alloc(panels) || !coefficient.alloc(entries, velocities ? 20 : 8) ||
+        !work.alloc(points))
         return false;
     SPR = column_pair(coefficient, 1);
     DPR = column_pair(coefficient, 3);

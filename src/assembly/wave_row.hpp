@@ -1,5 +1,6 @@
-// The wave coefficients of a part of one panel row: for every image and every panel J of the part the influence
-// of the pair in both directions, from one batched call of the Green function (from two on the Gauss path).
+// The wave coefficients of a part of one panel row: for every image and every panel J of the part the
+// influence of the pair in both directions, from one batched call of the Green function (from two on the
+// Gauss path).
 #pragma once
 
 #include "assembly/assembly_frame.hpp"
@@ -31,8 +32,8 @@ struct WaveRow {
 };
 
 // With a dipole panel as field panel S and D are derivatives along its normal, and the velocity of a source
-// on one is that of a dipole. Forms SPR, DPR, with ISOR=1 VPR, and SPC, DPC, VPC (J < I) for all images. `code`
-// holds the pair codes of the part; EB, EFR, EFC are set.
-// Failed: an image has no value at infinite frequency.
+// on one is that of a dipole. Forms SPR, DPR, with ISOR=1 VPR, and SPC, DPC, VPC (J < I) for all images.
+// `code` holds the pair codes of the part; EB, EFR, EFC are set. Failed: an image has no value at infinite
+// frequency.
 [[nodiscard]] Status wave_coefficients(const AssemblyFrame &frame, const RowPart &part,
                                        const std::uint16_t *code, WaveRow &row);

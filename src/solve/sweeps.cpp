@@ -36,6 +36,14 @@ struct StripVectors {
     }
 };
 
+// Elements j.. of y as the factors of four columns; those of columns that are missing are 0.
+void take_factors(ConstSplit y, int j, int count, f32 (&factors)[8]) {
+    for (int c = 0; c < 4; ++c) {
+        factors[c] = c < count ? y.re[j + c] : 0.0f;
+        factors[c + 4] = c < count ? y.im[j + c] : 0.0f;
+    }
+}
+
 void copy(int n, ConstSplit from, Split to) {
     std::copy_n(from.re, n, to.re);
     std::copy_n(from.im, n, to.im);
@@ -51,17 +59,13 @@ void update_strip(const c32 *A, std::int64_t lead, int lo, int hi, int b0, int b
         for (int k = 0; k < vectors; ++k)
             copy(hi - lo, behind(u[k].v, lo), strip.v[k]);
         for (int j = b0; j < b1; j += 4) {
-            const c32 *column[4];
-            f32 y[TOGETHER][8] = {};
+            FourColumns columns{{}, j + 8 <= b1 ? 4 * lead : 0};
+            f32 y[TOGETHER][8];
             for (int c = 0; c < 4; ++c)
-                column[c] = A + lo + lead * std::min(j + c, b1 - 1);
-            for (int k = 0; k < vectors; ++k) {
-                for (int c = 0; c < 4 && j + c < b1; ++c) {
-                    y[k][c] = u[k].y.re[j + c];
-                    y[k][c + 4] = u[k].y.im[j + c];
-                }
-            }
-            subtract_four_columns(hi - lo, column, vectors, y, strip.v);
+                columns.column[c] = A + lo + lead * std::min(j + c, b1 - 1);
+            for (int k = 0; k < vectors; ++k)
+                take_factors(u[k].y, j, std::min(4, b1 - j), y[k]);
+            subtract_four_columns(hi - lo, columns, vectors, y, strip.v);
         }
         for (int k = 0; k < vectors; ++k)
             copy(hi - lo, strip.v[k], behind(u[k].v, lo));
@@ -170,19 +174,21 @@ void products(const Run &run, const std::vector<SweepColumn> &columns, Sums &sum
 
 // r -= the columns of the run times y of the rows behind the first L, per column.
 void subtract_run(const Run &run, int L, const std::vector<SweepColumn> &columns) {
+    const int all = static_cast<int>(columns.size());
     for (int from = 0; from < run.n; from += STRIP) {
-        const int count = std::min(STRIP, run.n - from);
-        const c32 *row[4];
+        FourColumns four;
         for (int a = 0; a < 4; ++a)
-            row[a] = run.row[a] + from;
-        for (const SweepColumn &c : columns) {
-            f32 y[1][8] = {};
-            for (int a = 0; a < run.height; ++a) {
-                y[0][a] = c.y.re[L + a];
-                y[0][a + 4] = c.y.im[L + a];
+            four.column[a] = run.row[a] + from;
+        for (int first = 0; first < all; first += TOGETHER) {
+            const int vectors = std::min(TOGETHER, all - first);
+            f32 y[TOGETHER][8];
+            Split r[TOGETHER];
+            for (int k = 0; k < vectors; ++k) {
+                const SweepColumn &c = columns[static_cast<std::size_t>(first + k)];
+                take_factors(c.y, L, run.height, y[k]);
+                r[k] = behind(c.r, from);
             }
-            const Split r = behind(c.r, from);
-            subtract_four_columns(count, row, 1, y, &r);
+            subtract_four_columns(std::min(STRIP, run.n - from), four, vectors, y, r);
         }
     }
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <omp.h>
+#include <sys/mman.h>
 
 namespace {
 
@@ -97,6 +98,7 @@ Status allocate_store(const Options &opt, const Symmetry &sym, int NEQN, Rankine
     if (!store.block.alloc(bytes))
         return MSGOUT(" RAM too small ");
     (void)lay_out_store(opt, sym, NEQN, store.block.data(), store);
+    madvise(store.block.data(), bytes, MADV_NOHUGEPAGE);
     list_line("  Memory allocation is done for influence coeff. matrices");
     list_line(" ");
     return Status::ok;
