@@ -160,8 +160,13 @@ void class_sums(const AssemblyFrame &f, const TileRow &tile_row, const RowPart &
     const Images images = images_of(f.run.sym, part, s);
     add_images(n, images, row.DPR, at.row(s));
     add_images(columns, images, row.DPC, at.column(s));
-    sum_images(n, images, row.SPR, w.SROW);
-    sum_images(columns, images, row.SPC, w.SCOL);
+    if (images.count == 1) { // their sum is the coefficient as it stands
+        w.SROW = row.SPR;
+        w.SCOL = row.SPC;
+    } else {
+        sum_images(n, images, row.SPR, w.SROW);
+        sum_images(columns, images, row.SPC, w.SCOL);
+    }
     if (columns < n && is_dipole(f.run.dipoles, I)) { // the diagonal is in this part
         const c32 term = porosity_term(f.run.dipoles, f.wave, I);
         tile_row.row(s).re[I - 1] += term.real();

@@ -120,8 +120,9 @@ void centroid_points(const AssemblyFrame &f, const RowPart &part, const std::uin
             n, fixed_point(panels, part.I, sym.ISYMG[m + 1], NU), &panels.X(J, 1), &panels.X(J, 2),
             {row.RR.data() + o, row.CR.data() + o, row.SR.data() + o, row.CC.data() + o, row.SC.data() + o});
         scale_to(n, -NU, &panels.X(J, 3), row.ZS.data() + o);
-        std::fill_n(row.ZF.data() + o, n, -NU * panels.X(part.I, 3));
     }
+    if (part.from == 0) // for all parts of the row; the first is the longest
+        std::fill_n(row.ZF.data(), sym.NSYMG * n, -NU * panels.X(part.I, 3));
 }
 
 void centroid_velocities(const AssemblyFrame &f, const RowPart &part, std::int64_t o, WaveRow &row) {
@@ -148,14 +149,15 @@ void centroid_path(const AssemblyFrame &f, const RowPart &part, const std::uint1
         const int *ISNG = row.ISNG.data() + o;
         sources.cosine = row.CR.data() + o;
         sources.sine = row.SR.data() + o;
-        centroid_coefficients(part.n, green_row(row, GZ, ISNG, o, wave.LOGT), sources, wave.NU,
-                              behind(row.SPR, o), behind(row.DPR, o));
         // The depth of I is the other argument of the same evaluation, hence the other derivative.
         column.cosine = row.CC.data() + o;
         column.sine = row.SC.data() + o;
-        centroid_coefficients(part.columns(), green_row(row, GF, ISNG, o, wave.LOGT), column,
-                              one_source(panels, part.I, panels.A(part.I)), wave.NU, behind(row.SPC, o),
-                              behind(row.DPC, o));
+        centroid_coefficients(part.n, wave.NU,
+                              {green_row(row, GZ, ISNG, o, wave.LOGT), sources, behind(row.SPR, o),
+                               behind(row.DPR, o)},
+                              {green_row(row, GF, ISNG, o, wave.LOGT), column, behind(row.SPC, o),
+                               behind(row.DPC, o)},
+                              one_source(panels, part.I, panels.A(part.I)));
         if (row.velocities)
             centroid_velocities(f, part, o, row);
         if (!f.run.dipoles.IDIPOL)
