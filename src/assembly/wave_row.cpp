@@ -152,12 +152,11 @@ void centroid_path(const AssemblyFrame &f, const RowPart &part, const std::uint1
         // The depth of I is the other argument of the same evaluation, hence the other derivative.
         column.cosine = row.CC.data() + o;
         column.sine = row.SC.data() + o;
-        centroid_coefficients(part.n, wave.NU,
-                              {green_row(row, GZ, ISNG, o, wave.LOGT), sources, behind(row.SPR, o),
-                               behind(row.DPR, o)},
-                              {green_row(row, GF, ISNG, o, wave.LOGT), column, behind(row.SPC, o),
-                               behind(row.DPC, o)},
-                              one_source(panels, part.I, panels.A(part.I)));
+        centroid_coefficients(
+            part.n, wave.NU,
+            {green_row(row, GZ, ISNG, o, wave.LOGT), sources, behind(row.SPR, o), behind(row.DPR, o)},
+            {green_row(row, GF, ISNG, o, wave.LOGT), column, behind(row.SPC, o), behind(row.DPC, o)},
+            one_source(panels, part.I, panels.A(part.I)));
         if (row.velocities)
             centroid_velocities(f, part, o, row);
         if (!f.run.dipoles.IDIPOL)

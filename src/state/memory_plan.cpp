@@ -1,5 +1,6 @@
 #include "state/memory_plan.hpp"
 
+#include "base/pages.hpp"
 #include "base/platform.hpp"
 #include "base/text.hpp"
 #include "state/messages.hpp"
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <omp.h>
-#include <sys/mman.h>
 
 namespace {
 
@@ -98,7 +98,8 @@ Status allocate_store(const Options &opt, const Symmetry &sym, int NEQN, Rankine
     if (!store.block.alloc(bytes))
         return MSGOUT(" RAM too small ");
     (void)lay_out_store(opt, sym, NEQN, store.block.data(), store);
-    madvise(store.block.data(), bytes, MADV_NOHUGEPAGE);
+    use_small_pages(store.block.data(),
+                    static_cast<std::size_t>(bytes)); // most pairs are far from each other
     list_line("  Memory allocation is done for influence coeff. matrices");
     list_line(" ");
     return Status::ok;
