@@ -127,14 +127,10 @@ void centroid_points(const AssemblyFrame &f, const RowPart &part, const std::uin
 
 void centroid_velocities(const AssemblyFrame &f, const RowPart &part, std::int64_t o, WaveRow &row) {
     const Velocity at_row(row.VPR, o), at_column(row.VPC, o);
-    at_row.clear(part.n);
-    velocity_accumulate(part.n, velocity_row(row, GF, o, row.CR, row.SR), &f.panels.A(part.from + 1),
-                        at_row.component);
-    velocity_finish(part.n, f.wave.NU, row.EB.data(), at_row.component);
-    at_column.clear(part.columns());
-    velocity_accumulate(part.columns(), velocity_row(row, GZ, o, row.CC, row.SC), f.panels.A(part.I),
-                        at_column.component);
-    velocity_finish(part.columns(), f.wave.NU, row.EB.data(), at_column.component);
+    centroid_velocity(part.n, velocity_row(row, GF, o, row.CR, row.SR), &f.panels.A(part.from + 1), f.wave.NU,
+                      row.EB.data(), at_row.component);
+    centroid_velocity(part.columns(), velocity_row(row, GZ, o, row.CC, row.SC), f.panels.A(part.I), f.wave.NU,
+                      row.EB.data(), at_column.component);
 }
 
 void centroid_path(const AssemblyFrame &f, const RowPart &part, const std::uint16_t *code, WaveRow &row) {
