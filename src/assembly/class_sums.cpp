@@ -47,8 +47,10 @@ void velocity_sums(const AssemblyFrame &f, const PartLines &at, int s, const Wav
     sums_of_images(columns, all, row.DPC, w.DCOL);
     const Split EROW = at.row(s, PLANE_E);
     const Split ECOL = at.column(s, PLANE_E);
-    add_surface_pairs(n, row.EFR.data(), row.EFC.data(), w.DROW, EROW);
-    add_surface_pairs(columns, row.EFR.data(), row.EFC.data(), w.DCOL, ECOL);
+    if (!row.ordinary) {
+        add_surface_pairs(n, row.EFR.data(), row.EFC.data(), w.DROW, EROW);
+        add_surface_pairs(columns, row.EFR.data(), row.EFC.data(), w.DCOL, ECOL);
+    }
     for (int c = 0; c < 3; ++c) {
         const Images images = images_of(f.run.sym, at.part, s, axis_sign[c]);
         sums_of_images(n, images, row.VPR[c], w.VROW[c]);
