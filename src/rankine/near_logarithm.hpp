@@ -18,8 +18,8 @@ constexpr double STEEP_SERIES = 0.02; // largest ratio of terms in the series of
 constexpr double SMALL_ANGLE = 1.0e-4; // below which the arctangent is its series
 constexpr double ON_SIDE = 1.0e-7;     // of the panel size: least distance from a side in the family L
 
-// The vertical seen from each side: its components kt along the side, kv along the perpendicular from the side
-// to the field point (of length rho), w normal to both; their squares add up to 1.
+// The vertical seen from each side: its components kt along the side, kv along the perpendicular from the
+// side to the field point (of length rho), w normal to both; their squares add up to 1.
 template <int P> struct Vertical {
     alignas(64) PerSide<P> rho, kt, kv, w;
     alignas(64) PerSide<P> kx, ky, kz; // in the frame of the panel
@@ -27,7 +27,8 @@ template <int P> struct Vertical {
 };
 
 // The unit vertical in the frames of the panels.
-template <int P> [[gnu::always_inline]] inline void unit_vertical(const PanelLanes<P> &p, PerPanel<P> (&k)[3]) {
+template <int P>
+[[gnu::always_inline]] inline void unit_vertical(const PanelLanes<P> &p, PerPanel<P> (&k)[3]) {
 #pragma omp simd
     for (int l = 0; l < P; ++l) {
         const double kx = static_cast<double>(p.up[0][l]), ky = static_cast<double>(p.up[1][l]),
@@ -41,7 +42,8 @@ template <int P> [[gnu::always_inline]] inline void unit_vertical(const PanelLan
 
 // Vertices and lines of sides are not seen from nearer than the floor.
 template <int P>
-[[gnu::always_inline]] inline void keep_distance(const PerPanel<P> &floor, const PerPanel<P> &Z, Sides<P> &a) {
+[[gnu::always_inline]] inline void keep_distance(const PerPanel<P> &floor, const PerPanel<P> &Z,
+                                                 Sides<P> &a) {
     alignas(64) PerSide<P> floors, Zs;
     to_sides<P>(floor, floors);
     to_sides<P>(Z, Zs);
@@ -76,12 +78,13 @@ template <int P>
 // The wanted shift of each field point along the vertical: 0 unless the vertical is normal to the plane of a
 // side and the field point. True: some point has one.
 template <int P>
-[[gnu::always_inline]] inline bool level_shift(const PanelLanes<P> &p, const Sides<P> &a, const Vertical<P> &v,
-                                               PerPanel<P> &shift) {
+[[gnu::always_inline]] inline bool level_shift(const PanelLanes<P> &p, const Sides<P> &a,
+                                               const Vertical<P> &v, PerPanel<P> &shift) {
     alignas(64) PerSide<P> wanted; // -1: none
 #pragma omp simd
     for (int i = 0; i < SIDES * P; ++i) {
-        const bool level = a.counts[i] != 0 && v.kt[i] * v.kt[i] + v.kv[i] * v.kv[i] < LEVEL_SIDE * LEVEL_SIDE;
+        const bool level =
+            a.counts[i] != 0 && v.kt[i] * v.kt[i] + v.kv[i] * v.kv[i] < LEVEL_SIDE * LEVEL_SIDE;
         const double height = std::abs(v.kx[i] * a.i.x[i] + v.ky[i] * a.i.y[i] + v.kz[i] * v.Z[i]);
         wanted[i] = level ? height : -1.0;
     }
@@ -122,8 +125,8 @@ template <int P> struct HeightIntegrals {
     alignas(64) PerSide<P> B; // that of 1/(r + height)
 };
 
-// A steep side, kt = 1: B by a series about the vertical side, to the third order of alpha; the fourth is below
-// 1e-10. xh and xl: x of the ends.
+// A steep side, kt = 1: B by a series about the vertical side, to the third order of alpha; the fourth is
+// below 1e-10. xh and xl: x of the ends.
 [[gnu::always_inline]] inline double steep_B(double Q, double xh, double xl, double kt, double alpha,
                                              double beta) {
     const double h = 1 / xh, l = 1 / xl;
@@ -216,7 +219,8 @@ template <int P>
         LZ[i] = counts ? Z_part : 0.0;
         along[i] = counts ? F : 0.0;
         share[i] = counts ? 0.5 * (a.d[i] * (F - 0.5 * a.s[i]) - v.Z[i] * Z_part) : 0.0;
-        rise[i] = counts ? -(v.Z[i] / rho * h.A[i] + v.kz[i] * h.B[i]) : 0.0; // minus integral of the Z derivative
+        rise[i] =
+            counts ? -(v.Z[i] / rho * h.A[i] + v.kz[i] * h.B[i]) : 0.0; // minus integral of the Z derivative
     }
     sum_sides<P>(share, out.L);
     sum_sides<P>(LZ, out.LZ);
@@ -232,7 +236,7 @@ template <int P>
 
 // The family L, with order 1 and 2 of field points moved off the level of a side.
 template <int P>
-[[gnu::always_inline]] inline void near_logarithm(const PanelLanes<P> &p, int order, NearIntegrals<P> &out) {
+[[gnu::always_inline]] inline void logarithm(const PanelLanes<P> &p, int order, NearIntegrals<P> &out) {
     alignas(64) PerPanel<P> k[3], X, Y, Z, floor, shift;
     bool moved[P] = {};
     unit_vertical<P>(p, k);

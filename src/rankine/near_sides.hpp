@@ -15,14 +15,12 @@ constexpr double BETWEEN = -0.99; // product of cosines below which the field po
 constexpr double TWO_PI = 6.283185307179586;
 
 // The field point seen from a vertex of each side.
-template <int P> struct Ends {
-    alignas(64) PerSide<P> x, y, r;
-};
+template <int P> struct Ends { alignas(64) PerSide<P> x, y, r; };
 
 // A side: its length, its direction (c,n) in the panel, and seen from the field point
 template <int P> struct Sides {
     alignas(64) PerSide<P> s, c, n;
-    alignas(64) PerSide<P> d;      // its distance from the line of the side, positive on the side of the panel
+    alignas(64) PerSide<P> d; // its distance from the line of the side, positive on the side of the panel
     alignas(64) PerSide<P> ai, aj; // its position along the side from vertex i, j
     alignas(64) PerSide<P> counts; // 1; of a side of no length 0
     Ends<P> i, j;                  // the first and the second vertex
@@ -154,7 +152,7 @@ template <int P>
 
 // D and S, with order 1 SX and SY, with order 2 DX to DZ.
 template <int P>
-[[gnu::always_inline]] inline void near_source(const PanelLanes<P> &p, int order, NearIntegrals<P> &out) {
+[[gnu::always_inline]] inline void source(const PanelLanes<P> &p, int order, NearIntegrals<P> &out) {
     alignas(64) PerPanel<P> t, Z, height, angle, E;
 #pragma omp simd
     for (int l = 0; l < P; ++l) {

@@ -6,7 +6,7 @@
 // one, so the values of a panel do not depend on its company.
 #pragma once
 
-#include "base/types.hpp"
+#include "rankine/panint.hpp"
 
 #include <cstring>
 
@@ -17,20 +17,46 @@ template <int P> using PerPanel = double[P];
 template <int P> using PerSide = double[SIDES * P]; // side or vertex k of panel l at k P + l
 
 template <int P> struct PanelLanes {
-    alignas(64) f32 XIV[SIDES * P], ETV[SIDES * P]; // vertices
-    alignas(64) f32 SIDE[SIDES * P];
-    alignas(64) f32 up[3][P]; // the vertical in local axes
-    alignas(64) f32 width[P], area[P];
+    alignas(P * sizeof(f32)) f32 XIV[SIDES * P], ETV[SIDES * P], SIDE[SIDES * P];
+    alignas(P * sizeof(f32)) f32 up[3][P]; // the vertical in local axes
+    alignas(P * sizeof(f32)) f32 width[P], area[P];
     alignas(64) PerPanel<P> X, Y, Z; // field points in the frames of the panels
 };
 
-// As PanelIntegrals. D and S always; order 1 SX and SY, order 2 DX to DZ; with the logarithm L and LZ, order 1
-// LX and LY, order 2 LZX and LZY, and the status of PANINT.
-template <int P> struct NearIntegrals {
-    alignas(64) PerPanel<P> D, S, SX, SY, DX, DY, DZ;
-    alignas(64) PerPanel<P> L, LZ, LX, LY, LZX, LZY;
-    int status[P];
+// As PanelIntegrals. D and S always; order 1 SX and SY, order 2 DX to DZ; with the logarithm L and LZ, order
+// 1 LX and LY, order 2 LZX and LZY.
+template <int P, class Real> struct LaneIntegrals {
+    alignas(P * sizeof(Real)) Real D[P], S[P], SX[P], SY[P], DX[P], DY[P], DZ[P];
+    alignas(P * sizeof(Real)) Real L[P], LZ[P], LX[P], LY[P], LZX[P], LZY[P];
 };
+
+// The exact forms, with the status of PANINT.
+template <int P> struct NearIntegrals : LaneIntegrals<P, double> { int status[P]; };
+
+// The integrals of the one panel, those that were asked for.
+template <class Real>
+void put_integrals(const LaneIntegrals<1, Real> &I, int IGRAD, int ILOGF, PanelIntegrals &out) {
+    const auto put = [](const Real(&from)[1], f32 &to) { to = static_cast<f32>(from[0]); };
+    put(I.D, out.D);
+    put(I.S, out.S);
+    if (IGRAD != 0) {
+        put(I.SX, out.SX);
+        put(I.SY, out.SY);
+        put(I.DX, out.DX);
+        put(I.DY, out.DY);
+        put(I.DZ, out.DZ);
+    }
+    if (ILOGF != 0) {
+        put(I.L, out.L);
+        put(I.LZ, out.LZ);
+    }
+    if (IGRAD != 0 && ILOGF != 0) {
+        put(I.LX, out.LX);
+        put(I.LY, out.LY);
+        put(I.LZX, out.LZX);
+        put(I.LZY, out.LZY);
+    }
+}
 
 // Four values in a register: those of the next vertex come from it, not from memory that was just written.
 template <int P> [[gnu::always_inline]] inline void next_vertex(const PerSide<P> &first, PerSide<P> &second) {
