@@ -72,7 +72,7 @@ int PANFLD(const f32 *P, const Panel &p, int ILOGF, int IGRAD, FieldIntegrals &o
     const Local at = to_local(P, p);
     PanelIntegrals I;
     int status = 0;
-    if (is_far(P, p))
+    if (is_far({P[1], P[2], P[3]}, {p.XCT[1], p.XCT[2], p.XCT[3]}, p.region2))
         panint_far(at.X, at.Y, at.Z, p, IGRAD, ILOGF, I);
     else
         status = panint_near(at.X, at.Y, at.Z, p, IGRAD, ILOGF, I);

@@ -67,13 +67,11 @@ struct Triple {
                             static_cast<double>(axis.z) * dz);
 }
 
-inline bool is_far(const f32 *P, const Panel &p) {
-    double R2 = 0;
-    for (int c = 1; c <= 3; ++c) {
-        const double d = static_cast<double>(P[c]) - static_cast<double>(p.XCT[c]);
-        R2 += d * d;
-    }
-    return R2 > static_cast<double>(FAR_FIELD) * static_cast<double>(p.region2);
+inline bool is_far(Triple point, Triple centroid, f32 region2) {
+    const double dx = static_cast<double>(point.x) - static_cast<double>(centroid.x),
+                 dy = static_cast<double>(point.y) - static_cast<double>(centroid.y),
+                 dz = static_cast<double>(point.z) - static_cast<double>(centroid.z);
+    return dx * dx + dy * dy + dz * dz > static_cast<double>(FAR_FIELD) * static_cast<double>(region2);
 }
 
 // The parts of PANINT, by region.

@@ -17,15 +17,20 @@ constexpr int ROWS = 16;
 // the gradient.
 struct Block {
     Array<std::uint8_t, 2> mask; // near bits (padded panels, ROWS)
+    Array<std::uint8_t, 1> bits; // those of all rows (padded panels)
     Array<int, 1> column;        // place of a panel among the columns, from 0; -1: nothing near (NEQN)
     Array<int, 1> panel;         // panel of a column (NEQN)
+    Array<int, 1> listed;        // panels that some row has a code with (NEQN)
+    PairChunk chunk;             // pairs of a row that are worked together
     Array<f32, 1> tile;
     Array<f32, 3> rhs; // right-hand sides of the rows (NSYMD or 1, 0:1, ROWS)
-    int columns = 0;
+    int columns = 0, listings = 0;
 
     [[nodiscard]] bool alloc(const RankineInput &in) {
         return mask.alloc(std::max(in.points.padded, 1), ROWS) && column.alloc(in.mesh.NEQN) &&
-               panel.alloc(in.mesh.NEQN) && rhs.alloc(std::max(in.sym.NSYMD, 1), Range{0, 1}, ROWS);
+               panel.alloc(in.mesh.NEQN) && listed.alloc(in.mesh.NEQN) &&
+               bits.alloc(std::max(in.points.padded, 1)) &&
+               rhs.alloc(std::max(in.sym.NSYMD, 1), Range{0, 1}, ROWS);
     }
     // Room for the columns of this block in all planes, zeroed.
     [[nodiscard]] bool clear_tile(int planes) {
@@ -68,44 +73,68 @@ class Sweep {
 
   private:
     void find_columns(int first, int rows, Block &b) const {
-        for (int r = 1; r <= rows; ++r)
-            pairs_of(in_, first + r - 1, &b.mask(1, r));
+        b.bits.fill(0);
+        std::uint8_t *bits = b.bits.data();
+        for (int r = 1; r <= rows; ++r) {
+            std::uint8_t *mask = &b.mask(1, r);
+            pairs_of(in_, first + r - 1, mask);
+            for (int i = 0; i < NEQN_; ++i)
+                bits[i] |= mask[i];
+        }
         const int near_bits = (1 << in_.images.count) - 1;
-        b.columns = 0;
+        b.columns = b.listings = 0;
         for (int B = 1; B <= NEQN_; ++B) {
-            int bits = 0;
-            for (int r = 1; r <= rows; ++r)
-                bits |= b.mask(B, r);
-            b.column(B) = (bits & near_bits) != 0 ? b.columns : -1;
-            if ((bits & near_bits) != 0)
+            if (bits[B - 1] != 0)
+                b.listed(++b.listings) = B;
+            const bool near = (bits[B - 1] & near_bits) != 0;
+            b.column(B) = near ? b.columns : -1;
+            if (near)
                 b.panel(++b.columns) = B;
         }
     }
 
     bool row(int A, int r, Block &b) const {
-        for (int B = 1; B <= NEQN_; ++B) {
-            const int bits = b.mask(B, r);
+        b.chunk.count = 0;
+        for (int c = 1; c <= b.listings; ++c) {
+            const int B = b.listed(c), bits = b.mask(B, r);
             if (bits == 0)
                 continue;
             const bool surface = (bits & PAIR_SURFACE) != 0;
-            int code = surface ? CODE_SURFACE : 0;
+            if (B <= A)
+                store_.ICODM(pair_place(A) + B) = surface ? CODE_SURFACE : 0;
             for (int p = 1; p <= in_.images.count; ++p) {
                 if ((bits & (1 << (p - 1))) == 0)
                     continue;
-                RankineTerms terms;
-                if (!rankine_pair(in_, A, B, p, surface, terms)) {
-                    faults_.integral = true;
+                b.chunk.add({A, B, p, surface});
+                if (b.chunk.full() && !add_chunk(r, b))
                     return false;
-                }
-                code += terms.digit << (3 * (p - 1));
-                scatter_terms(in_, planes_, terms, sym_.ISYMG[p], {A, B, surface}, element(B, r, b),
-                              right_hand_sides_ ? &b.rhs(1, 0, r) : nullptr);
             }
-            if (B <= A)
-                store_.ICODM(pair_place(A) + B) = static_cast<std::uint16_t>(code);
         }
+        if (!add_chunk(r, b))
+            return false;
         if ((b.mask(A, r) & PAIR_SURFACE) == 0 && !in_.dipole(A))
             add_half_solid_angle(planes_, element(A, r, b));
+        return true;
+    }
+
+    // Adds what the pairs of the chunk have to the tile, in the order of the pairs.
+    bool add_chunk(int r, Block &b) const {
+        PairChunk &chunk = b.chunk;
+        if (!rankine_pairs(in_, chunk)) {
+            faults_.integral = true;
+            return false;
+        }
+        for (int i = 0; i < chunk.count; ++i) {
+            const DirectedPair &pair = chunk.pair[i];
+            const RankineTerms &terms = chunk.terms[i];
+            scatter_terms(in_, planes_, terms, pair, element(pair.source, r, b),
+                          right_hand_sides_ ? &b.rhs(1, 0, r) : nullptr);
+            if (pair.source <= pair.field) {
+                std::uint16_t &code = store_.ICODM(pair_place(pair.field) + pair.source);
+                code = static_cast<std::uint16_t>(code + (terms.digit << (3 * (pair.image - 1))));
+            }
+        }
+        chunk.count = 0;
         return true;
     }
 

@@ -15,6 +15,7 @@ struct OuterPanel {
     Array<f32, 2> column;         // influence on B from A (NEQN, planes)
     Array<std::uint16_t, 1> code; // pair codes (NEQN)
     Array<std::uint8_t, 1> mask;
+    PairChunk chunk;   // pairs that are worked together
     Array<f32, 3> rhs; // right-hand sides of all panels (NSYMD,0:1,NEQN)
     [[nodiscard]] bool alloc(const RankineInput &in, int planes) {
         const int n = in.mesh.NEQN;
@@ -24,38 +25,53 @@ struct OuterPanel {
     }
 };
 
+// Adds what the pairs of the chunk have to row and column of A, in the order of the pairs. False: an integral
+// has no value.
+bool add_chunk(const RankineInput &in, const Planes &planes, int A, OuterPanel &outer) {
+    if (!rankine_pairs(in, outer.chunk))
+        return false;
+    const int n = in.mesh.NEQN;
+    for (int i = 0; i < outer.chunk.count; ++i) {
+        const DirectedPair &pair = outer.chunk.pair[i];
+        const RankineTerms &terms = outer.chunk.terms[i];
+        f32 *rhs = in.opt.IRAD != -1 ? &outer.rhs(1, 0, pair.field) : nullptr;
+        const bool of_row = pair.field == A;
+        f32 *element = of_row ? &outer.row(pair.source, 1) : &outer.column(pair.field, 1);
+        scatter_terms(in, planes, terms, pair, {element, n}, rhs);
+        if (of_row) {
+            std::uint16_t &code = outer.code(pair.source);
+            code = static_cast<std::uint16_t>(code + (terms.digit << (3 * (pair.image - 1))));
+        }
+    }
+    outer.chunk.count = 0;
+    return true;
+}
+
 // All pairs of A with B = 1..A, both directions in one visit. False: an integral has no value.
 bool visit(const RankineInput &in, const Planes &planes, int A, OuterPanel &outer) {
-    const int n = in.mesh.NEQN;
     for (int p = 1; p <= planes.all(); ++p) {
         std::fill_n(&outer.row(1, p), A, 0.0f);
         std::fill_n(&outer.column(1, p), A, 0.0f);
     }
     pairs_of(in, A, outer.mask.data());
-    const auto rhs_of = [&](int panel) { return in.opt.IRAD != -1 ? &outer.rhs(1, 0, panel) : nullptr; };
     for (int B = 1; B <= A; ++B) {
         const int bits = outer.mask(B);
         const bool surface = (bits & PAIR_SURFACE) != 0;
-        int code = surface ? CODE_SURFACE : 0;
+        outer.code(B) = surface ? CODE_SURFACE : 0;
         for (int p = 1; p <= in.images.count; ++p) {
             if ((bits & (1 << (p - 1))) == 0)
                 continue;
-            const int m = in.sym.ISYMG[p];
-            RankineTerms terms;
-            if (!rankine_pair(in, A, B, p, surface, terms))
+            outer.chunk.add({A, B, p, surface});
+            if (A != B)
+                outer.chunk.add({B, A, p, surface});
+            if (outer.chunk.full() && !add_chunk(in, planes, A, outer))
                 return false;
-            code += terms.digit << (3 * (p - 1));
-            scatter_terms(in, planes, terms, m, {A, B, surface}, {&outer.row(B, 1), n}, rhs_of(A));
-            if (A == B)
-                continue;
-            if (!rankine_pair(in, B, A, p, surface, terms))
-                return false;
-            scatter_terms(in, planes, terms, m, {B, A, surface}, {&outer.column(B, 1), n}, rhs_of(B));
         }
-        outer.code(B) = static_cast<std::uint16_t>(code);
     }
+    if (!add_chunk(in, planes, A, outer))
+        return false;
     if ((outer.mask(A) & PAIR_SURFACE) == 0 && !in.dipole(A))
-        add_half_solid_angle(planes, {&outer.row(A, 1), n});
+        add_half_solid_angle(planes, {&outer.row(A, 1), in.mesh.NEQN});
     return true;
 }
 

@@ -26,9 +26,19 @@ struct RankineInput {
     bool tank() const { return opt.IRRX != 0; }
 };
 
-// Influence on field panel F, taken at its image, of source panel G. Level 0 holds the plain Rankine terms,
-// level 1 those that multiply the logarithm of the wave function. D dipole, S source, N normal derivative of
-// the source at the field panel, V its gradient (axes from 1).
+// A directed pair, the field panel taken at its image; `surface` tells that both panels lie in z = 0. Its
+// influence is then the source integral times a mark IFSP: on the potential that of the source panel, of
+// which the free-surface condition gives the normal velocity; on the normal velocity that of the field panel,
+// of which it gives the velocity that the source makes.
+struct DirectedPair {
+    int field, source;
+    int image; // place in the list of images, from 1
+    bool surface;
+};
+
+// Influence of the source panel on the field panel. Level 0 holds the plain Rankine terms, level 1 those that
+// multiply the logarithm of the wave function. D dipole, S source, N normal derivative of the source at the
+// field panel, V its gradient (axes from 1).
 struct RankineTerms {
     f32 D[2], S[2], N[2];
     f32 V[2][4];
@@ -36,10 +46,20 @@ struct RankineTerms {
                // 4 added: bottom
 };
 
+// Near pairs that are worked together. The terms of a pair do not depend on the other ones.
+struct PairChunk {
+    static constexpr int SIZE = 512;
+    int count = 0;
+    DirectedPair pair[SIZE];
+    RankineTerms terms[SIZE];
+
+    bool full() const { return count >= SIZE - 1; } // room for both directions
+    void add(const DirectedPair &p) { pair[count++] = p; }
+};
+
 // The mask of near_pairs for field panel A, or that of a tank.
 void pairs_of(const RankineInput &in, int A, std::uint8_t *mask);
 
-// The terms of a near pair for the p-th image of the list; `surface` tells that both panels lie in z = 0. At
-// F = G, p = 1, V starts with the 2 pi of the panel itself. False: an integral has no value.
-[[nodiscard]] bool rankine_pair(const RankineInput &in, int F, int G, int p, bool surface,
-                                RankineTerms &terms);
+// Fills the terms of the pairs. At a panel and itself, V starts with its own 2 pi. False: an integral has no
+// value.
+[[nodiscard]] bool rankine_pairs(const RankineInput &in, PairChunk &chunk);

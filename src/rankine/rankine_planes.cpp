@@ -28,9 +28,10 @@ int first_surface_row(const RankineInput &in) {
 
 } // namespace
 
-void scatter_terms(const RankineInput &in, const Planes &planes, const RankineTerms &t, int m, PanelPair pair,
-                   PlaneElement element, f32 *rhs) {
+void scatter_terms(const RankineInput &in, const Planes &planes, const RankineTerms &t,
+                   const DirectedPair &pair, PlaneElement element, f32 *rhs) {
     const Symmetry &sym = in.sym;
+    const int m = sym.ISYMG[pair.image];
     const std::int64_t plane = element.plane;
     const bool surface = pair.surface;
     const f32 source_mark = surface ? static_cast<f32>(in.mesh.IFSP(pair.source)) : 0;

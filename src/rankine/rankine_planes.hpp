@@ -28,19 +28,10 @@ struct PlaneElement {
     std::int64_t plane;
 };
 
-// A directed pair; `surface` tells that both panels lie in z = 0. Its influence is the source integral times
-// a mark IFSP: on the potential that of the source panel, of which the free-surface condition gives the
-// normal velocity; on the normal velocity that of the field panel, of which it gives the velocity that the
-// source makes.
-struct PanelPair {
-    int field, source;
-    bool surface;
-};
-
-// Adds the terms of image m to the element in all classes, and to the right-hand sides of the field panel rhs
-// (NSYMD,0:1); null: no radiation.
-void scatter_terms(const RankineInput &in, const Planes &planes, const RankineTerms &terms, int m,
-                   PanelPair pair, PlaneElement to, f32 *rhs);
+// Adds the terms of the pair to the element in all classes, and to the right-hand sides of the field panel
+// rhs (NSYMD,0:1); null: no radiation.
+void scatter_terms(const RankineInput &in, const Planes &planes, const RankineTerms &terms,
+                   const DirectedPair &pair, PlaneElement to, f32 *rhs);
 
 // The half solid angle that a panel has of itself; one in z = 0 or a dipole panel has none.
 void add_half_solid_angle(const Planes &planes, PlaneElement to);
