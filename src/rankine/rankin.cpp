@@ -21,7 +21,8 @@ struct Block {
     Array<int, 1> column;        // place of a panel among the columns, from 0; -1: nothing near (NEQN)
     Array<int, 1> panel;         // panel of a column (NEQN)
     Array<int, 1> listed;        // panels that some row has a code with (NEQN)
-    PairChunk chunk;             // pairs of a row that are worked together
+    PairTargets targets;
+    PairChunk chunk; // pairs of a row that are worked together
     Array<f32, 1> tile;
     Array<f32, 3> rhs; // right-hand sides of the rows (NSYMD or 1, 0:1, ROWS)
     int columns = 0, listings = 0;
@@ -53,7 +54,7 @@ struct Faults {
 class Sweep {
   public:
     Sweep(const RankineInput &in, RankineStore &store, Faults &faults)
-        : in_(in), sym_(in.sym), planes_(in.opt, in.sym), store_(store), faults_(faults),
+        : in_(in), sym_(in.sym), planes_(in.opt, in.sym), feed_(in), store_(store), faults_(faults),
           right_hand_sides_(in.opt.IRAD != -1), NEQN_(in.mesh.NEQN) {}
 
     // Rows first .. first + ROWS - 1.
@@ -75,11 +76,13 @@ class Sweep {
     void find_columns(int first, int rows, Block &b) const {
         b.bits.fill(0);
         std::uint8_t *bits = b.bits.data();
+        const int N = NEQN_;
         for (int r = 1; r <= rows; ++r) {
             std::uint8_t *mask = &b.mask(1, r);
             pairs_of(in_, first + r - 1, mask);
-            for (int i = 0; i < NEQN_; ++i)
-                bits[i] |= mask[i];
+#pragma omp simd
+            for (int i = 0; i < N; ++i)
+                bits[i] = static_cast<std::uint8_t>(bits[i] | mask[i]);
         }
         const int near_bits = (1 << in_.images.count) - 1;
         b.columns = b.listings = 0;
@@ -124,16 +127,19 @@ class Sweep {
             faults_.integral = true;
             return false;
         }
+        PairTargets &to = b.targets;
+        to.plane = element(1, r, b).plane;
         for (int i = 0; i < chunk.count; ++i) {
             const DirectedPair &pair = chunk.pair[i];
-            const RankineTerms &terms = chunk.terms[i];
-            scatter_terms(in_, planes_, terms, pair, element(pair.source, r, b),
-                          right_hand_sides_ ? &b.rhs(1, 0, r) : nullptr);
+            to.element[i] = element(pair.source, r, b).at;
+            to.rhs[i] = right_hand_sides_ ? &b.rhs(1, 0, r) : nullptr;
             if (pair.source <= pair.field) {
                 std::uint16_t &code = store_.ICODM(pair_place(pair.field) + pair.source);
-                code = static_cast<std::uint16_t>(code + (terms.digit << (3 * (pair.image - 1))));
+                code = static_cast<std::uint16_t>(code + (chunk.digit[i] << (3 * (pair.image - 1))));
             }
         }
+        scatter_terms(in_, planes_, chunk, to);
+        feed_.add(chunk, planes_.levels, to);
         chunk.count = 0;
         return true;
     }
@@ -148,17 +154,17 @@ class Sweep {
             for (int c = 1; c <= b.columns; ++c, from += ROWS)
                 std::copy_n(from, rows, &to(first, b.panel(c), third, k));
         };
-        for (int s = 1; s <= planes_.classes; ++s)
-            for (int k = 0; k < planes_.levels; ++k) {
+        for (const PlaneTerm &plane : planes_.list) {
+            const int s = plane.cls, k = plane.level;
+            if (plane.term == DIPOLE)
                 copy_plane(store_.RKDM, s, k);
-                if (planes_.source > 0)
-                    copy_plane(store_.RKSM, s, k);
-                if (planes_.normal > 0) {
-                    copy_plane(store_.RKNM, s, k);
-                    for (int axis = 1; axis <= 3; ++axis)
-                        copy_plane(store_.RKVM, 3 * (s - 1) + axis, k);
-                }
-            }
+            else if (plane.term == SOURCE)
+                copy_plane(store_.RKSM, s, k);
+            else if (plane.term == NORMAL)
+                copy_plane(store_.RKNM, s, k);
+            else
+                copy_plane(store_.RKVM, 3 * (s - 1) + 1 + plane.term - VELOCITY, k);
+        }
         if (right_hand_sides_)
             for (int k = 0; k < planes_.levels; ++k)
                 for (int c = 1; c <= sym_.NSYMD; ++c)
@@ -169,6 +175,7 @@ class Sweep {
     const RankineInput &in_;
     const Symmetry &sym_;
     Planes planes_;
+    ModeFeed feed_;
     RankineStore &store_;
     Faults &faults_;
     bool right_hand_sides_;

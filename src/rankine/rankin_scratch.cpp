@@ -15,8 +15,12 @@ struct OuterPanel {
     Array<f32, 2> column;         // influence on B from A (NEQN, planes)
     Array<std::uint16_t, 1> code; // pair codes (NEQN)
     Array<std::uint8_t, 1> mask;
-    PairChunk chunk;   // pairs that are worked together
+    PairChunk chunk; // pairs that are worked together
+    PairTargets targets;
+    const ModeFeed &feed;
     Array<f32, 3> rhs; // right-hand sides of all panels (NSYMD,0:1,NEQN)
+
+    explicit OuterPanel(const ModeFeed &modes) : feed(modes) {}
     [[nodiscard]] bool alloc(const RankineInput &in, int planes) {
         const int n = in.mesh.NEQN;
         return row.alloc(n, planes) && column.alloc(n, planes) && code.alloc(n) &&
@@ -30,19 +34,20 @@ struct OuterPanel {
 bool add_chunk(const RankineInput &in, const Planes &planes, int A, OuterPanel &outer) {
     if (!rankine_pairs(in, outer.chunk))
         return false;
-    const int n = in.mesh.NEQN;
+    PairTargets &to = outer.targets;
+    to.plane = in.mesh.NEQN;
     for (int i = 0; i < outer.chunk.count; ++i) {
         const DirectedPair &pair = outer.chunk.pair[i];
-        const RankineTerms &terms = outer.chunk.terms[i];
-        f32 *rhs = in.opt.IRAD != -1 ? &outer.rhs(1, 0, pair.field) : nullptr;
         const bool of_row = pair.field == A;
-        f32 *element = of_row ? &outer.row(pair.source, 1) : &outer.column(pair.field, 1);
-        scatter_terms(in, planes, terms, pair, {element, n}, rhs);
+        to.element[i] = of_row ? &outer.row(pair.source, 1) : &outer.column(pair.field, 1);
+        to.rhs[i] = in.opt.IRAD != -1 ? &outer.rhs(1, 0, pair.field) : nullptr;
         if (of_row) {
             std::uint16_t &code = outer.code(pair.source);
-            code = static_cast<std::uint16_t>(code + (terms.digit << (3 * (pair.image - 1))));
+            code = static_cast<std::uint16_t>(code + (outer.chunk.digit[i] << (3 * (pair.image - 1))));
         }
     }
+    scatter_terms(in, planes, outer.chunk, to);
+    outer.feed.add(outer.chunk, planes.levels, to);
     outer.chunk.count = 0;
     return true;
 }
@@ -91,13 +96,12 @@ bool write_records(const Planes &planes, int A, OuterPanel &outer, RecordFile &u
     for (int s = 1; s <= planes.classes; ++s) {
         for (int k = 0; k < planes.levels; ++k) {
             const int first = planes.first(s, k) + 1;
-            write(first, 1);
-            if (planes.source > 0)
-                write(first + planes.source, 1);
-            if (planes.normal > 0) {
-                write(first + planes.normal, 1);
-                write(first + planes.velocity, 3);
-            }
+            // All single ones, then the gradient.
+            const int single = planes.per_class > 3 ? planes.per_class - 3 : planes.per_class;
+            for (int p = 0; p < single; ++p)
+                write(first + p, 1);
+            if (single < planes.per_class)
+                write(first + single, 3);
         }
     }
     return good && unit.write({bytes_of(outer.code.data(), A)});
@@ -120,7 +124,8 @@ bool write_right_hand_sides(const RankineInput &in, OuterPanel &outer, RecordFil
 
 Status sweep(const RankineInput &in, RecordFile &rows, RecordFile &right_hand_sides) {
     const Planes planes(in.opt, in.sym);
-    OuterPanel outer;
+    const ModeFeed feed(in);
+    OuterPanel outer(feed);
     if (!outer.alloc(in, planes.all()))
         return MSGOUT(" RAM too small.  Allocation error in RANKIN ");
     for (int A = 1; A <= in.mesh.NEQN; ++A) {

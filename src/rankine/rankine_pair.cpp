@@ -10,193 +10,220 @@ namespace {
 
 constexpr f32 FAR_AWAY = 1.0e15f; // coordinate of padding points; its square is finite
 
+constexpr int SIZE = PairChunk::SIZE;
+
 // Where a term of a pair has its field point: the panel itself, or its image in the free surface or
 // in the bottom.
-enum class At { panel, free_surface, bottom };
+enum At { PANEL, FREE_SURFACE, BOTTOM, PLACES };
 
-// The field point of a term with its normal, axes from 1.
-struct FieldPoint {
-    f32 P[4], N[4];
+// Field points and source centroids of the pairs of a chunk.
+struct PairPlaces {
+    alignas(64) f32 x[SIZE], y[SIZE], z[SIZE]; // field panel at its image, not yet one in a horizontal plane
+    alignas(64) f32 cx[SIZE], cy[SIZE], cz[SIZE], reach[SIZE]; // of the source
+    alignas(64) f32 larger[SIZE];                              // the larger reach of the two
+    alignas(64) int far[PLACES][SIZE]; // 1: the multipoles stand for the source at the field point
 };
 
-FieldPoint field_point(const RankineInput &in, const DirectedPair &pair, At at) {
-    const Panel &field = in.panel(pair.field);
-    const f32 sx = in.images.sx[pair.image - 1], sy = in.images.sy[pair.image - 1];
-    const f32 up = at == At::panel ? 1.0f : -1.0f; // an image in a horizontal plane turns the vertical
-    const f32 bottom = at == At::bottom ? -2 * in.opt.HBOT : 0;
-    return {{0, sx * field.XCT[1], sy * field.XCT[2], bottom + up * field.XCT[3]},
-            {0, sx * field.TRM[3][1], sy * field.TRM[3][2], up * field.TRM[3][3]}};
+void find_places(const RankineInput &in, const PairChunk &chunk, PairPlaces &at) {
+    const PairPoints &points = in.points;
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        const std::size_t F = static_cast<std::size_t>(pair.field) - 1;
+        const std::size_t G = static_cast<std::size_t>(pair.source) - 1;
+        at.x[i] = in.images.sx[pair.image - 1] * points.x[F];
+        at.y[i] = in.images.sy[pair.image - 1] * points.y[F];
+        at.z[i] = points.z[F];
+        at.cx[i] = points.x[G];
+        at.cy[i] = points.y[G];
+        at.cz[i] = points.z[G];
+        at.reach[i] = points.reach[G];
+        at.larger[i] = std::max(points.reach[F], points.reach[G]);
+    }
 }
 
-// What a term of a pair adds: D and S, with the logarithm LZ and L, and the gradients of the source (of a
-// dipole panel of the dipole) and of its logarithm, in global axes, with their components along the field
-// normal.
-struct Term {
-    f32 D, S, LZ, L;
-    f32 G[2][4], N[2];
-};
+// Height of a place of the field panel at z.
+[[gnu::always_inline]] inline f32 height(int place, f32 z, f32 HBOT) {
+    return place == PANEL ? z : place == FREE_SURFACE ? -z : -(2 * HBOT + z);
+}
 
-// The terms of the pairs of a chunk at one of the images. Those of equal kind (far or not, with gradient or
-// not) are worked eight at a time.
-class TermSums {
+// The digits of the pairs, which tell the images that count, and which places are far. HBOT <= 0: no bottom.
+VORDA_SIMD void judge_places(int count, f32 HBOT, int ILOG, PairPlaces &at, int *digit) {
+    const int bottom = HBOT > 0 ? 4 : 0;
+#pragma omp simd
+    for (int i = 0; i < count; ++i) {
+        const f32 dx = at.x[i] - at.cx[i], dy = at.y[i] - at.cy[i];
+        const f32 dh2 = dx * dx + dy * dy, sum = at.z[i] + at.cz[i], below = 2 * HBOT + sum;
+        const f32 near2 = RKNEAR * at.larger[i];
+        const int image = dh2 + sum * sum < near2 ? ILOG + 2 : 1;
+        digit[i] = image + (dh2 + below * below <= near2 ? bottom : 0);
+    }
+    for (int place = 0; place < PLACES; ++place) {
+#pragma omp simd
+        for (int i = 0; i < count; ++i)
+            at.far[place][i] = is_far({at.x[i], at.y[i], height(place, at.z[i], HBOT)},
+                                      {at.cx[i], at.cy[i], at.cz[i]}, at.reach[i])
+                                   ? 1
+                                   : 0;
+    }
+}
+
+// Adds the terms of a chunk at one of the places, eight pairs at a time.
+class PlaceTerms {
   public:
-    TermSums(const RankineInput &in, At at, PairChunk &chunk)
-        : in_(in), at_(at), logarithm_(at == At::free_surface ? in.opt.ILOG : 0), chunk_(chunk) {}
+    PlaceTerms(const RankineInput &in, At place, const PairPlaces &places, PairChunk &chunk)
+        : in_(in), place_(place), logarithm_(place == FREE_SURFACE ? in.opt.ILOG : 0),
+          up_(place == PANEL ? 1.0f : -1.0f), places_(places), chunk_(chunk) {}
 
-    // False: an integral has no value.
-    bool add(int i) {
-        const DirectedPair &pair = chunk_.pair[i];
-        const int gradient = pair.surface ? 0 : in_.opt.ISOR;
-        const FieldPoint x = field_point(in_, pair, at_);
-        if (in_.dipole(pair.field) || in_.dipole(pair.source))
-            return add_alone(i, gradient, x);
-        const std::size_t source = static_cast<std::size_t>(pair.source) - 1;
-        const PairPoints &c = in_.points;
-        const bool far =
-            is_far({x.P[1], x.P[2], x.P[3]}, {c.x[source], c.y[source], c.z[source]}, c.reach[source]);
-        Queue &q = queue_[far ? 1 : 0][gradient != 0 ? 1 : 0];
-        q.pair[q.count] = i;
-        q.batch.panel[q.count] = &in_.panel(pair.source);
-        for (int c3 = 1; c3 <= 3; ++c3) {
-            q.batch.P[c3][q.count] = x.P[c3];
-            q.N[c3][q.count] = x.N[c3];
+    // The pairs `list`, all of them far or none, with gradient or not. False: an integral has no value.
+    bool add(const int *list, int count, bool far, int gradient) {
+        for (int first = 0; first < count; first += ABREAST) {
+            const int lanes = std::min(ABREAST, count - first);
+            PanelBatch batch;
+            for (int l = 0; l < ABREAST; ++l)
+                take_pair(list[first + (l < lanes ? l : 0)], l, batch);
+            FieldBatch f;
+            (far ? far_fields : near_fields)(batch, logarithm_, gradient, f);
+            for (int l = 0; l < lanes; ++l)
+                if (f.status[l] == 1)
+                    return false;
+            put(f, list + first, lanes, gradient);
         }
-        return ++q.count < ABREAST || work(q, far, gradient);
-    }
-
-    // Works what is left.
-    bool finish() {
-        bool good = true;
-        for (int far = 0; far <= 1; ++far)
-            for (int gradient = 0; gradient <= 1; ++gradient) {
-                Queue &q = queue_[far][gradient];
-                if (q.count > 0)
-                    good = work(q, far != 0, gradient) && good;
-            }
-        return good;
-    }
-
-  private:
-    struct Queue {
-        int count = 0;
-        int pair[ABREAST];
-        PanelBatch batch;
-        alignas(32) f32 N[4][ABREAST];
-    };
-
-    bool work(Queue &q, bool far, int gradient) {
-        for (int l = q.count; l < ABREAST; ++l) {
-            q.batch.panel[l] = q.batch.panel[0];
-            for (int c = 1; c <= 3; ++c)
-                q.batch.P[c][l] = q.batch.P[c][0];
-        }
-        FieldBatch f;
-        (far ? far_fields : near_fields)(q.batch, logarithm_, gradient, f);
-        for (int l = 0; l < q.count; ++l) {
-            if (f.status[l] == 1)
-                return false;
-            Term term{f.D[l], f.S[l], 0, 0, {}, {}};
-            if (logarithm_ == 1) {
-                term.LZ = f.LZ[l];
-                term.L = f.L[l];
-            }
-            const f32 N[4] = {0, q.N[1][l], q.N[2][l], q.N[3][l]};
-            for (int k = 0; gradient != 0 && k <= logarithm_; ++k) {
-                const auto &g = k == 0 ? f.GS : f.GL;
-                for (int c = 1; c <= 3; ++c) {
-                    term.G[k][c] = g[c][l];
-                    term.N[k] += N[c] * g[c][l];
-                }
-            }
-            put(term, gradient, chunk_.terms[q.pair[l]]);
-        }
-        q.count = 0;
         return true;
     }
 
     // A pair with a dipole panel.
-    bool add_alone(int i, int gradient, const FieldPoint &x) {
-        const DirectedPair &pair = chunk_.pair[i];
-        FieldIntegrals f;
-        if (!evaluate(pair, gradient, x, f))
+    bool add_alone(int i, int gradient) {
+        PanelBatch batch;
+        take_pair(i, 0, batch);
+        const f32 P[4] = {0, batch.P[1][0], batch.P[2][0], batch.P[3][0]};
+        const f32 N[4] = {0, N_[1][0], N_[2][0], N_[3][0]};
+        FieldIntegrals single{};
+        if (!evaluate(chunk_.pair[i], gradient, P, N, single))
             return false;
-        Term term{f.D, f.S, 0, 0, {}, {}};
-        if (logarithm_ == 1) {
-            term.LZ = f.LZ;
-            term.L = f.L;
+        const bool dipole = in_.dipole(chunk_.pair[i].source);
+        FieldBatch f{};
+        f.D[0] = single.D;
+        f.S[0] = single.S;
+        f.LZ[0] = single.LZ;
+        f.L[0] = single.L;
+        for (int c = 1; c <= 3; ++c) {
+            f.GS[c][0] = dipole ? single.GD[c] : single.GS[c];
+            f.GL[c][0] = dipole ? single.GLZ[c] : single.GL[c];
         }
-        const bool dipole = in_.dipole(pair.source);
-        for (int k = 0; gradient != 0 && k <= logarithm_; ++k) {
-            const f32 *g = k == 0 ? (dipole ? f.GD : f.GS) : (dipole ? f.GLZ : f.GL);
-            for (int c = 1; c <= 3; ++c) {
-                term.G[k][c] = g[c];
-                term.N[k] += x.N[c] * g[c];
-            }
-        }
-        put(term, gradient, chunk_.terms[i]);
+        put(f, &i, 1, gradient);
         return true;
     }
 
-    // By the kinds of the panels.
-    bool evaluate(const DirectedPair &pair, int gradient, const FieldPoint &x, FieldIntegrals &f) const {
-        const Panel &source = in_.panel(pair.source);
-        if (in_.dipole(pair.field))
-            return PANDNF(x.P, x.N, in_.dipoles.DEPS(pair.field), source, logarithm_, f) != 1;
-        if (at_ == At::free_surface && in_.opt.ILOG != 0)
-            return PANDPS(x.P, in_.dipoles.DEPS(pair.source), source, logarithm_, gradient, f) != 1;
-        return PANFLD(x.P, source, logarithm_, gradient, f) != 1;
+  private:
+    // Puts pair i into lane l.
+    void take_pair(int i, int l, PanelBatch &batch) {
+        const DirectedPair &pair = chunk_.pair[i];
+        const Panel &field = in_.panel(pair.field);
+        batch.panel[l] = &in_.panel(pair.source);
+        batch.P[1][l] = places_.x[i];
+        batch.P[2][l] = places_.y[i];
+        batch.P[3][l] = height(place_, places_.z[i], in_.opt.HBOT);
+        N_[1][l] = in_.images.sx[pair.image - 1] * field.TRM[3][1];
+        N_[2][l] = in_.images.sy[pair.image - 1] * field.TRM[3][2];
+        N_[3][l] = up_ * field.TRM[3][3];
     }
 
-    void put(const Term &term, int gradient, RankineTerms &t) const {
-        t.D[0] += term.D;
-        t.S[0] += term.S;
-        if (logarithm_ == 1) {
-            t.D[1] = -2 * term.LZ;
-            t.S[1] = -2 * term.L;
-        }
-        if (gradient == 0)
-            return;
-        const f32 up = at_ == At::panel ? 1.0f : -1.0f;
-        for (int k = 0; k <= logarithm_; ++k) {
-            const f32 factor = k == 0 ? 1.0f : -2.0f;
-            t.V[k][1] += factor * term.G[k][1];
-            t.V[k][2] += factor * term.G[k][2];
-            t.V[k][3] += factor * up * term.G[k][3];
-            t.N[k] += factor * term.N[k];
+    // By the kinds of the panels.
+    bool evaluate(const DirectedPair &pair, int gradient, const f32 *P, const f32 *N,
+                  FieldIntegrals &f) const {
+        const Panel &source = in_.panel(pair.source);
+        if (in_.dipole(pair.field))
+            return PANDNF(P, N, in_.dipoles.DEPS(pair.field), source, logarithm_, f) != 1;
+        if (place_ == FREE_SURFACE && in_.opt.ILOG != 0)
+            return PANDPS(P, in_.dipoles.DEPS(pair.source), source, logarithm_, gradient, f) != 1;
+        return PANFLD(P, source, logarithm_, gradient, f) != 1;
+    }
+
+    void put(const FieldBatch &f, const int *pairs, int lanes, int gradient) {
+        const auto add = [&](int level, int term, f32 factor, const f32 *value) {
+            f32 *to = chunk_.term[level][term];
+            for (int l = 0; l < lanes; ++l)
+                to[pairs[l]] += factor * value[l];
+        };
+        for (int level = 0; level <= logarithm_; ++level) {
+            const f32 factor = level == 0 ? 1.0f : -2.0f;
+            add(level, DIPOLE, factor, level == 0 ? f.D : f.LZ);
+            add(level, SOURCE, factor, level == 0 ? f.S : f.L);
+            if (gradient == 0)
+                continue;
+            const auto &G = level == 0 ? f.GS : f.GL;
+            f32 along[ABREAST];
+            for (int l = 0; l < ABREAST; ++l)
+                along[l] = N_[1][l] * G[1][l] + N_[2][l] * G[2][l] + N_[3][l] * G[3][l];
+            add(level, NORMAL, factor, along);
+            add(level, VELOCITY, factor, G[1]);
+            add(level, VELOCITY + 1, factor, G[2]);
+            add(level, VELOCITY + 2, factor * up_, G[3]); // a horizontal mirror turns the vertical
         }
     }
 
     const RankineInput &in_;
-    At at_;
+    At place_;
     int logarithm_;
+    f32 up_;
+    const PairPlaces &places_;
     PairChunk &chunk_;
-    Queue queue_[2][2]; // far, with gradient
+    alignas(32) f32 N_[4][ABREAST]; // field normals of the lanes
 };
 
-// Starts the terms of a pair: what a panel has of itself, and the digit, which tells the images that count.
-void start_terms(const RankineInput &in, const DirectedPair &pair, RankineTerms &t) {
-    t = RankineTerms{};
-    const Panel &field = in.panel(pair.field);
-    if (pair.field == pair.source && pair.image == 1 && !in.dipole(pair.field))
-        for (int c = 1; c <= 3; ++c)
-            t.V[0][c] = PI2 * field.TRM[3][c];
-    if (in.tank())
-        return;
-    const PairPoints &at = in.points;
-    const std::size_t F = static_cast<std::size_t>(pair.field) - 1,
-                      G = static_cast<std::size_t>(pair.source) - 1;
-    const f32 dx = in.images.sx[pair.image - 1] * at.x[F] - at.x[G];
-    const f32 dy = in.images.sy[pair.image - 1] * at.y[F] - at.y[G];
-    const f32 dh2 = dx * dx + dy * dy, sum = at.z[F] + at.z[G];
-    const f32 near2 = RKNEAR * std::max(at.reach[F], at.reach[G]);
-    t.digit = dh2 + sum * sum < near2 ? in.opt.ILOG + 2 : 1;
-    const f32 below = 2 * in.opt.HBOT + sum;
-    if (in.opt.HBOT > 0 && dh2 + below * below <= near2)
-        t.digit += 4;
+// The terms of all pairs that have the place.
+bool add_place(const RankineInput &in, At place, const PairPlaces &places, PairChunk &chunk) {
+    const int mask = place == BOTTOM ? 4 : 2; // of digit, of those that have it
+    int list[4][SIZE], count[4] = {0, 0, 0, 0};
+    PlaceTerms terms(in, place, places, chunk);
+    for (int i = 0; i < chunk.count; ++i) {
+        if (place != PANEL && (chunk.digit[i] & mask) == 0)
+            continue;
+        const DirectedPair &pair = chunk.pair[i];
+        const int gradient = pair.surface ? 0 : in.opt.ISOR;
+        if (in.dipole(pair.field) || in.dipole(pair.source)) {
+            if (!terms.add_alone(i, gradient))
+                return false;
+            continue;
+        }
+        const int kind = 2 * gradient + places.far[place][i];
+        list[kind][count[kind]++] = i;
+    }
+    for (int kind = 0; kind < 4; ++kind)
+        if (!terms.add(list[kind], count[kind], kind % 2 != 0, kind / 2))
+            return false;
+    return true;
 }
 
-bool has_term(At at, int digit) {
-    return at == At::panel || (at == At::free_surface ? (digit & 3) > 1 : (digit & 4) != 0);
+// Nothing but what a panel has of itself.
+void start_terms(const RankineInput &in, PairChunk &chunk) {
+    const int terms = in.opt.ISOR == 1 ? static_cast<int>(PAIR_TERMS) : SOURCE + 1;
+    for (int level = 0; level <= in.opt.ILOG; ++level)
+        for (int term = 0; term < terms; ++term)
+            std::fill_n(chunk.term[level][term], chunk.count, 0.0f);
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        if (pair.field != pair.source || pair.image != 1 || in.dipole(pair.field))
+            continue;
+        for (int c = 0; c < 3; ++c)
+            chunk.term[0][VELOCITY + c][i] = PI2 * in.panel(pair.field).TRM[3][c + 1];
+    }
+}
+
+// The influence of pairs in z = 0.
+void mark_surface_pairs(const RankineInput &in, PairChunk &chunk) {
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        if (!pair.surface)
+            continue;
+        for (auto &term : chunk.term) {
+            const f32 S = term[SOURCE][i];
+            term[DIPOLE][i] = static_cast<f32>(in.mesh.IFSP(pair.source)) * S;
+            term[NORMAL][i] = static_cast<f32>(in.mesh.IFSP(pair.field)) * S;
+            for (int c = 0; c < 3; ++c)
+                term[VELOCITY + c][i] = 0;
+        }
+    }
 }
 
 } // namespace
@@ -237,15 +264,15 @@ void pairs_of(const RankineInput &in, int A, std::uint8_t *mask) {
 }
 
 bool rankine_pairs(const RankineInput &in, PairChunk &chunk) {
-    for (int i = 0; i < chunk.count; ++i)
-        start_terms(in, chunk.pair[i], chunk.terms[i]);
-    for (const At at : {At::panel, At::free_surface, At::bottom}) {
-        TermSums sums(in, at, chunk);
-        for (int i = 0; i < chunk.count; ++i)
-            if (has_term(at, chunk.terms[i].digit) && !sums.add(i))
-                return false;
-        if (!sums.finish())
+    start_terms(in, chunk);
+    PairPlaces places;
+    find_places(in, chunk, places);
+    judge_places(chunk.count, in.opt.HBOT, in.opt.ILOG, places, chunk.digit);
+    if (in.tank())
+        std::fill_n(chunk.digit, chunk.count, 0);
+    for (const At place : {PANEL, FREE_SURFACE, BOTTOM})
+        if (!add_place(in, place, places, chunk))
             return false;
-    }
+    mark_surface_pairs(in, chunk);
     return true;
 }

@@ -36,22 +36,19 @@ struct DirectedPair {
     bool surface;
 };
 
-// Influence of the source panel on the field panel. Level 0 holds the plain Rankine terms, level 1 those that
-// multiply the logarithm of the wave function. D dipole, S source, N normal derivative of the source at the
-// field panel, V its gradient (axes from 1).
-struct RankineTerms {
-    f32 D[2], S[2], N[2];
-    f32 V[2][4];
-    int digit; // octal digit of the pair code: 1 direct term, 2 and free-surface image, 3 and its logarithm;
-               // 4 added: bottom
-};
+// Influence of the source panel on the field panel: D, S, the normal derivative of the source at the field
+// panel and the three components of its gradient.
+enum PairTerm { DIPOLE, SOURCE, NORMAL, VELOCITY, PAIR_TERMS = VELOCITY + 3 };
 
 // Near pairs that are worked together. The terms of a pair do not depend on the other ones.
 struct PairChunk {
-    static constexpr int SIZE = 512;
+    static constexpr int SIZE = 256;
     int count = 0;
     DirectedPair pair[SIZE];
-    RankineTerms terms[SIZE];
+    int digit[SIZE]; // octal digit of the pair code: 1 direct term, 2 and free-surface image, 3 and its
+                     // logarithm; 4 added: bottom
+    // By level: 0 the plain Rankine terms, 1 those that multiply the logarithm of the wave function.
+    alignas(64) f32 term[2][PAIR_TERMS][SIZE];
 
     bool full() const { return count >= SIZE - 1; } // room for both directions
     void add(const DirectedPair &p) { pair[count++] = p; }
@@ -60,6 +57,6 @@ struct PairChunk {
 // The mask of near_pairs for field panel A, or that of a tank.
 void pairs_of(const RankineInput &in, int A, std::uint8_t *mask);
 
-// Fills the terms of the pairs. At a panel and itself, V starts with its own 2 pi. False: an integral has no
-// value.
+// Fills digits and terms of the pairs, those in z = 0 with the marks. At a panel and itself, the gradient
+// starts with its own 2 pi. False: an integral has no value.
 [[nodiscard]] bool rankine_pairs(const RankineInput &in, PairChunk &chunk);

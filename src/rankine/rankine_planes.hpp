@@ -3,22 +3,20 @@
 
 #include "rankine/rankine_pair.hpp"
 
-// Which planes there are.
+// What a plane holds: a term of the pairs in one class and level.
+struct PlaneTerm {
+    int term, level, cls; // class from 1
+};
+
+// Which planes there are, in the order of the store: per class and level the dipole, source and
+// normal-derivative influence and three components of the gradient, those that are kept.
 struct Planes {
-    int per_class;                // of one class and level
-    int source, normal, velocity; // place of the first of its kind, -1: absent; dipole is 0
+    std::vector<PlaneTerm> list;
+    int per_class = 0; // of one class and level
     int levels, classes;
 
-    Planes(const Options &opt, const Symmetry &sym) {
-        int next = 1;
-        source = keeps_source(opt) ? next++ : -1;
-        normal = opt.ISOR == 1 ? next++ : -1;
-        velocity = opt.ISOR == 1 ? next : -1;
-        per_class = next + (opt.ISOR == 1 ? 3 : 0);
-        levels = opt.ILOG + 1;
-        classes = sym.NSYMR;
-    }
-    int all() const { return per_class * levels * classes; }
+    Planes(const Options &opt, const Symmetry &sym);
+    int all() const { return static_cast<int>(list.size()); }
     int first(int s, int k) const { return ((s - 1) * levels + k) * per_class; }
 };
 
@@ -28,10 +26,32 @@ struct PlaneElement {
     std::int64_t plane;
 };
 
-// Adds the terms of the pair to the element in all classes, and to the right-hand sides of the field panel
-// rhs (NSYMD,0:1); null: no radiation.
-void scatter_terms(const RankineInput &in, const Planes &planes, const RankineTerms &terms,
-                   const DirectedPair &pair, PlaneElement to, f32 *rhs);
+// Where the pairs of a chunk go: their elements in the first plane, the distance from plane to plane, and the
+// right-hand sides (NSYMD,0:1) of the field panels; null: no radiation.
+struct PairTargets {
+    std::int64_t plane;
+    f32 *element[PairChunk::SIZE];
+    f32 *rhs[PairChunk::SIZE];
+};
+
+// The normal velocities by the places of their modes among the right-hand sides, and the signs of the modes
+// at the images. Dipole panels have none.
+class ModeFeed {
+  public:
+    explicit ModeFeed(const RankineInput &in);
+    // Adds velocity times source influence of the pairs to the right-hand sides, in the order of the pairs.
+    void add(const PairChunk &chunk, int levels, const PairTargets &to) const;
+
+  private:
+    const RankineInput &in_;
+    int modes_, padded_;        // NSYMD; that in blocks of eight
+    std::vector<f32> velocity_; // (padded,NEQN)
+    std::vector<f32> sign_;     // (padded,8): reflection
+};
+
+// Adds the terms of the pairs to their elements in all planes.
+void scatter_terms(const RankineInput &in, const Planes &planes, const PairChunk &chunk,
+                   const PairTargets &to);
 
 // The half solid angle that a panel has of itself; one in z = 0 or a dipole panel has none.
 void add_half_solid_angle(const Planes &planes, PlaneElement to);
