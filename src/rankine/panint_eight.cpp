@@ -12,20 +12,23 @@ using Single = f32[P];
 template <class From>
 [[gnu::always_inline]] inline void gather_four(const PanelBatch &batch, const From &from, f32 *to) {
     using Four [[gnu::vector_size(4 * sizeof(f32))]] = f32;
-    for (int half = 0; half < P; half += 4) {
-        Four row[4];
-        for (int l = 0; l < 4; ++l)
-            std::memcpy(&row[l], from(*batch.panel[half + l]), sizeof row[l]);
-        const Four a = __builtin_shufflevector(row[0], row[1], 0, 4, 1, 5),
-                   b = __builtin_shufflevector(row[2], row[3], 0, 4, 1, 5),
-                   c = __builtin_shufflevector(row[0], row[1], 2, 6, 3, 7),
-                   d = __builtin_shufflevector(row[2], row[3], 2, 6, 3, 7);
-        const Four column[4] = {
-            __builtin_shufflevector(a, b, 0, 1, 4, 5), __builtin_shufflevector(a, b, 2, 3, 6, 7),
-            __builtin_shufflevector(c, d, 0, 1, 4, 5), __builtin_shufflevector(c, d, 2, 3, 6, 7)};
-        for (int q = 0; q < 4; ++q)
-            std::memcpy(to + q * P + half, &column[q], sizeof column[q]);
+    using Eight [[gnu::vector_size(P * sizeof(f32))]] = f32;
+    Eight row[4]; // of panels l and l + 4
+    for (int l = 0; l < 4; ++l) {
+        Four low, high;
+        std::memcpy(&low, from(*batch.panel[l]), sizeof low);
+        std::memcpy(&high, from(*batch.panel[l + 4]), sizeof high);
+        row[l] = __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
     }
+    const Eight a = __builtin_shufflevector(row[0], row[1], 0, 8, 1, 9, 4, 12, 5, 13),
+                b = __builtin_shufflevector(row[2], row[3], 0, 8, 1, 9, 4, 12, 5, 13),
+                c = __builtin_shufflevector(row[0], row[1], 2, 10, 3, 11, 6, 14, 7, 15),
+                d = __builtin_shufflevector(row[2], row[3], 2, 10, 3, 11, 6, 14, 7, 15);
+    const Eight column[4] = {__builtin_shufflevector(a, b, 0, 1, 8, 9, 4, 5, 12, 13),
+                             __builtin_shufflevector(a, b, 2, 3, 10, 11, 6, 7, 14, 15),
+                             __builtin_shufflevector(c, d, 0, 1, 8, 9, 4, 5, 12, 13),
+                             __builtin_shufflevector(c, d, 2, 3, 10, 11, 6, 7, 14, 15)};
+    std::memcpy(to, column, sizeof column);
 }
 
 // Centroids and axes of the panels, and the field points in their frames.

@@ -98,14 +98,18 @@ class Sweep {
 
     bool row(int A, int r, Block &b) const {
         b.chunk.count = 0;
-        for (int c = 1; c <= b.listings; ++c) {
-            const int B = b.listed(c), bits = b.mask(B, r);
+        const std::uint8_t *mask = &b.mask(1, r);
+        const int *listed = b.listed.data();
+        const int images = in_.images.count;
+        std::uint16_t *code = &store_.ICODM(pair_place(A) + 1);
+        for (int c = 0; c < b.listings; ++c) {
+            const int B = listed[c], bits = mask[B - 1];
             if (bits == 0)
                 continue;
             const bool surface = (bits & PAIR_SURFACE) != 0;
             if (B <= A)
-                store_.ICODM(pair_place(A) + B) = surface ? CODE_SURFACE : 0;
-            for (int p = 1; p <= in_.images.count; ++p) {
+                code[B - 1] = surface ? CODE_SURFACE : 0;
+            for (int p = 1; p <= images; ++p) {
                 if ((bits & (1 << (p - 1))) == 0)
                     continue;
                 b.chunk.add({A, B, p, surface});
@@ -128,15 +132,20 @@ class Sweep {
             return false;
         }
         PairTargets &to = b.targets;
-        to.plane = element(1, r, b).plane;
+        f32 *tile = b.tile.data() + (r - 1);
+        const int *column = b.column.data();
+        to.plane = std::int64_t{b.columns} * ROWS;
+        f32 *rhs = right_hand_sides_ ? &b.rhs(1, 0, r) : nullptr;
+        for (int i = 0; i < chunk.count; ++i) {
+            to.element[i] = tile + std::int64_t{column[chunk.pair[i].source - 1]} * ROWS;
+            to.rhs[i] = rhs;
+        }
         for (int i = 0; i < chunk.count; ++i) {
             const DirectedPair &pair = chunk.pair[i];
-            to.element[i] = element(pair.source, r, b).at;
-            to.rhs[i] = right_hand_sides_ ? &b.rhs(1, 0, r) : nullptr;
-            if (pair.source <= pair.field) {
-                std::uint16_t &code = store_.ICODM(pair_place(pair.field) + pair.source);
-                code = static_cast<std::uint16_t>(code + (chunk.digit[i] << (3 * (pair.image - 1))));
-            }
+            if (pair.source > pair.field)
+                continue;
+            std::uint16_t &code = store_.ICODM(pair_place(pair.field) + pair.source);
+            code = static_cast<std::uint16_t>(code + (chunk.digit[i] << (3 * (pair.image - 1))));
         }
         scatter_terms(in_, planes_, chunk, to);
         feed_.add(chunk, planes_.levels, to);

@@ -37,7 +37,7 @@ void find_places(const RankineInput &in, const PairChunk &chunk, PairPlaces &at)
         at.cy[i] = points.y[G];
         at.cz[i] = points.z[G];
         at.reach[i] = points.reach[G];
-        at.larger[i] = std::max(points.reach[F], points.reach[G]);
+        at.larger[i] = points.reach[F] > points.reach[G] ? points.reach[F] : points.reach[G];
     }
 }
 
@@ -171,28 +171,44 @@ class PlaceTerms {
     alignas(32) f32 N_[4][ABREAST]; // field normals of the lanes
 };
 
+// The pairs with a dipole panel that have the place.
+bool add_dipoles(const RankineInput &in, const int *has, const PairChunk &chunk, PlaceTerms &terms) {
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        if (has[i] != 0 && (in.dipole(pair.field) || in.dipole(pair.source)) &&
+            !terms.add_alone(i, pair.surface ? 0 : in.opt.ISOR))
+            return false;
+    }
+    return true;
+}
+
 // The terms of all pairs that have the place.
 bool add_place(const RankineInput &in, At place, const PairPlaces &places, PairChunk &chunk) {
     const int mask = place == BOTTOM ? 4 : 2; // of digit, of those that have it
-    int list[4][SIZE], count[4] = {0, 0, 0, 0};
-    PlaceTerms terms(in, place, places, chunk);
+    int has[SIZE], any = 0;
     for (int i = 0; i < chunk.count; ++i) {
-        if (place != PANEL && (chunk.digit[i] & mask) == 0)
-            continue;
-        const DirectedPair &pair = chunk.pair[i];
-        const int gradient = pair.surface ? 0 : in.opt.ISOR;
-        if (in.dipole(pair.field) || in.dipole(pair.source)) {
-            if (!terms.add_alone(i, gradient))
-                return false;
-            continue;
-        }
-        const int kind = 2 * gradient + places.far[place][i];
-        list[kind][count[kind]++] = i;
+        has[i] = place == PANEL || (chunk.digit[i] & mask) != 0 ? 1 : 0;
+        any |= has[i];
     }
-    for (int kind = 0; kind < 4; ++kind)
-        if (!terms.add(list[kind], count[kind], kind % 2 != 0, kind / 2))
-            return false;
-    return true;
+    if (any == 0)
+        return true;
+    PlaceTerms terms(in, place, places, chunk);
+    if (in.dipole_panels && !add_dipoles(in, has, chunk, terms))
+        return false;
+    // By kind: far or not; pairs in z = 0 have no gradient.
+    int list[4][SIZE], near = 0, far = 0, surface_near = 0, surface_far = 0;
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        const bool alone = in.dipole_panels && (in.dipole(pair.field) || in.dipole(pair.source));
+        const int one = alone ? 0 : has[i], is_surface = pair.surface ? one : 0, f = places.far[place][i];
+        list[0][near] = list[1][far] = list[2][surface_near] = list[3][surface_far] = i;
+        near += (one - is_surface) & (f ^ 1);
+        far += (one - is_surface) & f;
+        surface_near += is_surface & (f ^ 1);
+        surface_far += is_surface & f;
+    }
+    return terms.add(list[0], near, false, in.opt.ISOR) && terms.add(list[1], far, true, in.opt.ISOR) &&
+           terms.add(list[2], surface_near, false, 0) && terms.add(list[3], surface_far, true, 0);
 }
 
 // Nothing but what a panel has of itself.
@@ -241,6 +257,7 @@ RankineInput::RankineInput(const Options &options, const Mesh &the_mesh, const D
     points.size.assign(padded, 0.0f);
     points.reach.assign(padded, 0.0f);
     for (int i = 1; i <= N; ++i) {
+        dipole_panels = dipole_panels || dipole(i);
         panels.push_back(panel_of(mesh, i));
         const std::size_t at = static_cast<std::size_t>(i) - 1;
         points.x[at] = mesh.XCT(1, i);

@@ -16,6 +16,7 @@ struct RankineInput {
     std::vector<Panel> panels; // of all panels, panel NP at NP-1
     PairPoints points;
     PairImages images;
+    bool dipole_panels = false; // there are some
 
     RankineInput(const Options &options, const Mesh &the_mesh, const Dipoles &the_dipoles,
                  const Symmetry &symmetry);
