@@ -39,7 +39,7 @@ struct MultipoleSums {
     }
 };
 
-// D, S and the derivatives of the order. FOURTH: some of the panels want the fourth order of the multipoles.
+// D, S and the derivatives of the order. FOURTH: panels may want the fourth order of the multipoles.
 template <int P, bool FOURTH, int ORDER>
 [[gnu::always_inline]] inline void source(const Lanes<P> &p, LaneIntegrals<P, f32> &out) {
 #pragma omp simd
@@ -117,12 +117,11 @@ template <int P, bool FOURTH>
 
 template <int P>
 [[gnu::always_inline]] inline void source(const Lanes<P> &p, int order, LaneIntegrals<P, f32> &out) {
-    int fourth = 0;
-    for (int l = 0; l < P; ++l) {
-        const f32 R2 = p.X[l] * p.X[l] + p.Y[l] * p.Y[l] + p.Z[l] * p.Z[l];
-        fourth |= R2 < FAR_SECOND_ORDER * p.region2[l] ? 1 : 0;
-    }
-    if (fourth != 0)
+    const auto fourth = [&p](int l) {
+        return p.X[l] * p.X[l] + p.Y[l] * p.Y[l] + p.Z[l] * p.Z[l] < FAR_SECOND_ORDER * p.region2[l];
+    };
+    // Of several panels always: what one of them gets must not depend on the others.
+    if (P > 1 || fourth(0))
         source<P, true>(p, order, out);
     else
         source<P, false>(p, order, out);
