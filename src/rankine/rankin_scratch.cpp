@@ -93,16 +93,10 @@ bool write_records(const Planes &planes, int A, OuterPanel &outer, RecordFile &u
                            part(outer.column, 2, A - 1)}) &&
                unit.write({part(outer.row, 0, A), part(outer.row, 1, A), part(outer.row, 2, A)});
     };
-    for (int s = 1; s <= planes.classes; ++s) {
-        for (int k = 0; k < planes.levels; ++k) {
-            const int first = planes.first(s, k) + 1;
-            // All single ones, then the gradient.
-            const int single = planes.per_class > 3 ? planes.per_class - 3 : planes.per_class;
-            for (int p = 0; p < single; ++p)
-                write(first + p, 1);
-            if (single < planes.per_class)
-                write(first + single, 3);
-        }
+    for (int p = 0; p < planes.all(); ++p) {
+        const int term = planes.list[static_cast<std::size_t>(p)].term;
+        if (term <= VELOCITY)
+            write(p + 1, term == VELOCITY ? 3 : 1);
     }
     return good && unit.write({bytes_of(outer.code.data(), A)});
 }

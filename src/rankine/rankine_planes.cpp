@@ -29,14 +29,13 @@ int first_surface_row(const RankineInput &in) {
 
 } // namespace
 
-Planes::Planes(const Options &opt, const Symmetry &sym) : levels(opt.ILOG + 1), classes(sym.NSYMR) {
+Planes::Planes(const Options &opt, const Symmetry &sym) : levels(opt.ILOG + 1) {
     std::vector<int> terms = {DIPOLE};
     if (keeps_source(opt))
         terms.push_back(SOURCE);
     if (opt.ISOR == 1)
         terms.insert(terms.end(), {NORMAL, VELOCITY, VELOCITY + 1, VELOCITY + 2});
-    per_class = static_cast<int>(terms.size());
-    for (int s = 1; s <= classes; ++s)
+    for (int s = 1; s <= sym.NSYMR; ++s)
         for (int k = 0; k < levels; ++k)
             for (const int term : terms)
                 list.push_back({term, k, s});

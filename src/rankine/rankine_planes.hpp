@@ -12,12 +12,10 @@ struct PlaneTerm {
 // normal-derivative influence and three components of the gradient, those that are kept.
 struct Planes {
     std::vector<PlaneTerm> list;
-    int per_class = 0; // of one class and level
-    int levels, classes;
+    int levels;
 
     Planes(const Options &opt, const Symmetry &sym);
     int all() const { return static_cast<int>(list.size()); }
-    int first(int s, int k) const { return ((s - 1) * levels + k) * per_class; }
 };
 
 // One element of all planes: the place in the first plane, and the distance from plane to plane.
