@@ -81,13 +81,17 @@ template <int P>
 [[gnu::always_inline]] inline bool level_shift(const PanelLanes<P> &p, const Sides<P> &a,
                                                const Vertical<P> &v, PerPanel<P> &shift) {
     alignas(64) PerSide<P> wanted; // -1: none
-#pragma omp simd
+    double some = 0;
+#pragma omp simd reduction(+ : some)
     for (int i = 0; i < SIDES * P; ++i) {
         const bool level =
             a.counts[i] != 0 && v.kt[i] * v.kt[i] + v.kv[i] * v.kv[i] < LEVEL_SIDE * LEVEL_SIDE;
         const double height = std::abs(v.kx[i] * a.i.x[i] + v.ky[i] * a.i.y[i] + v.kz[i] * v.Z[i]);
         wanted[i] = level ? height : -1.0;
+        some += level ? 1.0 : 0.0;
     }
+    if (some == 0)
+        return false;
     int any = 0;
     for (int l = 0; l < P; ++l) {
         const double width = static_cast<double>(p.width[l]);
@@ -131,11 +135,11 @@ template <int P> struct HeightIntegrals {
                                              double beta) {
     const double h = 1 / xh, l = 1 / xl;
     const double h2 = h * h, l2 = l * l, h3 = h2 * h, l3 = l2 * l, h4 = h2 * h2, l4 = l2 * l2;
-    // J_n, the integrals of 1/x^n, n = 1 to 6, those of one parity summed in pairs.
-    const double J2 = l - h, J3 = (l2 - h2) / 2, J4 = (l3 - h3) / 3, J5 = (l4 - h4) / 4,
-                 J6 = (l4 * l - h4 * h) / 5;
+    // j_n, the integrals of 1/x^n, n = 1 to 6, those of one parity summed in pairs.
+    const double j2 = l - h, j3 = (l2 - h2) / 2, j4 = (l3 - h3) / 3, j5 = (l4 - h4) / 4,
+                 j6 = (l4 * l - h4 * h) / 5;
     const double a2 = alpha * alpha;
-    return (Q + J3 - alpha * (J2 + J4) + (a2 - beta) * (J3 + J5) + alpha * (2 * beta - a2) * (J4 + J6)) /
+    return (Q + j3 - alpha * (j2 + j4) + (a2 - beta) * (j3 + j5) + alpha * (2 * beta - a2) * (j4 + j6)) /
            (1 + kt);
 }
 

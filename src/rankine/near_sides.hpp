@@ -29,13 +29,15 @@ template <int P> struct Sides {
     [[gnu::always_inline]] Sides(const PanelLanes<P> &p, const PerPanel<P> &X, const PerPanel<P> &Y,
                                  const PerPanel<P> &z) {
         see_vertices(p, X, Y, z);
-        for (int k = 0; k < SIDES; ++k) {
+        alignas(64) PerPanel<P> least;
+        alignas(64) PerSide<P> leasts;
 #pragma omp simd
-            for (int l = 0; l < P; ++l)
-                counts[k * P + l] =
-                    static_cast<double>(p.SIDE[k * P + l]) > PLANE * static_cast<double>(p.width[l]) ? 1.0
-                                                                                                     : 0.0;
-        }
+        for (int l = 0; l < P; ++l)
+            least[l] = PLANE * static_cast<double>(p.width[l]);
+        to_sides<P>(least, leasts);
+#pragma omp simd
+        for (int k = 0; k < SIDES * P; ++k)
+            counts[k] = static_cast<double>(p.SIDE[k]) > leasts[k] ? 1.0 : 0.0;
 #pragma omp simd
         for (int k = 0; k < SIDES * P; ++k) {
             const double dx = i.x[k] - j.x[k], dy = i.y[k] - j.y[k], s2 = dx * dx + dy * dy;

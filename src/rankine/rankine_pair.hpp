@@ -37,9 +37,14 @@ struct DirectedPair {
     bool surface;
 };
 
-// Influence of the source panel on the field panel: D, S, the normal derivative of the source at the field
-// panel and the three components of its gradient.
-enum PairTerm { DIPOLE, SOURCE, NORMAL, VELOCITY, PAIR_TERMS = VELOCITY + 3 };
+// Kinds of influence of the source panel on the field panel.
+enum PairTerm {
+    DIPOLE,   // integral of the normal derivative of 1/rho on the source panel
+    SOURCE,   // that of 1/rho
+    NORMAL,   // normal derivative of the source influence at the field panel
+    VELOCITY, // its gradient, three components from here
+    PAIR_TERMS = VELOCITY + 3
+};
 
 // Near pairs that are worked together. The terms of a pair do not depend on the other ones.
 struct PairChunk {
