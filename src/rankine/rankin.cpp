@@ -21,6 +21,7 @@ struct Block {
     Array<int, 1> column;        // place of a panel among the columns, from 0; -1: nothing near (NEQN)
     Array<int, 1> panel;         // panel of a column (NEQN)
     Array<int, 1> listed;        // panels that some row has a code with (NEQN)
+    Array<int, 1> of_row;        // those of one row (NEQN + 1)
     PairTargets targets;
     PairChunk chunk; // pairs of a row that are worked together
     Array<f32, 1> tile;
@@ -29,7 +30,7 @@ struct Block {
 
     [[nodiscard]] bool alloc(const RankineInput &in) {
         return mask.alloc(std::max(in.points.padded, 1), ROWS) && column.alloc(in.mesh.NEQN) &&
-               panel.alloc(in.mesh.NEQN) && listed.alloc(in.mesh.NEQN) &&
+               panel.alloc(in.mesh.NEQN) && listed.alloc(in.mesh.NEQN) && of_row.alloc(in.mesh.NEQN + 1) &&
                bits.alloc(std::max(in.points.padded, 1)) &&
                rhs.alloc(std::max(in.sym.NSYMD, 1), Range{0, 1}, ROWS);
     }
@@ -102,10 +103,13 @@ class Sweep {
         const int *listed = b.listed.data();
         const int images = in_.images.count;
         std::uint16_t *code = &store_.ICODM(pair_place(A) + 1);
+        int *with_code = b.of_row.data(), found = 0; // those of this row
         for (int c = 0; c < b.listings; ++c) {
-            const int B = listed[c], bits = mask[B - 1];
-            if (bits == 0)
-                continue;
+            with_code[found] = listed[c];
+            found += mask[listed[c] - 1] != 0 ? 1 : 0;
+        }
+        for (int c = 0; c < found; ++c) {
+            const int B = with_code[c], bits = mask[B - 1];
             const bool surface = (bits & PAIR_SURFACE) != 0;
             if (B <= A)
                 code[B - 1] = surface ? CODE_SURFACE : 0;

@@ -81,6 +81,9 @@ class PlaceTerms {
             PanelBatch batch;
             for (int l = 0; l < ABREAST; ++l)
                 take_pair(list[first + (l < lanes ? l : 0)], l, batch);
+            if (gradient != 0)
+                for (int l = 0; l < ABREAST; ++l)
+                    take_normal(list[first + (l < lanes ? l : 0)], l);
             FieldBatch f;
             (far ? far_fields : near_fields)(batch, logarithm_, gradient, f);
             for (int l = 0; l < lanes; ++l)
@@ -95,6 +98,7 @@ class PlaceTerms {
     bool add_alone(int i, int gradient) {
         PanelBatch batch;
         take_pair(i, 0, batch);
+        take_normal(i, 0);
         const f32 P[4] = {0, batch.P[1][0], batch.P[2][0], batch.P[3][0]};
         const f32 N[4] = {0, N_[1][0], N_[2][0], N_[3][0]};
         FieldIntegrals single{};
@@ -115,17 +119,19 @@ class PlaceTerms {
     }
 
   private:
-    // Puts pair i into lane l.
-    void take_pair(int i, int l, PanelBatch &batch) {
-        const DirectedPair &pair = chunk_.pair[i];
-        const Panel &field = in_.panel(pair.field);
-        batch.panel[l] = &in_.panel(pair.source);
+    // Put pair i into lane l.
+    void take_pair(int i, int l, PanelBatch &batch) const {
+        batch.panel[l] = &in_.panel(chunk_.pair[i].source);
         batch.P[1][l] = places_.x[i];
         batch.P[2][l] = places_.y[i];
         batch.P[3][l] = height(place_, places_.z[i], in_.opt.HBOT);
-        N_[1][l] = in_.images.sx[pair.image - 1] * field.TRM[3][1];
-        N_[2][l] = in_.images.sy[pair.image - 1] * field.TRM[3][2];
-        N_[3][l] = up_ * field.TRM[3][3];
+    }
+    void take_normal(int i, int l) {
+        const DirectedPair &pair = chunk_.pair[i];
+        const f32 *normal = in_.panel(pair.field).TRM[3];
+        N_[1][l] = in_.images.sx[pair.image - 1] * normal[1];
+        N_[2][l] = in_.images.sy[pair.image - 1] * normal[2];
+        N_[3][l] = up_ * normal[3];
     }
 
     // By the kinds of the panels.
