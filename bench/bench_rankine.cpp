@@ -189,9 +189,8 @@ void whole_RANKIN(benchmark::State &state) {
     if (failed(SYMSET(6, 0, 0, MODE.view(), 1, sym)))
         std::abort();
     RankineStore store;
-    if (!store.block.alloc(lay_out_store(opt, sym, N, nullptr, store)))
+    if (failed(allocate_store(opt, sym, N, store)))
         std::abort();
-    (void)lay_out_store(opt, sym, N, store.block.data(), store);
     // The pages of the store are touched for the first time, which takes the system longer than all else.
     if (failed(RANKIN(opt, bodies, mesh, dipoles, sym, store)))
         std::abort();

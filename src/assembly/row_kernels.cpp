@@ -33,26 +33,6 @@ struct GreenLocals {
 };
 
 template <class V>
-VORDA_INLINE void centroid(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, f32 NU,
-                           Split S, Split D) {
-    const GreenLocals g(green);
-    const int *ISNG = green.ISNG;
-    const f32 LOGT = green.LOGT;
-    const f32 *cosine = at.cosine, *sine = at.sine, *EB = at.EB, *EFS = at.EFS;
-    f32 *sr = S.re, *si = S.im, *dr = D.re, *di = D.im;
-#pragma omp simd
-    for (int j = 0; j < n; ++j) {
-        const f32 a = NU * source.area[j];
-        const f32 h = source.n1[j] * cosine[j] + source.n2[j] * sine[j];
-        const f32 t = g.gr[j] + (ISNG[j] == 3 ? LOGT : 0.0f);
-        sr[j] = a * t;
-        si[j] = a * g.gi[j];
-        dr[j] = NU * a * (EB[j] * (g.rr[j] * h - g.vr[j] * source.n3[j]) - EFS[j] * t);
-        di[j] = NU * a * (EB[j] * (g.ri[j] * h - g.vi[j] * source.n3[j]) - EFS[j] * g.gi[j]);
-    }
-}
-
-template <class V>
 VORDA_INLINE void accumulate(int n, const GreenRow &green, const SourceArea &at, const Source<V> source,
                              Split S, Split D) {
     const GreenLocals g(green);
@@ -182,14 +162,33 @@ VORDA_SIMD void scale_to(int n, f32 factor, const f32 *source, f32 *value) {
         value[j] = factor * source[j];
 }
 
-VORDA_SIMD void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S,
-                                      Split D) {
-    centroid(n, green, source, each_source(source), NU, S, D);
-}
-
-VORDA_SIMD void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source,
-                                      const OneSource &one, f32 NU, Split S, Split D) {
-    centroid(n, green, source, one_source(one), NU, S, D);
+// Both directions of a pair in one pass, as they share most of what they read.
+VORDA_SIMD void centroid_coefficients(int n, f32 NU, const Direction &row, const Direction &column,
+                                      const OneSource &one) {
+    const GreenLocals g(row.green);
+    const int *ISNG = row.green.ISNG;
+    const f32 LOGT = row.green.LOGT;
+    const f32 *fr = column.green.GV.re, *fi = column.green.GV.im;
+    const f32 *n1 = row.source.n1, *n2 = row.source.n2, *n3 = row.source.n3, *area = row.source.area;
+    const f32 *CR = row.source.cosine, *SR = row.source.sine, *CC = column.source.cosine,
+              *SC = column.source.sine;
+    const f32 *EB = row.source.EB, *EFR = row.source.EFS, *EFC = column.source.EFS;
+    f32 *sr = row.S.re, *si = row.S.im, *dr = row.D.re, *di = row.D.im;
+    f32 *cr = column.S.re, *ci = column.S.im, *er = column.D.re, *ei = column.D.im;
+    const f32 m1 = one.n1, m2 = one.n2, m3 = one.n3, b = NU * one.area;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const f32 tr = g.gr[j] + (ISNG[j] == 3 ? LOGT : 0.0f), ti = g.gi[j], rr = g.rr[j], ri = g.ri[j];
+        const f32 a = NU * area[j], h = n1[j] * CR[j] + n2[j] * SR[j], k = m1 * CC[j] + m2 * SC[j];
+        sr[j] = a * tr;
+        si[j] = a * ti;
+        dr[j] = NU * a * (EB[j] * (rr * h - g.vr[j] * n3[j]) - EFR[j] * tr);
+        di[j] = NU * a * (EB[j] * (ri * h - g.vi[j] * n3[j]) - EFR[j] * ti);
+        cr[j] = b * tr;
+        ci[j] = b * ti;
+        er[j] = NU * b * (EB[j] * (rr * k - fr[j] * m3) - EFC[j] * tr);
+        ei[j] = NU * b * (EB[j] * (ri * k - fi[j] * m3) - EFC[j] * ti);
+    }
 }
 
 VORDA_SIMD void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, Split S, Split D) {

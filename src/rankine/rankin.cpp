@@ -10,7 +10,7 @@
 namespace {
 
 // Field rows that are worked together: their elements of a column go to the store as one piece.
-constexpr int ROWS = 16;
+constexpr int ROWS = NEAR_ROWS;
 
 // The columns of a block of rows that hold something, plane after plane: tile[(plane * columns + column) *
 // ROWS + row]. Planes: per class and level the dipole, source and normal-derivative influence and three of
@@ -71,6 +71,7 @@ class Sweep {
             if (!row(first + r - 1, r, b))
                 return;
         copy_out(first, rows, b);
+        mark_columns(first, b);
     }
 
   private:
@@ -159,6 +160,15 @@ class Sweep {
 
     static PlaneElement element(int B, int r, Block &b) {
         return {b.tile.data() + std::int64_t{b.column(B)} * ROWS + (r - 1), std::int64_t{b.columns} * ROWS};
+    }
+
+    // Other threads set other bits of the same words.
+    void mark_columns(int first, const Block &b) const {
+        const int piece = (first - 1) / ROWS;
+        const unsigned bit = 1u << piece % 16;
+        for (int c = 1; c <= b.columns; ++c)
+            std::atomic_ref(store_.near_rows(b.panel(c), piece / 16 + 1))
+                .fetch_or(static_cast<std::uint16_t>(bit), std::memory_order_relaxed);
     }
 
     void copy_out(int first, int rows, Block &b) const {

@@ -1,5 +1,6 @@
 // Truth: the definition, pair by pair in double precision: influence of the source panel = weights times the
 // Green function and its derivative along the source normal, summed over images with the signs of the class.
+#include "assembly/row_part.hpp"
 #include "assembly/tiles.hpp"
 #include "assembly/wavegr.hpp"
 
@@ -19,6 +20,7 @@ using Vector = std::array<double, 3>;
 struct Setting {
     int ISX, ISY, IQUAD, ILOG, ISCATT, ISOR;
     bool lid;
+    int least = TILE; // panels are more
 };
 
 struct Case {
@@ -41,7 +43,8 @@ void make_case(const Setting &setting, Case &c) {
     run.opt.IRAD = run.opt.IDIFF = 1;
     run.opt.HBOT = -1;
     run.memory.INCORE = true;
-    const hulls::Quads quarter = hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, setting.lid);
+    const hulls::Quads quarter =
+        hulls::quarter_box(2.0, 1.4, -1.0, 0.0, setting.least > TILE ? 6 : 3, setting.lid);
     hulls::set_body(setting.ISX == 0 && setting.ISY == 0 ? hulls::mirrored(quarter) : quarter, run);
     ASSERT_EQ(hulls::pre_pass(run), Status::ok);
     for (int ip = 1; ip <= run.mesh.NEQN; ++ip)
@@ -160,7 +163,7 @@ TEST_P(WaveRows, EqualTheDefinition) {
     make_case(GetParam(), c);
     const RunState &run = c.run;
     const int N = run.mesh.NEQN;
-    ASSERT_GT(N, TILE);
+    ASSERT_GT(N, GetParam().least);
     ASSERT_EQ(WAVEGR(run, c.wave, c.thread), Status::ok);
     for (int s = 1; s <= run.sym.NSYMR; ++s) {
         double worst = 0;
@@ -202,6 +205,7 @@ INSTANTIATE_TEST_SUITE_P(Settings, WaveRows,
                          testing::Values(Setting{1, 1, 0, 0, 0, 0, false}, Setting{0, 0, 0, 0, 0, 1, false},
                                          Setting{1, 1, 0, 1, 1, 1, true}, Setting{1, 1, 1, 0, 1, 0, false},
                                          Setting{1, 1, 1, 1, 1, 1, true}, Setting{-1, 1, 0, 1, 1, 1, false},
-                                         Setting{0, 0, 1, 1, 1, 0, true}));
+                                         Setting{0, 0, 1, 1, 1, 0, true},
+                                         Setting{0, 0, 0, 1, 1, 1, true, PART}));
 
 } // namespace
