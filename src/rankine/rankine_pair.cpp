@@ -248,6 +248,18 @@ void mark_surface_pairs(const RankineInput &in, PairChunk &chunk) {
     }
 }
 
+// Most pairs have no logarithm.
+void list_holders(int ILOG, PairChunk &chunk) {
+    int with_logarithm = 0;
+    for (int i = 0; i < chunk.count; ++i) {
+        chunk.holder[0][i] = i;
+        chunk.holder[1][with_logarithm] = i;
+        with_logarithm += (chunk.digit[i] & 3) > 1 ? ILOG : 0;
+    }
+    chunk.holders[0] = chunk.count;
+    chunk.holders[1] = with_logarithm;
+}
+
 } // namespace
 
 RankineInput::RankineInput(const Options &options, const Mesh &the_mesh, const Dipoles &the_dipoles,
@@ -297,5 +309,6 @@ bool rankine_pairs(const RankineInput &in, PairChunk &chunk) {
         if (!add_place(in, place, places, chunk))
             return false;
     mark_surface_pairs(in, chunk);
+    list_holders(in.opt.ILOG, chunk);
     return true;
 }

@@ -55,6 +55,7 @@ struct PairChunk {
                      // logarithm; 4 added: bottom
     // By level: 0 the plain Rankine terms, 1 those that multiply the logarithm of the wave function.
     alignas(64) f32 term[2][PAIR_TERMS][SIZE];
+    int holder[2][SIZE], holders[2]; // pairs that have terms of the level, in order, and their number
 
     bool full() const { return count >= SIZE - 1; } // room for both directions
     void add(const DirectedPair &p) { pair[count++] = p; }

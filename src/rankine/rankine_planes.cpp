@@ -56,8 +56,11 @@ void scatter_terms(const RankineInput &in, const Planes &planes, const PairChunk
                 sign[p] *= static_cast<f32>(SGY[m]);
         }
         const f32 *term = chunk.term[plane.level][plane.term];
-        for (int i = 0; i < chunk.count; ++i)
+        const int *holder = chunk.holder[plane.level];
+        for (int n = 0; n < chunk.holders[plane.level]; ++n) {
+            const int i = holder[n];
             to.element[i][offset] += sign[chunk.pair[i].image] * term[i];
+        }
         offset += to.plane;
     }
 }
@@ -85,21 +88,24 @@ ModeFeed::ModeFeed(const RankineInput &in)
 
 namespace {
 
-// Adds the pairs first .. last - 1, which have one field panel, to eight of its right-hand sides.
+// Eight modes and the source influence of the pairs of a chunk.
 struct EightModes {
-    const f32 *velocity, *sign; // of these modes
-    std::int64_t stride;        // from panel to panel, and from image to image
-    const f32 *S;               // source influence of the pairs
+    const f32 *velocity, *sign;
+    std::int64_t stride; // from panel to panel, and from image to image
+    const f32 *S;
 };
 
-VORDA_SIMD void add_modes(const EightModes &modes, const DirectedPair *pair, int first, int last, f32 *sum) {
+// Adds the listed pairs, which have one field panel, to eight of its right-hand sides.
+VORDA_SIMD void add_modes(const EightModes &modes, const DirectedPair *pair, const int *list, int count,
+                          f32 *sum) {
     f32 total[BLOCK];
     for (int q = 0; q < BLOCK; ++q)
         total[q] = sum[q];
-    for (int i = first; i < last; ++i) {
-        const f32 *v = modes.velocity + (pair[i].source - 1) * modes.stride,
-                  *e = modes.sign + pair[i].image * modes.stride;
-        const f32 S = modes.S[i];
+    for (int n = 0; n < count; ++n) {
+        const DirectedPair &p = pair[list[n]];
+        const f32 *v = modes.velocity + (p.source - 1) * modes.stride;
+        const f32 *e = modes.sign + p.image * modes.stride;
+        const f32 S = modes.S[list[n]];
 #pragma omp simd
         for (int q = 0; q < BLOCK; ++q)
             total[q] += v[q] * S * e[q];
@@ -111,19 +117,22 @@ VORDA_SIMD void add_modes(const EightModes &modes, const DirectedPair *pair, int
 } // namespace
 
 void ModeFeed::add(const PairChunk &chunk, int levels, const PairTargets &to) const {
-    for (int first = 0, last = 0; first < chunk.count; first = last) {
-        while (last < chunk.count && to.rhs[last] == to.rhs[first])
-            ++last;
-        for (int k = 0; k < levels && to.rhs[first] != nullptr; ++k)
-            for (int q = 0; q < modes_; q += BLOCK) {
-                f32 *rhs = to.rhs[first] + k * modes_ + q;
+    for (int k = 0; k < levels; ++k) {
+        const int *holder = chunk.holder[k];
+        for (int first = 0, last = 0; first < chunk.holders[k]; first = last) {
+            f32 *sums = to.rhs[holder[first]];
+            while (last < chunk.holders[k] && to.rhs[holder[last]] == sums)
+                ++last;
+            for (int q = 0; q < modes_ && sums != nullptr; q += BLOCK) {
+                f32 *rhs = sums + k * modes_ + q;
                 const int n = std::min(BLOCK, modes_ - q);
                 f32 sum[BLOCK] = {};
                 std::copy_n(rhs, n, sum);
                 add_modes({velocity_.data() + q, sign_.data() + q, padded_, chunk.term[k][SOURCE]},
-                          chunk.pair, first, last, sum);
+                          chunk.pair, holder + first, last - first, sum);
                 std::copy_n(sum, n, rhs);
             }
+        }
     }
 }
 
