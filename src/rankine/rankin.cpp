@@ -20,6 +20,7 @@ struct Block {
     Array<std::uint8_t, 1> bits; // those of all rows (padded panels)
     Array<int, 1> column;        // place of a panel among the columns, from 0; -1: nothing near (NEQN)
     Array<int, 1> panel;         // panel of a column (NEQN)
+    Array<bool, 1> logarithm;    // column holds something in level 1 (NEQN)
     Array<int, 1> listed;        // panels that some row has a code with (NEQN)
     Array<int, 1> of_row;        // those of one row (NEQN + 1)
     PairTargets targets;
@@ -31,7 +32,7 @@ struct Block {
     [[nodiscard]] bool alloc(const RankineInput &in) {
         return mask.alloc(std::max(in.points.padded, 1), ROWS) && column.alloc(in.mesh.NEQN) &&
                panel.alloc(in.mesh.NEQN) && listed.alloc(in.mesh.NEQN) && of_row.alloc(in.mesh.NEQN + 1) &&
-               bits.alloc(std::max(in.points.padded, 1)) &&
+               bits.alloc(std::max(in.points.padded, 1)) && logarithm.alloc(in.mesh.NEQN) &&
                rhs.alloc(std::max(in.sym.NSYMD, 1), Range{0, 1}, ROWS);
     }
     // Room for the columns of this block in all planes, zeroed.
@@ -93,8 +94,10 @@ class Sweep {
                 b.listed(++b.listings) = B;
             const bool near = (bits[B - 1] & near_bits) != 0;
             b.column(B) = near ? b.columns : -1;
-            if (near)
+            if (near) {
                 b.panel(++b.columns) = B;
+                b.logarithm(b.columns) = false;
+            }
         }
     }
 
@@ -152,6 +155,8 @@ class Sweep {
             std::uint16_t &code = store_.ICODM(pair_place(pair.field) + pair.source);
             code = static_cast<std::uint16_t>(code + (chunk.digit[i] << (3 * (pair.image - 1))));
         }
+        for (int n = 0; n < chunk.holders[1]; ++n)
+            b.logarithm(column[chunk.pair[chunk.holder[1][n]].source - 1] + 1) = true;
         scatter_terms(in_, planes_, chunk, to);
         feed_.add(chunk, planes_.levels, to);
         chunk.count = 0;
@@ -173,9 +178,11 @@ class Sweep {
 
     void copy_out(int first, int rows, Block &b) const {
         const f32 *from = b.tile.data();
+        // Zeros are left out: their pages may take no memory.
         const auto copy_plane = [&](View<f32, 4> to, int third, int k) {
             for (int c = 1; c <= b.columns; ++c, from += ROWS)
-                std::copy_n(from, rows, &to(first, b.panel(c), third, k));
+                if (k == 0 || b.logarithm(c))
+                    std::copy_n(from, rows, &to(first, b.panel(c), third, k));
         };
         for (const PlaneTerm &plane : planes_.list) {
             const int s = plane.cls, k = plane.level;
