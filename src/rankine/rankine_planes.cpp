@@ -56,11 +56,13 @@ void scatter_terms(const RankineInput &in, const Planes &planes, const PairChunk
                 sign[p] *= static_cast<f32>(SGY[m]);
         }
         const f32 *term = chunk.term[plane.level][plane.term];
-        const int *holder = chunk.holder[plane.level];
-        for (int n = 0; n < chunk.holders[plane.level]; ++n) {
-            const int i = holder[n];
-            to.element[i][offset] += sign[chunk.pair[i].image] * term[i];
-        }
+        const auto add = [&](int i) { to.element[i][offset] += sign[chunk.pair[i].image] * term[i]; };
+        if (plane.level == 0)
+            for (int i = 0; i < chunk.count; ++i)
+                add(i);
+        else
+            for (int n = 0; n < chunk.holders[1]; ++n)
+                add(chunk.holder[1][n]);
         offset += to.plane;
     }
 }
@@ -72,7 +74,7 @@ ModeFeed::ModeFeed(const RankineInput &in)
       velocity_(static_cast<std::size_t>(padded_) * static_cast<std::size_t>(in.mesh.NEQN), 0.0f),
       sign_(static_cast<std::size_t>(padded_) * 5, 0.0f) {
     const Symmetry &sym = in.sym;
-    for (int s = 1; s <= sym.NSYMR; ++s)
+    for (int s = 1; s <= sym.NSYMR && modes_ > 0; ++s)
         for (int n = 1; n <= sym.NMCLS[s]; ++n) {
             const int q = sym.MODCLS(n, s);
             const std::size_t at = static_cast<std::size_t>(sym.MODPOS(q)) - 1,
