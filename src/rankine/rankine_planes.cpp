@@ -70,7 +70,7 @@ void scatter_terms(const RankineInput &in, const Planes &planes, const PairChunk
 constexpr int BLOCK = 8;
 
 ModeFeed::ModeFeed(const RankineInput &in)
-    : in_(in), modes_(in.opt.IRAD != -1 ? in.sym.NSYMD : 0), padded_((modes_ + BLOCK - 1) / BLOCK * BLOCK),
+    : modes_(in.opt.IRAD != -1 ? in.sym.NSYMD : 0), padded_((modes_ + BLOCK - 1) / BLOCK * BLOCK),
       velocity_(static_cast<std::size_t>(padded_) * static_cast<std::size_t>(in.mesh.NEQN), 0.0f),
       sign_(static_cast<std::size_t>(padded_) * 5, 0.0f) {
     const Symmetry &sym = in.sym;

@@ -41,10 +41,9 @@ class ModeFeed {
     void add(const PairChunk &chunk, int levels, const PairTargets &to) const;
 
   private:
-    const RankineInput &in_;
     int modes_, padded_;        // NSYMD; that in blocks of eight
     std::vector<f32> velocity_; // (padded,NEQN)
-    std::vector<f32> sign_;     // (padded,8): reflection
+    std::vector<f32> sign_;     // (padded,0:4): image of the list
 };
 
 // Adds the terms of the pairs to their elements in all planes.
