@@ -20,6 +20,14 @@ Images images_of(const Symmetry &sym, const RowPart &part, int s, const int *axi
     return images;
 }
 
+// With one image the sum is the coefficient as it stands.
+void sums_of_images(int n, const Images &images, const Split &coefficient, Split &sum) {
+    if (images.count == 1)
+        sum = coefficient;
+    else
+        sum_images(n, images, coefficient, sum);
+}
+
 // The lines of a tile from the first panel of a part on.
 struct PartLines {
     const TileRow &tile_row;
@@ -35,16 +43,16 @@ void velocity_sums(const AssemblyFrame &f, const PartLines &at, int s, const Wav
     const int n = at.part.n, columns = at.part.columns();
     const int *const axis_sign[3] = {SGX, SGY, nullptr};
     const Images all = images_of(f.run.sym, at.part, s);
-    sum_images(n, all, row.DPR, w.DROW);
-    sum_images(columns, all, row.DPC, w.DCOL);
+    sums_of_images(n, all, row.DPR, w.DROW);
+    sums_of_images(columns, all, row.DPC, w.DCOL);
     const Split EROW = at.row(s, PLANE_E);
     const Split ECOL = at.column(s, PLANE_E);
     add_surface_pairs(n, row.EFR.data(), row.EFC.data(), w.DROW, EROW);
     add_surface_pairs(columns, row.EFR.data(), row.EFC.data(), w.DCOL, ECOL);
     for (int c = 0; c < 3; ++c) {
         const Images images = images_of(f.run.sym, at.part, s, axis_sign[c]);
-        sum_images(n, images, row.VPR[c], w.VROW[c]);
-        sum_images(columns, images, row.VPC[c], w.VCOL[c]);
+        sums_of_images(n, images, row.VPR[c], w.VROW[c]);
+        sums_of_images(columns, images, row.VPC[c], w.VCOL[c]);
         add_signed(n, f.panels.N(at.part.I, c + 1), w.VROW[c], EROW);
         add_weighted(columns, &f.panels.N(at.part.from + 1, c + 1), w.VCOL[c], ECOL);
         add_signed(n, 1, w.VROW[c], at.row(s, PLANE_V + c));
@@ -160,13 +168,8 @@ void class_sums(const AssemblyFrame &f, const TileRow &tile_row, const RowPart &
     const Images images = images_of(f.run.sym, part, s);
     add_images(n, images, row.DPR, at.row(s));
     add_images(columns, images, row.DPC, at.column(s));
-    if (images.count == 1) { // their sum is the coefficient as it stands
-        w.SROW = row.SPR;
-        w.SCOL = row.SPC;
-    } else {
-        sum_images(n, images, row.SPR, w.SROW);
-        sum_images(columns, images, row.SPC, w.SCOL);
-    }
+    sums_of_images(n, images, row.SPR, w.SROW);
+    sums_of_images(columns, images, row.SPC, w.SCOL);
     if (columns < n && is_dipole(f.run.dipoles, I)) { // the diagonal is in this part
         const c32 term = porosity_term(f.run.dipoles, f.wave, I);
         tile_row.row(s).re[I - 1] += term.real();

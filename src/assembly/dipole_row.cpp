@@ -38,6 +38,14 @@ void each_dipole_pair(const Dipoles &dipoles, const DirectedPairs &pairs, Action
 
 } // namespace
 
+bool has_dipole_pair(const Dipoles &dipoles, const RowPart &part) {
+    for (int J = part.from + 1; J <= part.last(); ++J) {
+        if (is_dipole(dipoles, J))
+            return true;
+    }
+    return is_dipole(dipoles, part.I);
+}
+
 void start_dipole_pairs(const Dipoles &dipoles, const DirectedPairs &pairs, WaveRow &row) {
     each_dipole_pair(dipoles, pairs, [&](int, std::int64_t e, bool field, bool source) {
         if (field) {

@@ -14,6 +14,8 @@ struct DirectedPairs {
     std::int64_t entry; // of the first J among the coefficients of all images, from 0
 };
 
+[[nodiscard]] bool has_dipole_pair(const Dipoles &dipoles, const RowPart &part);
+
 // Clears S and D of pairs with a dipole panel as field panel, and, with velocities, V of those with
 // one as source.
 void start_dipole_pairs(const Dipoles &dipoles, const DirectedPairs &pairs, WaveRow &row);

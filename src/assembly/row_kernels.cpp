@@ -82,6 +82,25 @@ template <class V> VORDA_INLINE void velocity(int n, const VelocityRow &at, cons
     }
 }
 
+template <class V>
+VORDA_INLINE void point_velocity(int n, const VelocityRow &at, const V area, f32 NU, const f32 *EB,
+                                 const Split *value) {
+    const f32 *rr = at.GR.re, *ri = at.GR.im, *vr = at.GV.re, *vi = at.GV.im;
+    const f32 *cosine = at.cosine, *sine = at.sine;
+    f32 *xr = value[0].re, *xi = value[0].im, *yr = value[1].re, *yi = value[1].im, *zr = value[2].re,
+        *zi = value[2].im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const f32 w = area[j] * (-NU * NU * EB[j]), wc = w * cosine[j], ws = w * sine[j];
+        xr[j] = wc * rr[j];
+        xi[j] = wc * ri[j];
+        yr[j] = ws * rr[j];
+        yi[j] = ws * ri[j];
+        zr[j] = w * vr[j];
+        zi[j] = w * vi[j];
+    }
+}
+
 // One real array of the images: all of them in one pass, added in their order to what is there or to 0.
 template <int COUNT, bool ADD>
 VORDA_INLINE void images_pass(int n, const Images &images, const f32 *x, f32 *sum) {
@@ -227,6 +246,16 @@ VORDA_SIMD void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V) {
             im[j] *= -NU * NU * EB[j];
         }
     }
+}
+
+VORDA_SIMD void centroid_velocity(int n, const VelocityRow &at, const f32 *area, f32 NU, const f32 *EB,
+                                  const Split *V) {
+    point_velocity(n, at, Each{area}, NU, EB, V);
+}
+
+VORDA_SIMD void centroid_velocity(int n, const VelocityRow &at, f32 area, f32 NU, const f32 *EB,
+                                  const Split *V) {
+    point_velocity(n, at, Same{area}, NU, EB, V);
 }
 
 VORDA_SIMD void add_surface_pairs(int n, const f32 *EFR, const f32 *EFC, ConstSplit value, Split sum) {

@@ -87,6 +87,9 @@ struct VelocityRow {
 void velocity_accumulate(int n, const VelocityRow &at, const f32 *area, const Split *V);
 void velocity_accumulate(int n, const VelocityRow &at, f32 area, const Split *V);
 void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V);
+// The same for one point per panel, in one pass.
+void centroid_velocity(int n, const VelocityRow &at, const f32 *area, f32 NU, const f32 *EB, const Split *V);
+void centroid_velocity(int n, const VelocityRow &at, f32 area, f32 NU, const f32 *EB, const Split *V);
 // Images of a coefficient, 1, 2 or 4 of them: image m from 0 starts m `stride` behind the first and counts
 // with its sign.
 struct Images {

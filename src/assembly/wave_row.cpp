@@ -62,11 +62,11 @@ void evaluate(const AssemblyFrame &f, std::int64_t first, int count, const f32 *
                              heights,
                              f.heights.value.dim(1)};
     GreenArrays values{};
-    for (int v = 0; v < (row.second ? 8 : 4); ++v) {
+    for (int v = 0; v < (row.records ? 8 : 4); ++v) {
         values.re[VALUES[v]] = &row.green(1, 2 * v + 1) + first;
         values.im[VALUES[v]] = &row.green(1, 2 * v + 2) + first;
     }
-    const GreenOrder order = row.second ? GreenOrder::second : GreenOrder::first;
+    const GreenOrder order = row.records ? GreenOrder::second : GreenOrder::first;
     if (f.wave.IPLIM == 0)
         VGRN98(points, f.wave.HNU, f.gstate, order, row.work, values);
     else
@@ -127,14 +127,10 @@ void centroid_points(const AssemblyFrame &f, const RowPart &part, const std::uin
 
 void centroid_velocities(const AssemblyFrame &f, const RowPart &part, std::int64_t o, WaveRow &row) {
     const Velocity at_row(row.VPR, o), at_column(row.VPC, o);
-    at_row.clear(part.n);
-    velocity_accumulate(part.n, velocity_row(row, GF, o, row.CR, row.SR), &f.panels.A(part.from + 1),
-                        at_row.component);
-    velocity_finish(part.n, f.wave.NU, row.EB.data(), at_row.component);
-    at_column.clear(part.columns());
-    velocity_accumulate(part.columns(), velocity_row(row, GZ, o, row.CC, row.SC), f.panels.A(part.I),
-                        at_column.component);
-    velocity_finish(part.columns(), f.wave.NU, row.EB.data(), at_column.component);
+    centroid_velocity(part.n, velocity_row(row, GF, o, row.CR, row.SR), &f.panels.A(part.from + 1), f.wave.NU,
+                      row.EB.data(), at_row.component);
+    centroid_velocity(part.columns(), velocity_row(row, GZ, o, row.CC, row.SC), f.panels.A(part.I), f.wave.NU,
+                      row.EB.data(), at_column.component);
 }
 
 void centroid_path(const AssemblyFrame &f, const RowPart &part, const std::uint16_t *code, WaveRow &row) {
@@ -159,7 +155,7 @@ void centroid_path(const AssemblyFrame &f, const RowPart &part, const std::uint1
             one_source(panels, part.I, panels.A(part.I)));
         if (row.velocities)
             centroid_velocities(f, part, o, row);
-        if (!f.run.dipoles.IDIPOL)
+        if (!row.records)
             continue;
         for (const bool at_row : {true, false}) {
             const DirectedPairs pairs{part, sym.ISYMG[m + 1], at_row, at_row ? 0 : 1, o};
@@ -172,7 +168,7 @@ void centroid_path(const AssemblyFrame &f, const RowPart &part, const std::uint1
 // The pairs with dipole panels of one image, all four Gauss points. In both passes z is the depth
 // of the source.
 void gauss_dipoles(const AssemblyFrame &f, const DirectedPairs &pairs, WaveRow &row) {
-    if (!f.run.dipoles.IDIPOL)
+    if (!row.records)
         return;
     const RowPart &part = pairs.part;
     start_dipole_pairs(f.run.dipoles, pairs, row);
@@ -323,6 +319,7 @@ void WaveRow::record(std::int64_t p, f32 (&values)[16]) const {
 
 Status wave_coefficients(const AssemblyFrame &f, const RowPart &part, const std::uint16_t *code,
                          WaveRow &row) {
+    row.records = row.second && has_dipole_pair(f.run.dipoles, part);
     (f.run.opt.IQUAD == 1 ? gauss_path : centroid_path)(f, part, code, row);
     return f.wave.IPLIM == 2 ? infinite_frequency_images(f.run, part, code, row) : Status::ok;
 }
