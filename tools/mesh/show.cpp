@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <memory>
 
@@ -146,6 +147,7 @@ std::function<int()> add_show(CLI::App &app) {
     command->add_option("FILE", r->file, "geometry file, global geometry file, IDF or FDF file")->required();
     command->add_option("-o,--output", r->output, "name of the SVG file")->required();
     std::vector<std::string> names;
+    names.reserve(std::size(VIEWS));
     for (const auto &[name, view] : VIEWS)
         names.push_back(name);
     command->add_option("--view", r->view, "all, or one of side, front, top, perspective")

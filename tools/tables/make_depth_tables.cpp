@@ -298,6 +298,7 @@ template <class Shape> std::vector<Errors> check_all(Function which, const Depth
     }
     const DepthDefinition definition(which, {t.begin(), t.end()}, {vertical.begin(), vertical.end()});
     std::vector<Errors> errors;
+    errors.reserve(DEPTH_INTERVALS);
     for (int interval = 0; interval < DEPTH_INTERVALS; ++interval)
         errors.push_back(check<Shape>(definition, t, vertical, interval, table));
     return errors;
