@@ -135,7 +135,7 @@ struct TakenLanes {
 
 // Of the distance r1.
 struct Distance {
-    Lanes i2, rinv, i3, r1; // 1/r1^2, 1/r1, 1/r1^3, r1
+    Lanes i2, rinv, i3, r1; // 1/r1^2, 1/r1, 1/r1^3, r1, all 0 unless `apart`
     Mask apart;             // r1 above TINY_R1
 };
 
@@ -143,12 +143,11 @@ VORDA_WIDE Distance distance(Lanes X, Lanes Y) {
     Distance to;
     const Lanes r2 = fma(X, X, Y * Y);
     to.apart = _mm512_cmp_ps_mask(r2, all(TINY_R1 * TINY_R1), _CMP_GT_OQ);
-    to.i2 = _mm512_maskz_div_ps(to.apart, all(1), r2);
-    to.rinv = root(to.i2);
+    const Roots of = roots(select(to.apart, r2, all(1)));
+    to.i2 = _mm512_maskz_mov_ps(to.apart, of.inverse);
+    to.rinv = _mm512_maskz_mov_ps(to.apart, of.inverse_root);
     to.i3 = to.i2 * to.rinv;
-    // The root of r2, with one step for its last digit.
-    const Lanes about = r2 * to.rinv;
-    to.r1 = fma(fnma(about, about, r2), all(0.5f) * to.rinv, about);
+    to.r1 = _mm512_maskz_mov_ps(to.apart, of.root);
     return to;
 }
 
@@ -162,10 +161,9 @@ struct PointLanes {
 VORDA_WIDE TakenLanes taken_out(Lanes X, Lanes Y, const TableLanes &p, const AxisLanes &axis,
                                 const Distance &to, const PointLanes &at) {
     const auto &[Q, V, BX, L, sinv, exy] = at;
-    const Lanes r1 = _mm512_maskz_mov_ps(to.apart, to.r1);
     const Lanes g = rest_of_decay(Y, exy), h = all(1) - g;
-    const Lanes M = fma(g, axis.J, -axis.Jm), px = X * to.rinv * sinv, smooth = fma(r1, p.B, -Q);
-    const Lanes any = fma(L, axis.W, fma(p.B, X * to.rinv, fma(r1, BX, -V))),
+    const Lanes M = fma(g, axis.J, -axis.Jm), px = X * to.rinv * sinv, smooth = fma(to.r1, p.B, -Q);
+    const Lanes any = fma(L, axis.W, fma(p.B, X * to.rinv, fma(to.r1, BX, -V))),
                 inner = _mm512_maskz_mov_ps(to.apart, any);
     return {fma(M, L, smooth * h), fma(M, px, inner * h), fma(axis.J, L, -smooth) * h,
             fma(axis.J, px, -inner) * h};

@@ -42,6 +42,17 @@ VORDA_WIDE Lanes select(Mask m, Lanes yes, Lanes no) {
 VORDA_WIDE Lanes root(Lanes x) {
     return _mm512_sqrt_ps(x);
 }
+// 1/x, its root and that of x, all but to the last digit: x > 0 and no end of the range, one Newton step from 14
+// bits. That takes as many products as a root and a quotient, but the results come sooner.
+struct Roots {
+    Lanes inverse, inverse_root, root;
+};
+VORDA_WIDE Roots roots(Lanes x) {
+    const Lanes y = _mm512_rsqrt14_ps(x), y2 = y * y, half = all(0.5f) * y, s = x * y;
+    const Lanes e = fnma(x, y2, all(1));
+    return {fma(y2, e, y2), fma(half, e, y), fma(fnma(s, s, x), half, s)};
+}
+
 VORDA_WIDE Integers whole(Lanes x) {
     return _mm512_cvttps_epi32(x);
 }
