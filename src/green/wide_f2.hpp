@@ -161,7 +161,7 @@ struct PointLanes {
 VORDA_WIDE TakenLanes taken_out(Lanes X, Lanes Y, const TableLanes &p, const AxisLanes &axis,
                                 const Distance &to, const PointLanes &at) {
     const auto &[Q, V, BX, L, sinv, exy] = at;
-    const Lanes g = rest_of_decay(Y, exy), h = all(1) - g;
+    const Lanes g = decay(Y).rest, h = all(1) - g;
     const Lanes M = fma(g, axis.J, -axis.Jm), px = X * to.rinv * sinv, smooth = fma(to.r1, p.B, -Q);
     const Lanes any = fma(L, axis.W, fma(p.B, X * to.rinv, fma(to.r1, BX, -V))),
                 inner = _mm512_maskz_mov_ps(to.apart, any);

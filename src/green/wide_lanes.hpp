@@ -42,8 +42,8 @@ VORDA_WIDE Lanes select(Mask m, Lanes yes, Lanes no) {
 VORDA_WIDE Lanes root(Lanes x) {
     return _mm512_sqrt_ps(x);
 }
-// 1/x, its root and that of x, all but to the last digit: x > 0 and no end of the range, one Newton step from 14
-// bits. That takes as many products as a root and a quotient, but the results come sooner.
+// 1/x, its root and that of x, all but to the last digit: x > 0 and no end of the range, one Newton step from
+// 14 bits. That takes as many products as a root and a quotient, but the results come sooner.
 struct Roots {
     Lanes inverse, inverse_root, root;
 };
@@ -80,13 +80,17 @@ VORDA_WIDE Lanes one_of(const f32 (&table)[LANES], Integers place) {
 // The bits of 2^(j/16) less j at the fourth bit of the mantissa: adding 16 n + j there gives 2^(n + j/16).
 struct Sixteenths {
     alignas(64) f32 value[LANES];
+    alignas(64) f32 excess[LANES]; // of their logarithms, by rounding
 };
 constexpr Sixteenths sixteenths() {
     constexpr f32 POWERS[LANES] = {1.0f,        1.04427373f, 1.09050775f, 1.13878858f,
                                    1.18920708f, 1.24185777f, 1.29683959f, 1.35425556f,
                                    1.41421354f, 1.47682619f, 1.54221082f, 1.61049032f,
                                    1.68179286f, 1.75625217f, 1.8340081f,  1.91520655f};
-    Sixteenths s{};
+    Sixteenths s{{},
+                 {0.0f, -4.628547e-08f, 1.199216e-08f, -4.729782e-08f, -3.193418e-08f, -3.621057e-08f,
+                  3.099072e-08f, 7.475213e-09f, -1.711427e-08f, 3.047683e-08f, -5.233334e-09f, -6.107592e-09f,
+                  1.471961e-08f, 5.258795e-09f, 6.128260e-09f, -5.140609e-09f}};
     for (int j = 0; j < LANES; ++j)
         s.value[j] = std::bit_cast<f32>(std::bit_cast<int>(POWERS[j]) - (j << 19));
     return s;
@@ -95,26 +99,34 @@ inline constexpr Sixteenths SIXTEENTHS = sixteenths();
 
 constexpr f32 LN2_HEAD = 0.693359375f, LN2_TAIL = -2.12194440e-4f;
 
-// To 1.2e-7, x from -87 to 88: exp(x) = 2^n exp(rest), n in sixteenths, |rest| <= ln(2)/32 (Tang 1989, ACM
-// Transactions on Mathematical Software 15). A sum with 1.5 2^19 has its last bit at 1/16.
-VORDA_WIDE Lanes exponential(Lanes x) {
+// exp(x) = scale (1 + p), scale = 2^n, n in sixteenths, |p| < 0.022 (Tang 1989, ACM Transactions on
+// Mathematical Software 15); x from -87 to 88. A sum with 1.5 2^19 has its last bit at 1/16.
+struct Power {
+    Lanes scale, p;
+};
+VORDA_WIDE Power power(Lanes x) {
     constexpr f32 SHIFT = 786432.0f;
     const Lanes shifted = fma(x, all(1.44269504f), all(SHIFT)), n = shifted - all(SHIFT);
-    const Lanes rest = fnma(n, all(LN2_TAIL), fnma(n, all(LN2_HEAD), x));
-    const Lanes p = fma(fma(all(0.166669925f), rest, all(0.500014661f)), rest * rest, rest);
     const Integers bits = _mm512_castps_si512(shifted);
-    const Integers power = _mm512_castps_si512(one_of(SIXTEENTHS.value, bits));
-    const Lanes scale = _mm512_castsi512_ps(_mm512_add_epi32(power, _mm512_slli_epi32(bits, 19)));
-    return fma(scale, p, scale);
+    const Lanes rest = fnma(n, all(LN2_TAIL), fnma(n, all(LN2_HEAD), x)) - one_of(SIXTEENTHS.excess, bits);
+    const Integers sixteenth = _mm512_castps_si512(one_of(SIXTEENTHS.value, bits));
+    return {_mm512_castsi512_ps(_mm512_add_epi32(sixteenth, _mm512_slli_epi32(bits, 19))),
+            fma(fma(all(0.166669925f), rest, all(0.500014661f)), rest * rest, rest)};
 }
 
-// 1 - e, e = exp(-x), x >= 0, with its digits: below 0.5 the Taylor series, to 5e-9.
-VORDA_WIDE Lanes rest_of_decay(Lanes x, Lanes e) {
-    constexpr f32 SERIES[8] = {1.0f,       -1 / 2.0f,   1 / 6.0f,    -1 / 24.0f,
-                               1 / 120.0f, -1 / 720.0f, 1 / 5040.0f, -1 / 40320.0f};
-    const Mask low = _mm512_cmp_ps_mask(x, all(0.5f), _CMP_LT_OQ);
-    const Lanes rest = all(1) - e;
-    return low != 0 ? select(low, x * polynomial(SERIES, x), rest) : rest;
+// To 1.2e-7.
+VORDA_WIDE Lanes exponential(Lanes x) {
+    const Power e = power(x);
+    return fma(e.scale, e.p, e.scale);
+}
+
+// e = exp(-x) and 1 - e with its digits, both to 2e-7, 0 <= x <= 87: next to 0 the scale is 1.
+struct Decay {
+    Lanes e, rest;
+};
+VORDA_WIDE Decay decay(Lanes x) {
+    const Power e = power(-x);
+    return {fma(e.scale, e.p, e.scale), fnma(e.scale, e.p, all(1) - e.scale)};
 }
 
 // c near 1/mantissa for the first four bits of a mantissa from 3/4 to 3/2, and -ln(c), which are

@@ -27,9 +27,9 @@ struct Height {
 };
 
 VORDA_WIDE void set_propagating(const GSTATE &g, Height &h) {
-    const Lanes x = all(g.RKTWO) * h.above, e = exponential(-_mm512_min_ps(x, all(MAX_EXPONENT)));
-    h.one = all(1) + e;
-    h.rest = rest_of_decay(x, e);
+    const Decay d = decay(_mm512_min_ps(all(g.RKTWO) * h.above, all(MAX_EXPONENT)));
+    h.one = all(1) + d.e;
+    h.rest = d.rest;
 }
 
 template <bool FAR> VORDA_WIDE void set_height(const GSTATE &g, Lanes mu, Lanes above, Height &h) {
