@@ -114,13 +114,13 @@ VORDA_WIDE Power power(Lanes x) {
             fma(fma(all(0.166669925f), rest, all(0.500014661f)), rest * rest, rest)};
 }
 
-// To 1.2e-7.
+// To 7e-8.
 VORDA_WIDE Lanes exponential(Lanes x) {
     const Power e = power(x);
     return fma(e.scale, e.p, e.scale);
 }
 
-// e = exp(-x) and 1 - e with its digits, both to 2e-7, 0 <= x <= 87: next to 0 the scale is 1.
+// e = exp(-x) to 7e-8 and 1 - e to 1.6e-7 of itself, 0 <= x <= 87: next to 0 the scale is 1.
 struct Decay {
     Lanes e, rest;
 };
