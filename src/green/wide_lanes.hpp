@@ -120,13 +120,16 @@ VORDA_WIDE Lanes exponential(Lanes x) {
     return fma(e.scale, e.p, e.scale);
 }
 
-// e = exp(-x) to 7e-8 and 1 - e to 1.6e-7 of itself, 0 <= x <= 87: next to 0 the scale is 1.
+// e = exp(-x) to 7e-8 and 1 - e to 1.6e-7 of itself, 0 <= x <= 87. Next to 0 the scale is 1; from 1/2 on its
+// difference from 1 is exact.
 struct Decay {
     Lanes e, rest;
 };
 VORDA_WIDE Decay decay(Lanes x) {
-    const Power e = power(-x);
-    return {fma(e.scale, e.p, e.scale), fnma(e.scale, e.p, all(1) - e.scale)};
+    const Power of = power(-x);
+    const Lanes e = fma(of.scale, of.p, of.scale);
+    const Mask exact = _mm512_cmp_ps_mask(of.scale, all(0.5f), _CMP_GE_OQ);
+    return {e, select(exact, fnma(of.scale, of.p, all(1) - of.scale), all(1) - e)};
 }
 
 // c near 1/mantissa for the first four bits of a mantissa from 3/4 to 3/2, and -ln(c), which are
@@ -151,7 +154,7 @@ VORDA_WIDE Lanes logarithm(Lanes x) {
     const Integers place = _mm512_srli_epi32(_mm512_castps_si512(mantissa), 19);
     const Lanes f = _mm512_fmsub_ps(mantissa, one_of(MANTISSAS.c, place), all(1));
     const Lanes rest = fma(f * f, polynomial(FIT, f), f);
-    return fma(n, all(0.693147182f), one_of(MANTISSAS.ln, place)) + rest;
+    return fma(n, all(LN2_HEAD), fma(n, all(LN2_TAIL), one_of(MANTISSAS.ln, place)) + rest);
 }
 
 struct Turns {
