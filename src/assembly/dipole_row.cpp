@@ -8,10 +8,6 @@ namespace {
 
 constexpr f32 VERTICAL = 1.0e-6f; // horizontal distance within which a pair counts as on one vertical
 
-int partners(const DirectedPairs &pairs) {
-    return pairs.row ? pairs.I : pairs.I - 1;
-}
-
 void set(const Split &s, std::int64_t e, c32 value) {
     s.re[e] = value.real();
     s.im[e] = value.imag();
@@ -26,19 +22,29 @@ template <class V> c32 along(const f32 (&M)[3], const V &vector) {
     return M[0] * vector[0] + M[1] * vector[1] + M[2] * vector[2];
 }
 
-// Calls action(J, e, field is a dipole panel, source is one) for the pairs with a dipole panel,
-// e their entry.
+// Calls action(j, e, field is a dipole panel, source is one) for the pairs with a dipole panel, j the place
+// of J in the part, from 0, e their entry.
 template <class Action>
 void each_dipole_pair(const Dipoles &dipoles, const DirectedPairs &pairs, Action action) {
-    const bool own = is_dipole(dipoles, pairs.I);
-    for (int J = 1; J <= partners(pairs); ++J) {
-        const bool partner = is_dipole(dipoles, J);
+    const RowPart &part = pairs.part;
+    const bool own = is_dipole(dipoles, part.I);
+    const int partners = pairs.row ? part.n : part.columns();
+    for (int j = 0; j < partners; ++j) {
+        const bool partner = is_dipole(dipoles, part.from + j + 1);
         if (own || partner)
-            action(J, pairs.entry + J - 1, pairs.row ? own : partner, pairs.row ? partner : own);
+            action(j, pairs.entry + j, pairs.row ? own : partner, pairs.row ? partner : own);
     }
 }
 
 } // namespace
+
+bool has_dipole_pair(const Dipoles &dipoles, const RowPart &part) {
+    for (int J = part.from + 1; J <= part.last(); ++J) {
+        if (is_dipole(dipoles, J))
+            return true;
+    }
+    return is_dipole(dipoles, part.I);
+}
 
 void start_dipole_pairs(const Dipoles &dipoles, const DirectedPairs &pairs, WaveRow &row) {
     each_dipole_pair(dipoles, pairs, [&](int, std::int64_t e, bool field, bool source) {
@@ -58,11 +64,12 @@ void add_dipole_points(const AssemblyFrame &f, const DirectedPairs &pairs, std::
     const f32 sx = static_cast<f32>(SGX[pairs.image]), sy = static_cast<f32>(SGY[pairs.image]);
     // Unit vectors from field to source.
     const f32 *cosine = (pairs.row ? row.CR : row.CC).data(), *sine = (pairs.row ? row.SR : row.SC).data();
-    each_dipole_pair(f.run.dipoles, pairs, [&](int J, std::int64_t e, bool field, bool source) {
+    each_dipole_pair(f.run.dipoles, pairs, [&](int j, std::int64_t e, bool field, bool source) {
         if (!field && !(source && row.velocities))
             return;
-        const std::int64_t p = point + J - 1;
-        const int field_panel = pairs.row ? pairs.I : J, source_panel = pairs.row ? J : pairs.I;
+        const std::int64_t p = point + j;
+        const int I = pairs.part.I, J = pairs.part.from + j + 1;
+        const int field_panel = pairs.row ? I : J, source_panel = pairs.row ? J : I;
         f32 record[16];
         row.record(p, record);
         HessianPair pair;
@@ -74,7 +81,7 @@ void add_dipole_points(const AssemblyFrame &f, const DirectedPairs &pairs, std::
         pair.S1 = pair.S2 = sine[p];
         c32 W[3];
         GHESS(pair, record, pairs.MODE, W);
-        const f32 first = NU * NU * weight[pairs.row ? J - 1 : 0], second = NU * first;
+        const f32 first = NU * NU * weight[pairs.row ? j : 0], second = NU * first;
         if (field) {
             const f32 M[3] = {sx * panels.N(field_panel, 1), sy * panels.N(field_panel, 2),
                               panels.N(field_panel, 3)};

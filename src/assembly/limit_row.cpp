@@ -33,16 +33,19 @@ Status remove_image(const RunState &run, int field, int g, int source, std::int6
 
 } // namespace
 
-Status infinite_frequency_images(const RunState &run, int I, const std::uint16_t *code, WaveRow &row) {
+Status infinite_frequency_images(const RunState &run, const RowPart &part, const std::uint16_t *code,
+                                 WaveRow &row) {
+    const int I = part.I;
     Status status = Status::ok;
     for (int m = 0; m < run.sym.NSYMG; ++m) {
         const int g = run.sym.ISYMG[m + 1];
-        for (int J = 1; J <= I; ++J) {
-            if (((code[J - 1] >> (3 * m)) & 3) <= 1)
+        for (int j = 0; j < part.n; ++j) {
+            if (((code[j] >> (3 * m)) & 3) <= 1)
                 continue;
-            const std::int64_t e = static_cast<std::int64_t>(m) * I + J - 1;
+            const int J = part.from + j + 1;
+            const std::int64_t e = static_cast<std::int64_t>(m) * part.n + j;
             // Pairs in the free surface have no velocity influence.
-            const bool velocities = row.velocities && row.EB(J) != 0;
+            const bool velocities = row.velocities && row.EB(j + 1) != 0;
             if (failed(remove_image(run, I, g, J, e, row.SPR, row.DPR, velocities ? row.VPR : nullptr)))
                 status = Status::failed;
             if (J < I &&

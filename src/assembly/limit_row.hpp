@@ -5,6 +5,6 @@
 
 // At infinite frequency the image in the free surface has the opposite sign of the one in the Rankine store:
 // takes it off twice from the coefficients of the pairs that hold it (ISNG > 1). `code` holds the pair codes
-// of row I. Failed: an integral has no value; the message is out.
-[[nodiscard]] Status infinite_frequency_images(const RunState &run, int I, const std::uint16_t *code,
-                                               WaveRow &row);
+// of the part. Failed: an integral has no value; the message is out.
+[[nodiscard]] Status infinite_frequency_images(const RunState &run, const RowPart &part,
+                                               const std::uint16_t *code, WaveRow &row);

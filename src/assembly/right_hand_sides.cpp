@@ -4,6 +4,8 @@
 #include "geometry/lid.hpp"
 #include "state/messages.hpp"
 
+#include <algorithm>
+
 namespace {
 
 int column_count(const RunState &run) {
@@ -64,27 +66,40 @@ bool BlockSums::alloc(int last, const RunState &run) {
 }
 
 void add_radiation(const RunState &run, const SourceWeights &weights, const SourceRow &row, BlockSums &sums) {
-    const auto &[I, s, SROW, SCOL] = row;
-    for (int k = 1; k <= run.sym.NMCLS[s]; ++k) {
-        const int column = run.sym.MODPOS(run.sym.MODCLS(k, s));
-        const c32 own = weighted_sum(I, &weights.velocity(1, column), SROW);
-        sums.re(I, column) += own.real();
-        sums.im(I, column) += own.imag();
-        add_signed(I - 1, weights.velocity(I, column), SCOL, {&sums.re(1, column), &sums.im(1, column)});
+    const auto &[part, s, SROW, SCOL] = row;
+    const int I = part.I, J = part.from + 1;
+    constexpr int TOGETHER = 8; // sums of a call
+    for (int first = 1; first <= run.sym.NMCLS[s]; first += TOGETHER) {
+        const int count = std::min(TOGETHER, run.sym.NMCLS[s] - first + 1);
+        int column[TOGETHER];
+        const f32 *velocity[TOGETHER];
+        c32 own[TOGETHER];
+        for (int k = 0; k < count; ++k) {
+            column[k] = run.sym.MODPOS(run.sym.MODCLS(first + k, s));
+            velocity[k] = &weights.velocity(J, column[k]);
+        }
+        weighted_sums(part.n, count, velocity, SROW, own);
+        for (int k = 0; k < count; ++k) {
+            sums.re(I, column[k]) += own[k].real();
+            sums.im(I, column[k]) += own[k].imag();
+            add_signed(part.columns(), weights.velocity(I, column[k]), SCOL,
+                       {&sums.re(J, column[k]), &sums.im(J, column[k])});
+        }
     }
 }
 
 void add_diffraction(const RunState &run, const SourceWeights &weights, const SourceRow &row,
                      BlockSums &sums) {
-    const auto &[I, s, SROW, SCOL] = row;
+    const auto &[part, s, SROW, SCOL] = row;
+    const int I = part.I, J = part.from + 1;
     for (int b = 1; b <= run.periods.NBETAM; ++b) {
         const int column = heading_column(run, b, s);
-        const ConstSplit incident(&weights.incident_re(1, b, s), &weights.incident_im(1, b, s));
-        const c32 own = complex_sum(I, incident, SROW);
+        const ConstSplit incident(&weights.incident_re(J, b, s), &weights.incident_im(J, b, s));
+        const c32 own = complex_sum(part.n, incident, SROW);
         sums.re(I, column) += own.real();
         sums.im(I, column) += own.imag();
-        add_scaled(I - 1, {incident.re[I - 1], incident.im[I - 1]}, SCOL,
-                   {&sums.re(1, column), &sums.im(1, column)});
+        add_scaled(part.columns(), {weights.incident_re(I, b, s), weights.incident_im(I, b, s)}, SCOL,
+                   {&sums.re(J, column), &sums.im(J, column)});
     }
 }
 

@@ -2,6 +2,7 @@
 // matrix itself is never kept.
 #pragma once
 
+#include "assembly/row_part.hpp"
 #include "assembly/thread_state.hpp"
 #include "base/split.hpp"
 
@@ -26,9 +27,10 @@ struct BlockSums {
     void clear();
 };
 
-// The source influence of row I in class s: SROW for J = 1..I, SCOL for J = 1..I-1.
+// The source influence of a part of row I in class s: SROW for its panels J, SCOL for those with J < I.
 struct SourceRow {
-    int I, s;
+    const RowPart &part;
+    int s;
     ConstSplit SROW, SCOL;
 };
 // Radiation takes the wave part of the source influence, diffraction the whole of it.

@@ -33,26 +33,6 @@ struct GreenLocals {
 };
 
 template <class V>
-VORDA_INLINE void centroid(int n, const GreenRow &green, const SourceArea &at, const Source<V> source, f32 NU,
-                           Split S, Split D) {
-    const GreenLocals g(green);
-    const int *ISNG = green.ISNG;
-    const f32 LOGT = green.LOGT;
-    const f32 *cosine = at.cosine, *sine = at.sine, *EB = at.EB, *EFS = at.EFS;
-    f32 *sr = S.re, *si = S.im, *dr = D.re, *di = D.im;
-#pragma omp simd
-    for (int j = 0; j < n; ++j) {
-        const f32 a = NU * source.area[j];
-        const f32 h = source.n1[j] * cosine[j] + source.n2[j] * sine[j];
-        const f32 t = g.gr[j] + (ISNG[j] == 3 ? LOGT : 0.0f);
-        sr[j] = a * t;
-        si[j] = a * g.gi[j];
-        dr[j] = NU * a * (EB[j] * (g.rr[j] * h - g.vr[j] * source.n3[j]) - EFS[j] * t);
-        di[j] = NU * a * (EB[j] * (g.ri[j] * h - g.vi[j] * source.n3[j]) - EFS[j] * g.gi[j]);
-    }
-}
-
-template <class V>
 VORDA_INLINE void accumulate(int n, const GreenRow &green, const SourceArea &at, const Source<V> source,
                              Split S, Split D) {
     const GreenLocals g(green);
@@ -99,6 +79,25 @@ template <class V> VORDA_INLINE void velocity(int n, const VelocityRow &at, cons
         yi[j] += w * sine[j] * ri[j];
         zr[j] += w * vr[j];
         zi[j] += w * vi[j];
+    }
+}
+
+template <class V>
+VORDA_INLINE void point_velocity(int n, const VelocityRow &at, const V area, f32 NU, const f32 *EB,
+                                 const Split *value) {
+    const f32 *rr = at.GR.re, *ri = at.GR.im, *vr = at.GV.re, *vi = at.GV.im;
+    const f32 *cosine = at.cosine, *sine = at.sine;
+    f32 *xr = value[0].re, *xi = value[0].im, *yr = value[1].re, *yi = value[1].im, *zr = value[2].re,
+        *zi = value[2].im;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const f32 w = area[j] * (-NU * NU * EB[j]), wc = w * cosine[j], ws = w * sine[j];
+        xr[j] = wc * rr[j];
+        xi[j] = wc * ri[j];
+        yr[j] = ws * rr[j];
+        yi[j] = ws * ri[j];
+        zr[j] = w * vr[j];
+        zi[j] = w * vi[j];
     }
 }
 
@@ -182,14 +181,33 @@ VORDA_SIMD void scale_to(int n, f32 factor, const f32 *source, f32 *value) {
         value[j] = factor * source[j];
 }
 
-VORDA_SIMD void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S,
-                                      Split D) {
-    centroid(n, green, source, each_source(source), NU, S, D);
-}
-
-VORDA_SIMD void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source,
-                                      const OneSource &one, f32 NU, Split S, Split D) {
-    centroid(n, green, source, one_source(one), NU, S, D);
+// Both directions of a pair in one pass, as they share most of what they read.
+VORDA_SIMD void centroid_coefficients(int n, f32 NU, const Direction &row, const Direction &column,
+                                      const OneSource &one) {
+    const GreenLocals g(row.green);
+    const int *ISNG = row.green.ISNG;
+    const f32 LOGT = row.green.LOGT;
+    const f32 *fr = column.green.GV.re, *fi = column.green.GV.im;
+    const f32 *n1 = row.source.n1, *n2 = row.source.n2, *n3 = row.source.n3, *area = row.source.area;
+    const f32 *CR = row.source.cosine, *SR = row.source.sine, *CC = column.source.cosine,
+              *SC = column.source.sine;
+    const f32 *EB = row.source.EB, *EFR = row.source.EFS, *EFC = column.source.EFS;
+    f32 *sr = row.S.re, *si = row.S.im, *dr = row.D.re, *di = row.D.im;
+    f32 *cr = column.S.re, *ci = column.S.im, *er = column.D.re, *ei = column.D.im;
+    const f32 m1 = one.n1, m2 = one.n2, m3 = one.n3, b = NU * one.area;
+#pragma omp simd
+    for (int j = 0; j < n; ++j) {
+        const f32 tr = g.gr[j] + (ISNG[j] == 3 ? LOGT : 0.0f), ti = g.gi[j], rr = g.rr[j], ri = g.ri[j];
+        const f32 a = NU * area[j], h = n1[j] * CR[j] + n2[j] * SR[j], k = m1 * CC[j] + m2 * SC[j];
+        sr[j] = a * tr;
+        si[j] = a * ti;
+        dr[j] = NU * a * (EB[j] * (rr * h - g.vr[j] * n3[j]) - EFR[j] * tr);
+        di[j] = NU * a * (EB[j] * (ri * h - g.vi[j] * n3[j]) - EFR[j] * ti);
+        cr[j] = b * tr;
+        ci[j] = b * ti;
+        er[j] = NU * b * (EB[j] * (rr * k - fr[j] * m3) - EFC[j] * tr);
+        ei[j] = NU * b * (EB[j] * (ri * k - fi[j] * m3) - EFC[j] * ti);
+    }
 }
 
 VORDA_SIMD void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, Split S, Split D) {
@@ -228,6 +246,16 @@ VORDA_SIMD void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V) {
             im[j] *= -NU * NU * EB[j];
         }
     }
+}
+
+VORDA_SIMD void centroid_velocity(int n, const VelocityRow &at, const f32 *area, f32 NU, const f32 *EB,
+                                  const Split *V) {
+    point_velocity(n, at, Each{area}, NU, EB, V);
+}
+
+VORDA_SIMD void centroid_velocity(int n, const VelocityRow &at, f32 area, f32 NU, const f32 *EB,
+                                  const Split *V) {
+    point_velocity(n, at, Same{area}, NU, EB, V);
 }
 
 VORDA_SIMD void add_surface_pairs(int n, const f32 *EFR, const f32 *EFC, ConstSplit value, Split sum) {

@@ -56,11 +56,17 @@ struct OneSource {
     f32 n3;
     f32 area;
 };
+// One direction of the pairs: what turns the values of the Green function into coefficients, and these.
+struct Direction {
+    GreenRow green;
+    SourceArea source;
+    Split S, D;
+};
 // One point per panel: S = NU A T, D = NU^2 A (EB (GR h - GV n3) - EFS T), with T = G + LOGT where ISNG is 3
-// and h the normal along the horizontal vector. Many sources, then one source panel for all points.
-void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, f32 NU, Split S, Split D);
-void centroid_coefficients(int n, const GreenRow &green, const SourceArea &source, const OneSource &one,
-                           f32 NU, Split S, Split D);
+// and h the normal along the horizontal vector. In the row all panels are sources; in the column, of the same
+// G, GR and EB, the one panel.
+void centroid_coefficients(int n, f32 NU, const Direction &row, const Direction &column,
+                           const OneSource &one);
 // One Gauss point per panel: S += w G, D += w (GR h - GV n3), w the area entry.
 void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, Split S, Split D);
 void gauss_accumulate(int n, const GreenRow &green, const SourceArea &source, const OneSource &one, Split S,
@@ -81,6 +87,9 @@ struct VelocityRow {
 void velocity_accumulate(int n, const VelocityRow &at, const f32 *area, const Split *V);
 void velocity_accumulate(int n, const VelocityRow &at, f32 area, const Split *V);
 void velocity_finish(int n, f32 NU, const f32 *EB, const Split *V);
+// The same for one point per panel, in one pass.
+void centroid_velocity(int n, const VelocityRow &at, const f32 *area, f32 NU, const f32 *EB, const Split *V);
+void centroid_velocity(int n, const VelocityRow &at, f32 area, f32 NU, const f32 *EB, const Split *V);
 // Images of a coefficient, 1, 2 or 4 of them: image m from 0 starts m `stride` behind the first and counts
 // with its sign.
 struct Images {

@@ -17,6 +17,8 @@ struct TileRows {
     bool keep_source = false; // the Rankine source influence is needed, too
     [[nodiscard]] bool alloc(int NEQN, int NSYMR, const Options &opt, bool columns_of_their_own);
 
+    Array<int, 1> columns; // columns, from 0, in which the rows have a Rankine part (NEQN)
+
     Split row(int a, int s, int plane = PLANE_D) { return at(a, s, plane); }
     Split column(int a, int s, int plane = PLANE_D) { return at(TILE + (own_columns ? a : 0), s, plane); }
     // Rankine part of SROW and SCOL, real.

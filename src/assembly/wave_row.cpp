@@ -6,7 +6,7 @@
 #include "green/vgrn0.hpp"
 #include "state/symmetry.hpp"
 
-#include <cmath>
+#include <algorithm>
 
 namespace {
 
@@ -25,15 +25,11 @@ GreenRow green_row(WaveRow &row, int depth_derivative, const int *ISNG, std::int
     return {from(G), from(GR), from(depth_derivative), ISNG, LOGT};
 }
 
-Split shifted(Split s, std::int64_t offset) {
-    return {s.re + offset, s.im + offset};
-}
-
 // The three components of a velocity array from `offset` on.
 struct Velocity {
     Split component[3];
     Velocity(const Split (&V)[3], std::int64_t offset)
-        : component{shifted(V[0], offset), shifted(V[1], offset), shifted(V[2], offset)} {}
+        : component{behind(V[0], offset), behind(V[1], offset), behind(V[2], offset)} {}
     void clear(int n) const {
         for (const Split &s : component) {
             std::fill_n(s.re, n, 0.0f);
@@ -66,11 +62,11 @@ void evaluate(const AssemblyFrame &f, std::int64_t first, int count, const f32 *
                              heights,
                              f.heights.value.dim(1)};
     GreenArrays values{};
-    for (int v = 0; v < (row.second ? 8 : 4); ++v) {
+    for (int v = 0; v < (row.records ? 8 : 4); ++v) {
         values.re[VALUES[v]] = &row.green(1, 2 * v + 1) + first;
         values.im[VALUES[v]] = &row.green(1, 2 * v + 2) + first;
     }
-    const GreenOrder order = row.second ? GreenOrder::second : GreenOrder::first;
+    const GreenOrder order = row.records ? GreenOrder::second : GreenOrder::first;
     if (f.wave.IPLIM == 0)
         VGRN98(points, f.wave.HNU, f.gstate, order, row.work, values);
     else
@@ -84,12 +80,24 @@ void evaluate(const AssemblyFrame &f, int count, WaveRow &row) {
 }
 
 // Image by image, as all images of a panel have its factors of the height.
-void evaluate_images(const AssemblyFrame &f, int I, WaveRow &row) {
+void evaluate_images(const AssemblyFrame &f, const RowPart &part, WaveRow &row) {
     const int images = f.run.sym.NSYMG;
     if (f.heights.points == 0)
-        return evaluate(f, images * I, row);
+        return evaluate(f, images * part.n, row);
     for (int m = 0; m < images; ++m)
-        evaluate(f, static_cast<std::int64_t>(m) * I, I, f.heights.value.data(), row);
+        evaluate(f, static_cast<std::int64_t>(m) * part.n, part.n, f.heights.value.data() + part.from, row);
+}
+
+// Normals and areas of the panels of the part as sources.
+SourceArea part_sources(const PanelArrays &panels, const RowPart &part, const WaveRow &row) {
+    const int J = part.from + 1;
+    return {&panels.N(J, 1), &panels.N(J, 2), &panels.N(J, 3), &panels.A(J),
+            nullptr,         nullptr,         row.EB.data(),   row.EFR.data()};
+}
+
+// The one source panel I.
+SourceArea column_source(const WaveRow &row) {
+    return {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, row.EB.data(), row.EFC.data()};
 }
 
 FixedPoint fixed_point(const PanelArrays &panels, int I, int image, f32 NU) {
@@ -100,50 +108,59 @@ OneSource one_source(const PanelArrays &panels, int I, f32 area) {
     return {panels.N(I, 1), panels.N(I, 2), panels.N(I, 3), area};
 }
 
-void centroid_path(const AssemblyFrame &f, int I, const std::uint16_t *code, WaveRow &row) {
+void centroid_points(const AssemblyFrame &f, const RowPart &part, const std::uint16_t *code, WaveRow &row) {
+    const Symmetry &sym = f.run.sym;
+    const PanelArrays &panels = f.panels;
+    const f32 NU = f.wave.NU;
+    const int n = part.n, J = part.from + 1;
+    for (int m = 0; m < sym.NSYMG; ++m) {
+        const std::int64_t o = static_cast<std::int64_t>(m) * n;
+        decode_pairs(n, 3 * m, code, row.ISNG.data() + o, row.IBOT.data() + o);
+        pair_directions(
+            n, fixed_point(panels, part.I, sym.ISYMG[m + 1], NU), &panels.X(J, 1), &panels.X(J, 2),
+            {row.RR.data() + o, row.CR.data() + o, row.SR.data() + o, row.CC.data() + o, row.SC.data() + o});
+        scale_to(n, -NU, &panels.X(J, 3), row.ZS.data() + o);
+    }
+    if (part.from == 0) // for all parts of the row; the first is the longest
+        std::fill_n(row.ZF.data(), sym.NSYMG * n, -NU * panels.X(part.I, 3));
+}
+
+void centroid_velocities(const AssemblyFrame &f, const RowPart &part, std::int64_t o, WaveRow &row) {
+    const Velocity at_row(row.VPR, o), at_column(row.VPC, o);
+    centroid_velocity(part.n, velocity_row(row, GF, o, row.CR, row.SR), &f.panels.A(part.from + 1), f.wave.NU,
+                      row.EB.data(), at_row.component);
+    centroid_velocity(part.columns(), velocity_row(row, GZ, o, row.CC, row.SC), f.panels.A(part.I), f.wave.NU,
+                      row.EB.data(), at_column.component);
+}
+
+void centroid_path(const AssemblyFrame &f, const RowPart &part, const std::uint16_t *code, WaveRow &row) {
     const Symmetry &sym = f.run.sym;
     const PanelArrays &panels = f.panels;
     const PeriodWave &wave = f.wave;
+    centroid_points(f, part, code, row);
+    evaluate_images(f, part, row);
+    SourceArea sources = part_sources(panels, part, row), column = column_source(row);
     for (int m = 0; m < sym.NSYMG; ++m) {
-        const std::int64_t o = static_cast<std::int64_t>(m) * I;
-        decode_pairs(I, 3 * m, code, row.ISNG.data() + o, row.IBOT.data() + o);
-        pair_directions(
-            I, fixed_point(panels, I, sym.ISYMG[m + 1], wave.NU), &panels.X(1, 1), &panels.X(1, 2),
-            {row.RR.data() + o, row.CR.data() + o, row.SR.data() + o, row.CC.data() + o, row.SC.data() + o});
-        scale_to(I, -wave.NU, &panels.X(1, 3), row.ZS.data() + o);
-        std::fill_n(row.ZF.data() + o, I, -wave.NU * panels.X(I, 3));
-    }
-    evaluate_images(f, I, row);
-    for (int m = 0; m < sym.NSYMG; ++m) {
-        const std::int64_t o = static_cast<std::int64_t>(m) * I;
+        const std::int64_t o = static_cast<std::int64_t>(m) * part.n;
         const int *ISNG = row.ISNG.data() + o;
-        const SourceArea row_sources{&panels.N(1, 1),   &panels.N(1, 2),   &panels.N(1, 3), panels.A.data(),
-                                     row.CR.data() + o, row.SR.data() + o, row.EB.data(),   row.EFR.data()};
-        centroid_coefficients(I, green_row(row, GZ, ISNG, o, wave.LOGT), row_sources, wave.NU,
-                              shifted(row.SPR, o), shifted(row.DPR, o));
+        sources.cosine = row.CR.data() + o;
+        sources.sine = row.SR.data() + o;
         // The depth of I is the other argument of the same evaluation, hence the other derivative.
-        const SourceArea column{nullptr,           nullptr,           nullptr,       nullptr,
-                                row.CC.data() + o, row.SC.data() + o, row.EB.data(), row.EFC.data()};
-        centroid_coefficients(I - 1, green_row(row, GF, ISNG, o, wave.LOGT), column,
-                              one_source(panels, I, panels.A(I)), wave.NU, shifted(row.SPC, o),
-                              shifted(row.DPC, o));
-        if (row.velocities) {
-            const Velocity at_row(row.VPR, o), at_column(row.VPC, o);
-            at_row.clear(I);
-            velocity_accumulate(I, velocity_row(row, GF, o, row.CR, row.SR), panels.A.data(),
-                                at_row.component);
-            velocity_finish(I, wave.NU, row.EB.data(), at_row.component);
-            at_column.clear(I);
-            velocity_accumulate(I - 1, velocity_row(row, GZ, o, row.CC, row.SC), panels.A(I),
-                                at_column.component);
-            velocity_finish(I - 1, wave.NU, row.EB.data(), at_column.component);
-        }
-        if (!f.run.dipoles.IDIPOL)
+        column.cosine = row.CC.data() + o;
+        column.sine = row.SC.data() + o;
+        centroid_coefficients(
+            part.n, wave.NU,
+            {green_row(row, GZ, ISNG, o, wave.LOGT), sources, behind(row.SPR, o), behind(row.DPR, o)},
+            {green_row(row, GF, ISNG, o, wave.LOGT), column, behind(row.SPC, o), behind(row.DPC, o)},
+            one_source(panels, part.I, panels.A(part.I)));
+        if (row.velocities)
+            centroid_velocities(f, part, o, row);
+        if (!row.records)
             continue;
         for (const bool at_row : {true, false}) {
-            const DirectedPairs pairs{I, sym.ISYMG[m + 1], at_row, at_row ? 0 : 1, o};
+            const DirectedPairs pairs{part, sym.ISYMG[m + 1], at_row, at_row ? 0 : 1, o};
             start_dipole_pairs(f.run.dipoles, pairs, row);
-            add_dipole_points(f, pairs, o, at_row ? panels.A.data() : &panels.A(I), row);
+            add_dipole_points(f, pairs, o, at_row ? &panels.A(part.from + 1) : &panels.A(part.I), row);
         }
     }
 }
@@ -151,123 +168,129 @@ void centroid_path(const AssemblyFrame &f, int I, const std::uint16_t *code, Wav
 // The pairs with dipole panels of one image, all four Gauss points. In both passes z is the depth
 // of the source.
 void gauss_dipoles(const AssemblyFrame &f, const DirectedPairs &pairs, WaveRow &row) {
-    if (!f.run.dipoles.IDIPOL)
+    if (!row.records)
         return;
+    const RowPart &part = pairs.part;
     start_dipole_pairs(f.run.dipoles, pairs, row);
     for (int q = 0; q < 4; ++q)
-        add_dipole_points(f, pairs, static_cast<std::int64_t>(q) * pairs.I,
-                          &f.panels.GW(pairs.row ? 1 : pairs.I, q + 1), row);
+        add_dipole_points(f, pairs, static_cast<std::int64_t>(q) * part.n,
+                          &f.panels.GW(pairs.row ? part.from + 1 : part.I, q + 1), row);
 }
 
-// Points of one image on the Gauss path stand in four blocks of length I, one for each Gauss point.
+// Points of one image on the Gauss path stand in four blocks of length n, one for each Gauss point.
 void gauss_row_pass(const AssemblyFrame &f, const DirectedPairs &pairs, WaveRow &row) {
     const PanelArrays &panels = f.panels;
     const PeriodWave &wave = f.wave;
-    const int I = pairs.I, image = pairs.image;
-    const std::int64_t o = pairs.entry;
+    const RowPart &part = pairs.part;
+    const int n = part.n, J = part.from + 1;
     for (int q = 0; q < 4; ++q) {
-        const std::int64_t p = static_cast<std::int64_t>(q) * I;
+        const std::int64_t p = static_cast<std::int64_t>(q) * n;
         pair_directions(
-            I, fixed_point(panels, I, image, wave.NU), &panels.XG(1, 1, q + 1), &panels.XG(1, 2, q + 1),
+            n, fixed_point(panels, part.I, pairs.image, wave.NU), &panels.XG(J, 1, q + 1),
+            &panels.XG(J, 2, q + 1),
             {row.RR.data() + p, row.CR.data() + p, row.SR.data() + p, row.CC.data() + p, row.SC.data() + p});
-        scale_to(I, -wave.NU, &panels.XG(1, 3, q + 1), row.ZS.data() + p);
-        std::fill_n(row.ZF.data() + p, I, -wave.NU * panels.X(I, 3));
+        scale_to(n, -wave.NU, &panels.XG(J, 3, q + 1), row.ZS.data() + p);
+        std::fill_n(row.ZF.data() + p, n, -wave.NU * panels.X(part.I, 3));
     }
-    evaluate(f, 4 * I, row);
-    const Split S = shifted(row.SPR, o);
-    const Split D = shifted(row.DPR, o);
-    SourceArea sources{&panels.N(1, 1), &panels.N(1, 2), &panels.N(1, 3), nullptr,
-                       nullptr,         nullptr,         row.EB.data(),   row.EFR.data()};
+    evaluate(f, 4 * n, row);
+    const Split S = behind(row.SPR, pairs.entry);
+    const Split D = behind(row.DPR, pairs.entry);
+    SourceArea sources = part_sources(panels, part, row);
     for (int q = 0; q < 4; ++q) {
-        const std::int64_t p = static_cast<std::int64_t>(q) * I;
-        sources.area = &panels.GW(1, q + 1);
+        const std::int64_t p = static_cast<std::int64_t>(q) * n;
+        sources.area = &panels.GW(J, q + 1);
         sources.cosine = row.CR.data() + p;
         sources.sine = row.SR.data() + p;
-        gauss_accumulate(I, green_row(row, GZ, row.ISNG.data(), p, wave.LOGT), sources, S, D);
+        gauss_accumulate(n, green_row(row, GZ, row.ISNG.data(), p, wave.LOGT), sources, S, D);
     }
     if (row.velocities) {
-        const Velocity V(row.VPR, o);
-        V.clear(I);
+        const Velocity V(row.VPR, pairs.entry);
+        V.clear(n);
         for (int q = 0; q < 4; ++q)
-            velocity_accumulate(I, velocity_row(row, GF, static_cast<std::int64_t>(q) * I, row.CR, row.SR),
-                                &panels.GW(1, q + 1), V.component);
-        velocity_finish(I, wave.NU, row.EB.data(), V.component);
+            velocity_accumulate(n, velocity_row(row, GF, static_cast<std::int64_t>(q) * n, row.CR, row.SR),
+                                &panels.GW(J, q + 1), V.component);
+        velocity_finish(n, wave.NU, row.EB.data(), V.component);
     }
-    sources.area = panels.A.data();
-    gauss_finish(I, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), sources, wave.NU, S, D);
+    sources.area = &panels.A(J);
+    gauss_finish(n, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), sources, wave.NU, S, D);
     gauss_dipoles(f, pairs, row);
 }
 
 void gauss_column_pass(const AssemblyFrame &f, const DirectedPairs &pairs, WaveRow &row) {
     const PanelArrays &panels = f.panels;
     const PeriodWave &wave = f.wave;
-    const int I = pairs.I, image = pairs.image, n = I - 1;
-    const std::int64_t o = pairs.entry;
+    const RowPart &part = pairs.part;
+    const int I = part.I, n = part.n, J = part.from + 1;
     for (int q = 0; q < 4; ++q) {
-        const std::int64_t p = static_cast<std::int64_t>(q) * I;
+        const std::int64_t p = static_cast<std::int64_t>(q) * n;
         // The source is a Gauss point of I, the field the imaged centroid of J: the vector to
         // the fixed point.
-        const FixedPoint source{panels.XG(I, 1, q + 1), panels.XG(I, 2, q + 1), static_cast<f32>(SGX[image]),
-                                static_cast<f32>(SGY[image]), wave.NU};
+        const FixedPoint source{panels.XG(I, 1, q + 1), panels.XG(I, 2, q + 1),
+                                static_cast<f32>(SGX[pairs.image]), static_cast<f32>(SGY[pairs.image]),
+                                wave.NU};
         pair_directions(
-            I, source, &panels.X(1, 1), &panels.X(1, 2),
+            n, source, &panels.X(J, 1), &panels.X(J, 2),
             {row.RR.data() + p, row.CR.data() + p, row.SR.data() + p, row.CC.data() + p, row.SC.data() + p});
-        std::fill_n(row.ZS.data() + p, I, -wave.NU * panels.XG(I, 3, q + 1));
-        scale_to(I, -wave.NU, &panels.X(1, 3), row.ZF.data() + p);
+        std::fill_n(row.ZS.data() + p, n, -wave.NU * panels.XG(I, 3, q + 1));
+        scale_to(n, -wave.NU, &panels.X(J, 3), row.ZF.data() + p);
     }
-    evaluate(f, 4 * I, row);
-    const Split S = shifted(row.SPC, o);
-    const Split D = shifted(row.DPC, o);
-    SourceArea column{nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, row.EB.data(), row.EFC.data()};
+    evaluate(f, 4 * n, row);
+    const Split S = behind(row.SPC, pairs.entry);
+    const Split D = behind(row.DPC, pairs.entry);
+    const int columns = part.columns();
+    SourceArea column = column_source(row);
     for (int q = 0; q < 4; ++q) {
-        const std::int64_t p = static_cast<std::int64_t>(q) * I;
+        const std::int64_t p = static_cast<std::int64_t>(q) * n;
         column.cosine = row.CC.data() + p;
         column.sine = row.SC.data() + p;
-        gauss_accumulate(n, green_row(row, GZ, row.ISNG.data(), p, wave.LOGT), column,
+        gauss_accumulate(columns, green_row(row, GZ, row.ISNG.data(), p, wave.LOGT), column,
                          one_source(panels, I, panels.GW(I, q + 1)), S, D);
     }
     if (row.velocities) {
-        const Velocity V(row.VPC, o);
-        V.clear(n);
+        const Velocity V(row.VPC, pairs.entry);
+        V.clear(columns);
         for (int q = 0; q < 4; ++q)
-            velocity_accumulate(n, velocity_row(row, GF, static_cast<std::int64_t>(q) * I, row.CC, row.SC),
+            velocity_accumulate(columns,
+                                velocity_row(row, GF, static_cast<std::int64_t>(q) * n, row.CC, row.SC),
                                 panels.GW(I, q + 1), V.component);
-        velocity_finish(n, wave.NU, row.EB.data(), V.component);
+        velocity_finish(columns, wave.NU, row.EB.data(), V.component);
     }
-    gauss_finish(n, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), column,
+    gauss_finish(columns, green_row(row, GZ, row.ISNG.data(), 0, wave.LOGT), column,
                  one_source(panels, I, panels.A(I)), wave.NU, S, D);
     gauss_dipoles(f, pairs, row);
 }
 
-void gauss_path(const AssemblyFrame &f, int I, const std::uint16_t *code, WaveRow &row) {
+void gauss_path(const AssemblyFrame &f, const RowPart &part, const std::uint16_t *code, WaveRow &row) {
     const Symmetry &sym = f.run.sym;
+    const int n = part.n;
     for (int m = 0; m < sym.NSYMG; ++m) {
-        const std::int64_t o = static_cast<std::int64_t>(m) * I;
+        const std::int64_t o = static_cast<std::int64_t>(m) * n;
         for (const Split &s : {row.SPR, row.DPR, row.SPC, row.DPC}) {
-            std::fill_n(s.re + o, I, 0.0f);
-            std::fill_n(s.im + o, I, 0.0f);
+            std::fill_n(s.re + o, n, 0.0f);
+            std::fill_n(s.im + o, n, 0.0f);
         }
         for (int q = 0; q < 4; ++q)
-            decode_pairs(I, 3 * m, code, row.ISNG.data() + q * I, row.IBOT.data() + q * I);
+            decode_pairs(n, 3 * m, code, row.ISNG.data() + q * n, row.IBOT.data() + q * n);
         const int image = sym.ISYMG[m + 1];
-        gauss_row_pass(f, {I, image, true, 0, o}, row);
-        if (I > 1)
-            gauss_column_pass(f, {I, image, false, 0, o}, row);
+        gauss_row_pass(f, {part, image, true, 0, o}, row);
+        if (part.columns() > 0)
+            gauss_column_pass(f, {part, image, false, 0, o}, row);
     }
 }
 
 } // namespace
 
 bool WaveRow::alloc(int NEQN, int NSYMG, const Options &opt, bool dipoles) {
-    const int points = opt.IQUAD == 1 ? 4 * NEQN : NSYMG * NEQN;
+    const int panels = std::min(NEQN, PART), entries = NSYMG * panels;
+    const int points = opt.IQUAD == 1 ? 4 * panels : entries;
     velocities = opt.ISOR == 1;
     second = dipoles;
     tank = opt.IRRX != 0;
-    const int entries = NSYMG * NEQN;
     if (!RR.alloc(points) || !ZS.alloc(points) || !ZF.alloc(points) || !CR.alloc(points) ||
         !SR.alloc(points) || !CC.alloc(points) || !SC.alloc(points) || !ISNG.alloc(points) ||
-        !IBOT.alloc(points) || !green.alloc(points, second ? 16 : 8) || !EB.alloc(NEQN) || !EFR.alloc(NEQN) ||
-        !EFC.alloc(NEQN) || !coefficient.alloc(entries, velocities ? 20 : 8) || !work.alloc(points))
+        !IBOT.alloc(points) || !green.alloc(points, second ? 16 : 8) || !EB.alloc(panels) ||
+        !EFR.alloc(panels) || !EFC.alloc(panels) || !coefficient.alloc(entries, velocities ? 20 : 8) ||
+        !work.alloc(points))
         return false;
     SPR = column_pair(coefficient, 1);
     DPR = column_pair(coefficient, 3);
@@ -294,7 +317,9 @@ void WaveRow::record(std::int64_t p, f32 (&values)[16]) const {
     }
 }
 
-Status wave_coefficients(const AssemblyFrame &f, int I, const std::uint16_t *code, WaveRow &row) {
-    (f.run.opt.IQUAD == 1 ? gauss_path : centroid_path)(f, I, code, row);
-    return f.wave.IPLIM == 2 ? infinite_frequency_images(f.run, I, code, row) : Status::ok;
+Status wave_coefficients(const AssemblyFrame &f, const RowPart &part, const std::uint16_t *code,
+                         WaveRow &row) {
+    row.records = row.second && has_dipole_pair(f.run.dipoles, part);
+    (f.run.opt.IQUAD == 1 ? gauss_path : centroid_path)(f, part, code, row);
+    return f.wave.IPLIM == 2 ? infinite_frequency_images(f.run, part, code, row) : Status::ok;
 }

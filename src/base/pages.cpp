@@ -35,6 +35,13 @@ void *map_pages(std::size_t bytes) noexcept {
     return start + front;
 }
 
+void use_small_pages(void *block, std::size_t bytes) noexcept {
+#ifdef MADV_NOHUGEPAGE
+    if (bytes >= LARGE_BLOCK)
+        (void)madvise(block, whole_pages(bytes), MADV_NOHUGEPAGE);
+#endif
+}
+
 void keep_freed_memory() noexcept {
 #ifdef __GLIBC__
     mallopt(M_MMAP_THRESHOLD, static_cast<int>(LARGE_BLOCK));

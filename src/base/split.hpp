@@ -16,13 +16,18 @@ struct ConstSplit {
     ConstSplit(const Split &s) : re(s.re), im(s.im) {}
 };
 
+// The elements behind the first n.
+inline Split behind(Split s, std::int64_t n) {
+    return {s.re + n, s.im + n};
+}
+
 // sum += weight value, real weights.
 void add_weighted(int n, const f32 *weight, ConstSplit value, Split sum);
 
 // sum += sign value.
 void add_signed(int n, f32 sign, ConstSplit value, Split sum);
-// Real weights against a complex array.
-c32 weighted_sum(int n, const f32 *weight, ConstSplit value);
+// Real weights against a complex array, `count` lots of them; a sum does not depend on the others.
+void weighted_sums(int n, int count, const f32 *const *weight, ConstSplit value, c32 *sum);
 // Complex weights against a complex array.
 c32 complex_sum(int n, ConstSplit weight, ConstSplit value);
 // sum += factor value.

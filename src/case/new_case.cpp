@@ -1,12 +1,12 @@
 #include "case/new_case.hpp"
 
 #include "case/outline.hpp"
+#include "case/passing_folder.hpp"
 #include "case/programs.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <numbers>
 
@@ -20,22 +20,19 @@ constexpr double GRAVITY = 9.80665;
 bool import_hull(const std::string &mesh, Outline &hull, std::string &error) {
     if (fs::path(mesh).extension() == ".gdf")
         return read_outline(mesh, {}, hull, error);
-    std::string folder = (fs::temp_directory_path() / "vorda-run-XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr) {
-        error = folder + " cannot be made";
+    const PassingFolder folder;
+    if (!folder.there) {
+        error = folder.name + " cannot be made";
         return false;
     }
     Ended ended;
-    const std::string file = folder + "/hull.gdf";
+    const std::string file = folder.name + "/hull.gdf";
     bool good = run_program({{"vorda-mesh", "import", mesh, "-o", file}, ".", false}, {}, ended, error);
     if (good && !fs::exists(file)) {
         error = ended.text;
         good = false;
     }
-    good = good && read_outline(file, {}, hull, error);
-    std::error_code ignored;
-    fs::remove_all(folder, ignored);
-    return good;
+    return good && read_outline(file, {}, hull, error);
 }
 
 double period_of_wave(double length) {

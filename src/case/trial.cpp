@@ -1,30 +1,17 @@
 #include "case/trial.hpp"
 
 #include "case/made_from.hpp"
+#include "case/passing_folder.hpp"
 #include "case/programs.hpp"
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <thread>
 
 namespace {
 
 namespace fs = std::filesystem;
-
-struct Folder {
-    std::string name = (fs::temp_directory_path() / "vorda-trial-XXXXXX").string();
-    bool there = mkdtemp(name.data()) != nullptr;
-    Folder() = default;
-    Folder(const Folder &) = delete;
-    Folder &operator=(const Folder &) = delete;
-    ~Folder() {
-        std::error_code ignored;
-        if (there)
-            fs::remove_all(name, ignored);
-    }
-};
 
 // A box in water and waves of the case.
 RunCase trial_case(const RunCase &run, const std::string &folder) {
@@ -79,7 +66,7 @@ double work_of(const CasePlan &plan) {
 }
 
 double seconds_by_trial(const RunCase &run, const CasePlan &plan) {
-    const Folder folder;
+    const PassingFolder folder;
     const RunCase trial = trial_case(run, folder.name);
     std::vector<Outline> outlines(1);
     CasePlan small;

@@ -7,12 +7,11 @@ struct Local {
 };
 
 Local to_local(const f32 *P, const Panel &p) {
-    const f32 dx = P[1] - p.XCT[1];
-    const f32 dy = P[2] - p.XCT[2];
-    const f32 dz = P[3] - p.XCT[3];
-    return {p.TRM[1][1] * dx + p.TRM[1][2] * dy + p.TRM[1][3] * dz,
-            p.TRM[2][1] * dx + p.TRM[2][2] * dy + p.TRM[2][3] * dz,
-            p.TRM[3][1] * dx + p.TRM[3][2] * dy + p.TRM[3][3] * dz};
+    const auto along = [P, &p](int r) {
+        return local_coordinate({P[1], P[2], P[3]}, {p.XCT[1], p.XCT[2], p.XCT[3]},
+                                {p.TRM[r][1], p.TRM[r][2], p.TRM[r][3]});
+    };
+    return {along(1), along(2), along(3)};
 }
 
 void to_global(const Panel &p, f32 a1, f32 a2, f32 a3, f32 *g) {
@@ -72,7 +71,11 @@ int PANINT(f32 X, f32 Y, f32 Z, const Panel &p, int IGRAD, int ILOGF, PanelInteg
 int PANFLD(const f32 *P, const Panel &p, int ILOGF, int IGRAD, FieldIntegrals &out) {
     const Local at = to_local(P, p);
     PanelIntegrals I;
-    const int status = PANINT(at.X, at.Y, at.Z, p, IGRAD, ILOGF, I);
+    int status = 0;
+    if (is_far({P[1], P[2], P[3]}, {p.XCT[1], p.XCT[2], p.XCT[3]}, p.region2))
+        panint_far(at.X, at.Y, at.Z, p, IGRAD, ILOGF, I);
+    else
+        status = panint_near(at.X, at.Y, at.Z, p, IGRAD, ILOGF, I);
     out.D = I.D;
     out.S = I.S;
     if (ILOGF != 0) {

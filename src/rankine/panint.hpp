@@ -52,6 +52,28 @@ struct FieldIntegrals {
 // Source on a dipole panel: as PANFLD, and with IGRAD and ILOGF also GLZ.
 [[nodiscard]] int PANDPS(const f32 *P, f32 EPS, const Panel &p, int ILOGF, int IGRAD, FieldIntegrals &out);
 
+struct Triple {
+    f32 x, y, z;
+};
+
+// Coordinate of a field point along the axis of a panel frame, and whether the multipoles stand for the panel
+// there. In double precision: the result does not depend on the order in which a sum is worked, and is the
+// same for a point alone and in a batch.
+[[gnu::always_inline]] inline f32 local_coordinate(Triple point, Triple centroid, Triple axis) {
+    const double dx = static_cast<double>(point.x) - static_cast<double>(centroid.x),
+                 dy = static_cast<double>(point.y) - static_cast<double>(centroid.y),
+                 dz = static_cast<double>(point.z) - static_cast<double>(centroid.z);
+    return static_cast<f32>(static_cast<double>(axis.x) * dx + static_cast<double>(axis.y) * dy +
+                            static_cast<double>(axis.z) * dz);
+}
+
+inline bool is_far(Triple point, Triple centroid, f32 region2) {
+    const double dx = static_cast<double>(point.x) - static_cast<double>(centroid.x),
+                 dy = static_cast<double>(point.y) - static_cast<double>(centroid.y),
+                 dz = static_cast<double>(point.z) - static_cast<double>(centroid.z);
+    return dx * dx + dy * dy + dz * dz > static_cast<double>(FAR_FIELD) * static_cast<double>(region2);
+}
+
 // The parts of PANINT, by region.
 void panint_far(f32 X, f32 Y, f32 Z, const Panel &p, int IGRAD, int ILOGF, PanelIntegrals &out);
 [[nodiscard]] int panint_near(f32 X, f32 Y, f32 Z, const Panel &p, int IGRAD, int ILOGF, PanelIntegrals &out);

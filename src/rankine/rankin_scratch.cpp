@@ -15,7 +15,12 @@ struct OuterPanel {
     Array<f32, 2> column;         // influence on B from A (NEQN, planes)
     Array<std::uint16_t, 1> code; // pair codes (NEQN)
     Array<std::uint8_t, 1> mask;
+    PairChunk chunk; // pairs that are worked together
+    PairTargets targets;
+    const ModeFeed &feed;
     Array<f32, 3> rhs; // right-hand sides of all panels (NSYMD,0:1,NEQN)
+
+    explicit OuterPanel(const ModeFeed &modes) : feed(modes) {}
     [[nodiscard]] bool alloc(const RankineInput &in, int planes) {
         const int n = in.mesh.NEQN;
         return row.alloc(n, planes) && column.alloc(n, planes) && code.alloc(n) &&
@@ -24,38 +29,54 @@ struct OuterPanel {
     }
 };
 
+// Adds what the pairs of the chunk have to row and column of A, in the order of the pairs. False: an integral
+// has no value.
+bool add_chunk(const RankineInput &in, const Planes &planes, int A, OuterPanel &outer) {
+    if (!rankine_pairs(in, outer.chunk))
+        return false;
+    PairTargets &to = outer.targets;
+    to.plane = in.mesh.NEQN;
+    for (int i = 0; i < outer.chunk.count; ++i) {
+        const DirectedPair &pair = outer.chunk.pair[i];
+        const bool of_row = pair.field == A;
+        to.element[i] = of_row ? &outer.row(pair.source, 1) : &outer.column(pair.field, 1);
+        to.rhs[i] = in.opt.IRAD != -1 ? &outer.rhs(1, 0, pair.field) : nullptr;
+        if (of_row) {
+            std::uint16_t &code = outer.code(pair.source);
+            code = static_cast<std::uint16_t>(code + (outer.chunk.digit[i] << (3 * (pair.image - 1))));
+        }
+    }
+    scatter_terms(in, planes, outer.chunk, to);
+    outer.feed.add(outer.chunk, planes.levels, to);
+    outer.chunk.count = 0;
+    return true;
+}
+
 // All pairs of A with B = 1..A, both directions in one visit. False: an integral has no value.
 bool visit(const RankineInput &in, const Planes &planes, int A, OuterPanel &outer) {
-    const int n = in.mesh.NEQN;
     for (int p = 1; p <= planes.all(); ++p) {
         std::fill_n(&outer.row(1, p), A, 0.0f);
         std::fill_n(&outer.column(1, p), A, 0.0f);
     }
     pairs_of(in, A, outer.mask.data());
-    const auto rhs_of = [&](int panel) { return in.opt.IRAD != -1 ? &outer.rhs(1, 0, panel) : nullptr; };
     for (int B = 1; B <= A; ++B) {
         const int bits = outer.mask(B);
         const bool surface = (bits & PAIR_SURFACE) != 0;
-        int code = surface ? CODE_SURFACE : 0;
+        outer.code(B) = surface ? CODE_SURFACE : 0;
         for (int p = 1; p <= in.images.count; ++p) {
             if ((bits & (1 << (p - 1))) == 0)
                 continue;
-            const int m = in.sym.ISYMG[p];
-            RankineTerms terms;
-            if (!rankine_pair(in, A, B, p, surface, terms))
+            outer.chunk.add({A, B, p, surface});
+            if (A != B)
+                outer.chunk.add({B, A, p, surface});
+            if (outer.chunk.full() && !add_chunk(in, planes, A, outer))
                 return false;
-            code += terms.digit << (3 * (p - 1));
-            scatter_terms(in, planes, terms, m, {A, B, surface}, {&outer.row(B, 1), n}, rhs_of(A));
-            if (A == B)
-                continue;
-            if (!rankine_pair(in, B, A, p, surface, terms))
-                return false;
-            scatter_terms(in, planes, terms, m, {B, A, surface}, {&outer.column(B, 1), n}, rhs_of(B));
         }
-        outer.code(B) = static_cast<std::uint16_t>(code);
     }
+    if (!add_chunk(in, planes, A, outer))
+        return false;
     if ((outer.mask(A) & PAIR_SURFACE) == 0 && !in.dipole(A))
-        add_half_solid_angle(planes, {&outer.row(A, 1), n});
+        add_half_solid_angle(planes, {&outer.row(A, 1), in.mesh.NEQN});
     return true;
 }
 
@@ -72,17 +93,10 @@ bool write_records(const Planes &planes, int A, OuterPanel &outer, RecordFile &u
                            part(outer.column, 2, A - 1)}) &&
                unit.write({part(outer.row, 0, A), part(outer.row, 1, A), part(outer.row, 2, A)});
     };
-    for (int s = 1; s <= planes.classes; ++s) {
-        for (int k = 0; k < planes.levels; ++k) {
-            const int first = planes.first(s, k) + 1;
-            write(first, 1);
-            if (planes.source > 0)
-                write(first + planes.source, 1);
-            if (planes.normal > 0) {
-                write(first + planes.normal, 1);
-                write(first + planes.velocity, 3);
-            }
-        }
+    for (int p = 0; p < planes.all(); ++p) {
+        const int term = planes.list[static_cast<std::size_t>(p)].term;
+        if (term <= VELOCITY)
+            write(p + 1, term == VELOCITY ? 3 : 1);
     }
     return good && unit.write({bytes_of(outer.code.data(), A)});
 }
@@ -104,7 +118,8 @@ bool write_right_hand_sides(const RankineInput &in, OuterPanel &outer, RecordFil
 
 Status sweep(const RankineInput &in, RecordFile &rows, RecordFile &right_hand_sides) {
     const Planes planes(in.opt, in.sym);
-    OuterPanel outer;
+    const ModeFeed feed(in);
+    OuterPanel outer(feed);
     if (!outer.alloc(in, planes.all()))
         return MSGOUT(" RAM too small.  Allocation error in RANKIN ");
     for (int A = 1; A <= in.mesh.NEQN; ++A) {

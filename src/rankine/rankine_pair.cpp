@@ -1,7 +1,7 @@
 #include "rankine/rankine_pair.hpp"
 
 #include "base/simd.hpp"
-#include "rankine/panint.hpp"
+#include "rankine/panint_eight.hpp"
 #include "state/symmetry.hpp"
 
 #include <algorithm>
@@ -10,66 +10,255 @@ namespace {
 
 constexpr f32 FAR_AWAY = 1.0e15f; // coordinate of padding points; its square is finite
 
-f32 dot(const f32 *a, const f32 *b) {
-    return a[1] * b[1] + a[2] * b[2] + a[3] * b[3];
-}
+constexpr int SIZE = PairChunk::SIZE;
 
 // Where a term of a pair has its field point: the panel itself, or its image in the free surface or
 // in the bottom.
-enum class At { panel, free_surface, bottom };
+enum At { PANEL, FREE_SURFACE, BOTTOM, PLACES };
 
-// The sum of the terms of one pair, field panel F and source panel G.
-class PairSum {
+// Field points and source centroids of the pairs of a chunk.
+struct PairPlaces {
+    alignas(64) f32 x[SIZE], y[SIZE], z[SIZE]; // field panel at its image, not yet one in a horizontal plane
+    alignas(64) f32 cx[SIZE], cy[SIZE], cz[SIZE], reach[SIZE]; // of the source
+    alignas(64) f32 larger[SIZE];                              // the larger reach of the two
+    alignas(64) int far[PLACES][SIZE]; // 1: the multipoles stand for the source at the field point
+};
+
+void find_places(const RankineInput &in, const PairChunk &chunk, PairPlaces &at) {
+    const PairPoints &points = in.points;
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        const std::size_t F = static_cast<std::size_t>(pair.field) - 1;
+        const std::size_t G = static_cast<std::size_t>(pair.source) - 1;
+        at.x[i] = in.images.sx[pair.image - 1] * points.x[F];
+        at.y[i] = in.images.sy[pair.image - 1] * points.y[F];
+        at.z[i] = points.z[F];
+        at.cx[i] = points.x[G];
+        at.cy[i] = points.y[G];
+        at.cz[i] = points.z[G];
+        at.reach[i] = points.reach[G];
+        at.larger[i] = points.reach[F] > points.reach[G] ? points.reach[F] : points.reach[G];
+    }
+}
+
+// Height of a place of the field panel at z.
+[[gnu::always_inline]] inline f32 height(int place, f32 z, f32 HBOT) {
+    return place == PANEL ? z : place == FREE_SURFACE ? -z : -(2 * HBOT + z);
+}
+
+// The digits of the pairs, which tell the images that count, and which places are far. HBOT <= 0: no bottom.
+VORDA_SIMD void judge_places(int count, f32 HBOT, int ILOG, PairPlaces &at, int *digit) {
+    const int bottom = HBOT > 0 ? 4 : 0;
+#pragma omp simd
+    for (int i = 0; i < count; ++i) {
+        const f32 dx = at.x[i] - at.cx[i], dy = at.y[i] - at.cy[i];
+        const f32 dh2 = dx * dx + dy * dy, sum = at.z[i] + at.cz[i], below = 2 * HBOT + sum;
+        const f32 near2 = RKNEAR * at.larger[i];
+        const int image = dh2 + sum * sum < near2 ? ILOG + 2 : 1;
+        digit[i] = image + (dh2 + below * below <= near2 ? bottom : 0);
+    }
+    for (int place = 0; place < PLACES; ++place) {
+#pragma omp simd
+        for (int i = 0; i < count; ++i)
+            at.far[place][i] = is_far({at.x[i], at.y[i], height(place, at.z[i], HBOT)},
+                                      {at.cx[i], at.cy[i], at.cz[i]}, at.reach[i])
+                                   ? 1
+                                   : 0;
+    }
+}
+
+// Adds the terms of a chunk at one of the places, eight pairs at a time.
+class PlaceTerms {
   public:
-    PairSum(const RankineInput &in, int F, int G, int gradient, RankineTerms &t)
-        : in_(in), F_(F), G_(G), gradient_(gradient), t_(t) {}
+    PlaceTerms(const RankineInput &in, At place, const PairPlaces &places, PairChunk &chunk)
+        : in_(in), place_(place), logarithm_(place == FREE_SURFACE ? in.opt.ILOG : 0),
+          up_(place == PANEL ? 1.0f : -1.0f), places_(places), chunk_(chunk) {}
 
-    // Adds the term of field point P with field normal N; in the free surface with that of the logarithm.
-    // False: an integral has no value.
-    bool add(At at, const f32 *P, const f32 *N) {
-        const int logarithm = at == At::free_surface ? in_.opt.ILOG : 0;
-        FieldIntegrals f;
-        if (!evaluate(at, P, N, logarithm, f))
-            return false;
-        // The image in a horizontal plane turns the vertical.
-        const f32 vertical = at == At::panel ? 1.0f : -1.0f;
-        t_.D[0] += f.D;
-        t_.S[0] += f.S;
-        if (logarithm == 1) {
-            t_.D[1] = -2 * f.LZ;
-            t_.S[1] = -2 * f.L;
+    // The pairs `list`, all of them far or none, with gradient or not. False: an integral has no value.
+    bool add(const int *list, int count, bool far, int gradient) {
+        for (int first = 0; first < count; first += ABREAST) {
+            const int lanes = std::min(ABREAST, count - first);
+            PanelBatch batch;
+            for (int l = 0; l < ABREAST; ++l)
+                take_pair(list[first + (l < lanes ? l : 0)], l, batch);
+            if (gradient != 0)
+                for (int l = 0; l < ABREAST; ++l)
+                    take_normal(list[first + (l < lanes ? l : 0)], l);
+            FieldBatch f;
+            (far ? far_fields : near_fields)(batch, logarithm_, gradient, f);
+            for (int l = 0; l < lanes; ++l)
+                if (f.status[l] == 1)
+                    return false;
+            put(f, list + first, lanes, gradient);
         }
-        if (gradient_ == 0)
-            return true;
-        const bool dipole = in_.dipole(G_);
-        add_gradient(0, 1, vertical, dipole ? f.GD : f.GS, N);
-        if (logarithm == 1)
-            add_gradient(1, -2, vertical, dipole ? f.GLZ : f.GL, N);
+        return true;
+    }
+
+    // A pair with a dipole panel.
+    bool add_alone(int i, int gradient) {
+        PanelBatch batch;
+        take_pair(i, 0, batch);
+        take_normal(i, 0);
+        const f32 P[4] = {0, batch.P[1][0], batch.P[2][0], batch.P[3][0]};
+        const f32 N[4] = {0, N_[1][0], N_[2][0], N_[3][0]};
+        FieldIntegrals single{};
+        if (!evaluate(chunk_.pair[i], gradient, P, N, single))
+            return false;
+        const bool dipole = in_.dipole(chunk_.pair[i].source);
+        FieldBatch f{};
+        f.D[0] = single.D;
+        f.S[0] = single.S;
+        f.LZ[0] = single.LZ;
+        f.L[0] = single.L;
+        for (int c = 1; c <= 3; ++c) {
+            f.GS[c][0] = dipole ? single.GD[c] : single.GS[c];
+            f.GL[c][0] = dipole ? single.GLZ[c] : single.GL[c];
+        }
+        put(f, &i, 1, gradient);
         return true;
     }
 
   private:
-    // By the kinds of the panels.
-    bool evaluate(At at, const f32 *P, const f32 *N, int logarithm, FieldIntegrals &f) const {
-        const Panel &source = in_.panel(G_);
-        if (in_.dipole(F_))
-            return PANDNF(P, N, in_.dipoles.DEPS(F_), source, logarithm, f) != 1;
-        if (at == At::free_surface && in_.opt.ILOG != 0 && in_.dipole(G_))
-            return PANDPS(P, in_.dipoles.DEPS(G_), source, logarithm, gradient_, f) != 1;
-        return PANFLD(P, source, logarithm, gradient_, f) != 1;
+    // Put pair i into lane l.
+    void take_pair(int i, int l, PanelBatch &batch) const {
+        batch.panel[l] = &in_.panel(chunk_.pair[i].source);
+        batch.P[1][l] = places_.x[i];
+        batch.P[2][l] = places_.y[i];
+        batch.P[3][l] = height(place_, places_.z[i], in_.opt.HBOT);
     }
-    void add_gradient(int level, f32 factor, f32 vertical, const f32 *g, const f32 *N) {
-        t_.V[level][1] += factor * g[1];
-        t_.V[level][2] += factor * g[2];
-        t_.V[level][3] += factor * vertical * g[3];
-        t_.N[level] += factor * dot(N, g);
+    void take_normal(int i, int l) {
+        const DirectedPair &pair = chunk_.pair[i];
+        const f32 *normal = in_.panel(pair.field).TRM[3];
+        N_[1][l] = in_.images.sx[pair.image - 1] * normal[1];
+        N_[2][l] = in_.images.sy[pair.image - 1] * normal[2];
+        N_[3][l] = up_ * normal[3];
+    }
+
+    // By the kinds of the panels.
+    bool evaluate(const DirectedPair &pair, int gradient, const f32 *P, const f32 *N,
+                  FieldIntegrals &f) const {
+        const Panel &source = in_.panel(pair.source);
+        if (in_.dipole(pair.field))
+            return PANDNF(P, N, in_.dipoles.DEPS(pair.field), source, logarithm_, f) != 1;
+        if (place_ == FREE_SURFACE && in_.opt.ILOG != 0)
+            return PANDPS(P, in_.dipoles.DEPS(pair.source), source, logarithm_, gradient, f) != 1;
+        return PANFLD(P, source, logarithm_, gradient, f) != 1;
+    }
+
+    void put(const FieldBatch &f, const int *pairs, int lanes, int gradient) {
+        const auto add = [&](int level, int term, f32 factor, const f32 *value) {
+            f32 *to = chunk_.term[level][term];
+            for (int l = 0; l < lanes; ++l)
+                to[pairs[l]] += factor * value[l];
+        };
+        for (int level = 0; level <= logarithm_; ++level) {
+            const f32 factor = level == 0 ? 1.0f : -2.0f;
+            add(level, DIPOLE, factor, level == 0 ? f.D : f.LZ);
+            add(level, SOURCE, factor, level == 0 ? f.S : f.L);
+            if (gradient == 0)
+                continue;
+            const auto &G = level == 0 ? f.GS : f.GL;
+            f32 along[ABREAST];
+            for (int l = 0; l < ABREAST; ++l)
+                along[l] = N_[1][l] * G[1][l] + N_[2][l] * G[2][l] + N_[3][l] * G[3][l];
+            add(level, NORMAL, factor, along);
+            add(level, VELOCITY, factor, G[1]);
+            add(level, VELOCITY + 1, factor, G[2]);
+            add(level, VELOCITY + 2, factor * up_, G[3]); // a horizontal mirror turns the vertical
+        }
     }
 
     const RankineInput &in_;
-    int F_, G_;
-    int gradient_;
-    RankineTerms &t_;
+    At place_;
+    int logarithm_;
+    f32 up_;
+    const PairPlaces &places_;
+    PairChunk &chunk_;
+    alignas(32) f32 N_[4][ABREAST]; // field normals of the lanes
 };
+
+// The pairs with a dipole panel that have the place.
+bool add_dipoles(const RankineInput &in, const int *has, const PairChunk &chunk, PlaceTerms &terms) {
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        if (has[i] != 0 && (in.dipole(pair.field) || in.dipole(pair.source)) &&
+            !terms.add_alone(i, pair.surface ? 0 : in.opt.ISOR))
+            return false;
+    }
+    return true;
+}
+
+// The terms of all pairs that have the place.
+bool add_place(const RankineInput &in, At place, const PairPlaces &places, PairChunk &chunk) {
+    const int mask = place == BOTTOM ? 4 : 2; // of digit, of those that have it
+    int has[SIZE], any = 0;
+    for (int i = 0; i < chunk.count; ++i) {
+        has[i] = place == PANEL || (chunk.digit[i] & mask) != 0 ? 1 : 0;
+        any |= has[i];
+    }
+    if (any == 0)
+        return true;
+    PlaceTerms terms(in, place, places, chunk);
+    if (in.dipole_panels && !add_dipoles(in, has, chunk, terms))
+        return false;
+    // By kind: far or not; pairs in z = 0 have no gradient.
+    int list[4][SIZE], near = 0, far = 0, surface_near = 0, surface_far = 0;
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        const bool alone = in.dipole_panels && (in.dipole(pair.field) || in.dipole(pair.source));
+        const int one = alone ? 0 : has[i], is_surface = pair.surface ? one : 0, f = places.far[place][i];
+        list[0][near] = list[1][far] = list[2][surface_near] = list[3][surface_far] = i;
+        near += (one - is_surface) & (f ^ 1);
+        far += (one - is_surface) & f;
+        surface_near += is_surface & (f ^ 1);
+        surface_far += is_surface & f;
+    }
+    return terms.add(list[0], near, false, in.opt.ISOR) && terms.add(list[1], far, true, in.opt.ISOR) &&
+           terms.add(list[2], surface_near, false, 0) && terms.add(list[3], surface_far, true, 0);
+}
+
+// Nothing but what a panel has of itself.
+void start_terms(const RankineInput &in, PairChunk &chunk) {
+    const int terms = in.opt.ISOR == 1 ? static_cast<int>(PAIR_TERMS) : SOURCE + 1;
+    for (int level = 0; level <= in.opt.ILOG; ++level)
+        for (int term = 0; term < terms; ++term)
+            std::fill_n(chunk.term[level][term], chunk.count, 0.0f);
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        if (pair.field != pair.source || pair.image != 1 || in.dipole(pair.field))
+            continue;
+        for (int c = 0; c < 3; ++c)
+            chunk.term[0][VELOCITY + c][i] = PI2 * in.panel(pair.field).TRM[3][c + 1];
+    }
+}
+
+// The influence of pairs in z = 0.
+void mark_surface_pairs(const RankineInput &in, PairChunk &chunk) {
+    for (int i = 0; i < chunk.count; ++i) {
+        const DirectedPair &pair = chunk.pair[i];
+        if (!pair.surface)
+            continue;
+        for (auto &term : chunk.term) {
+            const f32 S = term[SOURCE][i];
+            term[DIPOLE][i] = static_cast<f32>(in.mesh.IFSP(pair.source)) * S;
+            term[NORMAL][i] = static_cast<f32>(in.mesh.IFSP(pair.field)) * S;
+            for (int c = 0; c < 3; ++c)
+                term[VELOCITY + c][i] = 0;
+        }
+    }
+}
+
+// Most pairs have no logarithm.
+void list_holders(int ILOG, PairChunk &chunk) {
+    int with_logarithm = 0;
+    for (int i = 0; i < chunk.count; ++i) {
+        chunk.holder[0][i] = i;
+        chunk.holder[1][with_logarithm] = i;
+        with_logarithm += (chunk.digit[i] & 3) > 1 ? ILOG : 0;
+    }
+    chunk.holders[0] = chunk.count;
+    chunk.holders[1] = with_logarithm;
+}
 
 } // namespace
 
@@ -86,6 +275,7 @@ RankineInput::RankineInput(const Options &options, const Mesh &the_mesh, const D
     points.size.assign(padded, 0.0f);
     points.reach.assign(padded, 0.0f);
     for (int i = 1; i <= N; ++i) {
+        dipole_panels = dipole_panels || dipole(i);
         panels.push_back(panel_of(mesh, i));
         const std::size_t at = static_cast<std::size_t>(i) - 1;
         points.x[at] = mesh.XCT(1, i);
@@ -108,45 +298,17 @@ void pairs_of(const RankineInput &in, int A, std::uint8_t *mask) {
         near_pairs(in.points, A - 1, in.images, mask);
 }
 
-bool rankine_pair(const RankineInput &in, int F, int G, int p, bool surface, RankineTerms &t) {
-    const Options &opt = in.opt;
-    const Panel &field = in.panel(F);
-    const Panel &source = in.panel(G);
-    const f32 sx = in.images.sx[p - 1], sy = in.images.sy[p - 1];
-    f32 P[4] = {0, sx * field.XCT[1], sy * field.XCT[2], field.XCT[3]};
-    f32 N[4] = {0, sx * field.TRM[3][1], sy * field.TRM[3][2], field.TRM[3][3]};
-    const f32 dx = P[1] - source.XCT[1], dy = P[2] - source.XCT[2];
-    const f32 dh2 = dx * dx + dy * dy;
-    const f32 sum = field.XCT[3] + source.XCT[3];
-    const f32 near2 = RKNEAR * std::max(field.region2, source.region2);
-
-    t = RankineTerms{};
-    if (F == G && p == 1 && !in.dipole(F))
-        for (int c = 1; c <= 3; ++c)
-            t.V[0][c] = PI2 * field.TRM[3][c];
-
-    PairSum terms(in, F, G, surface ? 0 : opt.ISOR, t);
-    if (!terms.add(At::panel, P, N))
-        return false;
+bool rankine_pairs(const RankineInput &in, PairChunk &chunk) {
+    start_terms(in, chunk);
+    PairPlaces places;
+    find_places(in, chunk, places);
+    judge_places(chunk.count, in.opt.HBOT, in.opt.ILOG, places, chunk.digit);
     if (in.tank())
-        return true;
-    t.digit = 1;
-
-    N[3] = -N[3]; // of both images in horizontal planes
-    if (dh2 + sum * sum < near2) {
-        P[3] = -field.XCT[3];
-        if (!terms.add(At::free_surface, P, N))
+        std::fill_n(chunk.digit, chunk.count, 0);
+    for (const At place : {PANEL, FREE_SURFACE, BOTTOM})
+        if (!add_place(in, place, places, chunk))
             return false;
-        t.digit = opt.ILOG + 2;
-    }
-
-    const f32 depth2 = 2 * opt.HBOT;
-    const f32 below = depth2 + sum;
-    if (opt.HBOT > 0 && dh2 + below * below <= near2) {
-        P[3] = -(depth2 + field.XCT[3]);
-        if (!terms.add(At::bottom, P, N))
-            return false;
-        t.digit += 4;
-    }
+    mark_surface_pairs(in, chunk);
+    list_holders(in.opt.ILOG, chunk);
     return true;
 }

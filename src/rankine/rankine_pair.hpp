@@ -16,6 +16,7 @@ struct RankineInput {
     std::vector<Panel> panels; // of all panels, panel NP at NP-1
     PairPoints points;
     PairImages images;
+    bool dipole_panels = false; // there are some
 
     RankineInput(const Options &options, const Mesh &the_mesh, const Dipoles &the_dipoles,
                  const Symmetry &symmetry);
@@ -26,20 +27,43 @@ struct RankineInput {
     bool tank() const { return opt.IRRX != 0; }
 };
 
-// Influence on field panel F, taken at its image, of source panel G. Level 0 holds the plain Rankine terms,
-// level 1 those that multiply the logarithm of the wave function. D dipole, S source, N normal derivative of
-// the source at the field panel, V its gradient (axes from 1).
-struct RankineTerms {
-    f32 D[2], S[2], N[2];
-    f32 V[2][4];
-    int digit; // octal digit of the pair code: 1 direct term, 2 and free-surface image, 3 and its logarithm;
-               // 4 added: bottom
+// A directed pair, the field panel taken at its image; `surface` tells that both panels lie in z = 0. Its
+// influence is then the source integral times a mark IFSP: on the potential that of the source panel, of
+// which the free-surface condition gives the normal velocity; on the normal velocity that of the field panel,
+// of which it gives the velocity that the source makes.
+struct DirectedPair {
+    int field, source;
+    int image; // place in the list of images, from 1
+    bool surface;
+};
+
+// Kinds of influence of the source panel on the field panel.
+enum PairTerm {
+    DIPOLE,   // integral of the normal derivative of 1/rho on the source panel
+    SOURCE,   // that of 1/rho
+    NORMAL,   // normal derivative of the source influence at the field panel
+    VELOCITY, // its gradient, three components from here
+    PAIR_TERMS = VELOCITY + 3
+};
+
+// Near pairs that are worked together. The terms of a pair do not depend on the other ones.
+struct PairChunk {
+    static constexpr int SIZE = 256;
+    int count = 0;
+    DirectedPair pair[SIZE];
+    int digit[SIZE]; // octal digit of the pair code: 1 direct term, 2 and free-surface image, 3 and its
+                     // logarithm; 4 added: bottom
+    // By level: 0 the plain Rankine terms, 1 those that multiply the logarithm of the wave function.
+    alignas(64) f32 term[2][PAIR_TERMS][SIZE];
+    int holder[2][SIZE], holders[2]; // pairs that have terms of the level, in order, and their number
+
+    bool full() const { return count >= SIZE - 1; } // room for both directions
+    void add(const DirectedPair &p) { pair[count++] = p; }
 };
 
 // The mask of near_pairs for field panel A, or that of a tank.
 void pairs_of(const RankineInput &in, int A, std::uint8_t *mask);
 
-// The terms of a near pair for the p-th image of the list; `surface` tells that both panels lie in z = 0. At
-// F = G, p = 1, V starts with the 2 pi of the panel itself. False: an integral has no value.
-[[nodiscard]] bool rankine_pair(const RankineInput &in, int F, int G, int p, bool surface,
-                                RankineTerms &terms);
+// Fills digits and terms of the pairs, those in z = 0 with the marks. At a panel and itself, the gradient
+// starts with its own 2 pi. False: an integral has no value.
+[[nodiscard]] bool rankine_pairs(const RankineInput &in, PairChunk &chunk);

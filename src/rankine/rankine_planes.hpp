@@ -3,23 +3,19 @@
 
 #include "rankine/rankine_pair.hpp"
 
-// Which planes there are.
-struct Planes {
-    int per_class;                // of one class and level
-    int source, normal, velocity; // place of the first of its kind, -1: absent; dipole is 0
-    int levels, classes;
+// What a plane holds: a term of the pairs in one class and level.
+struct PlaneTerm {
+    int term, level, cls; // class from 1
+};
 
-    Planes(const Options &opt, const Symmetry &sym) {
-        int next = 1;
-        source = keeps_source(opt) ? next++ : -1;
-        normal = opt.ISOR == 1 ? next++ : -1;
-        velocity = opt.ISOR == 1 ? next : -1;
-        per_class = next + (opt.ISOR == 1 ? 3 : 0);
-        levels = opt.ILOG + 1;
-        classes = sym.NSYMR;
-    }
-    int all() const { return per_class * levels * classes; }
-    int first(int s, int k) const { return ((s - 1) * levels + k) * per_class; }
+// Which planes there are, in the order of the store: per class and level the dipole, source and
+// normal-derivative influence and three components of the gradient, those that are kept.
+struct Planes {
+    std::vector<PlaneTerm> list;
+    int levels;
+
+    Planes(const Options &opt, const Symmetry &sym);
+    int all() const { return static_cast<int>(list.size()); }
 };
 
 // One element of all planes: the place in the first plane, and the distance from plane to plane.
@@ -28,19 +24,31 @@ struct PlaneElement {
     std::int64_t plane;
 };
 
-// A directed pair; `surface` tells that both panels lie in z = 0. Its influence is the source integral times
-// a mark IFSP: on the potential that of the source panel, of which the free-surface condition gives the
-// normal velocity; on the normal velocity that of the field panel, of which it gives the velocity that the
-// source makes.
-struct PanelPair {
-    int field, source;
-    bool surface;
+// Where the pairs of a chunk go: their elements in the first plane, the distance from plane to plane, and the
+// right-hand sides (NSYMD,0:1) of the field panels; null: no radiation.
+struct PairTargets {
+    std::int64_t plane;
+    f32 *element[PairChunk::SIZE];
+    f32 *rhs[PairChunk::SIZE];
 };
 
-// Adds the terms of image m to the element in all classes, and to the right-hand sides of the field panel rhs
-// (NSYMD,0:1); null: no radiation.
-void scatter_terms(const RankineInput &in, const Planes &planes, const RankineTerms &terms, int m,
-                   PanelPair pair, PlaneElement to, f32 *rhs);
+// The normal velocities by the places of their modes among the right-hand sides, and the signs of the modes
+// at the images. Dipole panels have none.
+class ModeFeed {
+  public:
+    explicit ModeFeed(const RankineInput &in);
+    // Adds velocity times source influence of the pairs to the right-hand sides, in the order of the pairs.
+    void add(const PairChunk &chunk, int levels, const PairTargets &to) const;
+
+  private:
+    int modes_, padded_;        // NSYMD; that in blocks of eight
+    std::vector<f32> velocity_; // (padded,NEQN)
+    std::vector<f32> sign_;     // (padded,0:4): image of the list
+};
+
+// Adds the terms of the pairs to their elements in all planes.
+void scatter_terms(const RankineInput &in, const Planes &planes, const PairChunk &chunk,
+                   const PairTargets &to);
 
 // The half solid angle that a panel has of itself; one in z = 0 or a dipole panel has none.
 void add_half_solid_angle(const Planes &planes, PlaneElement to);

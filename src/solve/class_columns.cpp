@@ -36,7 +36,7 @@ Status report_columns(const std::vector<RightHandSide> &columns) {
 // are the results.
 Status solve_directly(View<const c32, 2> LU, const int *IPIV, int n,
                       const std::vector<RightHandSide> &columns, int (&ITER)[2]) {
-    constexpr int GROUP = 4;
+    constexpr int GROUP = 8;
     const int count = static_cast<int>(columns.size());
     if (count == 0)
         return Status::ok;

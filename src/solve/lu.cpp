@@ -7,14 +7,20 @@
 
 namespace {
 
-constexpr int STRIP = 192; // as fast as one call of CGETRF here; narrower strips cost more packing
+// Columns of a strip: eight strips keep two cores busy to the end, and narrower ones cost more packing. The order
+// alone decides, so that a result does not depend on the number of cores.
+int strip_width(int n) {
+    constexpr int LEAST = 192, MOST = 512, STEP = 64;
+    return std::clamp((n / 8 + STEP - 1) / STEP * STEP, LEAST, MOST);
+}
 
 struct Factors {
     c32 *a;
     int n;
     int *ipiv; // while at work: pivots counted from the first row of their strip
+    int strip; // its columns
     c32 *at(int row, int column) const { return a + row + static_cast<std::int64_t>(column) * n; }
-    int width(int first) const { return std::min(STRIP, n - first); }
+    int width(int first) const { return std::min(strip, n - first); }
 };
 
 void factor_strip(const Factors &f, int k, int &singular_at) {
@@ -48,13 +54,13 @@ void update_strip(const Factors &f, int k, int j) {
 }
 
 void finish_strip(const Factors &f, int j) {
-    for (int k = j + STRIP; k < f.n; k += STRIP)
+    for (int k = j + f.strip; k < f.n; k += f.strip)
         swap_rows(f, k, j);
 }
 
 // The strips behind strip k are shared out; whoever has the next one factors it, too, while the others go on.
 void factor_all(const Factors &f, int &singular_at) {
-    const int strips = (f.n + STRIP - 1) / STRIP;
+    const int strips = (f.n + f.strip - 1) / f.strip;
     const bool share = omp_get_max_threads() > 1 && strips > 1;
     {
         const SerialBlas serial;
@@ -64,26 +70,26 @@ void factor_all(const Factors &f, int &singular_at) {
 #pragma omp parallel for schedule(dynamic, 1) if (share)
         for (int j = k + 1; j < strips; ++j) {
             const SerialBlas serial;
-            update_strip(f, k * STRIP, j * STRIP);
+            update_strip(f, k * f.strip, j * f.strip);
             if (j == k + 1)
-                factor_strip(f, j * STRIP, singular_at);
+                factor_strip(f, j * f.strip, singular_at);
         }
     }
 #pragma omp parallel for schedule(dynamic, 1) if (share)
     for (int j = 0; j < strips; ++j) {
         const SerialBlas serial;
-        finish_strip(f, j * STRIP);
+        finish_strip(f, j * f.strip);
     }
 }
 
 } // namespace
 
 Status LUFACT(View<c32, 2> A, int *IPIV, int n) {
-    const Factors f{A.data(), n, IPIV};
+    const Factors f{A.data(), n, IPIV, strip_width(n)};
     int singular_at = 0;
     if (n > 0)
         factor_all(f, singular_at);
     for (int i = 0; i < n; ++i)
-        IPIV[i] += i / STRIP * STRIP;
+        IPIV[i] += i / f.strip * f.strip;
     return singular_at == 0 ? Status::ok : Status::failed;
 }

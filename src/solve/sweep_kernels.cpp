@@ -18,25 +18,82 @@ VORDA_SIMD void subtract_column(int n, const c32 *column, const f32 (&y)[2], Spl
     }
 }
 
-VORDA_SIMD void subtract_four_columns(int n, const c32 *const (&column)[4], const f32 (&y)[8], Split v) {
-    const f32 *a = reinterpret_cast<const f32 *>(column[0]), *b = reinterpret_cast<const f32 *>(column[1]);
-    const f32 *c = reinterpret_cast<const f32 *>(column[2]), *d = reinterpret_cast<const f32 *>(column[3]);
-    const f32 ar = y[0], br = y[1], cr = y[2], dr = y[3];
-    const f32 ai = y[4], bi = y[5], ci = y[6], di = y[7];
-    f32 *vr = v.re, *vi = v.im;
+namespace {
+
+constexpr int RUN = 16;     // rows between calls for what is `ahead`
+constexpr int AHEAD_OF = 4; // vectors from which on the memory would wait for the products
+
+// VECTORS vectors side by side, so that the matrix is read and parted once for all of them.
+template <int VECTORS>
+[[gnu::always_inline]] inline void subtract_four(int n, const FourColumns &columns, const f32 (*y)[8],
+                                                 const Split *v) {
+    const f32 *a = reinterpret_cast<const f32 *>(columns.column[0]),
+              *b = reinterpret_cast<const f32 *>(columns.column[1]);
+    const f32 *c = reinterpret_cast<const f32 *>(columns.column[2]),
+              *d = reinterpret_cast<const f32 *>(columns.column[3]);
+    f32 *vr[VECTORS], *vi[VECTORS];
+    f32 yr[VECTORS][4], yi[VECTORS][4];
+    for (int k = 0; k < VECTORS; ++k) {
+        vr[k] = v[k].re;
+        vi[k] = v[k].im;
+        for (int j = 0; j < 4; ++j) {
+            yr[k][j] = y[k][j];
+            yi[k][j] = y[k][j + 4];
+        }
+    }
+    const auto rows = [&](int first, int end) __attribute__((always_inline)) {
 #pragma omp simd
-    for (int i = 0; i < n; ++i) {
-        f32 re = vr[i], im = vi[i];
-        re -= ar * a[2 * i] - ai * a[2 * i + 1];
-        im -= ar * a[2 * i + 1] + ai * a[2 * i];
-        re -= br * b[2 * i] - bi * b[2 * i + 1];
-        im -= br * b[2 * i + 1] + bi * b[2 * i];
-        re -= cr * c[2 * i] - ci * c[2 * i + 1];
-        im -= cr * c[2 * i + 1] + ci * c[2 * i];
-        re -= dr * d[2 * i] - di * d[2 * i + 1];
-        im -= dr * d[2 * i + 1] + di * d[2 * i];
-        vr[i] = re;
-        vi[i] = im;
+        for (int i = first; i < end; ++i) {
+            const f32 ar = a[2 * i], ai = a[2 * i + 1], br = b[2 * i], bi = b[2 * i + 1];
+            const f32 cr = c[2 * i], ci = c[2 * i + 1], dr = d[2 * i], di = d[2 * i + 1];
+#pragma GCC unroll 8
+            for (int k = 0; k < VECTORS; ++k) {
+                f32 re = vr[k][i], im = vi[k][i];
+                re = re - yr[k][0] * ar + yi[k][0] * ai;
+                im = im - yr[k][0] * ai - yi[k][0] * ar;
+                re = re - yr[k][1] * br + yi[k][1] * bi;
+                im = im - yr[k][1] * bi - yi[k][1] * br;
+                re = re - yr[k][2] * cr + yi[k][2] * ci;
+                im = im - yr[k][2] * ci - yi[k][2] * cr;
+                re = re - yr[k][3] * dr + yi[k][3] * di;
+                im = im - yr[k][3] * di - yi[k][3] * dr;
+                vr[k][i] = re;
+                vi[k][i] = im;
+            }
+        }
+    };
+    int i = 0;
+    for (; VECTORS >= AHEAD_OF && i + RUN <= n; i += RUN) {
+        for (const f32 *from : {a, b, c, d})
+            for (int line = 0; line < 2 * RUN; line += 16)
+                __builtin_prefetch(from + 2 * (columns.ahead + i) + line);
+        rows(i, i + RUN);
+    }
+    if (i < n)
+        rows(i, n);
+}
+
+} // namespace
+
+VORDA_SIMD void subtract_four_columns(int n, const FourColumns &columns, int vectors, const f32 (*y)[8],
+                                      const Split *v) {
+    switch (vectors) {
+    case 1:
+        return subtract_four<1>(n, columns, y, v);
+    case 2:
+        return subtract_four<2>(n, columns, y, v);
+    case 3:
+        return subtract_four<3>(n, columns, y, v);
+    case 4:
+        return subtract_four<4>(n, columns, y, v);
+    case 5:
+        return subtract_four<5>(n, columns, y, v);
+    case 6:
+        return subtract_four<6>(n, columns, y, v);
+    case 7:
+        return subtract_four<7>(n, columns, y, v);
+    default:
+        return subtract_four<8>(n, columns, y, v);
     }
 }
 

@@ -11,14 +11,12 @@ namespace {
 
 // Rows that are worked for all columns while four pieces of the matrix stay in the cache.
 constexpr int STRIP = 512;
+// Vectors that go through the kernel in one call.
+constexpr int TOGETHER = 8;
 // Columns that are eliminated one by one before the rest of their rows is brought up to date.
-constexpr int PANEL = 32;
+constexpr int PANEL = 48;
 // Products that are worth a call of the other cores.
 constexpr std::int64_t SHARED_WORK = 1 << 17;
-
-Split behind(Split v, int n) {
-    return {v.re + n, v.im + n};
-}
 
 // A vector that matrix columns are subtracted from, and their factors; rows and columns count from 0.
 struct Update {
@@ -27,20 +25,50 @@ struct Update {
 };
 using Updates = std::vector<Update>;
 
+// The rows of one strip of some vectors, close together and not a power of two apart: as they stand in memory
+// they would drive each other out of the cache.
+struct StripVectors {
+    alignas(64) f32 value[2 * TOGETHER][STRIP + 16];
+    Split v[TOGETHER];
+    StripVectors() {
+        for (int k = 0; k < TOGETHER; ++k)
+            v[k] = {value[2 * k], value[2 * k + 1]};
+    }
+};
+
+// Elements j.. of y as the factors of four columns; those of columns that are missing are 0.
+void take_factors(ConstSplit y, int j, int count, f32 (&factors)[8]) {
+    for (int c = 0; c < 4; ++c) {
+        factors[c] = c < count ? y.re[j + c] : 0.0f;
+        factors[c + 4] = c < count ? y.im[j + c] : 0.0f;
+    }
+}
+
+void copy(int n, ConstSplit from, Split to) {
+    std::copy_n(from.re, n, to.re);
+    std::copy_n(from.im, n, to.im);
+}
+
 // v -= A(:, b0..b1-1) y for the rows lo..hi-1 of one strip.
 void update_strip(const c32 *A, std::int64_t lead, int lo, int hi, int b0, int b1, const Updates &updates) {
-    for (int j = b0; j < b1 && lo < hi; j += 4) {
-        const c32 *column[4];
-        for (int c = 0; c < 4; ++c)
-            column[c] = A + lo + lead * std::min(j + c, b1 - 1);
-        for (const Update &u : updates) {
-            f32 y[8] = {};
-            for (int c = 0; c < 4 && j + c < b1; ++c) {
-                y[c] = u.y.re[j + c];
-                y[c + 4] = u.y.im[j + c];
-            }
-            subtract_four_columns(hi - lo, column, y, behind(u.v, lo));
+    StripVectors strip;
+    const int count = lo < hi ? static_cast<int>(updates.size()) : 0;
+    for (int first = 0; first < count; first += TOGETHER) {
+        const int vectors = std::min(TOGETHER, count - first);
+        const Update *u = updates.data() + first;
+        for (int k = 0; k < vectors; ++k)
+            copy(hi - lo, behind(u[k].v, lo), strip.v[k]);
+        for (int j = b0; j < b1; j += 4) {
+            FourColumns columns{{}, j + 8 <= b1 ? 4 * lead : 0};
+            f32 y[TOGETHER][8];
+            for (int c = 0; c < 4; ++c)
+                columns.column[c] = A + lo + lead * std::min(j + c, b1 - 1);
+            for (int k = 0; k < vectors; ++k)
+                take_factors(u[k].y, j, std::min(4, b1 - j), y[k]);
+            subtract_four_columns(hi - lo, columns, vectors, y, strip.v);
         }
+        for (int k = 0; k < vectors; ++k)
+            copy(hi - lo, strip.v[k], behind(u[k].v, lo));
     }
 }
 
@@ -146,18 +174,21 @@ void products(const Run &run, const std::vector<SweepColumn> &columns, Sums &sum
 
 // r -= the columns of the run times y of the rows behind the first L, per column.
 void subtract_run(const Run &run, int L, const std::vector<SweepColumn> &columns) {
+    const int all = static_cast<int>(columns.size());
     for (int from = 0; from < run.n; from += STRIP) {
-        const int count = std::min(STRIP, run.n - from);
-        const c32 *row[4];
+        FourColumns four;
         for (int a = 0; a < 4; ++a)
-            row[a] = run.row[a] + from;
-        for (const SweepColumn &c : columns) {
-            f32 y[8] = {};
-            for (int a = 0; a < run.height; ++a) {
-                y[a] = c.y.re[L + a];
-                y[a + 4] = c.y.im[L + a];
+            four.column[a] = run.row[a] + from;
+        for (int first = 0; first < all; first += TOGETHER) {
+            const int vectors = std::min(TOGETHER, all - first);
+            f32 y[TOGETHER][8];
+            Split r[TOGETHER];
+            for (int k = 0; k < vectors; ++k) {
+                const SweepColumn &c = columns[static_cast<std::size_t>(first + k)];
+                take_factors(c.y, L, run.height, y[k]);
+                r[k] = behind(c.r, from);
             }
-            subtract_four_columns(count, row, y, behind(c.r, from));
+            subtract_four_columns(std::min(STRIP, run.n - from), four, vectors, y, r);
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "state/memory_plan.hpp"
 
+#include "base/pages.hpp"
 #include "base/platform.hpp"
 #include "base/text.hpp"
 #include "state/messages.hpp"
@@ -88,6 +89,7 @@ std::int64_t lay_out_store(const Options &opt, const Symmetry &sym, int NEQN, st
         place(store.RKNM, {n, n, sym.NSYMR, planes});
         place(store.RKVM, {n, n, 3 * sym.NSYMR, planes});
     }
+    place(store.near_rows, {n, (NEQN + NEAR_GROUP - 1) / NEAR_GROUP});
     return used;
 }
 
@@ -96,6 +98,8 @@ Status allocate_store(const Options &opt, const Symmetry &sym, int NEQN, Rankine
     if (!store.block.alloc(bytes))
         return MSGOUT(" RAM too small ");
     (void)lay_out_store(opt, sym, NEQN, store.block.data(), store);
+    use_small_pages(store.block.data(),
+                    static_cast<std::size_t>(bytes)); // most pairs are far from each other
     list_line("  Memory allocation is done for influence coeff. matrices");
     list_line(" ");
     return Status::ok;

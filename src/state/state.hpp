@@ -202,6 +202,9 @@ constexpr std::int64_t pair_place(std::int64_t I) {
     return I * (I - 1) / 2;
 }
 
+constexpr int NEAR_ROWS = 16;              // of a piece of a Rankine column
+constexpr int NEAR_GROUP = 16 * NEAR_ROWS; // rows of a word of near_rows
+
 // The shared store of the Rankine influence, filled once per run; planes 0..ILOG. First index field panel.
 // The arrays lie in one block, so that the processes of a computer can share it.
 struct RankineStore {
@@ -213,6 +216,9 @@ struct RankineStore {
     View<f32, 4> RKNM;   // normal derivative of the source influence, ISOR=1 (NEQN,NEQN,NSYMR,0:ILOG)
     // Its gradient, ISOR=1: axis and class share the third index, 3 (s-1) + axis (NEQN,NEQN,3*NSYMR,0:ILOG).
     View<f32, 4> RKVM;
+    // Most pairs are far from each other, and their Rankine influence is 0 here. Bit k of near_rows(J,g)
+    // tells that column J holds something in rows NEAR_ROWS (16 (g-1) + k) + 1 to .. + NEAR_ROWS.
+    View<std::uint16_t, 2> near_rows;
     Array<std::byte, 1> block; // what the arrays lie in; empty when it belongs to somebody else
 };
 

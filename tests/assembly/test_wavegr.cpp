@@ -1,5 +1,6 @@
 // Truth: the definition, pair by pair in double precision: influence of the source panel = weights times the
 // Green function and its derivative along the source normal, summed over images with the signs of the class.
+#include "assembly/row_part.hpp"
 #include "assembly/tiles.hpp"
 #include "assembly/wavegr.hpp"
 
@@ -19,6 +20,8 @@ using Vector = std::array<double, 3>;
 struct Setting {
     int ISX, ISY, IQUAD, ILOG, ISCATT, ISOR;
     bool lid;
+    int least = TILE; // panels are more
+    f32 HBOT = -1;
 };
 
 struct Case {
@@ -39,9 +42,10 @@ void make_case(const Setting &setting, Case &c) {
     run.opt.ISCATT = setting.ISCATT;
     run.opt.ISOR = setting.ISOR;
     run.opt.IRAD = run.opt.IDIFF = 1;
-    run.opt.HBOT = -1;
+    run.opt.HBOT = setting.HBOT;
     run.memory.INCORE = true;
-    const hulls::Quads quarter = hulls::quarter_box(2.0, 1.4, -1.0, 0.0, 3, setting.lid);
+    const hulls::Quads quarter =
+        hulls::quarter_box(2.0, 1.4, -1.0, 0.0, setting.least > TILE ? 6 : 3, setting.lid);
     hulls::set_body(setting.ISX == 0 && setting.ISY == 0 ? hulls::mirrored(quarter) : quarter, run);
     ASSERT_EQ(hulls::pre_pass(run), Status::ok);
     for (int ip = 1; ip <= run.mesh.NEQN; ++ip)
@@ -56,7 +60,9 @@ void make_case(const Setting &setting, Case &c) {
                  failed(allocate_store(run.opt, run.sym, run.mesh.NEQN, run.store)) ||
                  failed(RANKIN(run.opt, run.bodies, run.mesh, run.dipoles, run.sym, run.store)) ||
                  failed(allocate_solution(run, c.thread)) || failed(ALLOCATE_WA(run, c.thread)));
-    c.wave = frequency_variables(WAVE_NUMBER, run.opt.HBOT, 1.0f);
+    f32 F = 1;
+    ASSERT_EQ(depth_state(WAVE_NUMBER, run.opt.HBOT, c.thread.gstate, F), Status::ok);
+    c.wave = frequency_variables(WAVE_NUMBER, run.opt.HBOT, F);
     INCWAV(run, WAVE_NUMBER, c.thread);
 }
 
@@ -75,7 +81,8 @@ struct Influence {
     c64 V[3];
     c64 E;
 };
-Influence wave_influence(const Case &c, int source, const Vector &field, int ISNG, bool surface) {
+Influence wave_influence(const Case &c, int source, const Vector &field, int selectors, bool surface) {
+    const int ISNG = selectors & 3, IBOT = selectors >> 2 & 1;
     const RunState &run = c.run;
     const double nu = static_cast<double>(c.wave.NU);
     const double offset = ISNG == 3 ? -2 * std::log(nu) : 0;
@@ -90,8 +97,8 @@ Influence wave_influence(const Case &c, int source, const Vector &field, int ISN
         const double dx = p[0] - field[0], dy = p[1] - field[1];
         const double d = std::hypot(dx, dy);
         f32 record[16];
-        VGRN1P(static_cast<f32>(nu * d), static_cast<f32>(-nu * p[2]), static_cast<f32>(-nu * field[2]), -1,
-               GSTATE(), ISNG, 0, record);
+        VGRN1P(static_cast<f32>(nu * d), static_cast<f32>(-nu * p[2]), static_cast<f32>(-nu * field[2]),
+               c.wave.HNU, c.thread.gstate, ISNG, IBOT, record);
         const c64 G = c64(record[0] + offset, record[1]);
         const c64 GR(record[2], record[3]), GZ(record[4], record[5]), GF(record[12], record[13]);
         const double h =
@@ -135,7 +142,7 @@ Influence coefficient(const Case &c, int I, int J, int s) {
                               SGY[g] * static_cast<double>(run.mesh.XCT(2, I)),
                               static_cast<double>(run.mesh.XCT(3, I))};
         const double sign = SGN[run.sym.ICLS[s]][g];
-        const Influence wave = wave_influence(c, J, field, (code >> (3 * m)) & 3, surface);
+        const Influence wave = wave_influence(c, J, field, code >> (3 * m) & 7, surface);
         sum.D += sign * wave.D;
         sum.S += sign * wave.S;
         // The real point's velocity is the mirror image of that of the imaged point.
@@ -160,7 +167,7 @@ TEST_P(WaveRows, EqualTheDefinition) {
     make_case(GetParam(), c);
     const RunState &run = c.run;
     const int N = run.mesh.NEQN;
-    ASSERT_GT(N, TILE);
+    ASSERT_GT(N, GetParam().least);
     ASSERT_EQ(WAVEGR(run, c.wave, c.thread), Status::ok);
     for (int s = 1; s <= run.sym.NSYMR; ++s) {
         double worst = 0;
@@ -202,6 +209,7 @@ INSTANTIATE_TEST_SUITE_P(Settings, WaveRows,
                          testing::Values(Setting{1, 1, 0, 0, 0, 0, false}, Setting{0, 0, 0, 0, 0, 1, false},
                                          Setting{1, 1, 0, 1, 1, 1, true}, Setting{1, 1, 1, 0, 1, 0, false},
                                          Setting{1, 1, 1, 1, 1, 1, true}, Setting{-1, 1, 0, 1, 1, 1, false},
-                                         Setting{0, 0, 1, 1, 1, 0, true}));
+                                         Setting{0, 0, 1, 1, 1, 0, true},
+                                         Setting{0, 0, 0, 1, 1, 1, true, PART, 1.6f}));
 
 } // namespace

@@ -1,6 +1,6 @@
 """Reads the exported files of a run as other programs do and compares them with the tables of vorda-p2f.
 
-readers.py CHECK BODIES MODES: in the folder of the run; BODIES bodies of MODES modes each.
+readers.py CHECK,CHECK... BODIES MODES: in the folder of the run; BODIES bodies of MODES modes each.
 """
 import csv
 import sys
@@ -8,7 +8,7 @@ import xml.etree.ElementTree as ET
 
 import numpy as np
 
-CHECK, BODIES, MODES = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
+CHECKS, BODIES, MODES = sys.argv[1].split(","), int(sys.argv[2]), int(sys.argv[3])
 ALL = BODIES * MODES
 RHO, G = 1000.0, 9.80665
 TABLE = 1e-6  # of the largest value: tables have nine digits; what is less than this they show as 0
@@ -361,4 +361,5 @@ def reader():
             raise AssertionError(name)
 
 
-globals()[CHECK]()
+for check in CHECKS:
+    globals()[check]()
