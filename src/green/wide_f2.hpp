@@ -214,6 +214,7 @@ template <bool SECOND> VORDA_WIDE void add_logarithm(Mask m, Lanes X, Lanes Y, L
 
 // Row and local variables of each lane; a NaN takes the second operand of min and max, and so a valid row.
 struct Place {
+    const Kinds &kind;
     Rows rows;
     Lanes t, v, slope; // slope: dv/dX
     Lanes xinv;        // of X > 3
@@ -236,7 +237,7 @@ VORDA_WIDE Place place_of(Lanes X, Lanes Y, const Kinds &kind) {
     const Lanes x3 = X * all(1 / 3.0f), a = x3 * x3;
     const Integers band_shallow = whole(_mm512_min_ps(_mm512_max_ps(Y, _mm512_setzero_ps()), all(3)));
     Integers band = band_shallow, half = _mm512_setzero_si512(); // half: as place_in_term
-    Place at{{}, Y - real(band_shallow), a, all(2 / 3.0f) * x3, all(0), x3, a};
+    Place at{kind, {}, Y - real(band_shallow), a, all(2 / 3.0f) * x3, all(0), x3, a};
     if (kind.deep != 0) {
         const Lanes over = all(16) / _mm512_max_ps(Y, all(4));
         const Integers band_deep = whole(_mm512_min_ps(over, all(3)));
@@ -263,9 +264,9 @@ VORDA_WIDE Place place_of(Lanes X, Lanes Y, const Kinds &kind) {
 }
 
 // Waves and imaginary parts, and the functions of X <= 3.
-VORDA_WIDE void waves(Lanes X, const Kinds &kind, const Place &at, Lanes exy, WaveLanes &wave, AxisLanes &axis) {
+VORDA_WIDE void waves(Lanes X, const Place &at, Lanes exy, WaveLanes &wave, AxisLanes &axis) {
     const Lanes zero = _mm512_setzero_ps();
-    const Mask far = kind.far;
+    const Mask far = at.kind.far;
     wave = {zero, zero, zero, zero};
     axis = {zero, zero, zero};
     if (far != 0xffff) {
@@ -283,8 +284,9 @@ VORDA_WIDE void waves(Lanes X, const Kinds &kind, const Place &at, Lanes exy, Wa
 
 // F2 with its derivatives; Y < 4 by the free-surface relation. `near`: its Q, V and, with the logarithm, L
 // and 1/(r1 + Y) are filled for the lanes that need them.
-VORDA_WIDE RealLanes real_lanes(Lanes X, Lanes Y, const Kinds &kind, const Place &at, const Distance &to, const TableLanes &p,
+VORDA_WIDE RealLanes real_lanes(Lanes X, Lanes Y, const Place &at, const Distance &to, const TableLanes &p,
                                 const WaveLanes &wave, const AxisLanes &axis, PointLanes &near) {
+    const Kinds &kind = at.kind;
     const Mask shallow = kind.shallow(), asked = shallow | kind.added;
     Lanes F = p.B - wave.W, FX = near.BX - wave.WX;
     if (asked != 0) { // ln(r1 + Y)
@@ -327,9 +329,9 @@ VORDA_WIDE void deep_lanes(Lanes X, Lanes Y, const Kinds &kind, Lanes (&re)[GREE
     const Lanes exy = exponential(-_mm512_min_ps(Y, all(MAX_DEPTH)));
     WaveLanes wave;
     AxisLanes axis;
-    waves(X, kind, at, exy, wave, axis);
+    waves(X, at, exy, wave, axis);
     PointLanes near{zero, zero, p.slope * at.slope, zero, zero, exy};
-    const RealLanes r = real_lanes(X, Y, kind, at, to, p, wave, axis, near);
+    const RealLanes r = real_lanes(X, Y, at, to, p, wave, axis, near);
 
     const Lanes n3 = _mm512_maskz_mov_ps(kind.image, to.i3);
     re[G_] = _mm512_mask_add_ps(r.F, kind.image, r.F, to.rinv);
