@@ -1,6 +1,7 @@
 // Speed of the Green function and of the wave-number derivative per point, as a ratio to one expf of the
 // vector library in the same run, and of the depth state of a period.
 #include "base/simd.hpp"
+#include "green/depth_heights.hpp"
 #include "green/regpar.hpp"
 #include "green/vgrn0.hpp"
 #include "green/vgrn98.hpp"
@@ -143,6 +144,57 @@ void finite_mixed_second(benchmark::State &bench) {
     run(bench, {0, 8, 0, 3, 20, 4}, GreenOrder::second);
 }
 
+// A row of the assembly: the panels of a box `length` by a quarter of it, strip by strip, their heights
+// given; the field point in its middle.
+void row_of_panels(benchmark::State &bench, float H, float length) {
+    constexpr int ALONG = 40;
+    const int n = static_cast<int>(bench.range(0));
+    std::vector<float> r(n), z(n), zeta(n, 0.15f * H), out(16 * n);
+    std::vector<int> ISNG(n), IBOT(n);
+    for (int i = 0; i < n; ++i) {
+        const float x = static_cast<float>(i % ALONG) / ALONG - 0.5f,
+                    y = static_cast<float>(i / ALONG) / static_cast<float>(n / ALONG) - 0.5f;
+        r[i] = length * std::hypot(x, 0.25f * y);
+        z[i] = 0.3f * H * (1 - 4 * y * y);
+        ISNG[i] = r[i] < 0.02f * length;
+    }
+    GreenArrays result;
+    for (int j = 0; j < GREEN_VALUES; ++j) {
+        result.re[j] = out.data() + 2 * j * n;
+        result.im[j] = out.data() + (2 * j + 1) * n;
+    }
+    GSTATE state;
+    float ratio = 1;
+    HeightFactors heights;
+    GreenWork work;
+    if (HGRN98(H, ratio, state) != 0 || !heights.make(n, z.data(), H, state) || !work.alloc(n))
+        return bench.SkipWithError("no state");
+    const GreenPoints points{n,
+                             r.data(),
+                             z.data(),
+                             zeta.data(),
+                             ISNG.data(),
+                             IBOT.data(),
+                             heights.points > 0 ? heights.value.data() : nullptr,
+                             heights.value.dim(1)};
+    const double start = cpu_time();
+    for (auto _ : bench) {
+        VGRN98(points, H, state, GreenOrder::first, work, result);
+        benchmark::ClobberMemory();
+    }
+    const double each = (cpu_time() - start) / (static_cast<double>(bench.iterations()) * n);
+    bench.counters["ns_per_point"] = 1e9 * each;
+}
+void finite_row(benchmark::State &bench) {
+    row_of_panels(bench, 4, 8);
+}
+void finite_row_long(benchmark::State &bench) {
+    row_of_panels(bench, 4, 32);
+}
+void finite_row_shallow(benchmark::State &bench) {
+    row_of_panels(bench, 0.5f, 5);
+}
+
 // The state of a period; the argument is 10 H.
 void depth_state(benchmark::State &bench) {
     GSTATE state;
@@ -261,6 +313,9 @@ BENCHMARK(finite_far)->Arg(2000);
 BENCHMARK(finite_mixed)->Arg(64)->Arg(200)->Arg(4000);
 BENCHMARK(finite_shallow)->Arg(64)->Arg(200)->Arg(4000);
 BENCHMARK(finite_mixed_second)->Arg(2000);
+BENCHMARK(finite_row)->Arg(1000);
+BENCHMARK(finite_row_long)->Arg(1000);
+BENCHMARK(finite_row_shallow)->Arg(200)->Arg(1000);
 BENCHMARK(wave_number_deep)->Arg(64)->Arg(2000);
 BENCHMARK(wave_number_near)->Arg(64)->Arg(2000);
 BENCHMARK(wave_number_near_deep)->Arg(2000);

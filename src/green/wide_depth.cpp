@@ -75,6 +75,11 @@ VORDA_WIDE void depth_lanes(const GSTATE &g, const DepthPoint &p, const Height &
     propagating<false, SECOND>(g, p.R, p.Y, z, zeta, re, im);
 }
 
+struct Water {
+    f32 H;
+    const GSTATE &g;
+};
+
 // Where the selectors of a point stand: each in an array of its own, or both in one number.
 struct Selectors {
     int ISNG_bits, IBOT_shift;
@@ -83,12 +88,13 @@ constexpr Selectors APART{-1, 0}, JOINED{0xff, 8};
 
 // All points, of one region. Lanes that are missing in the last block take the first point of it.
 template <Kernel KERNEL, bool SECOND>
-VORDA_WIDE_TARGET void work(const GreenPoints &p, Selectors selectors, f32 H, const GSTATE &g,
+VORDA_WIDE_TARGET void work(const GreenPoints &p, Selectors selectors, const Water &water, Height &last,
                             const GreenArrays &result) {
+    const auto &[H, g] = water;
+    Height z, zeta = last;
     const Integers ISNG_bits = _mm512_set1_epi32(selectors.ISNG_bits);
     const __m128i IBOT_shift = _mm_cvtsi32_si128(selectors.IBOT_shift);
     const Lanes mu = _mm512_maskz_loadu_ps(first_lanes(MODES), g.EVK);
-    Height z, zeta;
     for (int i = 0; i < p.n; i += LANES) {
         const Mask m = first_lanes(p.n - i);
         const Lanes Z = _mm512_mask_loadu_ps(all(p.Z[i]), m, p.Z + i),
@@ -116,6 +122,7 @@ VORDA_WIDE_TARGET void work(const GreenPoints &p, Selectors selectors, f32 H, co
             _mm512_mask_storeu_ps(result.im[VALUES[j]] + i, m, im[VALUES[j]]);
         }
     }
+    last = zeta;
 }
 
 // What is worked together: lanes of a group want the same parts of its kernel, or most of them. Any
@@ -130,23 +137,27 @@ enum Group {
 };
 
 template <bool SECOND>
-void work(int group, const GreenPoints &p, Selectors selectors, f32 H, const GSTATE &g,
+void work(int group, const GreenPoints &p, Selectors selectors, const Water &water, Height &last,
           const GreenArrays &result) {
     if (group <= NEAR_BEYOND)
-        work<NEAR, SECOND>(p, selectors, H, g, result);
+        work<NEAR, SECOND>(p, selectors, water, last, result);
     else if (group == DEEPER_GROUP)
-        work<DEEPER, SECOND>(p, selectors, H, g, result);
+        work<DEEPER, SECOND>(p, selectors, water, last, result);
     else
-        work<FAR, SECOND>(p, selectors, H, g, result);
+        work<FAR, SECOND>(p, selectors, water, last, result);
 }
 
-constexpr int CHUNK = 256, BLOCKS = CHUNK / LANES;
+constexpr int CHUNK = 512, BLOCKS = CHUNK / LANES;
 
 // The lanes of each group in the blocks of a chunk.
 struct Groups {
     Mask lanes[BLOCKS][GROUPS];
     int count[GROUPS];
 };
+
+int blocks(int points) {
+    return (points + LANES - 1) / LANES;
+}
 
 VORDA_WIDE_TARGET void group(const GreenPoints &p, f32 H, const GSTATE &g, Groups &groups) {
     for (int &count : groups.count)
@@ -169,10 +180,6 @@ VORDA_WIDE_TARGET void group(const GreenPoints &p, f32 H, const GSTATE &g, Group
     }
 }
 
-int blocks(int points) {
-    return (points + LANES - 1) / LANES;
-}
-
 // Joins two groups of one kernel when mixed blocks, a third dearer, are so much fewer.
 void join(Groups &groups, int n, int from, int to) {
     const int apart = blocks(groups.count[from]) + blocks(groups.count[to]),
@@ -187,25 +194,29 @@ void join(Groups &groups, int n, int from, int to) {
     groups.count[from] = 0;
 }
 
-// The points of a group side by side, and their values.
+// The points, those of a group side by side from a whole block on, and their values.
 struct Pack {
-    static constexpr int LENGTH = CHUNK + LANES; // a block is stored whole
+    static constexpr int LENGTH = CHUNK + GROUPS * LANES; // a block is stored whole
     alignas(64) f32 R[LENGTH], Z[LENGTH], ZETA[LENGTH];
     alignas(64) int selectors[LENGTH];
     alignas(64) f32 value[2 * GREEN_VALUES][LENGTH];
-    GreenPoints points(int n) const { return {n, R, Z, ZETA, selectors, selectors}; }
-    GreenArrays arrays() {
+    int first[GROUPS];
+    GreenPoints points(int group, int n) const {
+        const int i = first[group];
+        return {n, R + i, Z + i, ZETA + i, selectors + i, selectors + i};
+    }
+    GreenArrays arrays(int group) {
         GreenArrays a;
         for (int j = 0; j < GREEN_VALUES; ++j) {
-            a.re[j] = value[2 * j];
-            a.im[j] = value[2 * j + 1];
+            a.re[j] = value[2 * j] + first[group];
+            a.im[j] = value[2 * j + 1] + first[group];
         }
         return a;
     }
 };
 
 VORDA_WIDE_TARGET void pack(const GreenPoints &p, const Groups &groups, int group, Pack &to) {
-    int at = 0;
+    int at = to.first[group];
     for (int i = 0; i < p.n; i += LANES) {
         const Mask m = groups.lanes[i / LANES][group], any = first_lanes(p.n - i);
         if (m == 0)
@@ -225,10 +236,11 @@ VORDA_WIDE_TARGET void pack(const GreenPoints &p, const Groups &groups, int grou
 
 // Values of all groups to their places.
 template <bool SECOND>
-VORDA_WIDE_TARGET void unpack(const Groups &groups, const Pack (&packs)[GROUPS], int n,
-                              const GreenArrays &result) {
+VORDA_WIDE_TARGET void unpack(const Groups &groups, const Pack &pack, int n, const GreenArrays &result) {
     constexpr int COUNT = 2 * VALUES_OF<SECOND>;
-    int at[GROUPS] = {};
+    int at[GROUPS];
+    for (int c = 0; c < GROUPS; ++c)
+        at[c] = pack.first[c];
     for (int i = 0; i < n; i += LANES) {
         Lanes x[COUNT];
 #pragma GCC unroll 16
@@ -240,7 +252,7 @@ VORDA_WIDE_TARGET void unpack(const Groups &groups, const Pack (&packs)[GROUPS],
                 continue;
 #pragma GCC unroll 16
             for (int j = 0; j < COUNT; ++j) {
-                const f32 *from = packs[c].value[2 * VALUES[j / 2] + j % 2] + at[c];
+                const f32 *from = pack.value[2 * VALUES[j / 2] + j % 2] + at[c];
                 x[j] = _mm512_mask_expand_ps(x[j], m, _mm512_loadu_ps(from));
             }
             at[c] += __builtin_popcount(m);
@@ -253,28 +265,32 @@ VORDA_WIDE_TARGET void unpack(const Groups &groups, const Pack (&packs)[GROUPS],
 }
 
 template <bool SECOND>
-void depth_chunk(const GreenPoints &p, f32 H, const GSTATE &g, Pack (&packs)[GROUPS],
+void depth_chunk(const GreenPoints &p, const Water &water, Height &last, Pack &packed,
                  const GreenArrays &result) {
     Groups groups;
-    group(p, H, g, groups);
+    group(p, water.H, water.g, groups);
     join(groups, p.n, NEAR_BEYOND, NEAR_AXIS);
     join(groups, p.n, FEW_MODES, MANY_MODES);
     for (int c = 0; c < GROUPS; ++c) {
         if (groups.count[c] == p.n)
-            return work<SECOND>(c, p, APART, H, g, result);
+            return work<SECOND>(c, p, APART, water, last, result);
     }
+    int first = 0;
     for (int c = 0; c < GROUPS; ++c) {
+        packed.first[c] = first;
         if (groups.count[c] == 0)
             continue;
-        pack(p, groups, c, packs[c]);
-        work<SECOND>(c, packs[c].points(groups.count[c]), JOINED, H, g, packs[c].arrays());
+        first += padded(groups.count[c]);
+        pack(p, groups, c, packed);
+        work<SECOND>(c, packed.points(c, groups.count[c]), JOINED, water, last, packed.arrays(c));
     }
-    unpack<SECOND>(groups, packs, p.n, result);
+    unpack<SECOND>(groups, packed, p.n, result);
 }
 
 template <bool SECOND>
-void depth_points(const GreenPoints &p, f32 H, const GSTATE &g, const GreenArrays &result) {
-    Pack packs[GROUPS];
+void depth_points(const GreenPoints &p, const Water &water, const GreenArrays &result) {
+    Pack packed;
+    Height last; // of the source points
     for (int i = 0; i < p.n; i += CHUNK) {
         const int n = p.n - i < CHUNK ? p.n - i : CHUNK;
         GreenArrays to;
@@ -284,7 +300,7 @@ void depth_points(const GreenPoints &p, f32 H, const GSTATE &g, const GreenArray
         }
         depth_chunk<SECOND>({n, p.R + i, p.Z + i, p.ZETA + i, p.ISNG + i, p.IBOT + i,
                              p.heights != nullptr ? p.heights + i : nullptr, p.stride},
-                            H, g, packs, to);
+                            water, last, packed, to);
     }
 }
 
@@ -319,9 +335,9 @@ bool HeightFactors::make(int n, const f32 *Z, f32 H, const GSTATE &state) {
 void depth_wide(const GreenPoints &points, f32 H, const GSTATE &state, GreenOrder order,
                 const GreenArrays &result) {
     if (order == GreenOrder::second)
-        depth_points<true>(points, H, state, result);
+        depth_points<true>(points, {H, state}, result);
     else
-        depth_points<false>(points, H, state, result);
+        depth_points<false>(points, {H, state}, result);
 }
 
 #else

@@ -14,21 +14,24 @@
 
 namespace wide {
 
-// The row of each lane, from 0; rows 32 to 47 lie apart. Where all lanes are in one part its registers do.
-enum class Part { first, last, both };
+// The place of each lane's row (place_in_term). The rows of lanes of one half of the table are in two of its
+// three registers, those of X <= 3, Y < 4 in one.
+enum class Part { axis, shallow, deep, both };
 struct Rows {
     Integers at;
-    Mask last; // rows 32 to 47
+    Mask later, last; // place 16 or more, 32 or more
 };
 
 template <Part PART> struct Coefficients {
     const Rows &rows;
     VORDA_WIDE Lanes operator[](int term) const {
         const f32 *c = FTAB_BY_TERM.value[term];
-        if constexpr (PART == Part::last)
-            return _mm512_permutexvar_ps(rows.at, _mm512_load_ps(c + 2 * LANES));
+        if constexpr (PART == Part::axis)
+            return _mm512_permutexvar_ps(rows.at, _mm512_load_ps(c));
+        if constexpr (PART == Part::deep) // five bits of the place count
+            return _mm512_permutex2var_ps(_mm512_load_ps(c + 2 * LANES), rows.at, _mm512_load_ps(c + LANES));
         const Lanes any = _mm512_permutex2var_ps(_mm512_load_ps(c), rows.at, _mm512_load_ps(c + LANES));
-        if constexpr (PART == Part::first)
+        if constexpr (PART == Part::shallow)
             return any;
         return _mm512_mask_permutexvar_ps(any, rows.last, rows.at, _mm512_load_ps(c + 2 * LANES));
     }
@@ -64,10 +67,12 @@ template <Part PART> VORDA_WIDE TableLanes table(const Rows &rows, Lanes v, Lane
 }
 
 VORDA_WIDE TableLanes table(const Rows &rows, Lanes v, Lanes t) {
-    if (rows.last == 0xffff)
-        return table<Part::last>(rows, v, t);
+    if (rows.later == 0)
+        return table<Part::axis>(rows, v, t);
     if (rows.last == 0)
-        return table<Part::first>(rows, v, t);
+        return table<Part::shallow>(rows, v, t);
+    if (rows.later == 0xffff)
+        return table<Part::deep>(rows, v, t);
     return table<Part::both>(rows, v, t);
 }
 
@@ -130,7 +135,7 @@ struct TakenLanes {
 
 // Of the distance r1.
 struct Distance {
-    Lanes i2, rinv, i3, r1; // 1/r1^2, 1/r1, 1/r1^3, r1
+    Lanes i2, rinv, i3, r1; // 1/r1^2, 1/r1, 1/r1^3, r1, all 0 unless `apart`
     Mask apart;             // r1 above TINY_R1
 };
 
@@ -138,12 +143,11 @@ VORDA_WIDE Distance distance(Lanes X, Lanes Y) {
     Distance to;
     const Lanes r2 = fma(X, X, Y * Y);
     to.apart = _mm512_cmp_ps_mask(r2, all(TINY_R1 * TINY_R1), _CMP_GT_OQ);
-    to.i2 = _mm512_maskz_div_ps(to.apart, all(1), r2);
-    to.rinv = root(to.i2);
+    const Roots of = roots(select(to.apart, r2, all(1)));
+    to.i2 = _mm512_maskz_mov_ps(to.apart, of.inverse);
+    to.rinv = _mm512_maskz_mov_ps(to.apart, of.inverse_root);
     to.i3 = to.i2 * to.rinv;
-    // The root of r2, with one step for its last digit.
-    const Lanes about = r2 * to.rinv;
-    to.r1 = fma(fnma(about, about, r2), all(0.5f) * to.rinv, about);
+    to.r1 = _mm512_maskz_mov_ps(to.apart, of.root);
     return to;
 }
 
@@ -157,10 +161,9 @@ struct PointLanes {
 VORDA_WIDE TakenLanes taken_out(Lanes X, Lanes Y, const TableLanes &p, const AxisLanes &axis,
                                 const Distance &to, const PointLanes &at) {
     const auto &[Q, V, BX, L, sinv, exy] = at;
-    const Lanes r1 = _mm512_maskz_mov_ps(to.apart, to.r1);
-    const Lanes g = rest_of_decay(Y, exy), h = all(1) - g;
-    const Lanes M = fma(g, axis.J, -axis.Jm), px = X * to.rinv * sinv, smooth = fma(r1, p.B, -Q);
-    const Lanes any = fma(L, axis.W, fma(p.B, X * to.rinv, fma(r1, BX, -V))),
+    const Lanes g = decay(Y).rest, h = all(1) - g;
+    const Lanes M = fma(g, axis.J, -axis.Jm), px = X * to.rinv * sinv, smooth = fma(to.r1, p.B, -Q);
+    const Lanes any = fma(L, axis.W, fma(p.B, X * to.rinv, fma(to.r1, BX, -V))),
                 inner = _mm512_maskz_mov_ps(to.apart, any);
     return {fma(M, L, smooth * h), fma(M, px, inner * h), fma(axis.J, L, -smooth) * h,
             fma(axis.J, px, -inner) * h};
@@ -211,7 +214,7 @@ template <bool SECOND> VORDA_WIDE void add_logarithm(Mask m, Lanes X, Lanes Y, L
 
 // Row and local variables of each lane; a NaN takes the second operand of min and max, and so a valid row.
 struct Place {
-    Kinds kind;
+    const Kinds &kind;
     Rows rows;
     Lanes t, v, slope; // slope: dv/dX
     Lanes xinv;        // of X > 3
@@ -233,26 +236,30 @@ VORDA_WIDE Kinds kinds_of(Lanes X, Lanes Y, Integers ISNG) {
 VORDA_WIDE Place place_of(Lanes X, Lanes Y, const Kinds &kind) {
     const Lanes x3 = X * all(1 / 3.0f), a = x3 * x3;
     const Integers band_shallow = whole(_mm512_min_ps(_mm512_max_ps(Y, _mm512_setzero_ps()), all(3)));
-    Integers band = band_shallow;
+    Integers band = band_shallow, half = _mm512_setzero_si512(); // half: as place_in_term
     Place at{kind, {}, Y - real(band_shallow), a, all(2 / 3.0f) * x3, all(0), x3, a};
     if (kind.deep != 0) {
         const Lanes over = all(16) / _mm512_max_ps(Y, all(4));
         const Integers band_deep = whole(_mm512_min_ps(over, all(3)));
         band = _mm512_mask_sub_epi32(band, kind.deep, _mm512_set1_epi32(7), band_deep);
+        half = _mm512_mask_blend_epi32(kind.far, _mm512_set1_epi32(20), _mm512_set1_epi32(4));
+        half = _mm512_maskz_mov_epi32(kind.deep, half);
         at.t = select(kind.deep, over - real(band_deep), at.t);
     }
-    Integers row = _mm512_add_epi32(band, _mm512_set1_epi32(40));
+    Integers row = band;
     if (kind.far != 0) {
         const Lanes far_X = _mm512_max_ps(X, all(3)), xinv = all(1) / far_X, w_about = all(15) * xinv;
         const Lanes w = fma(fnma(w_about, far_X, all(15)), xinv, w_about); // 15/X to its last digit
         const Integers step = whole(_mm512_min_ps(w, all(4)));
         const Integers five = _mm512_add_epi32(_mm512_slli_epi32(band, 2), band);
-        row = _mm512_mask_sub_epi32(row, kind.far, _mm512_add_epi32(five, _mm512_set1_epi32(4)), step);
+        row = _mm512_mask_sub_epi32(row, kind.far, _mm512_add_epi32(five, _mm512_set1_epi32(8)), step);
         at.v = select(kind.far, w - real(step), at.v);
         at.slope = select(kind.far, all(-15) * xinv * xinv, at.slope);
         at.xinv = xinv;
     }
-    at.rows = {row, _mm512_cmpge_epi32_mask(row, _mm512_set1_epi32(2 * LANES))};
+    row = _mm512_add_epi32(row, half);
+    at.rows = {row, _mm512_cmpge_epi32_mask(row, _mm512_set1_epi32(LANES)),
+               _mm512_cmpge_epi32_mask(row, _mm512_set1_epi32(2 * LANES))};
     return at;
 }
 

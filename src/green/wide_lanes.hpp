@@ -8,6 +8,7 @@
 
 #include "base/types.hpp"
 
+#include <bit>
 #include <immintrin.h>
 
 #ifndef __clang__ // of the operands that GCC's header leaves undefined because they are not read
@@ -41,6 +42,17 @@ VORDA_WIDE Lanes select(Mask m, Lanes yes, Lanes no) {
 VORDA_WIDE Lanes root(Lanes x) {
     return _mm512_sqrt_ps(x);
 }
+// 1/x, its root and that of x, all but to the last digit: x > 0 and no end of the range, one Newton step from
+// 14 bits. That takes as many products as a root and a quotient, but the results come sooner.
+struct Roots {
+    Lanes inverse, inverse_root, root;
+};
+VORDA_WIDE Roots roots(Lanes x) {
+    const Lanes y = _mm512_rsqrt14_ps(x), y2 = y * y, half = all(0.5f) * y, s = x * y;
+    const Lanes e = fnma(x, y2, all(1));
+    return {fma(y2, e, y2), fma(half, e, y), fma(fnma(s, s, x), half, s)};
+}
+
 VORDA_WIDE Integers whole(Lanes x) {
     return _mm512_cvttps_epi32(x);
 }
@@ -60,39 +72,89 @@ template <int N> VORDA_WIDE Lanes polynomial(const f32 (&c)[N], Lanes x) {
     return first_terms<N>(&c[0], x);
 }
 
+// Of sixteen numbers, one for each lane by the last four bits of its place.
+VORDA_WIDE Lanes one_of(const f32 (&table)[LANES], Integers place) {
+    return _mm512_permutexvar_ps(place, _mm512_load_ps(table));
+}
+
+// The bits of 2^(j/16) less j at the fourth bit of the mantissa: adding 16 n + j there gives 2^(n + j/16).
+struct Sixteenths {
+    alignas(64) f32 value[LANES];
+    alignas(64) f32 excess[LANES]; // of their logarithms, by rounding
+};
+constexpr Sixteenths sixteenths() {
+    constexpr f32 POWERS[LANES] = {1.0f,        1.04427373f, 1.09050775f, 1.13878858f,
+                                   1.18920708f, 1.24185777f, 1.29683959f, 1.35425556f,
+                                   1.41421354f, 1.47682619f, 1.54221082f, 1.61049032f,
+                                   1.68179286f, 1.75625217f, 1.8340081f,  1.91520655f};
+    Sixteenths s{{},
+                 {0.0f, -4.628547e-08f, 1.199216e-08f, -4.729782e-08f, -3.193418e-08f, -3.621057e-08f,
+                  3.099072e-08f, 7.475213e-09f, -1.711427e-08f, 3.047683e-08f, -5.233334e-09f, -6.107592e-09f,
+                  1.471961e-08f, 5.258795e-09f, 6.128260e-09f, -5.140609e-09f}};
+    for (int j = 0; j < LANES; ++j)
+        s.value[j] = std::bit_cast<f32>(std::bit_cast<int>(POWERS[j]) - (j << 19));
+    return s;
+}
+inline constexpr Sixteenths SIXTEENTHS = sixteenths();
+
 constexpr f32 LN2_HEAD = 0.693359375f, LN2_TAIL = -2.12194440e-4f;
 
-// To 1e-7, x from -87 to 88: exp(x) = 2^n exp(rest), |rest| <= ln(2)/2. (The fit of this and of the
-// logarithm: Moshier, Cephes library.)
+// exp(x) = scale (1 + p), scale = 2^n, n in sixteenths, |p| < 0.022 (Tang 1989, ACM Transactions on
+// Mathematical Software 15); x from -87 to 88. A sum with 1.5 2^19 has its last bit at 1/16.
+struct Power {
+    Lanes scale, p;
+};
+VORDA_WIDE Power power(Lanes x) {
+    constexpr f32 SHIFT = 786432.0f;
+    const Lanes shifted = fma(x, all(1.44269504f), all(SHIFT)), n = shifted - all(SHIFT);
+    const Integers bits = _mm512_castps_si512(shifted);
+    const Lanes rest = fnma(n, all(LN2_TAIL), fnma(n, all(LN2_HEAD), x)) - one_of(SIXTEENTHS.excess, bits);
+    const Integers sixteenth = _mm512_castps_si512(one_of(SIXTEENTHS.value, bits));
+    return {_mm512_castsi512_ps(_mm512_add_epi32(sixteenth, _mm512_slli_epi32(bits, 19))),
+            fma(fma(all(0.166669925f), rest, all(0.500014661f)), rest * rest, rest)};
+}
+
+// To 7e-8.
 VORDA_WIDE Lanes exponential(Lanes x) {
-    constexpr f32 FIT[6] = {5.0000001201e-1f, 1.6666665459e-1f, 4.1665795894e-2f,
-                            8.3334519073e-3f, 1.3981999507e-3f, 1.9875691500e-4f};
-    const Lanes n = _mm512_roundscale_ps(x * all(1.44269504f), 0);
-    const Lanes rest = fnma(n, all(LN2_TAIL), fnma(n, all(LN2_HEAD), x));
-    const Lanes e = fma(polynomial(FIT, rest), rest * rest, rest) + all(1);
-    return _mm512_scalef_ps(e, n);
+    const Power e = power(x);
+    return fma(e.scale, e.p, e.scale);
 }
 
-// 1 - e, e = exp(-x), x >= 0, with its digits: below 0.5 the Taylor series, to 5e-9.
-VORDA_WIDE Lanes rest_of_decay(Lanes x, Lanes e) {
-    constexpr f32 SERIES[8] = {1.0f,       -1 / 2.0f,   1 / 6.0f,    -1 / 24.0f,
-                               1 / 120.0f, -1 / 720.0f, 1 / 5040.0f, -1 / 40320.0f};
-    const Mask low = _mm512_cmp_ps_mask(x, all(0.5f), _CMP_LT_OQ);
-    const Lanes rest = all(1) - e;
-    return low != 0 ? select(low, x * polynomial(SERIES, x), rest) : rest;
+// e = exp(-x) to 7e-8 and 1 - e to 1.6e-7 of itself, 0 <= x <= 87. Next to 0 the scale is 1; from 1/2 on its
+// difference from 1 is exact.
+struct Decay {
+    Lanes e, rest;
+};
+VORDA_WIDE Decay decay(Lanes x) {
+    const Power of = power(-x);
+    const Lanes e = fma(of.scale, of.p, of.scale);
+    const Mask exact = _mm512_cmp_ps_mask(of.scale, all(0.5f), _CMP_GE_OQ);
+    return {e, select(exact, fnma(of.scale, of.p, all(1) - of.scale), all(1) - e)};
 }
 
-// To 1e-7, x > 0: the mantissa is taken from sqrt(1/2) to sqrt(2).
+// c near 1/mantissa for the first four bits of a mantissa from 3/4 to 3/2, and -ln(c), which are
+// such that their rounding is lost; 1 next to 1.
+struct MantissaTable {
+    alignas(64) f32 c[LANES];
+    alignas(64) f32 ln[LANES];
+};
+inline constexpr MantissaTable MANTISSAS{
+    {1, 0.914255738f, 0.864864707f, 0.820512831f, 0.780458212f, 0.74415648f, 0.711086273f, 0.68082118f,
+     1.3061446f, 1.25490201f, 1.20757711f, 1.16362619f, 1.12277699f, 1.08474588f, 1.04915035f, 1},
+    {0, 0.0896449462f, 0.145182192f, 0.19782573f, 0.247874081f, 0.295503944f, 0.340961516f, 0.384455591f,
+     -0.267079741f, -0.227057487f, -0.188615963f, -0.151541159f, -0.115805067f, -0.0813457519f,
+     -0.0479806438f, 0}};
+
+// To 1.2e-7, x > 0: ln(x) = n ln(2) - ln(c) + ln(c mantissa). The factor 4/3 is rounded up, so that n is the
+// exponent that belongs to the mantissa.
 VORDA_WIDE Lanes logarithm(Lanes x) {
-    constexpr f32 FIT[9] = {3.3333331174e-1f,  -2.4999993993e-1f, 2.0000714765e-1f,
-                            -1.6668057665e-1f, 1.4249322787e-1f,  -1.2420140846e-1f,
-                            1.1676998740e-1f,  -1.1514610310e-1f, 7.0376836292e-2f};
-    const Lanes mantissa = _mm512_getmant_ps(x, _MM_MANT_NORM_1_2, _MM_MANT_SIGN_src);
-    const Mask high = _mm512_cmp_ps_mask(mantissa, all(1.41421356f), _CMP_GT_OQ);
-    const Lanes e = _mm512_getexp_ps(x), n = _mm512_mask_add_ps(e, high, e, all(1));
-    const Lanes f = _mm512_mask_mul_ps(mantissa, high, mantissa, all(0.5f)) - all(1), f2 = f * f;
-    const Lanes rest = fma(n, all(LN2_TAIL), polynomial(FIT, f) * (f * f2));
-    return fma(n, all(LN2_HEAD), f + fnma(all(0.5f), f2, rest));
+    constexpr f32 FIT[4] = {-0.500000022f, 0.333344693f, -0.250052305f, 0.1883056f};
+    const Lanes mantissa = _mm512_getmant_ps(x, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_src);
+    const Lanes n = _mm512_getexp_ps(x * all(1.33333337f));
+    const Integers place = _mm512_srli_epi32(_mm512_castps_si512(mantissa), 19);
+    const Lanes f = _mm512_fmsub_ps(mantissa, one_of(MANTISSAS.c, place), all(1));
+    const Lanes rest = fma(f * f, polynomial(FIT, f), f);
+    return fma(n, all(LN2_HEAD), fma(n, all(LN2_TAIL), one_of(MANTISSAS.ln, place)) + rest);
 }
 
 struct Turns {

@@ -18,31 +18,32 @@ constexpr int MODES = 5; // that die out
 struct Height {
     Lanes above;                // H - z
     bool common = false;        // one height for all lanes
-    f32 known = -1;             // the last one
+    f32 known = -1;             // the last common one
+    f32 known_turns = -1;       // that of c and s
     Lanes one, rest;            // 1 + e and 1 - e, e = exp(-2 k above)
-    f32 c[LANES], s[LANES];     // with `common`: cosine and sine of mu(n) above
+    f32 c[LANES], s[LANES];     // of a common height beyond R = H: cosine and sine of mu(n) above
     const f32 *given = nullptr; // columns of HeightFactors, `stride` apart
     std::int64_t stride = 0;
 };
 
 VORDA_WIDE void set_propagating(const GSTATE &g, Height &h) {
-    const Lanes x = all(g.RKTWO) * h.above, e = exponential(-_mm512_min_ps(x, all(MAX_EXPONENT)));
-    h.one = all(1) + e;
-    h.rest = rest_of_decay(x, e);
+    const Decay d = decay(_mm512_min_ps(all(g.RKTWO) * h.above, all(MAX_EXPONENT)));
+    h.one = all(1) + d.e;
+    h.rest = d.rest;
 }
 
 template <bool FAR> VORDA_WIDE void set_height(const GSTATE &g, Lanes mu, Lanes above, Height &h) {
     const f32 first = _mm512_cvtss_f32(above);
     h.above = above;
     h.common = _mm512_cmpeq_ps_mask(above, all(first)) == 0xffff;
-    if (h.common && first == h.known)
-        return;
-    set_propagating(g, h);
+    if (!h.common || first != h.known)
+        set_propagating(g, h);
     h.known = h.common ? first : -1.0f;
-    if (FAR && h.common) {
+    if (FAR && h.common && first != h.known_turns) {
         const Turns t = turns(mu * above);
         _mm512_storeu_ps(h.c, t.c);
         _mm512_storeu_ps(h.s, t.s);
+        h.known_turns = first;
     }
 }
 

@@ -13,7 +13,12 @@ constexpr int FTAB_DEGREE[7] = {5, 5, 4, 4, 3, 2, 1};
 // tells more.
 extern const f32 FTAB[FTAB_ROWS][FTAB_TERMS];
 
-// The same by terms, for processors that pick a coefficient of many points from registers.
+// The same by terms, for processors that pick a coefficient of many points from registers of 16: the rows of
+// Y < 4 come first, so that two registers of the three hold all of them, and two those of Y >= 4. Of either
+// half the first four places are those of X <= 3.
+constexpr int place_in_term(int row) { // both from 0
+    return row < 40 ? 4 + row + 4 * (row / 20) : row - 40 + 20 * ((row - 40) / 4);
+}
 struct FtabByTerm {
     alignas(64) f32 value[FTAB_TERMS][FTAB_ROWS];
 };
@@ -23,7 +28,7 @@ constexpr FtabByTerm by_term(const f32 (&rows)[FTAB_ROWS][FTAB_TERMS]) {
     FtabByTerm table{};
     for (int row = 0; row < FTAB_ROWS; ++row) {
         for (int term = 0; term < FTAB_TERMS; ++term)
-            table.value[term][row] = rows[row][term];
+            table.value[term][place_in_term(row)] = rows[row][term];
     }
     return table;
 }
