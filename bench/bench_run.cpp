@@ -103,6 +103,8 @@ BENCHMARK(whole_run)
     ->Args({22, 2, 1})
     ->Args({22, 2, 2})
     ->Args({22, 1, 2})
+    ->Args({16, 8, 2})
+    ->Args({22, 8, 2})
     ->Args({32, 8, 2})
     ->Iterations(1)
     ->Unit(benchmark::kSecond);
