@@ -191,7 +191,7 @@ bool add_dipoles(const RankineInput &in, const int *has, const PairChunk &chunk,
 // The terms of all pairs that have the place.
 bool add_place(const RankineInput &in, At place, const PairPlaces &places, PairChunk &chunk) {
     const int mask = place == BOTTOM ? 4 : 2; // of digit, of those that have it
-    int has[SIZE], any = 0;
+    int has[SIZE] = {}, any = 0;
     for (int i = 0; i < chunk.count; ++i) {
         has[i] = place == PANEL || (chunk.digit[i] & mask) != 0 ? 1 : 0;
         any |= has[i];

@@ -183,10 +183,10 @@ void subtract_run(const Run &run, int L, const std::vector<SweepColumn> &columns
             const int vectors = std::min(TOGETHER, all - first);
             f32 y[TOGETHER][8];
             Split r[TOGETHER];
+            const SweepColumn *c = columns.data() + first;
             for (int k = 0; k < vectors; ++k) {
-                const SweepColumn &c = columns[static_cast<std::size_t>(first + k)];
-                take_factors(c.y, L, run.height, y[k]);
-                r[k] = behind(c.r, from);
+                take_factors(c[k].y, L, run.height, y[k]);
+                r[k] = behind(c[k].r, from);
             }
             subtract_four_columns(std::min(STRIP, run.n - from), four, vectors, y, r);
         }
