@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -106,6 +107,12 @@ std::string unv_fault(const std::string &text) {
     return marks < 2 || marks % 2 != 0 ? "its end is missing: it is truncated" : "";
 }
 
+// A number of lines that a file tells, whatever stands there.
+std::int64_t lines_told(double n) {
+    constexpr double MOST = 1e15; // more than any file has
+    return n > 0 ? static_cast<std::int64_t>(std::ceil(std::min(n, MOST))) : 0;
+}
+
 // The blocks of a Gmsh text of version 4: behind the counts of a section each has a line of four numbers, the
 // last of which says how many lines follow, for nodes twice that: their tags, then their places.
 std::string block_fault(const std::string &text, const char *section, int lines_each) {
@@ -118,12 +125,12 @@ std::string block_fault(const std::string &text, const char *section, int lines_
     (void)std::getline(in, line);
     (void)std::getline(in, line);
     std::istringstream(line) >> blocks;
-    for (double b = 0; b < blocks; ++b) {
+    for (std::int64_t left = lines_told(blocks); left > 0; --left) {
         double skipped;
         if (!std::getline(in, line) || !(std::istringstream(line) >> skipped >> skipped >> skipped >> n))
             return "the head of a block behind " + std::string(section) +
                    " is missing: it is broken or truncated";
-        for (double i = 0; i < lines_each * n; ++i)
+        for (std::int64_t lines = lines_told(lines_each * n); lines > 0; --lines)
             if (!std::getline(in, line) || line[0] == '$')
                 return too_many(n, text.size());
     }
@@ -170,7 +177,7 @@ std::string header_fault(const MeshFormat &format, const std::string &path) {
     if (text.empty())
         return "it is empty, or cannot be read";
     for (const MeshPromise &promise : format.promises)
-        if (const std::string fault = promise_fault(text, promise); !fault.empty())
+        if (std::string fault = promise_fault(text, promise); !fault.empty())
             return fault;
     if (text.find(format.end) == std::string::npos)
         return "its end is missing: it is truncated";
