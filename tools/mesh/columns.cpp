@@ -151,7 +151,7 @@ std::string moonpool(const Sizes &s, Panels &quarter) {
 // Two pontoons along x with round columns. The top of a pontoon is divided around each column out to a square
 // of its beam.
 std::string semisubmersible(const Sizes &s, Panels &quarter) {
-    if (const std::string wrong = wrong_columns(s); !wrong.empty())
+    if (std::string wrong = wrong_columns(s); !wrong.empty())
         return wrong;
     const double half = s.beam / 2, y = s.distance / 2, top = s.draft - s.height, size = half / s.nu;
     const Spacing to{s.cosine};
