@@ -22,11 +22,11 @@ struct WaveRow {
     Split SPR, DPR, SPC, DPC;
     bool velocities = false; // VPR and VPC are formed
     Split VPR[3], VPC[3];
-    // Full records of the Green function are formed, for pairs with a dipole panel; `green` has 16 columns then,
-    // else 8.
+    // Full records of the Green function are formed, for pairs with a dipole panel; `green` has 16 columns
+    // then, else 8.
     bool second = false;
     bool records = false; // they are formed for the part at work
-    bool tank = false; // a filled tank: no wave term
+    bool tank = false;    // a filled tank: no wave term
     [[nodiscard]] bool alloc(int NEQN, int NSYMG, const Options &opt, bool dipoles);
     void set_ordinary();
     // The record of point p, from 0, in the order of GreenValue.

@@ -7,8 +7,8 @@
 
 namespace {
 
-// Columns of a strip: eight strips keep two cores busy to the end, and narrower ones cost more packing. The order
-// alone decides, so that a result does not depend on the number of cores.
+// Columns of a strip: eight strips keep two cores busy to the end, and narrower ones cost more packing. The
+// order alone decides, so that a result does not depend on the number of cores.
 int strip_width(int n) {
     constexpr int LEAST = 192, MOST = 512, STEP = 64;
     return std::clamp((n / 8 + STEP - 1) / STEP * STEP, LEAST, MOST);
