@@ -35,7 +35,7 @@ struct WaveRow {
 
 // With a dipole panel as field panel S and D are derivatives along its normal, and the velocity of a source
 // on one is that of a dipole. Forms SPR, DPR, with ISOR=1 VPR, and SPC, DPC, VPC (J < I) for all images.
-// `code` holds the pair codes of the part; EB, EFR, EFC are set. Failed: an image has no value at infinite
-// frequency.
+// `code` holds the pair codes of the part; EB, EFR, EFC are set. Failed: at infinite frequency an image has
+// no value.
 [[nodiscard]] Status wave_coefficients(const AssemblyFrame &frame, const RowPart &part,
                                        const std::uint16_t *code, WaveRow &row);

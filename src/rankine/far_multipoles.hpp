@@ -188,8 +188,8 @@ template <int P> struct LogDerivatives {
     }
 };
 
-// Second-order multipole of ln(R + k . x): m1 g + M : gg / 2 with the second area moments M, and its
-// derivatives.
+// Second-order multipole of ln(R + k . x) and its derivatives: m1 g + M : gg / 2 with the second area
+// moments M.
 template <int P>
 [[gnu::always_inline]] inline void logarithm(const Lanes<P> &p, int order, LaneIntegrals<P, f32> &out) {
     const LogDerivatives<P> d(p);

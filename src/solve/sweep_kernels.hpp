@@ -9,8 +9,8 @@
 
 // v[i] -= y column[i]; y is a real part and an imaginary part.
 void subtract_column(int n, const c32 *column, const f32 (&y)[2], Split v);
-// Four columns, and how far behind their elements those stand that are wanted next: asked of the memory
-// meanwhile.
+// Four columns, and how far behind their elements those stand that are wanted next; the memory is asked for
+// them meanwhile.
 struct FourColumns {
     const c32 *column[4];
     std::int64_t ahead = 0;
