@@ -43,7 +43,7 @@ std::int64_t rows_memory(const RunState &run, int cores) {
     const std::int64_t points = run.opt.IQUAD == 1 ? 4 : run.sym.NSYMG;
     // Numbers of 4 bytes, for each panel: of the frame, of a tile of one core, and of a part of its row.
     const std::int64_t frame = 27 + run.sym.NSYMD + 2 * headings;
-    const std::int64_t tile = (TILE + 1) * classes * (2 * (1 + 4 * velocities) + 1);
+    const std::int64_t tile = 1 + (TILE + 1) * classes * (2 * (1 + 4 * velocities) + 1);
     const std::int64_t row = points * (11 + (run.dipoles.IDIPOL ? 16 : 8)) +
                              run.sym.NSYMG * (8 + 12 * velocities) + 3 + 8 + 12 * velocities;
     // A block has the rows up to its last one: half of all on the average.

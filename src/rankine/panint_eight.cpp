@@ -71,25 +71,23 @@ template <class Real> [[gnu::always_inline]] inline void single(const Real (&fro
 template <class Real>
 [[gnu::always_inline]] inline void to_fields(const Frames &frames, const LaneIntegrals<P, Real> &I, int ILOGF,
                                              int IGRAD, FieldBatch &out) {
-    alignas(32) Single x, y, z;
-    single(I.D, 1, out.D);
-    single(I.S, 1, out.S);
-    if (IGRAD != 0) {
-        single(I.SX, 1, x);
-        single(I.SY, 1, y);
-        single(I.D, -1, z);
-        frames.to_global(x, y, z, out.GS);
-    }
-    if (ILOGF == 0)
-        return;
-    single(I.LZ, 1, out.LZ);
-    single(I.L, 1, out.L);
-    if (IGRAD != 0) {
-        single(I.LX, 1, x);
-        single(I.LY, 1, y);
-        single(I.LZ, -1, z);
-        frames.to_global(x, y, z, out.GL);
-    }
+    // A value, minus its Z derivative and its other two.
+    const auto family = [&](const Real(&value)[P], const Real(&minus_z)[P], const Real(&by_x)[P],
+                            const Real(&by_y)[P], Single &to, Single &to_z, Single *gradient)
+        __attribute__((always_inline)) {
+        single(value, 1, to);
+        single(minus_z, 1, to_z);
+        if (IGRAD == 0)
+            return;
+        alignas(32) Single x, y, z;
+        single(by_x, 1, x);
+        single(by_y, 1, y);
+        single(minus_z, -1, z);
+        frames.to_global(x, y, z, gradient);
+    };
+    family(I.S, I.D, I.SX, I.SY, out.S, out.D, out.GS);
+    if (ILOGF != 0)
+        family(I.L, I.LZ, I.LX, I.LY, out.L, out.LZ, out.GL);
 }
 
 } // namespace
